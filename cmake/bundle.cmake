@@ -1,0 +1,32 @@
+# Stages Vell.app in the build directory as it is installed.
+
+set(VELL_BUNDLE ${CMAKE_BINARY_DIR}/Vell.app/Contents)
+configure_file(${PROJECT_SOURCE_DIR}/app/Info.plist.in ${VELL_BUNDLE}/Info.plist @ONLY)
+
+set_target_properties(vell PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VELL_BUNDLE}/Helpers)
+set_target_properties(vell-headless PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VELL_BUNDLE}/MacOS)
+
+# Start-up is most of a short command. A shared C++ runtime would cost more than the whole run does; the shared
+# mathematics of which the schema validator needs one function, and moving the program to a random address, a tenth
+# each; further segments, a page fault or two.
+target_link_options(vell PRIVATE ${VELL_LTO_LINK})
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT VELL_SANITIZE)
+  target_link_options(vell PRIVATE -static-libstdc++ -static-libgcc -no-pie -Wl,-z,noseparate-code -Wl,--gc-sections -Wl,--as-needed)
+  target_link_libraries(vell_mcp PRIVATE $<$<CONFIG:Release>:-l:libm.a>)
+endif()
+# The script engine brings the shared runtime into vell-headless; two of them must not meet in one process.
+target_link_options(vell-headless PRIVATE ${VELL_LTO_LINK})
+
+# The man page, the types that scripts find, and the completion scripts that vell writes from its command tree.
+configure_file(${PROJECT_SOURCE_DIR}/docs/man/vell.1 ${VELL_BUNDLE}/Resources/man/man1/vell.1 COPYONLY)
+configure_file(${PROJECT_SOURCE_DIR}/docs/vell.d.ts ${VELL_BUNDLE}/Resources/scripting/vell.d.ts COPYONLY)
+set(completions ${VELL_BUNDLE}/Resources/completions)
+add_custom_command(OUTPUT ${completions}/vell.bash ${completions}/_vell ${completions}/vell.fish
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${completions}
+  COMMAND vell --generate-completion-script bash > ${completions}/vell.bash
+  COMMAND vell --generate-completion-script zsh > ${completions}/_vell
+  COMMAND vell --generate-completion-script fish > ${completions}/vell.fish
+  DEPENDS vell VERBATIM)
+add_custom_target(vell_completions ALL DEPENDS ${completions}/vell.bash)
+
+install(DIRECTORY ${CMAKE_BINARY_DIR}/Vell.app DESTINATION . USE_SOURCE_PERMISSIONS)

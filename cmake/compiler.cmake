@@ -1,0 +1,47 @@
+# Language level, warnings, sanitizers and link-time optimisation for every target of ours.
+
+set(CMAKE_CXX_STANDARD 20)
+set(CMAKE_CXX_STANDARD_REQUIRED ON)
+set(CMAKE_CXX_EXTENSIONS OFF)
+set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
+set(CMAKE_POSITION_INDEPENDENT_CODE ON)
+
+set(VELL_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
+
+find_program(CCACHE_PROGRAM ccache)
+if(CCACHE_PROGRAM)
+  set(CMAKE_C_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+  set(CMAKE_CXX_COMPILER_LAUNCHER ${CCACHE_PROGRAM})
+endif()
+
+add_library(vell_options INTERFACE)
+target_include_directories(vell_options INTERFACE ${PROJECT_SOURCE_DIR})
+target_include_directories(vell_options SYSTEM BEFORE INTERFACE ${PROJECT_SOURCE_DIR}/cmake/lean)
+target_compile_options(vell_options INTERFACE
+  -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
+  -ffunction-sections -fdata-sections)
+# When it optimises, GCC takes `"text" + std::string()` for overlapping copies (its bug 105651) and an
+# empty std::optional for an uninitialised value (80635).
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(vell_options INTERFACE -Wno-restrict -Wno-maybe-uninitialized)
+endif()
+
+if(VELL_SANITIZE)
+  add_compile_options(-fsanitize=${VELL_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
+  add_link_options(-fsanitize=${VELL_SANITIZE})
+  if(VELL_SANITIZE STREQUAL "thread" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+    add_compile_options(-Wno-tsan)  # asio's fences, which the sanitizer does not follow
+  endif()
+endif()
+
+# The shipped executables are optimised across files; the tests link the same objects without
+# that step, so a release object carries both forms.
+if(CMAKE_BUILD_TYPE STREQUAL "Release" AND CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
+  target_compile_options(vell_options INTERFACE -flto=auto -ffat-lto-objects)
+  set(VELL_LTO_LINK -flto=auto)
+  set(VELL_NO_LTO_LINK -fno-lto)
+elseif(CMAKE_BUILD_TYPE STREQUAL "Release")
+  target_compile_options(vell_options INTERFACE -flto=thin)
+  set(VELL_LTO_LINK -flto=thin)
+  set(VELL_NO_LTO_LINK -flto=thin)
+endif()

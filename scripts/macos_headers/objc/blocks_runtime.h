@@ -1,0 +1,1 @@
+// GNUstep's headers include this name; a syntax check needs nothing from it.

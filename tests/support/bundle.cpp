@@ -1,0 +1,28 @@
+#include "tests/support/bundle.h"
+
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+#include <thread>
+
+namespace vell::tests {
+
+namespace fs = std::filesystem;
+
+Bundle::Bundle(const std::string& script, const std::string& executable) {
+  directory_.write("Vell.app/Contents/Info.plist",
+                   R"(<plist version="1.0"><dict><key>CFBundleExecutable</key><string>)" + executable +
+                       "</string></dict></plist>");
+  const std::string app =
+      directory_.write("Vell.app/Contents/MacOS/app", "#!/bin/sh\ndir=${0%/Vell.app/*}\n" + script);
+  fs::permissions(app, fs::perms::owner_all);
+}
+
+std::string Bundle::await(const std::string& name) const {
+  while (!fs::exists(directory_ / name)) std::this_thread::yield();
+  std::ostringstream content;
+  content << std::ifstream(directory_ / name).rdbuf();
+  return content.str();
+}
+
+}  // namespace vell::tests

@@ -1,0 +1,46 @@
+#include "tests/support/temporary_directory.h"
+
+#include <stdlib.h>  // NOLINT: mkdtemp and setenv are POSIX
+
+#include <fstream>
+#include <stdexcept>
+
+#include "platform/container.h"
+
+namespace vell::tests {
+
+namespace fs = std::filesystem;
+
+TemporaryDirectory::TemporaryDirectory() {
+  std::string name = (fs::temp_directory_path() / "vell-XXXXXX").string();
+  if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
+  path_ = fs::canonical(name);
+}
+
+TemporaryDirectory::~TemporaryDirectory() {
+  std::error_code ignored;
+  fs::remove_all(path_, ignored);
+}
+
+std::string TemporaryDirectory::write(const std::string& name, std::string_view content) const {
+  const fs::path file = path_ / name;
+  fs::create_directories(file.parent_path());
+  std::ofstream(file, std::ios::binary) << content;
+  return file.string();
+}
+
+TemporaryHome::TemporaryHome() {
+  if (const char* home = getenv("HOME")) before_ = home;
+  setenv("HOME", path().c_str(), 1);
+  fs::create_directories(platform::containerDirectory());
+}
+
+TemporaryHome::~TemporaryHome() {
+  if (before_) {
+    setenv("HOME", before_->c_str(), 1);
+  } else {
+    unsetenv("HOME");
+  }
+}
+
+}  // namespace vell::tests
