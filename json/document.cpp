@@ -1,0 +1,74 @@
+#include "json/document.h"
+
+#include <charconv>
+
+#include "json/strings.h"
+
+namespace vell::json {
+namespace {
+
+std::string decoded(const Index& index, std::uint32_t token) {
+  const std::string_view raw = index.rawString(token);
+  if (!index.hasEscapes(token)) return std::string(raw);
+  std::string text;
+  appendDecoded(raw, LoneSurrogate::replaced, text);
+  return text;
+}
+
+bool keyIs(const Index& index, std::uint32_t token, std::string_view key) {
+  return index.hasEscapes(token) ? decoded(index, token) == key : index.rawString(token) == key;
+}
+
+}  // namespace
+
+Kind Node::kind() const {
+  switch (index_->first(token_)) {
+    case '{':
+      return Kind::object;
+    case '[':
+      return Kind::array;
+    case '"':
+      return Kind::string;
+    case 't':
+    case 'f':
+      return Kind::boolean;
+    case 'n':
+      return Kind::null;
+    default:
+      return Kind::number;
+  }
+}
+
+std::optional<Node> Node::find(std::string_view key) const {
+  std::optional<Node> found;
+  if (kind() != Kind::object) return found;
+  for (std::uint32_t name = token_ + 2; name < index_->end(token_); name = index_->next(name + 1)) {
+    if (keyIs(*index_, name, key)) found = Node(*index_, name + 1);
+  }
+  return found;
+}
+
+std::vector<Node> Node::elements() const {
+  std::vector<Node> nodes;
+  if (kind() != Kind::array) return nodes;
+  for (std::uint32_t element = token_ + 2; element < index_->end(token_); element = index_->next(element)) {
+    nodes.push_back(Node(*index_, element));
+  }
+  return nodes;
+}
+
+std::optional<std::string> Node::string() const {
+  if (kind() != Kind::string) return std::nullopt;
+  return decoded(*index_, token_);
+}
+
+std::optional<std::int64_t> Node::integer() const {
+  if (kind() != Kind::number) return std::nullopt;
+  const std::string_view text = index_->scalar(token_);
+  std::int64_t number = 0;
+  const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
+  if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
+  return number;
+}
+
+}  // namespace vell::json

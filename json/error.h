@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <stdexcept>
+#include <string>
+
+namespace vell::json {
+
+/// A text that is not JSON. `what()` names the fault and the byte offset at which it stands.
+class ParseError : public std::runtime_error {
+ public:
+  ParseError(const std::string& fault, std::size_t offset);
+
+  /// Bytes from the start of the text.
+  std::size_t offset() const { return offset_; }
+
+ private:
+  std::size_t offset_;
+};
+
+}  // namespace vell::json

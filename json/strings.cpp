@@ -1,0 +1,134 @@
+#include "json/strings.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <cstdio>
+
+#include "json/error.h"
+
+namespace vell::json {
+namespace {
+
+constexpr std::string_view shortEscapes = "\"\\/bfnrt";
+constexpr std::string_view shortMeanings = "\"\\/\b\f\n\r\t";
+
+int hexDigit(char c) {
+  if (c >= '0' && c <= '9') return c - '0';
+  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
+  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
+  return -1;
+}
+
+/// The four digits of a \u escape at the start of `digits`, which were checked before.
+std::uint32_t codeUnit(std::string_view digits) {
+  std::uint32_t unit = 0;
+  for (std::size_t i = 0; i < 4; ++i) unit = unit * 16 + static_cast<std::uint32_t>(hexDigit(digits[i]));
+  return unit;
+}
+
+bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
+bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
+bool isSurrogate(std::uint32_t code) { return code >= 0xD800 && code <= 0xDFFF; }
+
+template <typename Put>
+void putUtf8(std::uint32_t code, const Put& put) {
+  if (code < 0x80) return put(code);
+  if (code < 0x800) {
+    put(0xC0 | code >> 6);
+  } else if (code < 0x10000) {
+    put(0xE0 | code >> 12);
+    put(0x80 | (code >> 6 & 0x3F));
+  } else {
+    put(0xF0 | code >> 18);
+    put(0x80 | (code >> 12 & 0x3F));
+    put(0x80 | (code >> 6 & 0x3F));
+  }
+  put(0x80 | (code & 0x3F));
+}
+
+void appendUtf8(std::uint32_t code, std::string& out) {
+  putUtf8(code, [&](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); });
+}
+
+std::uint32_t withoutSurrogate(std::uint32_t code) { return isSurrogate(code) ? 0xFFFD : code; }
+
+/// Reads the escape whose backslash is at `at` and moves behind it. Surrogate escapes that pair are one
+/// character.
+std::uint32_t takeEscape(std::string_view raw, std::size_t& at) {
+  const char kind = raw[at + 1];
+  if (kind != 'u') {
+    at += 2;
+    return static_cast<unsigned char>(shortMeanings[shortEscapes.find(kind)]);
+  }
+  const std::uint32_t unit = codeUnit(raw.substr(at + 2));
+  at += 6;
+  if (!isHighSurrogate(unit) || raw.substr(at, 2) != "\\u") return unit;
+  const std::uint32_t second = codeUnit(raw.substr(at + 2));
+  if (!isLowSurrogate(second)) return unit;
+  at += 6;
+  return 0x10000 + ((unit - 0xD800) << 10) + (second - 0xDC00);
+}
+
+/// Hands unescaped stretches and escaped characters to `plain` and `character` in turn.
+template <typename Plain, typename Character>
+void walk(std::string_view raw, const Plain& plain, const Character& character) {
+  for (std::size_t at = 0; at < raw.size();) {
+    const std::size_t backslash = std::min(raw.find('\\', at), raw.size());
+    plain(raw.substr(at, backslash - at));
+    at = backslash;
+    if (at < raw.size()) character(takeEscape(raw, at));
+  }
+}
+
+void appendCharacter(std::uint32_t code, std::string& out) {
+  const bool needsEscape = code < 0x20 || code == '"' || code == '\\';
+  const std::size_t named =
+      needsEscape ? shortMeanings.find(static_cast<char>(code)) : std::string_view::npos;
+  if (named != std::string_view::npos) {
+    out.append({'\\', shortEscapes[named]});
+  } else if (needsEscape || isSurrogate(code)) {
+    char escape[8];
+    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(code));
+    out.append(escape);
+  } else {
+    appendUtf8(code, out);
+  }
+}
+
+}  // namespace
+
+void checkEscapes(std::string_view text, std::size_t begin, std::size_t end) {
+  for (std::size_t at = begin; (at = text.find('\\', at)) < end; at += 2) {
+    const char kind = text[at + 1];
+    if (shortEscapes.find(kind) != std::string_view::npos) continue;
+    if (kind != 'u') throw ParseError("a string holds an unknown escape", at);
+    for (std::size_t i = 2; i < 6; ++i) {
+      if (at + i >= end || hexDigit(text[at + i]) < 0)
+        throw ParseError("a \\u escape needs four hexadecimal digits", at);
+    }
+  }
+}
+
+void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& out) {
+  walk(
+      raw, [&](std::string_view plain) { out.append(plain); },
+      [&](std::uint32_t code) {
+        appendUtf8(treatment == LoneSurrogate::replaced ? withoutSurrogate(code) : code, out);
+      });
+}
+
+void writeDecoded(std::string_view raw, Buffer& out) {
+  walk(
+      raw, [&](std::string_view plain) { out.put(plain); },
+      [&](std::uint32_t code) {
+        putUtf8(withoutSurrogate(code), [&](std::uint32_t byte) { out.put(static_cast<char>(byte)); });
+      });
+}
+
+void appendNormalized(std::string_view raw, std::string& out) {
+  walk(
+      raw, [&](std::string_view plain) { out.append(plain); },
+      [&](std::uint32_t code) { appendCharacter(code, out); });
+}
+
+}  // namespace vell::json

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "json/text.h"
+
+namespace vell::json {
+
+/// The offsets at which brackets, commas, colons, strings and scalars begin, in order.
+struct Structure {
+  std::unique_ptr<std::uint32_t[]> offsets;
+  /// Where the offsets begin in the array; the room before is for those who rewrite it in place.
+  std::size_t first = 0;
+  std::size_t count = 0;
+};
+
+/// Finds them, and checks that the text is UTF-8, that its strings end and hold no control characters.
+/// Throws ParseError.
+Structure findStructure(const Text& text);
+
+}  // namespace vell::json

@@ -1,0 +1,145 @@
+#include <gtest/gtest.h>
+
+#include "json/error.h"
+#include "json/writer.h"
+
+namespace vell::json {
+namespace {
+
+std::string repeated(std::string_view piece, std::size_t count) {
+  std::string text;
+  for (std::size_t i = 0; i < count; ++i) text += piece;
+  return text;
+}
+
+TEST(Rewrite, KeepsEveryValueAndSortsKeys) {
+  const struct {
+    const char* text;
+    const char* compact;
+    const char* indented;
+  } rows[] = {
+      {"null", "null", "null"},
+      {" [ ] ", "[]", "[]"},
+      {"{\n}", "{}", "{}"},
+      {"[1,[2,{}],[]]", "[1,[2,{}],[]]", "[\n  1,\n  [\n    2,\n    {}\n  ],\n  []\n]"},
+      {R"({"b":1,"a":{"d":[],"c":true}})", R"({"a":{"c":true,"d":[]},"b":1})",
+       "{\n  \"a\": {\n    \"c\": true,\n    \"d\": []\n  },\n  \"b\": 1\n}"},
+      // Numbers keep their own text.
+      {"[1.0,1e400,-0,123456789012345678901234567890,0.10E+02]",
+       "[1.0,1e400,-0,123456789012345678901234567890,0.10E+02]",
+       "[\n  1.0,\n  1e400,\n  -0,\n  123456789012345678901234567890,\n  0.10E+02\n]"},
+      // Keys: byte order of their meaning, prefixes first, the last of repeated ones.
+      {R"({"ab":1,"a":2,"B":3,"é":4,"aaaaaaaab":5,"aaaaaaaaa":6})",
+       R"({"B":3,"a":2,"aaaaaaaaa":6,"aaaaaaaab":5,"ab":1,"é":4})", nullptr},
+      {R"({"a":1,"b":2,"a":3,"\u0061":4})", R"({"a":4,"b":2})", nullptr},
+      {R"({"a\u0000":1,"a":2})", R"({"a":2,"a\u0000":1})", nullptr},
+      {R"({"\ud800":1,"\ud801":2})", R"({"\ud800":1,"\ud801":2})", nullptr},
+      // Strings: the fewest escapes.
+      {R"("\/ \u00e9 \u000A \u001f \"\\ \ud83d\ude00 \uD83D x \ude00\u0022")",
+       "\"/ é \\n \\u001f \\\"\\\\ 😀 \\ud83d x \\ude00\\\"\"", nullptr},
+      {R"(["a]\\",":,"])", R"(["a]\\",":,"])", nullptr},
+  };
+  for (const auto& row : rows) {
+    const std::string compact = rewrite(row.text, Layout::compact);
+    EXPECT_EQ(compact, row.compact) << row.text;
+    if (row.indented != nullptr) {
+      EXPECT_EQ(rewrite(row.text, Layout::indented), row.indented) << row.text;
+    }
+    EXPECT_EQ(rewrite(rewrite(row.text, Layout::indented), Layout::compact), row.compact) << row.text;
+  }
+}
+
+TEST(Rewrite, NamesTheFaultAndItsByte) {
+  const std::string deep = repeated("[", maxDepth + 1);
+  const struct {
+    std::string text;
+    std::size_t offset;
+    const char* fault;
+  } rows[] = {
+      {"", 0, "the text is empty"},
+      {"  \n", 3, "expected a value, found the end of the text"},
+      {"[1,]", 3, "expected a value, found ']'"},
+      {"[", 1, "expected a value or ']', found the end of the text"},
+      {"[1 2]", 3, "expected ',' or ']', found '2'"},
+      {"[1}", 2, "expected ',' or ']', found '}'"},
+      {"{\"a\" 1}", 5, "expected ':', found '1'"},
+      {"{\"a\":}", 5, "expected a value, found '}'"},
+      {"{1:2}", 1, "expected a key in double quotes or '}', found '1'"},
+      {"{\"a\":1,}", 7, "expected a key in double quotes, found '}'"},
+      {"1 1", 2, "expected the end of the text, found '1'"},
+      {"]", 0, "expected a value, found ']'"},
+      {"nul", 0, "'nul' is not a JSON value"},
+      {"[01]", 1, "'01' is not a JSON number"},
+      {"[1.]", 1, "'1.' is not a JSON number"},
+      {"[-]", 1, "'-' is not a JSON number"},
+      {"\"a", 0, "the string that begins here has no end"},
+      {"\"a\tb\"", 2, "a string holds the control character byte 0x09, which must be escaped"},
+      {"\"\\x\"", 1, "a string holds an unknown escape"},
+      {"\"\\u12g4\"", 1, "a \\u escape needs four hexadecimal digits"},
+      {"\"\\u12\"", 1, "a \\u escape needs four hexadecimal digits"},
+      {"[\"é\xff\"]", 4, "byte 0xFF is not UTF-8"},
+      {"\"\xed\xa0\x80\"", 1, "byte 0xED is not UTF-8"},
+      {deep, maxDepth, "nested deeper than 20000 levels"},
+  };
+  for (const auto& row : rows) {
+    const std::string expected = "Invalid JSON at byte " + std::to_string(row.offset) + ": " + row.fault;
+    try {
+      rewrite(row.text, Layout::compact);
+      ADD_FAILURE() << "accepted " << row.text;
+    } catch (const ParseError& error) {
+      EXPECT_EQ(error.what(), expected) << row.text.substr(0, 60);
+      EXPECT_EQ(error.offset(), row.offset);
+    }
+  }
+}
+
+TEST(Rewrite, HoldsTheDeepestText) {
+  const std::string objects = repeated("{\"k\":", maxDepth - 1) + "[1]" + repeated("}", maxDepth - 1);
+  EXPECT_EQ(rewrite(objects, Layout::compact), objects);
+  const std::string arrays = repeated("[", maxDepth) + repeated("]", maxDepth);
+  EXPECT_EQ(rewrite(arrays, Layout::compact), arrays);
+}
+
+TEST(WriteMeaning, DecodesInPieces) {
+  class Pieces : public Sink {
+   public:
+    void write(std::string_view piece) override { text.append(piece); }
+    std::string text;
+  };
+  const struct {
+    std::string text;
+    std::string meaning;
+  } rows[] = {
+      {R"("")", ""},
+      {R"("plain é")", "plain é"},
+      {R"("a\nb\/\ud83d\ude00\udc00")", "a\nb/😀\xEF\xBF\xBD"},
+      {"\"" + repeated("0123456\\n", 20'000) + "\"", repeated("0123456\n", 20'000)},
+      {"\"\\t" + repeated("x", 200'000) + "\"", "\t" + repeated("x", 200'000)},
+  };
+  for (const auto& row : rows) {
+    Pieces sink;
+    writeMeaning(Document(Text(row.text)).root(), sink);
+    EXPECT_EQ(sink.text, row.meaning) << row.text.substr(0, 40);
+  }
+}
+
+TEST(Node, FindsAndReadsValues) {
+  const Document document{
+      Text(R"({"a":1,"s":"x\u00e9\ud800","n":-9223372036854775808,"f":1.0,"big":9223372036854775808,)"
+           R"("list":[[1],"b",null],"a":true})")};
+  const Node root = document.root();
+  EXPECT_EQ(root.find("a")->kind(), Kind::boolean);
+  EXPECT_EQ(root.find("s")->string(), "xé\xEF\xBF\xBD");
+  EXPECT_EQ(root.find("n")->integer(), INT64_MIN);
+  EXPECT_EQ(root.find("f")->integer(), std::nullopt);
+  EXPECT_EQ(root.find("big")->integer(), std::nullopt);
+  EXPECT_FALSE(root.find("missing").has_value());
+  const auto list = root.find("list")->elements();
+  ASSERT_EQ(list.size(), 3u);
+  EXPECT_EQ(list[0].kind(), Kind::array);
+  EXPECT_EQ(list[1].string(), "b");
+  EXPECT_EQ(list[2].kind(), Kind::null);
+}
+
+}  // namespace
+}  // namespace vell::json
