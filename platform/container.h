@@ -1,0 +1,16 @@
+#pragma once
+
+#include <string>
+
+namespace vell::platform {
+
+/// The identifier under which the Vell application is registered with the system.
+inline constexpr const char* bundleIdentifier = "app.vell.Vell";
+
+/// The application's container directory: <home>/Library/Containers/<bundle identifier>/Data.
+std::string containerDirectory();
+
+/// The socket that the running application serves, `cli.sock` in its container.
+std::string applicationSocketPath();
+
+}  // namespace vell::platform

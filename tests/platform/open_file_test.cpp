@@ -1,0 +1,67 @@
+#include "platform/open_file.h"
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+
+#include "tests/support/bundle.h"
+#include "tests/support/temporary_directory.h"
+
+namespace vell::platform {
+namespace {
+
+namespace fs = std::filesystem;
+using testing::HasSubstr;
+using testing::MatchesRegex;
+using testing::Not;
+using tests::Bundle;
+
+TEST(OpenFile, StartsTheApplicationWithTheFileAndNothingElseOfOurs) {
+  const Bundle bundle(
+
+      "{ echo \"$1\"; readlink /proc/$$/fd/0 /proc/$$/fd/2; ls /proc/$$/fd | grep -c 200; ps -o sid= -p $$;\n"
+      "  grep -c 'SigIgn:.*[1-9a-f]' /proc/$$/status; } | tr -d ' ' > $dir/part\nmv $dir/part $dir/seen\n");
+  ASSERT_EQ(::dup2(1, 200), 200);
+  const auto pipeBefore = ::signal(SIGPIPE, SIG_IGN);
+  openFileWithApplication("/tmp/outline.vell", bundle.path());
+  ::signal(SIGPIPE, pipeBefore);
+  ::close(200);
+  const std::string seen = bundle.await("seen");
+  EXPECT_THAT(seen, MatchesRegex("/tmp/outline.vell\n/dev/null\n/dev/null\n0\n[0-9]+\n0\n"));
+  EXPECT_THAT(seen, Not(HasSubstr("\n" + std::to_string(::getsid(0)) + "\n")));
+}
+
+TEST(OpenFile, LeavesNoChildBehind) {
+  const Bundle bundle("exit 0\n");
+  openFileWithApplication("/tmp/a.vell", bundle.path());
+  EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
+  EXPECT_EQ(errno, ECHILD);
+}
+
+TEST(OpenFile, SaysWhyTheApplicationDidNotStart) {
+  const auto failure = [](const std::string& bundle) -> std::string {
+    try {
+      openFileWithApplication("/tmp/a.vell", bundle);
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+    return "it started";
+  };
+  const Bundle missing("", "other");
+  EXPECT_EQ(failure(missing.path()),
+            "cannot start " + missing.path() + "/Contents/MacOS/other: No such file or directory");
+  const Bundle forbidden("");
+  fs::permissions(forbidden.path() + "/Contents/MacOS/app", fs::perms::owner_read);
+  EXPECT_EQ(failure(forbidden.path()),
+            "cannot start " + forbidden.path() + "/Contents/MacOS/app: Permission denied");
+  EXPECT_EQ(failure("/nowhere.app"), "cannot read /nowhere.app/Contents/Info.plist");
+  const tests::TemporaryDirectory nameless;
+  const std::string list = nameless.write("Contents/Info.plist", R"(<plist version="1.0"><dict/></plist>)");
+  EXPECT_EQ(failure(nameless.path()), list + " names no CFBundleExecutable");
+}
+
+}  // namespace
+}  // namespace vell::platform
