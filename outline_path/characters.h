@@ -1,0 +1,89 @@
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+
+// The character classes of the language, over UTF-8 text that is known to be valid.
+
+namespace vell::outline_path {
+
+/// The six ASCII blanks.
+constexpr bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
+constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
+
+/// What an ASCII character may do: start a name, or stand in one.
+enum : std::uint8_t { kStartsName = 1, kInName = 2 };
+inline constexpr std::array<std::uint8_t, 256> kNameClasses = [] {
+  std::array<std::uint8_t, 256> classes{};
+  for (unsigned char c = 'a'; c <= 'z'; ++c) classes[c] = kStartsName | kInName;
+  for (unsigned char c = 'A'; c <= 'Z'; ++c) classes[c] = kStartsName | kInName;
+  for (unsigned char c = '0'; c <= '9'; ++c) classes[c] = kInName;
+  for (const int c : {':', '_'}) classes[static_cast<std::size_t>(c)] = kStartsName | kInName;
+  for (const int c : {'-', '.'}) classes[static_cast<std::size_t>(c)] = kInName;
+  return classes;
+}();
+
+/// The length of the character beyond ASCII at the beginning of `text` where it is of the class, else 0.
+std::size_t lengthBeyondAscii(std::uint8_t wanted, std::string_view text);
+
+/// The length of the character at the beginning of `text` where it is of the class, else 0.
+inline std::size_t lengthOf(std::uint8_t wanted, std::string_view text) {
+  const auto byte = static_cast<unsigned char>(text.front());
+  if (byte >= 0x80) return lengthBeyondAscii(wanted, text);
+  return (kNameClasses[byte] & wanted) != 0 ? 1 : 0;
+}
+
+/// The number of bytes of the run of word characters (those that may stand in an unquoted word).
+inline std::size_t wordLength(std::string_view text) {
+  std::size_t length = 0;
+  while (length < text.size()) {
+    const std::size_t next = lengthOf(kInName, text.substr(length));
+    if (next == 0) break;
+    length += next;
+  }
+  return length;
+}
+
+/// The number of bytes of the name that `text` begins with: one that may start a name, then any that may
+/// stand in one. 0 where there is none.
+inline std::size_t nameLength(std::string_view text) {
+  return text.empty() || lengthOf(kStartsName, text) == 0 ? 0 : wordLength(text);
+}
+
+/// Whether `word` is decimal digits with an optional fraction.
+bool isNumber(std::string_view word);
+
+/// The offset of the first byte that is not part of a valid UTF-8 sequence.
+std::optional<std::size_t> invalidUtf8(std::string_view text);
+/// The code point at the beginning of `text`, which is valid UTF-8 and not empty, and its length in bytes.
+struct CodePoint {
+  char32_t value;
+  std::size_t length;
+};
+CodePoint firstCodePoint(std::string_view text);
+/// Appends `value` as UTF-8.
+template <typename String>
+void appendUtf8(String& out, char32_t value) {
+  const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(byte)); };
+  const auto tail = [&](int shift) { put(0x80 | (value >> shift & 0x3F)); };
+  if (value < 0x80) {
+    put(value);
+  } else if (value < 0x800) {
+    put(0xC0 | value >> 6);
+    tail(0);
+  } else if (value < 0x10000) {
+    put(0xE0 | value >> 12);
+    tail(6);
+    tail(0);
+  } else {
+    put(0xF0 | value >> 18);
+    tail(12);
+    tail(6);
+    tail(0);
+  }
+}
+
+}  // namespace vell::outline_path

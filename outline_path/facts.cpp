@@ -1,0 +1,170 @@
+// The facts of `meta`, worked out as the nodes are built.
+#include <algorithm>
+#include <iterator>
+
+#include "outline_path/expression.h"
+
+namespace vell::outline_path {
+namespace {
+
+constexpr std::uint64_t kFnvOffset = 14695981039346656037U;
+constexpr std::uint64_t kFnvPrime = 1099511628211U;
+
+template <typename T>
+const T* nodeOf(const PredicateExpression& predicate) {
+  return std::get_if<T>(&predicate.node);
+}
+
+bool asksForPosition(const ValueExpression& value);
+
+bool asksForPosition(const FunctionCall& call) {
+  const FunctionKind kind = call.meta().kind;
+  if (kind == FunctionKind::position || kind == FunctionKind::last) return true;
+  const auto& arguments = call.arguments();
+  return std::any_of(arguments.begin(), arguments.end(),
+                     [](const ValueExpression& argument) { return asksForPosition(argument); });
+}
+
+// A path argument has contexts of its own: the positions asked for in it are not those of this step.
+bool asksForPosition(const ValueExpression& value) {
+  const auto both = [](const auto& node) {
+    return asksForPosition(*node.left) || asksForPosition(*node.right);
+  };
+  if (const auto* call = std::get_if<FunctionCall>(&value.node)) return asksForPosition(*call);
+  if (const auto* node = std::get_if<Additive>(&value.node)) return both(*node);
+  if (const auto* node = std::get_if<Multiplicative>(&value.node)) return both(*node);
+  if (const auto* node = std::get_if<Unary>(&value.node)) return asksForPosition(*node->operand);
+  if (const auto* node = std::get_if<ValueGroup>(&value.node)) return asksForPosition(*node->inner);
+  return false;
+}
+
+bool asksForPosition(const PredicateExpression& predicate) {
+  const auto both = [](const auto& node) {
+    return asksForPosition(*node.left) || asksForPosition(*node.right);
+  };
+  if (const auto* node = nodeOf<Comparison>(predicate)) {
+    return asksForPosition(node->left) || asksForPosition(node->right);
+  }
+  if (const auto* node = nodeOf<Or>(predicate)) return both(*node);
+  if (const auto* node = nodeOf<And>(predicate)) return both(*node);
+  if (const auto* node = nodeOf<Not>(predicate)) return asksForPosition(*node->operand);
+  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return asksForPosition(*node->inner);
+  return false;
+}
+
+MatchTerms setOf(std::string_view text) {
+  if (text.empty()) return {};
+  return {MatchTerm{std::string(text)}};
+}
+
+MatchTerms unite(MatchTerms left, const MatchTerms& right) {
+  if (right.empty()) return left;
+  MatchTerms all;
+  std::set_union(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(all));
+  return all;
+}
+
+MatchTerms common(const MatchTerms& left, const MatchTerms& right) {
+  MatchTerms both;
+  std::set_intersection(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(both));
+  return both;
+}
+
+bool isTextOfRow(const ValueExpression& value) {
+  const auto* attribute = std::get_if<Attribute>(&value.node);
+  return attribute != nullptr && attribute->meta().kind == AttributeKind::text;
+}
+
+/// Whether a relation with plain text on its right holds only where the left contains that text. Comparing
+/// numbers, dates or by locale finds texts equal that are written differently.
+bool impliesContaining(const Relation& relation) {
+  const bool byText =
+      !relation.modifier ||
+      (relation.modifier->type <= RelationModifierType::caseInsensitive && !relation.modifier->list);
+  return byText && (relation.op == RelationOp::contains || relation.op == RelationOp::beginsWith ||
+                    relation.op == RelationOp::endsWith || relation.op == RelationOp::equal);
+}
+
+MatchTerms termsOf(const Comparison& comparison) {
+  if (!isTextOfRow(comparison.left) || !impliesContaining(comparison.relation)) return {};
+  // An unquoted word or a number may be compared as something else than its text.
+  const auto* literal = std::get_if<Literal>(&comparison.right.node);
+  return literal == nullptr ? MatchTerms{} : setOf(literal->text);
+}
+
+MatchTerms termsOf(const PredicateExpression& predicate) {
+  if (const auto* node = nodeOf<ContainsText>(predicate)) return setOf(node->text);
+  if (const auto* node = nodeOf<Comparison>(predicate)) return termsOf(*node);
+  if (const auto* node = nodeOf<And>(predicate)) return unite(termsOf(*node->left), termsOf(*node->right));
+  if (const auto* node = nodeOf<Or>(predicate)) return common(termsOf(*node->left), termsOf(*node->right));
+  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return termsOf(*node->inner);
+  return {};
+}
+
+/// A slice that is an index leaves one row of the candidates.
+bool isSingleElement(const Step& step) {
+  if (selectsOneRow(step.axis())) return true;
+  return step.slice() && std::holds_alternative<SliceIndex>(*step.slice());
+}
+
+MatchShape shapeOfSelf(const Step& step) {
+  const PredicateExpression* predicate = step.predicate();
+  if (predicate == nullptr) return MatchShape::singleSelfTypeTest;
+  if (nodeOf<ContainsAttribute>(*predicate) != nullptr) return MatchShape::singleSelfContainsAttribute;
+  if (nodeOf<ContainsText>(*predicate) != nullptr) return MatchShape::singleSelfContainsText;
+  return MatchShape::singleSelfPredicate;
+}
+
+/// The union of the terms of all steps.
+MatchTerms termsOf(const std::vector<Step>& steps) {
+  MatchTerms all;
+  for (const Step& step : steps)
+    all.insert(all.end(), step.meta().matchingTerms.begin(), step.meta().matchingTerms.end());
+  if (all.size() < 2) return all;
+  std::sort(all.begin(), all.end());
+  all.erase(std::unique(all.begin(), all.end()), all.end());
+  return all;
+}
+
+}  // namespace
+
+std::uint64_t hashOfName(std::string_view name) {
+  std::uint64_t hash = kFnvOffset;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * kFnvPrime;
+  return hash;
+}
+
+Attribute::Attribute(std::string name)
+    : name_(std::move(name)), meta_{attributeKindOf(name_), hashOfName(name_)} {}
+
+FunctionCall::FunctionCall(std::string name, std::vector<ValueExpression> arguments)
+    : name_(std::move(name)), arguments_(std::move(arguments)), meta_{functionKindOf(name_)} {}
+
+bool FunctionCall::operator==(const FunctionCall& other) const {
+  return name_ == other.name_ && arguments_ == other.arguments_;
+}
+
+Step::Step(Axis axis, Filter filter, std::optional<Slice> slice)
+    : axis_(axis), filter_(std::move(filter)), slice_(slice) {
+  const PredicateExpression* predicate = this->predicate();
+  meta_.requiresContextPositions =
+      slice_.has_value() || (predicate != nullptr && asksForPosition(*predicate));
+  if (predicate != nullptr) meta_.matchingTerms = termsOf(*predicate);
+}
+
+MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool allSingleElementSteps) {
+  if (!absolute && steps.size() == 1 && isSelf(steps.front().axis()) && !steps.front().slice()) {
+    return shapeOfSelf(steps.front());
+  }
+  return allSingleElementSteps ? MatchShape::allSingleElementSteps : MatchShape::general;
+}
+
+Path::Path(bool absolute, std::vector<Step> steps) : absolute_(absolute), steps_(std::move(steps)) {
+  const auto needsPositions = [](const Step& step) { return step.meta().requiresContextPositions; };
+  meta_.requiresContextPositions = std::any_of(steps_.begin(), steps_.end(), needsPositions);
+  meta_.allSingleElementSteps = std::all_of(steps_.begin(), steps_.end(), isSingleElement);
+  meta_.matchingTerms = termsOf(steps_);
+  meta_.matchShape = computeMatchShape(absolute_, steps_, meta_.allSingleElementSteps);
+}
+
+}  // namespace vell::outline_path

@@ -1,0 +1,67 @@
+#include "outline_path/highlight.h"
+
+#include <algorithm>
+#include <array>
+#include <optional>
+
+#include "outline_path/characters.h"
+
+namespace vell::outline_path {
+namespace {
+
+struct ClassOfLabel {
+  std::string_view label;
+  SyntaxClass syntaxClass;
+};
+
+constexpr std::array kClasses{
+    ClassOfLabel{"keyword.step.separator", SyntaxClass::outlinePathStepSeparator},
+    ClassOfLabel{"keyword.op.set", SyntaxClass::outlinePathRowSetOp},
+    ClassOfLabel{"keyword.op.predicate", SyntaxClass::outlinePathPredicateOp},
+    ClassOfLabel{"keyword.op.relation", SyntaxClass::outlinePathRelationOp},
+    ClassOfLabel{"keyword.relation.modifier", SyntaxClass::outlinePathRelationOp},
+    ClassOfLabel{"StepAxisParser", SyntaxClass::outlinePathStepAxis},
+    ClassOfLabel{"UnquotedParser", SyntaxClass::outlinePathUnquoted},
+    ClassOfLabel{"AttributeParser", SyntaxClass::outlinePathAttribute},
+};
+
+constexpr std::array<std::string_view, 8> kNames{
+    "outlinePathRelationOp", "outlinePathPredicateOp", "outlinePathRowSetOp", "outlinePathError",
+    "outlinePathAttribute",  "outlinePathUnquoted",    "outlinePathStepAxis", "outlinePathStepSeparator",
+};
+
+std::optional<SyntaxClass> classOf(std::string_view label) {
+  const auto entry = std::find_if(kClasses.begin(), kClasses.end(),
+                                  [&](const ClassOfLabel& candidate) { return candidate.label == label; });
+  return entry == kClasses.end() ? std::nullopt : std::optional(entry->syntaxClass);
+}
+
+HighlightedRange errorRange(std::string_view text, std::size_t index) {
+  const std::size_t length = index < text.size() ? firstCodePoint(text.substr(index)).length : 0;
+  return {index, std::min(index + length, text.size()), SyntaxClass::outlinePathError};
+}
+
+}  // namespace
+
+std::string_view nameOf(SyntaxClass syntaxClass) { return kNames[static_cast<std::size_t>(syntaxClass)]; }
+
+std::vector<HighlightedRange> highlight(const OutlinePathWithParse& path) {
+  std::vector<HighlightedRange> ranges;
+  if (path.traceContext) {
+    const auto facts = factsOf(*path.traceContext);
+    for (std::size_t i = 0; i < facts.size(); ++i) {
+      const auto& event = path.traceContext->events[i];
+      const auto* match = std::get_if<TraceContext::Match>(&event.type);
+      const auto syntaxClass = classOf(event.label);
+      if (match == nullptr || facts[i].inFailedBranch || !syntaxClass) continue;
+      ranges.push_back({event.index, match->end, *syntaxClass});
+    }
+  }
+  if (path.errorIndex) ranges.push_back(errorRange(path.expression, path.errorIndex->index));
+  // What leads to the error may have matched before, in a branch that was given up.
+  std::sort(ranges.begin(), ranges.end());
+  ranges.erase(std::unique(ranges.begin(), ranges.end()), ranges.end());
+  return ranges;
+}
+
+}  // namespace vell::outline_path

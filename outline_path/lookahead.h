@@ -1,0 +1,70 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <string_view>
+#include <vector>
+
+namespace vell::outline_path {
+
+/// The constructs that a parse may try twice at one place.
+enum class Construct : std::uint8_t {
+  pathGroup = 1,
+  valueGroup = 2,
+  predicateGroup = 4,
+  functionCall = 8,
+  comparison = 16,
+};
+
+/// What a parse knows about text it has not come to yet, and what it learned where it went wrong. Both keep
+/// the work linear: brackets are paired once for the whole text, and what failed at a place fails at once
+/// when it is tried there again.
+class Lookahead {
+ public:
+  explicit Lookahead(std::string_view text) : text_(text) {}
+
+  bool failed(Construct construct, std::size_t at) const {
+    return noted(static_cast<std::uint8_t>(construct), at);
+  }
+  void noteFailure(Construct construct, std::size_t at) { note(static_cast<std::uint8_t>(construct), at); }
+
+  /// Whether a value begins at `at`, perhaps a chain of operands and arithmetic signs, that a relation
+  /// follows.
+  bool relationFollows(std::size_t at);
+  /// Notes that the comparison at `at` failed though a relation follows, and so will those at the further
+  /// operands of its chain, up to the one that was no value.
+  void noteFailedComparison(std::size_t at);
+
+  /// Where the relation behind the value at `at` would have to stand; nothing where there is no value, a
+  /// relation follows it, or that was known to fail.
+  std::optional<std::size_t> missingRelation(std::size_t at);
+
+  /// Whether what stands at `at` may be divided by: a number, attribute, variable, function call, group or
+  /// literal.
+  bool isDivisor(std::size_t at) const;
+  /// The length of the function name at `at` with an opening bracket right behind it, else 0.
+  std::size_t functionNameLength(std::size_t at) const;
+
+ private:
+  bool noted(std::uint8_t flag, std::size_t at) const { return !notes_.empty() && (notes_[at] & flag) != 0; }
+  void note(std::uint8_t flag, std::size_t at);
+  void noteChain(std::size_t at, std::uint8_t flag);
+  bool operandFailed(std::size_t at) const;
+  std::optional<std::size_t> operandEnd(std::size_t at);
+  std::optional<std::size_t> nextOperand(std::size_t end) const;
+  std::size_t behindBracket(std::size_t open);
+  void pairBrackets();
+
+  std::string_view text_;
+  /// For each offset the constructs that failed there, and whether a relation is known to follow.
+  std::vector<std::uint8_t> notes_;
+  std::vector<std::size_t> behindBracket_;
+};
+
+/// The offset behind the string that begins at `quote`, or the end of `text` where it is not closed.
+std::size_t behindString(std::string_view text, std::size_t quote);
+/// The offset of the first character at or behind `at` that is no blank.
+std::size_t skipBlanks(std::string_view text, std::size_t at);
+
+}  // namespace vell::outline_path

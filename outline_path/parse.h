@@ -1,0 +1,33 @@
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "outline_path/diagnostic.h"
+#include "outline_path/expression.h"
+#include "outline_path/trace.h"
+
+namespace vell::outline_path {
+
+struct ParseOptions {
+  /// Whether a value ("1 + 2") may stand where else only a path may.
+  bool allowValueExpression = false;
+};
+
+struct ParseResult {
+  /// The whole tree; where there is an error, that of the longest beginning of the text that is an
+  /// expression, if any.
+  std::optional<Expression> expression;
+  std::optional<Diagnostic> error;
+};
+
+/// Parses an outline path. Takes any bytes, in time linear in their number.
+ParseResult parse(std::string_view text, ParseOptions options = {});
+/// Parses `trace.input` and writes down in `trace` what the rules did.
+ParseResult parseTraced(TraceContext& trace, ParseOptions options = {});
+
+/// What could stand behind `text`; empty where `text` goes wrong before its end.
+std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options = {});
+
+}  // namespace vell::outline_path

@@ -1,0 +1,136 @@
+#pragma once
+
+#include <string_view>
+#include <tao/pegtl.hpp>
+#include <tao/pegtl/contrib/uint8.hpp>
+
+#include "outline_path/characters.h"
+#include "outline_path/operators.h"
+#include "outline_path/parse_context.h"
+#include "outline_path/words.h"
+
+// What the grammar needs beyond the library's rules: words looked up in the tables, limits, and decisions
+// made by looking ahead.
+
+namespace vell::outline_path::rules {
+
+namespace pegtl = tao::pegtl;
+
+template <typename Input>
+std::string_view rest(const Input& in) {
+  return {in.current(), in.size()};
+}
+
+template <typename Input>
+bool take(Input& in, std::size_t length) {
+  in.bump(length);
+  return length != 0;
+}
+
+struct Name {
+  using rule_t = Name;
+  template <typename Input>
+  static bool match(Input& in) {
+    return take(in, nameLength(rest(in)));
+  }
+};
+
+/// A whole run of word characters for which `accepts(run, context)` holds.
+template <auto accepts>
+struct WordThat {
+  using rule_t = WordThat;
+  template <pegtl::apply_mode, pegtl::rewind_mode, template <typename...> class, template <typename...> class,
+            typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&...) {
+    const std::string_view text = rest(in);
+    const std::size_t length = wordLength(text);
+    return length != 0 && accepts(text.substr(0, length), context) && take(in, length);
+  }
+};
+
+/// The spelling of an operator; `context.entry` is the operator then.
+template <auto op>
+struct Spelled {
+  using rule_t = Spelled;
+  template <typename Input>
+  static bool match(Input& in) {
+    constexpr auto spelled = spelling(op);
+    if constexpr (std::is_same_v<decltype(spelled), const char>) {
+      return !in.empty() && in.peek_char() == spelled && take(in, 1);
+    } else {
+      return rest(in).substr(0, spelled.size()) == spelled && take(in, spelled.size());
+    }
+  }
+};
+
+/// The length of the table entry that `find(text, context)` finds at the beginning of the text.
+template <auto find>
+struct Entry {
+  using rule_t = Entry;
+  template <pegtl::apply_mode, pegtl::rewind_mode, template <typename...> class, template <typename...> class,
+            typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&...) {
+    return take(in, find(rest(in), context));
+  }
+};
+
+/// Matches nothing; succeeds where `holds(context, offset)` does.
+template <auto holds>
+struct Where {
+  using rule_t = Where;
+  template <pegtl::apply_mode, pegtl::rewind_mode, template <typename...> class, template <typename...> class,
+            typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&...) {
+    return holds(context, in.byte());
+  }
+};
+
+/// The rules in sequence, one level deeper.
+template <typename... Rules>
+struct Deeper {
+  using rule_t = Deeper;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    const Level level(context, in.byte());
+    return level.allowed() &&
+           pegtl::internal::seq<Rules...>::template match<A, M, Action, Control>(in, context, states...);
+  }
+};
+
+/// A construct that alternatives share: where it failed behind its opening it is not tried again.
+template <Construct construct, typename Opening, typename... Rules>
+struct Once {
+  using rule_t = Once;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    const std::size_t at = in.byte();
+    if (context.lookahead.failed(construct, at)) return false;
+    auto mark = in.template mark<M>();
+    constexpr auto inner = decltype(mark)::next_rewind_mode;
+    if (!Control<Opening>::template match<A, inner, Action, Control>(in, context, states...)) return false;
+    if (pegtl::internal::seq<Rules...>::template match<A, inner, Action, Control>(in, context, states...))
+      return mark(true);
+    context.lookahead.noteFailure(construct, at);
+    return mark(false);
+  }
+};
+
+/// The rules of a comparison, tried only where a relation follows the value.
+template <typename... Rules>
+struct WhereRelationFollows {
+  using rule_t = WhereRelationFollows;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    const std::size_t at = in.byte();
+    if (!context.lookahead.relationFollows(at)) return false;
+    if (pegtl::internal::seq<Rules...>::template match<A, M, Action, Control>(in, context, states...))
+      return true;
+    context.lookahead.noteFailedComparison(at);
+    return false;
+  }
+};
+
+}  // namespace vell::outline_path::rules

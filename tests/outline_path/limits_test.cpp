@@ -1,0 +1,104 @@
+// Depth limits at their edges, and texts that naive backtracking does not get through.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "outline_path/parse.h"
+#include "outline_path/print.h"
+#include "outline_path/tree_text.h"
+
+namespace vell::outline_path {
+namespace {
+
+std::string repeat(std::string_view text, std::size_t count) {
+  std::string all;
+  for (std::size_t i = 0; i < count; ++i) all += text;
+  return all;
+}
+
+struct Nesting {
+  const char* name;
+  /// A text of so many levels.
+  std::function<std::string(std::size_t)> text;
+};
+
+const Nesting kNestings[] = {
+    {"path groups", [](std::size_t n) { return repeat("(", n) + "//a" + repeat(")", n); }},
+    {"value groups", [](std::size_t n) { return repeat("(", n) + "1" + repeat(")", n); }},
+    {"predicate groups",
+     [](std::size_t n) { return "//* " + repeat("(", n) + "not @a" + repeat(")", n - 1); }},
+    {"groups of an attribute", [](std::size_t n) { return "//* " + repeat("(", n) + "@a" + repeat(")", n); }},
+    {"function calls", [](std::size_t n) { return repeat("f(", n) + repeat(")", n); }},
+    {"negations", [](std::size_t n) { return repeat("-", n) + "1"; }},
+    {"nots", [](std::size_t n) { return "//* " + repeat("not ", n) + "@a"; }},
+    {"ands", [](std::size_t n) { return "//* @a" + repeat(" and @a", n); }},
+    {"ors", [](std::size_t n) { return "//* @a" + repeat(" or @a", n); }},
+    {"unions", [](std::size_t n) { return "//a" + repeat(" union //a", n); }},
+    {"excepts", [](std::size_t n) { return "//a" + repeat(" except //a", n); }},
+    {"intersects", [](std::size_t n) { return "//a" + repeat(" intersect //a", n); }},
+    {"sums", [](std::size_t n) { return "1" + repeat(" + 1", n); }},
+    {"products", [](std::size_t n) { return "1" + repeat(" * 1", n); }},
+    {"quotients in a comparison", [](std::size_t n) { return "//* @a" + repeat("/@a", n) + " = 1"; }},
+};
+
+TEST(Depth, IsLimitedForEveryConstruct) {
+  for (const Nesting& nesting : kNestings) {
+    SCOPED_TRACE(nesting.name);
+    const bool isOpen = std::string(nesting.name) == "predicate groups";
+    const std::string deepest = nesting.text(1000) + (isOpen ? ")" : "");
+    const ParseResult allowed = parse(deepest, {true});
+    if (!isOpen) {
+      ASSERT_FALSE(allowed.error) << render(*allowed.error, deepest);
+      EXPECT_EQ(parse(print(*allowed.expression), {true}).expression, allowed.expression);
+    }
+    for (const std::size_t levels : {1001U, 5000U}) {
+      const std::string text = nesting.text(levels);
+      const ParseResult refused = parse(text, {true});
+      ASSERT_TRUE(refused.error);
+      EXPECT_EQ(refused.error->kind, Diagnostic::Kind::tooDeep);
+      EXPECT_NE(render(*refused.error, text).find("nested more than 1000 levels deep"), std::string::npos);
+    }
+  }
+}
+
+TEST(Depth, DoesNotLimitFlatLists) {
+  const ParseResult steps = parse("/" + repeat("/task @b/..", 50000));
+  ASSERT_FALSE(steps.error);
+  EXPECT_EQ(parse(print(*steps.expression)).expression, steps.expression);
+  const Expression copy = *steps.expression;
+  EXPECT_EQ(treeText(copy), treeText(*steps.expression));
+  const std::string arguments = "f(1" + repeat(", .", 100000) + ")";
+  EXPECT_EQ(print(*parse(arguments, {true}).expression), arguments);
+}
+
+// Were any of these quadratic or worse, the test would not come to its end.
+TEST(Effort, IsLinear) {
+  const std::string nested = repeat("(count(//* ", 25) + "@a" + repeat(") > 0)", 25);
+  EXPECT_FALSE(parse("//* " + nested).error);
+  for (const std::string& text : {
+           "//* " + repeat("(", 900) + repeat("@a + ", 50) + "1" + repeat(") > 0", 900),
+           "//* " + repeat("((@a or @b) = ", 400) + "1" + repeat(")", 400),
+           "//* " + repeat("f(.a/", 400) + "x" + repeat(" > 0)", 400),
+           repeat("f(.a/f(X) > 0 ?, ", 400),
+           "//* @a" + repeat("/@a", 40000),
+           "//* @a" + repeat("/(@a)", 20000),
+           "//* (@a or @b)" + repeat("/(@a or @b)", 10000) + "/@c = 1",
+           "//* @a" + repeat("/\"" + std::string(1000, 'x') + "\"", 900) + " = ?",
+           "//* \"" + std::string(200000, '\\'),
+           repeat("//a ", 50000),
+           "//a" + std::string(200000, ' ') + "x",
+           std::string(200000, '('),
+           std::string(200000, '/'),
+           std::string(200000, 'a'),
+           std::string(200000, '9'),
+           "//a[" + std::string(200000, '9'),
+           repeat("a::", 60000),
+       }) {
+    parse(text, {true});
+    TraceContext trace(text);
+    EXPECT_EQ(parseTraced(trace, {true}).error, parse(text, {true}).error);
+  }
+}
+
+}  // namespace
+}  // namespace vell::outline_path
