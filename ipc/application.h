@@ -1,0 +1,26 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "ipc/answer.h"
+
+namespace vell::ipc {
+
+/// Something that can call the application: a connection of one's own, or the one that a process shares.
+class Application {
+ public:
+  virtual ~Application() = default;
+
+  /// Sends one request and waits for its answer, however long it takes. `params` is JSON text; empty
+  /// sends none.
+  virtual Answer request(std::string_view method, const std::string& params) = 0;
+
+  /// The same for one of the records of ipc/methods.
+  template <class Record>
+  Answer request(const Record& record) {
+    return request(Record::method, record.toJson());
+  }
+};
+
+}  // namespace vell::ipc

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "ipc/application.h"
+#include "ipc/client_error.h"
+#include "ipc/line_framing.h"
+#include "platform/descriptor.h"
+
+namespace vell::ipc {
+
+/// One open connection to the application, for one user at a time; its owner's destroying it closes it.
+/// Everything here throws ClientError, and json::ParseError where the application sends what is not JSON.
+class VellClient : public Application {
+ public:
+  /// Connects to the socket at `resolveSocketPath()`.
+  VellClient() : VellClient(resolveSocketPath()) {}
+  explicit VellClient(const std::string& socketPath);
+
+  static std::string resolveSocketPath();
+
+  using Application::request;
+  Answer request(std::string_view method, const std::string& params) override;
+  /// The answer's result as compact JSON text with sorted keys.
+  std::string call(std::string_view method, const std::string& params = {});
+
+  /// Receives an event's params, which live for the call; may throw, which ends the subscription.
+  using EventHandler = std::function<void(const json::Node& params)>;
+  /// Sends one request and hands on every event, until after the one that closes the subscription. Blocks
+  /// meanwhile. Throws what the handler throws, and SubscriptionError for an event that is not JSON.
+  void subscribe(std::string_view method, const std::string& params, const EventHandler& onEvent);
+  template <class Record>
+  void subscribe(const Record& record, const EventHandler& onEvent) {
+    subscribe(Record::method, record.toJson(), onEvent);
+  }
+
+  /// The next line. What arrived behind it stays in `arrived`, which lives for one call or subscription.
+  json::Text readLine(LineFraming& arrived);
+  void writeAll(std::string_view bytes);
+
+ private:
+  platform::Descriptor socket_;
+  std::int64_t nextId_ = 1;
+};
+
+}  // namespace vell::ipc

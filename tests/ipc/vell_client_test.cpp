@@ -1,0 +1,199 @@
+#include "ipc/vell_client.h"
+
+#include <gmock/gmock.h>
+
+#include "ipc/methods/outline.h"
+#include "ipc/vell_ipc.h"
+#include "json/error.h"
+#include "tests/support/fake_application.h"
+#include "tests/support/temporary_directory.h"
+
+namespace vell::ipc {
+namespace {
+
+using tests::FakeApplication;
+using Reply = FakeApplication::Reply;
+using testing::ElementsAre;
+using testing::HasSubstr;
+
+FakeApplication::Script always(const Reply& reply) {
+  return [reply](const std::string&) { return reply; };
+}
+
+/// What one call gives: the result, or the error's text.
+std::string outcome(Application& application) {
+  try {
+    return application.request("m", "").bytes();
+  } catch (const std::exception& error) {
+    return error.what();
+  }
+}
+
+TEST(VellClient, SendsSortedRequestsWithRisingIds) {
+  const tests::TemporaryHome home;
+  const FakeApplication fake(always(FakeApplication::result("1")));
+  VellClient client;
+  client.call("outline.list");
+  client.call("editor.get", "{}");
+  client.request(OutlineBringToFront{"o"});
+  EXPECT_THAT(
+      fake.requests(),
+      ElementsAre(R"({"id":1,"jsonrpc":"2.0","method":"outline.list"})",
+                  R"({"id":2,"jsonrpc":"2.0","method":"editor.get","params":{}})",
+                  R"({"id":3,"jsonrpc":"2.0","method":"outline.bringToFront","params":{"outline":"o"}})"));
+}
+
+TEST(VellClient, FindsTheAnswerAmongWhatArrives) {
+  const std::string answer = R"({"id":1,"result":{"b":[1.0,1e400],"a":"/"}})";
+  const std::string bytes = R"({"a":"/","b":[1.0,1e400]})";
+  const std::string closed = "Vell closed the connection without sending a response.";
+  const std::tuple<const char*, Reply, std::string> cases[] = {
+      {"plain", {answer + "\n"}, bytes},
+      {"CR LF", {answer + "\r\n"}, bytes},
+      {"behind blank lines, an array and a notification, in one write",
+       {"\n \t\n[1]\n{\"method\":\"x\",\"params\":1}\n" + answer + "\n{\"id\":2,\"result\":2}\n"},
+       bytes},
+      {"without its line feed", {answer, true}, bytes},
+      {"another id",
+       {R"({"id":"x","result":null})"
+        "\n"},
+       "null"},
+      {"without result",
+       {R"({"id":5})"
+        "\n"},
+       "null"},
+      {"an error that is no object",
+       {R"({"id":5,"error":"no","result":[]})"
+        "\n"},
+       "[]"},
+      {"error",
+       {R"({"id":5,"error":{"code":-32000,"message":"No \u00e9ditor"},"result":1})"
+        "\n"},
+       "Vell error -32000: No \xC3\xA9"
+       "ditor"},
+      {"error without id",
+       {R"({"error":{"code":7,"message":"m"}})"
+        "\n"},
+       "Vell error 7: m"},
+      {"bare error",
+       {R"({"id":5,"error":{}})"
+        "\n"},
+       "Vell error -1: Unknown error"},
+      {"error of other types",
+       {R"({"id":5,"error":{"code":"7","message":7}})"
+        "\n"},
+       "Vell error -1: Unknown error"},
+      {"error with a fraction",
+       {R"({"id":5,"error":{"code":7.5,"message":"m"}})"
+        "\n"},
+       "Vell error -1: m"},
+      {"closed", {"", true}, closed},
+      {"closed behind a notification",
+       {R"({"method":"x"})"
+        "\n",
+        true},
+       closed},
+  };
+  const tests::TemporaryHome home;
+  for (const auto& [name, reply, expected] : cases) {
+    const FakeApplication fake(always(reply));
+    VellClient client;
+    EXPECT_EQ(outcome(client), expected) << name;
+  }
+}
+
+TEST(VellClient, NamesThePlaceWhereALineIsNotJson) {
+  const std::pair<std::string, std::size_t> cases[] = {
+      {"{\"id\":1,\"result\":}\n", 17}, {"{\"id\":1,\"result\":\"\xFF\"}\n", 18}, {"5\n", 0}};
+  const tests::TemporaryHome home;
+  for (const auto& [line, offset] : cases) {
+    const FakeApplication fake(always({line}));
+    VellClient client;
+    try {
+      ADD_FAILURE() << line << " gave " << client.call("m");
+    } catch (const json::ParseError& error) {
+      EXPECT_EQ(error.offset(), offset) << line;
+      EXPECT_THAT(error.what(), HasSubstr(std::to_string(offset)));
+    }
+  }
+}
+
+TEST(VellClient, TakesAnAnswerOfManyReads) {
+  const std::string text(3'000'000, 'x');
+  const tests::TemporaryHome home;
+  const FakeApplication fake(always(FakeApplication::result('"' + text + '"')));
+  EXPECT_EQ(VellClient().request("m", "").result().string(), text);
+}
+
+TEST(VellClient, SaysWhyItCannotConnect) {
+  const tests::TemporaryHome home;
+  const std::string path = VellClient::resolveSocketPath();
+  EXPECT_EQ(path, home / "Library/Containers/app.vell.Vell/Data/cli.sock");
+  const auto failure = [&](const std::string& cause) {
+    return "Vell.app must be running for CLI/MCP access.\nError: (socket " + path + ": " + cause + ")";
+  };
+  ReconnectingClient client;
+  EXPECT_EQ(outcome(client), failure("No such file or directory"));
+  home.write("Library/Containers/app.vell.Vell/Data/cli.sock", "");
+  EXPECT_EQ(outcome(client), failure("Connection refused"));
+}
+
+TEST(VellClient, TakesPathsOfUpTo103Bytes) {
+  const tests::TemporaryDirectory directory;
+  const std::string longest = directory / std::string(103 - directory.path().size() - 1, 's');
+  const FakeApplication fake(always(FakeApplication::result("1")), longest);
+  EXPECT_EQ(VellClient(longest).call("m"), "1");
+  try {
+    VellClient client(longest + "s");
+    ADD_FAILURE() << "a path too long was taken";
+  } catch (const ClientError& error) {
+    EXPECT_EQ(error.what(), "Socket path exceeds AF_UNIX limit: " + longest + "s");
+  }
+}
+
+TEST(VellClient, AWriteToAnApplicationThatWentAwayIsAnErrorAndNoSignal) {
+  const tests::TemporaryHome home;
+  auto fake = std::make_unique<FakeApplication>(always(FakeApplication::result("1")));
+  VellClient client;
+  client.call("m");
+  fake.reset();
+  EXPECT_EQ(outcome(client), "Write failed: Broken pipe");
+}
+
+TEST(VellIPC, ConnectsAnewAfterATransportFailureOnly) {
+  const Reply replies[] = {FakeApplication::result("1"),
+                           FakeApplication::error(3, "no"),
+                           FakeApplication::result("2"),
+                           {"", true},
+                           FakeApplication::result("3")};
+  std::size_t next = 0;
+  const tests::TemporaryHome home;
+  VellIPC shared;
+  EXPECT_THAT(outcome(shared), HasSubstr("must be running"));
+  const FakeApplication fake([&](const std::string&) { return replies[next++]; });
+  EXPECT_EQ(outcome(shared), "1");
+  EXPECT_EQ(outcome(shared), "Vell error 3: no");
+  EXPECT_EQ(shared.call("m", R"( {"b": 1.0, "a": null} )"), "2");
+  EXPECT_EQ(outcome(shared), "Vell closed the connection without sending a response.");
+  EXPECT_EQ(outcome(shared), "3");
+  EXPECT_THAT(
+      fake.requests(),
+      ElementsAre(R"({"id":1,"jsonrpc":"2.0","method":"m"})", R"({"id":2,"jsonrpc":"2.0","method":"m"})",
+                  R"({"id":3,"jsonrpc":"2.0","method":"m","params":{"a":null,"b":1.0}})",
+                  R"({"id":4,"jsonrpc":"2.0","method":"m"})", R"({"id":1,"jsonrpc":"2.0","method":"m"})"));
+}
+
+TEST(VellIPC, WrapsTheErrorThatHappened) {
+  const tests::TemporaryHome home;
+  VellIPC shared;
+  try {
+    shared.call("m");
+    ADD_FAILURE() << "nobody answered, and yet there is a result";
+  } catch (const VellIPCError& error) {
+    EXPECT_EQ(error.underlying.kind(), ClientError::Kind::connect);
+  }
+  EXPECT_THROW(shared.call("m", "{"), json::ParseError);
+}
+
+}  // namespace
+}  // namespace vell::ipc
