@@ -1,0 +1,65 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "mcp/logger.h"
+#include "mcp/mcp_error.h"
+#include "mcp/request_id.h"
+#include "mcp/value.h"
+
+namespace vell::mcp {
+
+class Server;
+
+/// One request in flight, shared by whoever works on it. It is answered exactly once or, cancelled, never;
+/// when its last holder lets go of it unanswered, it answers with an internal error.
+class RequestContext {
+ public:
+  /// What goes back: the response as a line, or none for a cancelled request.
+  using Deliver = std::function<void(std::optional<std::string> response)>;
+
+  RequestContext(std::weak_ptr<Server> server, RequestId id, const std::optional<Value>& params,
+                 Deliver deliver);
+  ~RequestContext();
+  RequestContext(const RequestContext&) = delete;
+  RequestContext& operator=(const RequestContext&) = delete;
+
+  const RequestId& id() const { return id_; }
+  const std::optional<RequestId>& progressToken() const { return progressToken_; }
+  bool isCancelled() const { return cancelled_; }
+  /// Called once, when the client cancels before the answer. A later call replaces the callback.
+  void onCancelled(std::function<void()> callback) { onCancelled_ = std::move(callback); }
+
+  /// Sends `notifications/progress` where the client asked for it. `progress` must grow from call to call.
+  void reportProgress(double progress, std::optional<double> total = {}, const std::string& message = {});
+
+  /// An entry for the logger of the session and for its client.
+  void log(LogLevel level, const std::string& message, const LogMetadata& metadata = {});
+
+  void succeed(const Value& result);
+  void fail(const MCPError& error);
+  /// An MCPError goes out as it is; of any other failure the client learns nothing.
+  void fail(const std::exception_ptr& failure);
+
+ private:
+  friend class Server;
+  void cancel();
+  /// Throws where the server is gone.
+  std::shared_ptr<Server> server() const;
+  bool mayAnswer(const char* suppressed);
+  void answer(std::string response);
+
+  std::weak_ptr<Server> server_;
+  RequestId id_;
+  std::optional<RequestId> progressToken_;
+  Deliver deliver_;  // none once answered or cancelled
+  std::function<void()> onCancelled_;
+  bool cancelled_ = false;
+};
+
+using RequestContextPtr = std::shared_ptr<RequestContext>;
+
+}  // namespace vell::mcp

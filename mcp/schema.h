@@ -1,0 +1,30 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "mcp/value.h"
+
+/// JSON Schemas. Only these keywords are ever written: type, enum, anyOf, items, properties, required,
+/// additionalProperties and description. They mean the same in draft 2020-12 and to the validator, which
+/// reads draft 7; every host accepts them.
+namespace vell::mcp::schema {
+
+Value string();
+Value integer();
+Value boolean();
+Value null();
+/// One of these texts.
+Value oneOf(const std::vector<std::string>& texts);
+Value arrayOf(Value items);
+/// An object whose members, of any name, all fit.
+Value mapOf(Value members);
+Value anyOf(std::vector<Value> alternatives);
+/// Members that are not named here are let through only where `open`.
+Value object(Value::Object properties, const std::vector<std::string>& required, bool open = false);
+Value described(Value schema, const std::string& description);
+
+/// What fits, for people: "a string", "an array of strings", "'tree' or 'flat'".
+std::string describe(const Value& schema);
+
+}  // namespace vell::mcp::schema

@@ -1,0 +1,178 @@
+#include "mcp/server.h"
+
+#include <algorithm>
+#include <stdexcept>
+
+#include "mcp/batch.h"
+#include "mcp/value_text.h"
+
+namespace vell::mcp {
+
+std::shared_ptr<Server> Server::make(ServerInfo info, ServerCapabilities capabilities,
+                                     ServerConfiguration configuration, Logger logger) {
+  if (configuration.supportedProtocolVersions.empty())
+    throw std::logic_error("A server supports some version");
+  return std::shared_ptr<Server>(
+      new Server(std::move(info), capabilities, std::move(configuration), std::move(logger)));
+}
+
+Server::Server(ServerInfo info, ServerCapabilities capabilities, ServerConfiguration configuration,
+               Logger logger)
+    : info_(std::move(info)),
+      capabilities_(capabilities),
+      configuration_(std::move(configuration)),
+      logger_(std::move(logger)) {
+  bindDefaultHandlers();
+}
+
+void Server::withRequestHandler(const std::string& method, RequestHandler handler) {
+  requestHandlers_[method] = std::move(handler);
+}
+
+void Server::withFallbackHandler(std::function<void(const Request&, const RequestContextPtr&)> handler) {
+  fallback_ = std::move(handler);
+}
+
+void Server::onNotification(const std::string& method, NotificationHandler handler) {
+  notificationHandlers_[method].push_back(std::move(handler));
+}
+
+void Server::start(Transport& transport, InitializeHook hook) {
+  hook_ = std::move(hook);
+  transport_ = &transport;
+  transport.connect({[self = shared_from_this()](std::string_view line) { self->receive(line); },
+                     [self = shared_from_this()](std::error_code error) { self->inputEnded(error); }});
+}
+
+void Server::stop() {
+  const auto keep = shared_from_this();
+  Transport* transport = std::exchange(transport_, nullptr);
+  if (transport) transport->disconnect();
+  while (!inFlight_.empty()) {
+    RequestContext* context = inFlight_.begin()->second;
+    inFlight_.erase(inFlight_.begin());
+    context->cancel();
+  }
+  if (const auto onIdle = std::exchange(onIdle_, nullptr)) onIdle();
+}
+
+void Server::whenIdle(std::function<void()> callback) {
+  onIdle_ = std::move(callback);
+  settle();
+}
+
+std::size_t Server::unfinished() const {
+  return inFlight_.size() + (transport_ ? transport_->unwritten() : 0);
+}
+
+void Server::settle() {
+  if (!onIdle_ || !inFlight_.empty()) return;
+  if (!transport_) return std::exchange(onIdle_, nullptr)();
+  transport_->whenWritten([self = shared_from_this()] {
+    if (self->onIdle_ && self->inFlight_.empty()) std::exchange(self->onIdle_, nullptr)();
+  });
+}
+
+void Server::inputEnded(std::error_code error) {
+  if (const auto callback = std::exchange(onInputEnded_, nullptr)) callback(error);
+}
+
+void Server::receive(std::string_view line) {
+  const auto answer = [self = shared_from_this()](std::optional<std::string> response) {
+    if (response) self->send(std::move(*response));
+  };
+  try {
+    Value value = decode(line);
+    if (Value::Array* batch = value.array()) return receiveBatch(std::move(*batch));
+    dispatch(decodeMessage(std::move(value)), answer);
+  } catch (const DecodeError& error) {
+    send(encodeError(std::nullopt, MCPError::parseError(error.what())));
+  }
+}
+
+void Server::receiveBatch(Value::Array elements) {
+  if (elements.empty())
+    return send(encodeError(std::nullopt, MCPError::invalidRequest("A batch is not empty")));
+  const auto batch =
+      std::make_shared<Batch>([self = shared_from_this()](std::string line) { self->send(std::move(line)); });
+  for (Value& element : elements) {
+    Message message = decodeMessage(std::move(element));
+    if (const auto* invalid = std::get_if<InvalidMessage>(&message)) {
+      message = InvalidMessage{invalid->id, MCPError::invalidRequest("Invalid batch item format")};
+    }
+    dispatch(std::move(message), batch->place());
+  }
+}
+
+void Server::dispatch(Message message, const RequestContext::Deliver& deliver) {
+  if (auto* request = std::get_if<Request>(&message)) return handle(*request, deliver);
+  if (auto* notification = std::get_if<Notification>(&message)) {
+    handle(*notification);
+  } else if (auto* response = std::get_if<Response>(&message)) {
+    log(LogLevel::debug, "Response to no request of ours", {{"id", response->id.description()}});
+  } else {
+    const auto& invalid = std::get<InvalidMessage>(message);
+    return deliver(encodeError(invalid.id, invalid.error));
+  }
+  deliver(std::nullopt);
+}
+
+void Server::handle(Request& request, const RequestContext::Deliver& deliver) {
+  const auto context =
+      std::make_shared<RequestContext>(weak_from_this(), request.id, request.params, deliver);
+  inFlight_.emplace(request.id, context.get());
+  try {
+    perform(request, context);
+  } catch (...) {
+    context->fail(std::current_exception());
+  }
+}
+
+void Server::perform(Request& request, const RequestContextPtr& context) {
+  if (logsTo(LogLevel::debug)) log(LogLevel::debug, "Processing request", {{"method", request.method}});
+  const bool housekeeping = request.method == "initialize" || request.method == "ping";
+  if (configuration_.strict && !isInitialized() && !housekeeping) {
+    throw MCPError::invalidRequest("Server is not initialized");
+  }
+  if (isInitialized() && request.method != "initialize") becomeReady();
+  const auto handler = requestHandlers_.find(request.method);
+  if (handler != requestHandlers_.end()) return handler->second(request.params, context);
+  if (!fallback_) throw MCPError::methodNotFound("Unknown method: " + request.method);
+  log(LogLevel::debug, "Using fallback handler for request", {{"method", request.method}});
+  fallback_(request, context);
+}
+
+void Server::handle(const Notification& notification) {
+  const auto handlers = notificationHandlers_.find(notification.method);
+  if (handlers == notificationHandlers_.end()) return;
+  for (const auto& handler : handlers->second) handler(notification.params);
+}
+
+void Server::cancel(const std::optional<Value>& params) {
+  const Value* requestId = params ? params->find("requestId") : nullptr;
+  const auto id = requestId ? RequestId::from(*requestId) : std::nullopt;
+  if (!id) return;
+  for (auto entry = inFlight_.find(*id); entry != inFlight_.end(); entry = inFlight_.find(*id)) {
+    RequestContext* context = entry->second;
+    inFlight_.erase(entry);
+    context->cancel();
+  }
+  settle();
+}
+
+void Server::finished(const RequestContext& context) {
+  const auto [first, last] = inFlight_.equal_range(context.id());
+  const auto entry = std::find_if(first, last, [&](const auto& pair) { return pair.second == &context; });
+  if (entry != last) inFlight_.erase(entry);
+}
+
+void Server::send(std::string line) {
+  try {
+    if (transport_) transport_->send(std::move(line));
+  } catch (const std::system_error& error) {
+    logger_.log(LogLevel::debug, "Message not sent", {{"error", error.what()}});
+  }
+  settle();
+}
+
+}  // namespace vell::mcp

@@ -1,0 +1,78 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "mcp/request_context.h"
+#include "mcp/value.h"
+
+namespace vell::mcp {
+
+/// Hints for the host; what is absent is not written.
+struct ToolAnnotations {
+  std::optional<std::string> title = {};
+  std::optional<bool> readOnlyHint = {};
+  std::optional<bool> destructiveHint = {};
+  std::optional<bool> idempotentHint = {};
+  std::optional<bool> openWorldHint = {};
+
+  Value toValue() const;
+};
+
+/// How a tool is listed.
+struct ToolDefinition {
+  std::string name;
+  std::optional<std::string> title = {};
+  std::optional<std::string> description = {};
+  Value inputSchema;                       // an object schema
+  std::optional<Value> outputSchema = {};  // of the structured content
+  std::optional<ToolAnnotations> annotations = {};
+
+  Value toValue() const;
+};
+
+/// The outcome of a call, a failure that the model can read included.
+struct CallToolResult {
+  std::vector<Value> content;  // content blocks, see content.h
+  std::optional<Value> structuredContent = {};
+  bool isError = false;
+
+  static CallToolResult text(std::string text);
+  static CallToolResult error(std::string description);
+  Value toValue() &&;
+};
+
+class Tool;
+
+/// One call of a tool; whoever works on it holds it, and with it the tool.
+class ToolCall {
+ public:
+  ToolCall(std::shared_ptr<Tool> tool, RequestContextPtr request)
+      : tool_(std::move(tool)), request_(std::move(request)) {}
+
+  Tool& tool() const { return *tool_; }
+  RequestContext& request() const { return *request_; }
+  /// Answers with the result; an output schema without structured content fails the request instead.
+  void answer(CallToolResult result);
+  void answerText(std::string text) { answer(CallToolResult::text(std::move(text))); }
+  void fail(std::string description) { answer(CallToolResult::error(std::move(description))); }
+
+ private:
+  std::shared_ptr<Tool> tool_;
+  RequestContextPtr request_;
+};
+
+using ToolCallPtr = std::shared_ptr<ToolCall>;
+
+class Tool {
+ public:
+  virtual ~Tool() = default;
+  virtual const ToolDefinition& definition() const = 0;
+  /// Answers the call, now or later. The arguments satisfy the input schema and hold no null at the top.
+  /// What it throws becomes a result that says so.
+  virtual void call(const Value::Object& arguments, const ToolCallPtr& call) = 0;
+};
+
+}  // namespace vell::mcp

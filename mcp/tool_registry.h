@@ -1,0 +1,37 @@
+#pragma once
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "mcp/argument_validator.h"
+#include "mcp/change_notice.h"
+#include "mcp/tool.h"
+
+namespace vell::mcp {
+
+/// The tools in the order in which they were added.
+class ToolRegistry {
+ public:
+  struct Entry {
+    std::shared_ptr<Tool> tool;
+    ArgumentValidator validator;
+  };
+
+  /// Takes the place of a tool of the same name.
+  void add(const std::shared_ptr<Tool>& tool);
+  /// False where there is none of that name.
+  bool remove(std::string_view name);
+  /// Valid until the next change.
+  Entry* find(std::string_view name);
+  const std::vector<Entry>& entries() const { return entries_; }
+  bool empty() const { return entries_.empty(); }
+
+  ChangeNotice& notice() { return notice_; }
+
+ private:
+  std::vector<Entry> entries_;
+  ChangeNotice notice_;
+};
+
+}  // namespace vell::mcp

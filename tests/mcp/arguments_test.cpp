@@ -1,0 +1,149 @@
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <fstream>
+#include <set>
+#include <sstream>
+
+#include "mcp/argument_validator.h"
+#include "mcp/parameters.h"
+#include "tests/mcp/support.h"
+
+namespace vell::mcp {
+namespace {
+
+struct Count {
+  static Value schema() { return schema::anyOf({schema::string(), schema::integer()}); }
+  static std::string decode(const Value& value) {
+    return value.string() ? *value.string() : std::to_string(*value.integer());
+  }
+};
+
+struct Shape {
+  static Value schema() { return schema::oneOf({"tree", "flat"}); }
+  static std::string decode(const Value& value) { return *value.string(); }
+};
+
+struct Record {
+  std::vector<std::string> rows;
+  std::optional<std::string> count;
+  std::string shape = "tree";
+  bool deep = false;
+  std::optional<std::map<std::string, std::optional<std::string>>> attributes;
+};
+
+Parameters<Record> parameters() {
+  return Parameters<Record>()
+      .required("rows", &Record::rows, "R")
+      .optional<Count>("count", &Record::count, "C")
+      .optional<Shape>("shape", &Record::shape, "S")
+      .optional("deep", &Record::deep, "D")
+      .optional(
+          "attributes", [](Record & record) -> auto& { return record.attributes; }, "A");
+}
+
+TEST(Arguments, SchemaComesFromTheDeclaration) {
+  EXPECT_EQ(parameters().schema(), decode(R"({"additionalProperties":false,"properties":{
+    "attributes":{"additionalProperties":{"anyOf":[{"type":"string"},{"type":"null"}]},"description":"A","type":"object"},
+    "count":{"anyOf":[{"type":"string"},{"type":"integer"}],"description":"C"},
+    "deep":{"description":"D","type":"boolean"},
+    "rows":{"description":"R","items":{"type":"string"},"type":"array"},
+    "shape":{"description":"S","enum":["tree","flat"],"type":"string"}},
+    "required":["rows"],"type":"object"})"));
+}
+
+TEST(Arguments, AreDecodedIntoTheRecord) {
+  const Value arguments = decode(R"({"rows":["a","b"],"count":3,"attributes":{"k":"v","gone":null}})");
+  EXPECT_EQ(ArgumentValidator(parameters().schema()).faults(arguments), "");
+  const Record record = parameters().decode(*arguments.object());
+  EXPECT_EQ(record.rows, (std::vector<std::string>{"a", "b"}));
+  EXPECT_EQ(record.count, "3");
+  EXPECT_EQ(record.shape, "tree");
+  EXPECT_EQ(record.attributes->at("k"), "v");
+  EXPECT_EQ(record.attributes->at("gone"), std::nullopt);
+}
+
+TEST(Arguments, FaultsSayHowToRepairTheCall) {
+  const std::pair<const char*, const char*> rows[] = {
+      {R"({})", "Missing required parameter 'rows'"},
+      {R"({"rows":["a",12]})", R"(rows[1]: expected a string, got the number 12 (write "12"))"},
+      {R"({"rows":["a",true,null]})",
+       "rows[1]: expected a string, got true (write \"true\")\nrows[2]: expected a string, got null"},
+      {R"({"rows":"a"})", R"(rows: expected an array of strings, got the string "a" (write ["a"]))"},
+      {R"({"rows":7})", R"(rows: expected an array of strings, got the number 7 (write ["7"]))"},
+      {R"({"rows":"[\"a\"]"})",
+       "rows: expected an array of strings, got the string \"[\\\"a\\\"]\": a list written as "
+       "a JSON string (pass the array itself)"},
+      {R"({"rows":[],"count":[]})", "count: expected a string or an integer, got an array"},
+      {R"({"rows":[],"count":1.5})",
+       "count: expected a string or an integer, got the number 1.5 (write \"1.5\")"},
+      {R"({"rows":[],"count":1.0})", ""},
+      {R"({"rows":[],"shape":"Flatt"})",
+       R"(shape: expected 'tree' or 'flat', got the string "Flatt"; did you mean 'flat'?)"},
+      {R"({"rows":[],"shape":3})", "shape: expected 'tree' or 'flat', got the number 3"},
+      {R"({"rows":[],"deep":"true"})", R"(deep: expected a boolean, got the string "true" (write true))"},
+      {R"({"rows":[],"attributes":{"n":1}})",
+       R"(attributes.n: expected a string or null, got the number 1 (write "1"))"},
+      {R"({"rows":[],"attributes":"{}"})",
+       R"(attributes: expected an object, got the string "{}": an object written as a JSON string (pass the object itself))"},
+      {R"({"row":["a"],"zzz":1})",
+       "Missing required parameter 'rows'\n"
+       "row: unknown parameter (accepted: attributes, count, deep, rows and shape); did you mean 'rows'?\n"
+       "zzz: unknown parameter (accepted: attributes, count, deep, rows and shape)"},
+  };
+  ArgumentValidator validator(parameters().schema());
+  for (const auto& [arguments, faults] : rows)
+    EXPECT_EQ(validator.faults(decode(arguments)), faults) << arguments;
+}
+
+TEST(Arguments, OfDeclaredToolsWithoutParameters) {
+  ArgumentValidator validator(Parameters<Record>().schema());
+  EXPECT_EQ(validator.faults(Value::Object{}), "");
+  EXPECT_EQ(validator.faults(Value::Object{{"x", 1}}), "x: unknown parameter (accepted: none)");
+}
+
+/// Whether a schema says no more than schema.h can write.
+bool isWritable(const Value& schema) {
+  static const std::set<std::string> keywords{"$schema",    "type",       "enum",     "anyOf",
+                                              "items",      "properties", "required", "additionalProperties",
+                                              "description"};
+  if (!schema.object()) return schema.boolean() != nullptr;
+  return std::all_of(schema.object()->begin(), schema.object()->end(), [](const auto& member) {
+    if (member.first == "type") return member.second.string() != nullptr;
+    if (member.first == "items" || member.first == "additionalProperties") return isWritable(member.second);
+    if (member.first == "anyOf" || member.first == "properties") {
+      const auto* alternatives = member.second.array();
+      const auto* properties = member.second.object();
+      return alternatives ? std::all_of(alternatives->begin(), alternatives->end(), isWritable)
+                          : std::all_of(properties->begin(), properties->end(),
+                                        [](const auto& property) { return isWritable(property.second); });
+    }
+    return keywords.count(member.first) == 1;
+  });
+}
+
+TEST(Arguments, AreJudgedAsTheOfficialSuiteJudges) {
+  const std::filesystem::path suite = "/usr/share/json-schema-test-suite/tests/draft7";
+  ASSERT_TRUE(std::filesystem::exists(suite)) << "install the package json-schema-test-suite";
+  int checked = 0;
+  for (const char* keyword :
+       {"type", "enum", "anyOf", "items", "properties", "required", "additionalProperties"}) {
+    std::stringstream text;
+    text << std::ifstream(suite / (std::string(keyword) + ".json")).rdbuf();
+    const Value groups = decode(text.str());
+    for (const Value& group : *groups.array()) {
+      if (!isWritable(*group.find("schema"))) continue;
+      ArgumentValidator validator(*group.find("schema"));
+      for (const Value& test : *group.find("tests")->array()) {
+        EXPECT_EQ(validator.faults(*test.find("data")).empty(), *test.find("valid")->boolean())
+            << keyword << ": " << group.find("description")->description() << test.description();
+        ++checked;
+      }
+    }
+  }
+  EXPECT_GT(checked, 80);
+}
+
+}  // namespace
+}  // namespace vell::mcp
