@@ -1,0 +1,46 @@
+#pragma once
+
+#include <sys/types.h>
+
+#include <ctime>
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace vell::headless {
+
+/// What a file looked like when it was last read or written; differs once somebody else wrote it.
+struct FileStamp {
+  dev_t device = 0;
+  ino_t inode = 0;
+  off_t size = -1;
+  std::filesystem::file_time_type modified;
+  std::time_t seconds = 0;  ///< `modified` since 1970
+
+  bool operator==(const FileStamp&) const = default;
+};
+
+struct FileContent {
+  std::string bytes;
+  FileStamp stamp;
+};
+
+/// Tells contents apart, within one run.
+std::size_t hashOf(std::string_view bytes);
+
+/// The stamp of the file at `path`, links followed; the default one where there is none.
+FileStamp stampOf(const std::string& path);
+
+/// The whole regular file. Throws Problem.
+FileContent readFile(const std::string& path);
+
+/// Puts `bytes` in the place of the file in one step: whoever reads it, whenever the machine stops, finds the
+/// old content or the new. On disk when it returns. The file's mode and the links that lead to it stay; a new
+/// file gets `newMode` less the umask. Throws Problem.
+FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = 0666);
+
+/// Makes the directory with those above it, for this user alone; an existing one is closed to others.
+/// Throws Problem.
+void makePrivateDirectory(const std::string& path);
+
+}  // namespace vell::headless

@@ -1,0 +1,23 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vell::headless {
+
+/// Absolute (against the current directory), without ".", ".." and doubled or closing slashes. Links stay.
+std::string standardisedPath(const std::string& path);
+
+/// The path with its links resolved, as far as it exists: equal for two paths of one file.
+std::string resolvedPath(const std::string& path);
+
+/// "file:///…", percent-encoded; `path` is absolute.
+std::string fileUrl(std::string_view path);
+
+/// The last component.
+std::string fileName(const std::string& path);
+
+/// The characters behind the last dot of the last component, in lower case; "" where there is none.
+std::string fileExtension(const std::string& path);
+
+}  // namespace vell::headless

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <functional>
+#include <map>
+#include <string>
+
+#include "headless/app/disk_writer.h"
+#include "headless/app/open_outline.h"
+#include "headless/app/scheduler.h"
+
+namespace vell::headless {
+
+/// Brings changed outlines to disk shortly after each change, and follows what others write into their files.
+///
+/// A file that somebody else changed is never overwritten: where we have no changes of our own the outline is
+/// read anew; else ours go into a file beside it, "name (conflict <time>).ext", and the outline is read anew.
+class Saver {
+ public:
+  /// Gets a line for people: what was saved elsewhere, what could not be saved.
+  using Report = std::function<void(const std::string&)>;
+  /// Gets an outline whose rows are others than before.
+  using Reloaded = std::function<void(OpenOutline&)>;
+
+  Saver(Scheduler& scheduler, Report report, Reloaded reloaded);
+
+  void report(const std::string& line) const { report_(line); }
+  /// Saves the outline soon, if it has changed since it was last saved.
+  void changed(OpenOutline& opened);
+  /// On disk, as far as it can be, when it returns.
+  void flush(OpenOutline& opened);
+  /// Writes what the outline holds to another path. Throws Problem.
+  static void saveCopy(const OpenOutline& opened, const std::string& path);
+  /// Reads the outline anew where its file is no longer what it was and nothing of ours would be lost.
+  void refresh(OpenOutline& opened);
+  /// Forgets an outline that is about to go; changes not yet on their way to disk are dropped.
+  void forget(OpenOutline& opened);
+
+ private:
+  /// Long enough for a burst of changes to share one write, short enough for nobody to miss it.
+  static constexpr std::chrono::milliseconds usualPace{100};
+
+  struct State {
+    bool scheduled = false;
+    bool writing = false;
+    Scheduler::Timer timer{};
+    std::string lastFault;
+    FileStamp unreadable{};                       ///< what somebody wrote that is no outline
+    Scheduler::Clock::duration pace = usualPace;  ///< between a change and its saving
+  };
+
+  void save(OpenOutline& opened);
+  struct Saved {
+    std::uint64_t revision;
+    std::size_t contentHash;
+  };
+  void finish(OpenOutline& opened, const Saved& saved, const SaveResult& result);
+  void settleConflict(OpenOutline& opened);
+  void schedule(OpenOutline& opened, Scheduler::Clock::duration delay);
+  void reportOnce(State& state, const std::string& fault);
+
+  Scheduler& scheduler_;
+  Report report_;
+  Reloaded reloaded_;
+  std::map<OpenOutline*, State> states_;
+  DiskWriter writer_;
+};
+
+}  // namespace vell::headless

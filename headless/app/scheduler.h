@@ -1,0 +1,25 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <utility>
+
+namespace vell::headless {
+
+/// Runs things later on the application's thread.
+class Scheduler {
+ public:
+  using Clock = std::chrono::steady_clock;
+  using Task = std::function<void()>;
+  using Timer = std::pair<Clock::time_point, std::uint64_t>;
+
+  virtual ~Scheduler() = default;
+  /// Runs `task` once, not before `delay` has passed; never from within this call.
+  virtual Timer after(Clock::duration delay, Task task) = 0;
+  virtual void cancel(const Timer& timer) = 0;
+  /// Runs `task` as soon as may be. The one thing that other threads may call.
+  virtual void post(Task task) = 0;
+};
+
+}  // namespace vell::headless

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <chrono>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+namespace vell::headless {
+
+/// What a script reaches of the application.
+class ScriptHost {
+ public:
+  virtual ~ScriptHost() = default;
+  /// Performs a method of the application; parameters and result are JSON texts. Besides the methods of the
+  /// socket there are `script.parent` and `script.children` of a row. A std::exception is the script's to
+  /// catch.
+  virtual std::string call(const std::string& method, const std::string& params) = 0;
+  /// Takes a line that the script logs.
+  virtual void log(const std::string& line) = 0;
+};
+
+/// A script that did not run to its end: syntax error, uncaught exception, or its time is up.
+/// `what()` names the fault and, where known, its line.
+class ScriptError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+struct Script {
+  std::string source;
+  /// Handed to the script when it evaluates to a function.
+  std::optional<std::string> input;
+};
+
+struct ScriptSettings {
+  /// What `vell.version` reads.
+  std::string version;
+  std::chrono::milliseconds timeLimit{5000};
+};
+
+/// Evaluates JavaScript in a context of its own and returns its value as JSON text, `null` for undefined.
+/// Throws ScriptError. docs/scripting.md describes the `vell` global.
+std::string evaluateScript(const Script& script, const ScriptSettings& settings, ScriptHost& host);
+
+}  // namespace vell::headless

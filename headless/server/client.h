@@ -1,0 +1,72 @@
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <deque>
+#include <string>
+
+#include "headless/server/line_buffer.h"
+#include "platform/descriptor.h"
+
+namespace vell::headless {
+
+/// One connected client: request lines in, answer lines out, never waiting for it.
+///
+/// Memory stays bounded: a line may not exceed `lineLimit`, and while `backlogLimit` bytes or more wait to be
+/// taken by the client nothing is read from it, so that it holds at most one answer beyond that.
+class Client {
+ public:
+  using Clock = std::chrono::steady_clock;
+
+  static constexpr std::size_t lineLimit = 64 << 20;
+  static constexpr std::size_t backlogLimit = 1 << 20;
+
+  /// The socket must not block.
+  Client(std::uint64_t id, platform::Descriptor socket) : id_(id), socket_(std::move(socket)) {}
+
+  std::uint64_t id() const { return id_; }
+  int descriptor() const { return socket_.get(); }
+  /// What to poll for.
+  short interest() const;
+
+  /// Reads what has come, as far as there is room.
+  void receive();
+  /// Writes what the client takes without waiting.
+  void flush();
+  /// Queues whole lines.
+  void send(std::string bytes);
+
+  /// A request may be taken now.
+  bool hasRequest() const { return lines_.hasLine() && backlog_ < backlogLimit; }
+  /// Valid until `receive`; only while `hasRequest`.
+  std::string_view takeRequest() { return lines_.takeLine(); }
+  /// The line being received is longer than any request may be.
+  bool overlong() const { return lines_.size() > lineLimit && !lines_.hasLine(); }
+  /// Drops what came unread and reads no more.
+  void finishInput();
+
+  /// A subscriber stays although its input has ended.
+  void keepOpen(bool keep) { kept_ = keep; }
+  /// Nothing is left to do for this client: it left, or has all that it asked for.
+  bool done() const { return broken_ || (ended_ && !kept_ && !lines_.hasLine() && output_.empty()); }
+  void markBroken() { broken_ = true; }
+
+  std::size_t backlog() const { return backlog_; }
+  bool idle() const { return output_.empty() && !kept_; }
+  /// When bytes last moved in either direction.
+  Clock::time_point lastMoved() const { return lastMoved_; }
+
+ private:
+  std::uint64_t id_;
+  platform::Descriptor socket_;
+  LineBuffer lines_;
+  std::deque<std::string> output_;
+  std::size_t taken_ = 0;  // bytes of the first output that are written
+  std::size_t backlog_ = 0;
+  bool ended_ = false;
+  bool broken_ = false;
+  bool kept_ = false;
+  Clock::time_point lastMoved_ = Clock::now();
+};
+
+}  // namespace vell::headless

@@ -1,0 +1,61 @@
+#pragma once
+
+#include <poll.h>
+
+#include <functional>
+#include <map>
+#include <memory>
+#include <mutex>
+#include <unordered_map>
+#include <vector>
+
+#include "headless/app/scheduler.h"
+#include "platform/descriptor.h"
+
+namespace vell::headless {
+
+/// Waits for descriptors and clocks on behalf of one thread; everything it calls runs on that thread.
+class EventLoop : public Scheduler {
+ public:
+  /// Gets poll's `revents`. It may watch, forget and time freely, itself included.
+  using Ready = std::function<void(short)>;
+
+  EventLoop();
+
+  /// Calls `ready` whenever poll reports `interest` (or an error) on `descriptor`, which stays the caller's.
+  void watch(int descriptor, short interest, Ready ready);
+  void setInterest(int descriptor, short interest);
+  void forget(int descriptor);
+
+  Timer after(Clock::duration delay, Task task) override;
+  void cancel(const Timer& timer) override;
+  void post(Task task) override;
+
+  /// Serves until `stop`.
+  void run();
+  /// Serves what is ready after waiting for at most `limit`.
+  void runOnce(Clock::duration limit);
+  void stop() { stopped_ = true; }
+
+ private:
+  struct Watch {
+    short interest;
+    std::shared_ptr<Ready> ready;
+  };
+
+  int waitMilliseconds(Clock::duration limit) const;
+  void runDueTasks();
+  void runPosted();
+  void dispatch(const std::vector<pollfd>& polled);
+
+  std::unordered_map<int, Watch> watches_;
+  std::map<Timer, Task> timers_;
+  std::uint64_t nextTimer_ = 0;
+  bool stopped_ = false;
+  std::mutex postedMutex_;
+  std::vector<Task> posted_;
+  platform::Descriptor wakeRead_;
+  platform::Descriptor wakeWrite_;
+};
+
+}  // namespace vell::headless

@@ -1,0 +1,57 @@
+#include "headless/app/problem.h"
+#include "headless/server/methods.h"
+#include "headless/server/request.h"
+#include "headless/server/shapes.h"
+
+namespace vell::headless::methods {
+namespace {
+
+const Row* optionalRow(const RowRefs& refs, const Params& params, std::string_view key) {
+  const auto ref = params.string(key);
+  return ref ? &refs.row(*ref) : nullptr;
+}
+
+const Row* selectableRow(const RowRefs& refs, const Params& params, std::string_view key) {
+  const Row* row = optionalRow(refs, params, key);
+  if (row != nullptr && row->parent() == nullptr) throw Problem("The root of an outline cannot be selected");
+  return row;
+}
+
+}  // namespace
+
+std::string editorList(const Call& call) {
+  std::string text = "[";
+  for (const auto& outline : call.application.outlines()) {
+    if (text.size() > 1) text += ',';
+    text += R"({"id":)" + quote(outline->editor().id()) + R"(,"outlineId":)" +
+            quote(outline->persistentId()) + "}";
+  }
+  return text + "]";
+}
+
+std::string editorUpdate(const Call& call) {
+  const Params& params = call.params;
+  OpenOutline& opened = call.application.outline(params.string("outline"));
+  const RowRefs refs = call.application.refs(opened);
+  // Everything is found before anything moves.
+  const Row* focus = optionalRow(refs, params, "focus");
+  const auto expand = refs.rows(params.strings("expand"));
+  const auto collapse = refs.rows(params.strings("collapse"));
+  const Row* anchor = selectableRow(refs, params, "selectRow");
+  const Row* head = selectableRow(refs, params, "selectHead");
+  if (head != nullptr && anchor == nullptr) Params::fail("selectHead", "selectRow with it", "it alone");
+
+  Editor& editor = opened.editor();
+  if (focus != nullptr) editor.focus(*focus);
+  for (const Row* row : expand) editor.setCollapsed(*row, false);
+  for (const Row* row : collapse) editor.setCollapsed(*row, true);
+  if (anchor != nullptr) editor.select(*anchor, head != nullptr ? *head : *anchor);
+  call.application.changed(opened);
+  return editorSnapshot(opened);
+}
+
+std::string editorGet(const Call& call) {
+  return editorSnapshot(call.application.outlineOfEditor(call.params.string("editor")));
+}
+
+}  // namespace vell::headless::methods

@@ -1,0 +1,30 @@
+#include "headless/app/problem.h"
+#include "headless/server/methods.h"
+#include "headless/server/subscriptions.h"
+
+namespace vell::headless::methods {
+namespace {
+
+const Subscriber& subscriber(const Call& call) {
+  if (call.subscriber == nullptr) throw Problem("Only a client of the socket can observe");
+  return *call.subscriber;
+}
+
+std::string begun(const std::string& id) { return R"({"subscriptionId":")" + id + "\"}"; }
+
+}  // namespace
+
+std::string outlineObserve(const Call& call) {
+  const OutlineView view = viewParams(call.params);
+  const std::string path = call.params.string("path").value_or("//*");
+  const auto& [subscriptions, client] = subscriber(call);
+  OpenOutline& opened = call.application.outline(call.params.string("outline"));
+  return begun(subscriptions.observeOutline(client, opened, path, view));
+}
+
+std::string documentsObserve(const Call& call) {
+  const auto& [subscriptions, client] = subscriber(call);
+  return begun(subscriptions.observeDocuments(client));
+}
+
+}  // namespace vell::headless::methods

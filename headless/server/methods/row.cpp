@@ -1,0 +1,128 @@
+#include <nlohmann/json.hpp>
+
+#include "headless/app/transaction.h"
+#include "headless/change/arrange_rows.h"
+#include "headless/change/create_rows.h"
+#include "headless/change/result_json.h"
+#include "headless/change/update_rows.h"
+#include "headless/formats/format.h"
+#include "headless/formats/inline_text.h"
+#include "headless/formats/json_reader.h"
+#include "headless/formats/json_writer.h"
+#include "headless/server/methods.h"
+#include "headless/server/request.h"
+#include "json/writer.h"
+
+namespace vell::headless::methods {
+namespace {
+
+OpenOutline& outlineParam(const Call& call) {
+  return call.application.outline(call.params.string("outline"));
+}
+
+const Row* rowParam(const Params& params, const RowRefs& refs, std::string_view key) {
+  const auto ref = params.string(key);
+  return ref ? &refs.row(*ref) : nullptr;
+}
+
+/// `before` and `after` win over the parent, `before` over `after`.
+DestinationRequest destinationParams(const Params& params, const RowRefs& refs, std::string_view parentKey) {
+  const Row* before = rowParam(params, refs, "before");
+  const Row* after = before == nullptr ? rowParam(params, refs, "after") : nullptr;
+  return {rowParam(params, refs, parentKey), params.stringOrInteger("position"), before, after};
+}
+
+Destination newRowsDestination(const Call& call, const Transaction& transaction) {
+  return resolve(transaction.outline(), destinationParams(call.params, transaction.refs(), "parent"));
+}
+
+std::optional<Text> textParam(const Params& params, std::string_view key) {
+  const auto value = params.member(key);
+  if (!value) return std::nullopt;
+  if (const auto markdown = value->string()) return parseInline(*markdown);
+  if (value->kind() != json::Kind::array)
+    Params::fail(key, "a markdown string or an array of runs", describe(*value));
+  try {
+    return readJsonRuns(json::toString(*value, json::Layout::compact));
+  } catch (const FormatError& error) {
+    Params::fail(key, "an array of runs {string, attrs?}", std::string("one that is none: ") + error.what());
+  }
+}
+
+std::vector<std::pair<std::string, std::optional<std::string>>> attributesParam(const Params& params) {
+  const auto value = params.member("attributes");
+  if (!value) return {};
+  if (value->kind() != json::Kind::object) Params::fail("attributes", "an object", describe(*value));
+  std::vector<std::pair<std::string, std::optional<std::string>>> attributes;
+  const auto members = nlohmann::ordered_json::parse(json::toString(*value, json::Layout::compact));
+  for (const auto& [key, member] : members.items()) {
+    if (!member.is_string() && !member.is_null())
+      Params::fail("attributes." + key, "a string or null",
+                   std::string("a value of type ") + member.type_name());
+    attributes.emplace_back(key, member.is_null() ? std::nullopt : std::optional(member.get<std::string>()));
+  }
+  return attributes;
+}
+
+RowUpdate updateParams(const Params& params) {
+  return {textParam(params, "text"), textParam(params, "append"), textParam(params, "prepend"),
+          params.string("type"),     attributesParam(params),     params.string("persistentId")};
+}
+
+}  // namespace
+
+std::string rowCreate(const Call& call) {
+  const std::string markdown = call.params.requiredString("markdown");
+  Transaction transaction(call.application, outlineParam(call));
+  const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call, transaction));
+  transaction.commit();
+  std::string result;
+  appendSessionRow(result, row);
+  return result;
+}
+
+std::string rowCreateMany(const Call& call) {
+  const std::string markdown = call.params.requiredString("markdown");
+  Transaction transaction(call.application, outlineParam(call));
+  const auto rows = createRows(transaction.edit(), markdown, newRowsDestination(call, transaction));
+  transaction.commit();
+  std::string result;
+  appendRows(result, rows);
+  return result;
+}
+
+std::string rowUpdate(const Call& call) {
+  const auto refs = call.params.requiredStrings("rows");
+  const RowUpdate update = updateParams(call.params);
+  Transaction transaction(call.application, outlineParam(call));
+  const auto updated = updateRows(transaction.edit(), transaction.refs().rows(refs), update);
+  transaction.commit();
+  std::string result;
+  appendUpdatedRows(result, updated);
+  return result;
+}
+
+std::string rowMove(const Call& call) {
+  const auto refs = call.params.requiredStrings("rows");
+  Transaction transaction(call.application, outlineParam(call));
+  const DestinationRequest request = destinationParams(call.params, transaction.refs(), "to");
+  if (request.parent == nullptr && request.before == nullptr && request.after == nullptr)
+    Params::fail("to", "a row reference (or before, or after)", "nothing");
+  const auto rows = moveRows(transaction.edit(), transaction.refs().rows(refs), request);
+  transaction.commit();
+  std::string result;
+  appendRows(result, rows);
+  return result;
+}
+
+std::string rowDelete(const Call& call) {
+  const auto refs = call.params.requiredStrings("rows");
+  Transaction transaction(call.application, outlineParam(call));
+  const auto rows = transaction.refs().rows(refs);
+  transaction.leave(rows);
+  const std::size_t deleted = deleteRows(transaction.edit(), rows);
+  transaction.commit();
+  return R"({"deleted":)" + std::to_string(deleted) + "}";
+}
+
+}  // namespace vell::headless::methods

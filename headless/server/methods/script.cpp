@@ -1,0 +1,80 @@
+#include "headless/app/problem.h"
+#include "headless/formats/json_writer.h"
+#include "headless/script/script_engine.h"
+#include "headless/server/methods.h"
+
+namespace vell::headless::methods {
+namespace {
+
+/// Gives a script the application's methods, as a client has them, and the neighbours of a row.
+class Host : public ScriptHost {
+ public:
+  explicit Host(Application& application) : application_(application) {}
+
+  std::string call(const std::string& method, const std::string& text) override {
+    const json::Document document{json::Text(text)};
+    const Params params(document.root());
+    const Call call{application_, params};
+    if (method == "script.parent") return parent(call);
+    if (method == "script.children") return children(call);
+    return handlerOf(method)(call);
+  }
+
+  void log(const std::string& line) override { application_.report("script: " + line); }
+
+ private:
+  static const Row& row(const Call& call) {
+    OpenOutline& opened = call.application.outline(call.params.string("outline"));
+    return call.application.refs(opened).row(*call.params.stringOrInteger("row"));
+  }
+
+  static std::string parent(const Call& call) {
+    const Row* parent = row(call).parent();
+    std::string text;
+    if (parent == nullptr || parent->parent() == nullptr) return "null";
+    appendSessionRow(text, *parent);
+    return text;
+  }
+
+  static std::string children(const Call& call) {
+    std::string text = "[";
+    for (const Row* child = row(call).firstChild(); child != nullptr; child = child->next()) {
+      if (text.size() > 1) text += ',';
+      appendSessionRow(text, *child);
+    }
+    return text + "]";
+  }
+
+  Application& application_;
+};
+
+/// What is changed while it lives is one step to undo in each outline.
+class UndoGroup {
+ public:
+  explicit UndoGroup(Application& application) : application_(application) {
+    for (const auto& opened : application_.outlines()) opened->history().beginGroup();
+  }
+  ~UndoGroup() {
+    for (const auto& opened : application_.outlines()) opened->history().endGroup();
+  }
+  UndoGroup(const UndoGroup&) = delete;
+  UndoGroup& operator=(const UndoGroup&) = delete;
+
+ private:
+  Application& application_;
+};
+
+}  // namespace
+
+std::string scriptEvaluate(const Call& call) {
+  const Script script{call.params.requiredString("script"), call.params.string("input")};
+  Host host(call.application);
+  const UndoGroup group(call.application);
+  try {
+    return evaluateScript(script, {.version = call.application.version()}, host);
+  } catch (const ScriptError& error) {
+    throw Problem(error.what());
+  }
+}
+
+}  // namespace vell::headless::methods

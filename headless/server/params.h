@@ -1,0 +1,57 @@
+#pragma once
+
+#include <initializer_list>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "json/document.h"
+
+namespace vell::headless {
+
+/// The params object of one request, read member by member. A member that is null counts as absent, one that
+/// nobody asks for is ignored. Whatever does not fit throws RpcError(invalidParams), which names the member,
+/// what was expected and what came. Valid while the request's document lives.
+class Params {
+ public:
+  template <typename Value>
+  using Choices = std::initializer_list<std::pair<std::string_view, Value>>;
+
+  /// `params` may be missing or null; anything but an object throws.
+  explicit Params(std::optional<json::Node> params);
+
+  std::optional<std::string> string(std::string_view key) const;
+  std::string requiredString(std::string_view key) const;
+  bool flag(std::string_view key, bool fallback) const;
+  /// Absent and empty are alike.
+  std::vector<std::string> strings(std::string_view key) const;
+  std::vector<std::string> requiredStrings(std::string_view key) const;
+  /// A string, or an integer as its decimal digits.
+  std::optional<std::string> stringOrInteger(std::string_view key) const;
+  /// The member itself, for what only its method can decode.
+  std::optional<json::Node> member(std::string_view key) const;
+
+  template <typename Value>
+  Value choice(std::string_view key, Choices<Value> choices, Value fallback) const {
+    const auto text = string(key);
+    if (!text) return fallback;
+    std::string names;
+    for (const auto& [name, value] : choices) {
+      if (name == *text) return value;
+      names.append(names.empty() ? "\"" : ", \"").append(name).append("\"");
+    }
+    fail(key, "one of " + names, "\"" + *text + "\"");
+  }
+
+  [[noreturn]] static void fail(std::string_view key, const std::string& expected, const std::string& got);
+
+ private:
+  std::optional<json::Node> params_;
+};
+
+/// "a boolean", `the number 12`, `the string "x"`: how a message names a value that does not fit.
+std::string describe(const json::Node& value);
+
+}  // namespace vell::headless

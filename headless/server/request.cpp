@@ -1,0 +1,76 @@
+#include "headless/server/request.h"
+
+#include <nlohmann/json.hpp>
+
+#include "json/error.h"
+#include "json/writer.h"
+
+namespace vell::headless {
+namespace {
+
+json::Document parse(std::string_view line) {
+  try {
+    return json::Document(json::Text(line));
+  } catch (const json::ParseError& error) {
+    throw RpcError(RpcCode::parseError, error.what());
+  }
+}
+
+std::string echoed(const std::optional<json::Node>& id) {
+  const bool usable = id && (id->kind() == json::Kind::string || id->kind() == json::Kind::number);
+  return usable ? json::toString(*id, json::Layout::compact) : "null";
+}
+
+[[noreturn]] void refuse(const std::string& reason) { throw RpcError(RpcCode::invalidRequest, reason); }
+
+}  // namespace
+
+Request::Request(std::string_view line) : document_(parse(line)) {
+  const json::Node root = document_.root();
+  if (root.kind() == json::Kind::array) refuse("Batches are not served: send one request a line.");
+  if (root.kind() != json::Kind::object) refuse("A request is an object, got " + describe(root) + ".");
+  id_ = echoed(root.find("id"));
+}
+
+std::string Request::method() const {
+  const json::Node root = document_.root();
+  const auto protocol = root.find("jsonrpc");
+  if (protocol && protocol->string() != "2.0")
+    refuse("jsonrpc: expected \"2.0\", got " + describe(*protocol));
+  const auto method = root.find("method");
+  if (!method) refuse("method: expected a string, got nothing");
+  auto name = method->string();
+  if (!name) refuse("method: expected a string, got " + describe(*method));
+  return std::move(*name);
+}
+
+Params Request::params() const { return Params(document_.root().find("params")); }
+
+std::string resultHead(std::string_view id) {
+  return std::string(R"({"id":)").append(id).append(R"(,"jsonrpc":"2.0","result":)");
+}
+
+std::string errorLine(std::string_view id, RpcCode code, std::string_view message) {
+  return std::string(R"({"error":{"code":)")
+      .append(std::to_string(static_cast<int>(code)))
+      .append(R"(,"message":)")
+      .append(quote(message))
+      .append(R"(},"id":)")
+      .append(id)
+      .append(R"(,"jsonrpc":"2.0"})")
+      .append("\n");
+}
+
+std::string notificationLine(std::string_view method, std::string_view params) {
+  return std::string(R"({"jsonrpc":"2.0","method":)")
+      .append(quote(method))
+      .append(R"(,"params":)")
+      .append(params)
+      .append("}\n");
+}
+
+std::string quote(std::string_view text) {
+  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+}
+
+}  // namespace vell::headless

@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "headless/server/params.h"
+#include "headless/server/rpc_error.h"
+
+namespace vell::headless {
+
+/// One request line, taken apart. Owns the text that `params` reads from.
+class Request {
+ public:
+  /// Throws RpcError: parseError (the message has the byte offset), or invalidRequest where the line is no
+  /// object.
+  explicit Request(std::string_view line);
+
+  /// Throws RpcError(invalidRequest) where the request names no method or another protocol.
+  std::string method() const;
+  /// The id's JSON text as it came; "null" where the request has none that may stand in an answer.
+  const std::string& id() const { return id_; }
+  /// A request without an id wants no answer.
+  bool wantsAnswer() const { return document_.root().find("id").has_value(); }
+  /// Throws RpcError(invalidParams) where params is not an object.
+  Params params() const;
+
+ private:
+  json::Document document_;
+  std::string id_;
+};
+
+/// What stands before a result in its response; `}` and the line feed stand behind it. `id` is JSON text.
+std::string resultHead(std::string_view id);
+/// Whole lines with their line feed; `params` is JSON text.
+std::string errorLine(std::string_view id, RpcCode code, std::string_view message);
+std::string notificationLine(std::string_view method, std::string_view params);
+
+/// `text` as a JSON string; bytes that are not UTF-8 become U+FFFD.
+std::string quote(std::string_view text);
+
+}  // namespace vell::headless

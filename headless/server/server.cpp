@@ -1,0 +1,169 @@
+#include "headless/server/server.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <cerrno>
+
+#include "headless/server/request.h"
+#include "platform/peer.h"
+#include "platform/socket.h"
+
+namespace vell::headless {
+namespace {
+
+constexpr auto acceptPause = std::chrono::milliseconds(100);
+
+}  // namespace
+
+Server::Server(EventLoop& loop, Application& application, int listener, ServerLimits limits)
+    : loop_(loop),
+      application_(application),
+      listener_(listener),
+      limits_(limits),
+      subscriptions_(loop, application, *this) {
+  loop_.watch(listener_, POLLIN, [this](short) { acceptClients(); });
+  stallTimer_ = loop_.after(limits_.stall, [this] { dropStalled(); });
+}
+
+Server::~Server() {
+  loop_.cancel(stallTimer_);
+  loop_.forget(listener_);
+  for (const auto& [id, client] : clients_) loop_.forget(client->descriptor());
+}
+
+void Server::acceptClients() {
+  for (;;) {
+    platform::Descriptor socket(accept(listener_, nullptr, nullptr));
+    if (socket) {
+      admit(std::move(socket));
+      continue;
+    }
+    if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) return dropIdlest();
+    if (errno != EINTR && errno != ECONNABORTED) return;
+  }
+}
+
+void Server::admit(platform::Descriptor socket) {
+  if (!platform::peerIsCurrentUser(socket.get())) return;
+  platform::prepareSocket(socket.get());
+  fcntl(socket.get(), F_SETFL, O_NONBLOCK);
+  const std::uint64_t id = nextClient_++;
+  auto client = std::make_unique<Client>(id, std::move(socket));
+  loop_.watch(client->descriptor(), client->interest(), [this, id](short events) { onReady(id, events); });
+  clients_.emplace(id, std::move(client));
+}
+
+/// Out of descriptors: whoever waits for nothing makes room. Where nobody does, new clients wait a little.
+void Server::dropIdlest() {
+  auto idlest = clients_.end();
+  for (auto at = clients_.begin(); at != clients_.end(); ++at) {
+    const bool older = idlest == clients_.end() || at->second->lastMoved() < idlest->second->lastMoved();
+    if (at->second->idle() && older) idlest = at;
+  }
+  if (idlest != clients_.end()) return drop(idlest->first);
+  loop_.setInterest(listener_, 0);
+  loop_.after(acceptPause, [this] { loop_.setInterest(listener_, POLLIN); });
+}
+
+void Server::onReady(std::uint64_t id, short events) {
+  Client& client = *clients_.at(id);
+  const bool wasBehind = client.backlog() >= Client::backlogLimit;
+  if ((events & POLLOUT) != 0) client.flush();
+  if (wasBehind && client.backlog() < Client::backlogLimit) subscriptions_.clientCaughtUp(id);
+  if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) client.receive();
+  // Gone for good, with nothing left to carry out: poll would report it for ever.
+  if ((events & (POLLHUP | POLLERR)) != 0 && client.interest() == 0 && !client.hasRequest())
+    client.markBroken();
+  serve(client);
+  settle(client);
+}
+
+void Server::serve(Client& client) {
+  const auto end = Client::Clock::now() + limits_.turn;
+  while (client.hasRequest() && Client::Clock::now() < end) {
+    dispatch(client.takeRequest(), application_, subscriptions_, client);
+    client.flush();
+    if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
+  }
+  if (client.overlong()) {
+    const std::string limit = std::to_string(Client::lineLimit >> 20);
+    client.send(
+        errorLine("null", RpcCode::invalidRequest, "A request may not be longer than " + limit + " MiB."));
+    client.finishInput();
+    client.flush();
+  }
+}
+
+/// What follows from the client's state: gone, waiting for its next turn, or waiting for its descriptor.
+void Server::settle(Client& client) {
+  if (client.done()) return drop(client.id());
+  loop_.setInterest(client.descriptor(), client.interest());
+  const std::uint64_t id = client.id();
+  if (client.hasRequest() && turns_.insert(id).second)
+    loop_.after(std::chrono::milliseconds(0), [this, id] { takeTurn(id); });
+}
+
+void Server::takeTurn(std::uint64_t id) {
+  turns_.erase(id);
+  const auto found = clients_.find(id);
+  if (found == clients_.end()) return;
+  serve(*found->second);
+  settle(*found->second);
+}
+
+void Server::drop(std::uint64_t id) {
+  loop_.forget(clients_.at(id)->descriptor());
+  clients_.erase(id);
+  subscriptions_.clientLeft(id);
+}
+
+/// What is sent goes out, and whoever is done leaves, when the loop comes to the client: its sender may be
+/// amid a walk over subscriptions.
+void Server::send(std::uint64_t id, std::string line) {
+  Client& client = *clients_.at(id);
+  client.send(std::move(line));
+  loop_.setInterest(client.descriptor(), client.interest());
+}
+
+bool Server::takes(std::uint64_t id) const { return clients_.at(id)->backlog() < Client::backlogLimit; }
+
+void Server::keepOpen(std::uint64_t id, bool keep) {
+  const auto found = clients_.find(id);
+  if (found != clients_.end()) found->second->keepOpen(keep);
+}
+
+void Server::keepWithinBacklog(const Client& served) {
+  std::size_t total = 0;
+  const Client* stillest = nullptr;
+  for (const auto& [id, client] : clients_) {
+    total += client->backlog();
+    if (client->backlog() == 0 || client.get() == &served) continue;
+    if (stillest == nullptr || client->lastMoved() < stillest->lastMoved()) stillest = client.get();
+  }
+  if (total > limits_.backlog && stillest != nullptr) drop(stillest->id());
+}
+
+void Server::dropStalled() {
+  const auto oldest = Client::Clock::now() - limits_.stall;
+  for (auto at = clients_.begin(); at != clients_.end();) {
+    const Client& client = *(at++)->second;
+    if (client.backlog() > 0 && client.lastMoved() < oldest) drop(client.id());
+  }
+  stallTimer_ = loop_.after(limits_.stall / 4, [this] { dropStalled(); });
+}
+
+void Server::finish(std::chrono::milliseconds limit) {
+  loop_.forget(listener_);
+  subscriptions_.applicationQuits();
+  const auto end = EventLoop::Clock::now() + limit;
+  for (auto at = clients_.begin(); at != clients_.end();) {
+    Client& client = *(at++)->second;
+    client.finishInput();
+    client.flush();
+    settle(client);
+  }
+  while (!clients_.empty() && EventLoop::Clock::now() < end) loop_.runOnce(end - EventLoop::Clock::now());
+}
+
+}  // namespace vell::headless

@@ -1,0 +1,70 @@
+#pragma once
+
+#include <chrono>
+#include <map>
+#include <memory>
+#include <set>
+
+#include "headless/app/application.h"
+#include "headless/server/application_socket.h"
+#include "headless/server/client.h"
+#include "headless/server/dispatch.h"
+#include "headless/server/event_loop.h"
+#include "headless/server/subscriptions.h"
+
+namespace vell::headless {
+
+/// Bounds that keep one client from harming the others.
+struct ServerLimits {
+  /// A client that takes none of the bytes that wait for it for this long is dropped.
+  std::chrono::milliseconds stall = std::chrono::minutes(2);
+  /// Bytes that may wait for all clients together; beyond, whoever has stood still longest is dropped.
+  std::size_t backlog = std::size_t{1} << 30;
+  /// How long one client is served before the others have their turn.
+  std::chrono::milliseconds turn = std::chrono::milliseconds(5);
+};
+
+/// Serves the application to every client of the socket, in turns, on the loop's thread. The references must
+/// outlive the server.
+class Server : private Outlet {
+ public:
+  Server(EventLoop& loop, Application& application, int listener, ServerLimits limits = {});
+  ~Server() override;
+  Server(const Server&) = delete;
+  Server& operator=(const Server&) = delete;
+
+  /// No new clients and no new requests; what is still owed, and that observation ends, is sent within
+  /// `limit`.
+  void finish(std::chrono::milliseconds limit);
+
+ private:
+  void send(std::uint64_t client, std::string line) override;
+  bool takes(std::uint64_t client) const override;
+  void keepOpen(std::uint64_t client, bool keep) override;
+
+  void acceptClients();
+  void admit(platform::Descriptor socket);
+  void pauseAccepting();
+  void dropIdlest();
+
+  void onReady(std::uint64_t id, short events);
+  void takeTurn(std::uint64_t id);
+  void serve(Client& client);
+  void settle(Client& client);
+  void drop(std::uint64_t id);
+
+  void keepWithinBacklog(const Client& served);
+  void dropStalled();
+
+  EventLoop& loop_;
+  Application& application_;
+  int listener_;
+  ServerLimits limits_;
+  EventLoop::Timer stallTimer_;
+  std::uint64_t nextClient_ = 1;
+  std::map<std::uint64_t, std::unique_ptr<Client>> clients_;
+  Subscriptions subscriptions_;
+  std::set<std::uint64_t> turns_;  // clients with requests left for their next turn
+};
+
+}  // namespace vell::headless

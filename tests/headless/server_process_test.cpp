@@ -1,0 +1,216 @@
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
+#include <fstream>
+#include <sstream>
+
+#include "platform/container.h"
+#include "tests/headless/server_harness.h"
+
+namespace vell::headless {
+namespace {
+
+struct Ended {
+  int status;
+  std::string standardError;
+};
+
+/// The executable, started with those arguments; its standard error goes to a file.
+class Process {
+ public:
+  Process(const std::string& errorFile, std::vector<std::string> arguments) : errorFile_(errorFile) {
+    arguments.insert(arguments.begin(), VELL_HEADLESS);
+    std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
+    for (std::string& argument : arguments) argv.push_back(argument.data());
+    argv.push_back(nullptr);
+    pid_ = fork();
+    if (pid_ != 0) return;
+    dup2(open(errorFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
+    execv(argv[0], argv.data());
+    _exit(127);
+  }
+  ~Process() {
+    if (pid_ == 0) return;
+    kill(pid_, SIGKILL);
+    waitpid(pid_, nullptr, 0);
+  }
+  void signal(int number) const { kill(pid_, number); }
+  Ended wait() {
+    int status = 0;
+    waitpid(std::exchange(pid_, 0), &status, 0);
+    std::stringstream text;
+    text << std::ifstream(errorFile_).rdbuf();
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), text.str()};
+  }
+
+ private:
+  std::string errorFile_;
+  pid_t pid_;
+};
+
+unsigned modeOf(const std::string& path) {
+  struct stat status {};
+  lstat(path.c_str(), &status);
+  return status.st_mode & 0777U;
+}
+
+const std::string list = R"({"id":1,"method":"outline.list"})";
+
+TEST(HeadlessProcess, ServesPrivatelyAndEndsCleanlyOnASignal) {
+  for (const int number : {SIGTERM, SIGINT}) {
+    const tests::TemporaryHome home;
+    Process first(home / "first", {});
+    const std::string socket = platform::applicationSocketPath();
+    TestClient(socket).ask(list);
+    EXPECT_EQ(modeOf(socket), 0600U);
+    EXPECT_EQ(modeOf(platform::containerDirectory()), 0700U);
+    first.signal(number);
+    EXPECT_EQ(first.wait().status, 0);
+    EXPECT_NE(access(socket.c_str(), F_OK), 0);
+  }
+}
+
+TEST(HeadlessProcess, ASecondStartHandsItsFilesToTheFirst) {
+  const tests::TemporaryHome home;
+  home.write("a.json", R"({"rows":[]})");
+  Process first(home / "first", {home / "gone.json"});
+  TestClient client(platform::applicationSocketPath());
+  client.ask(list);
+  const Ended second = Process(home / "second", {home / "a.json", home / "missing.json"}).wait();
+  EXPECT_EQ(second.status, 0);
+  EXPECT_EQ(second.standardError,
+            "vell-headless: Cannot open " + (home / "missing.json") + ": No such file or directory\n");
+  EXPECT_NE(client.ask(list).find("a.json"), std::string::npos);
+  first.signal(SIGTERM);
+  EXPECT_EQ(first.wait().standardError,
+            "vell-headless: Cannot open " + (home / "gone.json") + ": No such file or directory\n");
+}
+
+TEST(HeadlessProcess, AnOutlineKeepsItsIdOverRestartsWhetherItsFileHoldsOneOrNot) {
+  const tests::TemporaryHome home;
+  home.write("plain.txt", "one\n");
+  std::string answers[2];
+  for (std::string& answer : answers) {
+    const Process process(home / "e", {home / "plain.txt"});
+    answer = TestClient(platform::applicationSocketPath()).ask(list);
+  }
+  EXPECT_NE(answers[0].find("plain.txt"), std::string::npos);
+  EXPECT_EQ(answers[0], answers[1]);
+}
+
+std::string contentOf(const std::string& path) {
+  std::stringstream text;
+  text << std::ifstream(path).rdbuf();
+  return text.str();
+}
+
+/// Waits until the file holds the text, for ten seconds.
+bool comesToHold(const std::string& path, const std::string& text) {
+  for (int i = 0; i < 1000; ++i, usleep(10'000))
+    if (contentOf(path).find(text) != std::string::npos) return true;
+  return false;
+}
+
+TEST(HeadlessProcess, AcceptedChangesOutliveASignalAndAKill) {
+  const tests::TemporaryHome home;
+  const std::string path = home.write("a.md", "- one\n");
+  {
+    Process process(home / "e", {path});
+    TestClient(platform::applicationSocketPath())
+        .ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
+    process.signal(SIGTERM);
+    EXPECT_EQ(process.wait().status, 0);
+    EXPECT_NE(contentOf(path).find("two"), std::string::npos);
+  }
+  Process process(home / "e", {path});
+  TestClient(platform::applicationSocketPath())
+      .ask(R"({"id":1,"method":"row.create","params":{"markdown":"three"}})");
+  EXPECT_TRUE(comesToHold(path, "three"));
+}
+
+TEST(HeadlessProcess, WhatCannotBeSavedInItsPlaceIsRescued) {
+  const tests::TemporaryHome home;
+  home.write("folder/a.txt", "one\n");
+  Process process(home / "e", {home / "folder/a.txt"});
+  TestClient client(platform::applicationSocketPath());
+  client.ask(list);
+  std::filesystem::remove_all(home / "folder");
+  client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
+  process.signal(SIGTERM);
+  EXPECT_EQ(process.wait().status, 0);
+  for (const auto& entry : std::filesystem::directory_iterator(platform::containerDirectory() + "/Rescued"))
+    EXPECT_EQ(contentOf(entry.path().string()), "one\ntwo\n");
+  EXPECT_NE(contentOf(home / "e").find("/Rescued/"), std::string::npos);
+}
+
+TEST(HeadlessProcess, UntitledOutlinesOutliveAKillUntilTheyAreDiscarded) {
+  const tests::TemporaryHome home;
+  std::string summary;
+  {
+    const Process process(home / "e", {});
+    TestClient client(platform::applicationSocketPath());
+    client.ask(R"({"id":1,"method":"outline.new","params":{"format":"markdown"}})");
+    client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"kept"}})");
+    summary = client.ask(list);
+    EXPECT_NE(summary.find(R"("displayName":"Untitled 1","fileURL":null)"), std::string::npos) << summary;
+    ASSERT_TRUE(comesToHold(platform::containerDirectory() + "/Untitled/Untitled 1.vell", "kept"));
+  }
+  const Process process(home / "e", {});
+  TestClient client(platform::applicationSocketPath());
+  EXPECT_EQ(client.ask(list), summary);
+  EXPECT_NE(client.ask(R"({"id":1,"method":"outline.get"})").find("kept"), std::string::npos);
+  EXPECT_EQ(client.ask(R"({"id":1,"method":"outline.close","params":{"discard":true}})"),
+            R"({"id":1,"jsonrpc":"2.0","result":{"closed":true}})");
+  EXPECT_NE(access((platform::containerDirectory() + "/Untitled/Untitled 1.vell").c_str(), F_OK), 0);
+}
+
+TEST(HeadlessProcess, ClosingKeepsWhatIsWorthKeeping) {
+  const tests::TemporaryHome home;
+  const std::string path = home.write("a.md", "- one\n");
+  const Process process(home / "e", {path});
+  TestClient client(platform::applicationSocketPath());
+  client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
+  client.ask(R"({"id":1,"method":"outline.close"})");
+  EXPECT_NE(contentOf(path).find("two"), std::string::npos);
+  client.ask(R"({"id":1,"method":"outline.new"})");
+  client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"kept"}})");
+  client.ask(R"({"id":1,"method":"outline.close"})");
+  EXPECT_NE(contentOf(platform::containerDirectory() + "/Closed/Untitled 1.vell").find("kept"),
+            std::string::npos);
+  EXPECT_EQ(client.ask(list), R"({"id":1,"jsonrpc":"2.0","result":[]})");
+}
+
+TEST(HeadlessProcess, TellsThoseWhoObserveThatItQuits) {
+  const tests::TemporaryHome home;
+  const Process process(home / "e", {});
+  TestClient client(platform::applicationSocketPath());
+  client.ask(R"({"id":1,"method":"documents.observe"})");
+  client.line();
+  process.signal(SIGTERM);
+  EXPECT_NE(client.line().find(R"("data":{"reason":"appQuitting"},"kind":"subscription.closed")"),
+            std::string::npos);
+  EXPECT_EQ(client.line(), "<end>");
+}
+
+TEST(HeadlessProcess, RefusesWhatItCannotDo) {
+  const tests::TemporaryHome home;
+  EXPECT_EQ(Process(home / "e", {"--no-such-option"}).wait().status, 64);
+  EXPECT_EQ(Process(home / "e", {"--help"}).wait().status, 0);
+  const std::string deep = home / std::string(90, 'x');
+  setenv("HOME", deep.c_str(), 1);
+  const Ended tooLong = Process(home / "e", {}).wait();
+  setenv("HOME", home.path().c_str(), 1);
+  EXPECT_EQ(tooLong.status, 1);
+  EXPECT_EQ(tooLong.standardError.find("vell-headless: The socket path is longer than 103 bytes: " + deep),
+            0U)
+      << tooLong.standardError;
+}
+
+}  // namespace
+}  // namespace vell::headless
