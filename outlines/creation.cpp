@@ -1,0 +1,81 @@
+#include "outlines/creation.h"
+
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstring>
+#include <filesystem>
+#include <string_view>
+
+#include "outlines/open_error.h"
+#include "platform/descriptor.h"
+
+namespace vell::outlines {
+
+namespace {
+
+std::string lowerCase(std::string text) {
+  std::transform(text.begin(), text.end(), text.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return text;
+}
+
+std::string newContent(ipc::Application& application, const std::string& format) {
+  const ipc::Answer answer = application.request(ipc::OutlineNewContent{format});
+  if (auto content = answer.result().string()) return std::move(*content);
+  throw OpenError("outline.newContent did not return a string payload");
+}
+
+/// 0, or the error number.
+int writeAll(int fd, std::string_view content) {
+  while (!content.empty()) {
+    const ssize_t count = ::write(fd, content.data(), content.size());
+    if (count < 0) return errno;
+    content.remove_prefix(static_cast<std::size_t>(count));
+  }
+  return 0;
+}
+
+[[noreturn]] void failToWrite(const std::string& path, int error) {
+  throw OpenError("Cannot write " + path + ": " + std::strerror(error));
+}
+
+[[noreturn]] void failAsExisting(const std::string& path) { throw OpenError("File already exists: " + path); }
+
+/// Exclusively: a file that appeared meanwhile is not ours to write.
+void writeNewFile(const std::string& path, const std::string& content) {
+  const platform::Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  if (!file && errno == EEXIST) failAsExisting(path);
+  if (!file) failToWrite(path, errno);
+  const int error = writeAll(file.get(), content);
+  if (error == 0) return;
+  ::unlink(path.c_str());
+  failToWrite(path, error);
+}
+
+}  // namespace
+
+std::string formatForPath(const std::string& path) {
+  const std::string extension = lowerCase(std::filesystem::path(path).extension().string());
+  for (const char* format : {"vell", "opml", "json", "markdown"}) {
+    if (extension == std::string(".") + format) return format;
+  }
+  return extension == ".md" ? "markdown" : "txt";
+}
+
+ipc::Answer createOutlineFile(ipc::Application& application, const std::string& absolutePath,
+                              const std::string& format, const OpenOptions& options) {
+  std::error_code unreadable;
+  if (std::filesystem::exists(absolutePath, unreadable)) failAsExisting(absolutePath);
+  writeNewFile(absolutePath, newContent(application, format));
+  try {
+    return openOutlineViaLaunchServices(application, absolutePath, options);
+  } catch (const LaunchError&) {
+    ::unlink(absolutePath.c_str());
+    throw;
+  }
+}
+
+}  // namespace vell::outlines

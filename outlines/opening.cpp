@@ -1,0 +1,131 @@
+#include "outlines/opening.h"
+
+#include <algorithm>
+#include <chrono>
+#include <filesystem>
+#include <thread>
+
+#include "ipc/vell_ipc.h"
+#include "outlines/location.h"
+#include "outlines/open_error.h"
+#include "platform/find_by_identifier.h"
+#include "platform/open_file.h"
+
+namespace vell::outlines {
+
+namespace {
+
+constexpr double pollInterval = 0.1;
+
+bool exists(const std::string& path) {
+  std::error_code unreadable;
+  return std::filesystem::exists(path, unreadable);
+}
+
+std::optional<std::string> persistentIdOf(const ipc::Answer& answer) {
+  const auto id = answer.result().find("persistentId");
+  return id ? id->string() : std::nullopt;
+}
+
+/// Not open, it may be, as long as another attempt could end better.
+void throwUnlessNotOpen(const ipc::ClientError& error) {
+  using Kind = ipc::ClientError::Kind;
+  if (error.kind() == Kind::pathTooLong || error.kind() == Kind::socketCreate) throw error;
+}
+
+template <class Record>
+std::optional<ipc::Answer> find(ipc::Application& application, const Record& where) {
+  try {
+    ipc::Answer answer = application.request(where);
+    if (persistentIdOf(answer)) return answer;
+  } catch (const ipc::ClientError& error) {
+    throwUnlessNotOpen(error);
+  } catch (const ipc::VellIPCError& error) {
+    throwUnlessNotOpen(error.underlying);
+  }
+  return std::nullopt;
+}
+
+/// Finds the outline and raises it.
+template <class Record>
+std::optional<ipc::Answer> raise(ipc::Application& application, const Record& where) {
+  auto found = findOpenOutline(application, where);
+  if (found) bringOutlineToFront(application, *persistentIdOf(*found));
+  return found;
+}
+
+void launch(const std::string& path, const OpenOptions& options) {
+  try {
+    platform::openFileWithApplication(path, options.bundle ? *options.bundle : hostVellAppURL());
+  } catch (const OpenError& error) {
+    throw LaunchError(error.what());
+  } catch (const std::runtime_error& error) {
+    throw LaunchError("Vell could not open " + path + ": " + error.what());
+  }
+}
+
+/// The outline once the application has it; none when the time is over.
+std::optional<ipc::Answer> await(ipc::Application& application, const std::string& path,
+                                 const OpenOptions& options) {
+  using Clock = std::chrono::steady_clock;
+  using Seconds = std::chrono::duration<double>;
+  const Clock::time_point start = Clock::now();
+  for (double waited = 0; waited < options.timeout; waited = Seconds(Clock::now() - start).count()) {
+    if (options.onPoll) options.onPoll(waited);
+    std::this_thread::sleep_for(Seconds(std::min(pollInterval, options.timeout - waited)));
+    if (auto found = raise(application, ipc::OutlineFindByPath{path})) return found;
+  }
+  return std::nullopt;
+}
+
+ipc::Answer launchAndAwait(ipc::Application& application, const std::string& path, const std::string& what,
+                           const OpenOptions& options) {
+  launch(path, options);
+  if (auto found = await(application, path, options)) return std::move(*found);
+  throw OpenError("Timed out waiting for Vell to open" + what);
+}
+
+}  // namespace
+
+std::optional<ipc::Answer> findOpenOutline(ipc::Application& application,
+                                           const ipc::OutlineFindByPath& where) {
+  return find(application, where);
+}
+
+std::optional<ipc::Answer> findOpenOutline(ipc::Application& application,
+                                           const ipc::OutlineFindByPersistentId& where) {
+  return find(application, where);
+}
+
+void bringOutlineToFront(ipc::Application& application, const std::string& persistentId) {
+  application.request(ipc::OutlineBringToFront{persistentId});
+}
+
+ipc::Answer openOutlineViaLaunchServices(ipc::Application& application, const std::string& absolutePath,
+                                         const OpenOptions& options) {
+  if (!exists(absolutePath)) throw OpenError("File not found: " + absolutePath);
+  if (auto open = raise(application, ipc::OutlineFindByPath{absolutePath})) return std::move(*open);
+  return launchAndAwait(application, absolutePath, ": " + absolutePath, options);
+}
+
+ipc::Answer openOutlineByPersistentId(ipc::Application& application, const std::string& persistentId,
+                                      const OpenOptions& options) {
+  if (auto open = raise(application, ipc::OutlineFindByPersistentId{persistentId})) return std::move(*open);
+  const std::vector<std::string> files = resolveFileURLs(persistentId);
+  if (files.empty()) throw OpenError("No outline found with persistentId: " + persistentId);
+  const auto file = std::find_if(files.begin(), files.end(), exists);
+  if (file == files.end()) throw OpenError("File not found: " + files.front());
+  return launchAndAwait(application, *file, " persistentId: " + persistentId, options);
+}
+
+ipc::Answer openOutline(ipc::Application& application, const std::string& target,
+                        const OpenOptions& options) {
+  if (target.rfind("id:", 0) == 0) return openOutlineByPersistentId(application, target.substr(3), options);
+  return openOutlineViaLaunchServices(application, absolutize(target), options);
+}
+
+std::vector<std::string> resolveFileURLs(const std::string& persistentId) {
+  return platform::findFilesByIdentifier(persistentId);
+}
+
+}  // namespace vell::outlines

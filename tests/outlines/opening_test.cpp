@@ -1,0 +1,196 @@
+#include "outlines/opening.h"
+
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <memory>
+
+#include "ipc/vell_ipc.h"
+#include "outlines/creation.h"
+#include "outlines/open_error.h"
+#include "platform/identifier_index.h"
+#include "tests/support/bundle.h"
+#include "tests/support/fake_application.h"
+#include "tests/support/temporary_directory.h"
+
+namespace vell::outlines {
+namespace {
+
+using testing::ElementsAre;
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+using tests::FakeApplication;
+using Reply = FakeApplication::Reply;
+
+const std::string summary = R"({"displayName":"a","fileURL":"file:///a.vell","persistentId":"P"})";
+
+/// An application in which the outline is open from the `openFrom`th look-up on; before, it gives
+/// `otherwise`.
+FakeApplication::Script application(int openFrom, const Reply& otherwise = FakeApplication::result("null")) {
+  auto lookUps = std::make_shared<int>(0);
+  return [=](const std::string& request) {
+    if (request.find("bringToFront") != std::string::npos) return FakeApplication::result("{}");
+    return ++*lookUps >= openFrom ? FakeApplication::result(summary) : otherwise;
+  };
+}
+
+std::string find(const std::string& path) {
+  return R"("method":"outline.findByPath","params":{"path":")" + path + "\"}}";
+}
+const std::string raise = R"("method":"outline.bringToFront","params":{"outline":"P"}})";
+
+class Opening : public testing::Test {
+ protected:
+  tests::TemporaryHome home;
+  tests::Bundle bundle{"echo \"$1\" > $dir/part && mv $dir/part $dir/launched\n"};
+  std::string file = home.write("a.vell", "");
+  ipc::ReconnectingClient client;
+  OpenOptions options{.timeout = 60, .onPoll = {}, .bundle = bundle.path()};
+
+  std::string open(const std::string& target) {
+    try {
+      return openOutline(client, target, options).bytes();
+    } catch (const OpenError& error) {
+      return error.what();
+    }
+  }
+};
+
+TEST_F(Opening, AnOpenOutlineIsRaisedAndNothingIsLaunched) {
+  options.bundle = "/nowhere.app";
+  const FakeApplication fake(application(1));
+  EXPECT_EQ(open(file), summary);
+  EXPECT_THAT(fake.requests(), ElementsAre(EndsWith(find(file)), EndsWith(raise)));
+  EXPECT_EQ(open("id:P"), summary);
+  EXPECT_THAT(fake.requests()[2],
+              EndsWith(R"("method":"outline.findByPersistentId","params":{"persistentId":"P"}})"));
+}
+
+TEST_F(Opening, AnythingButASummaryMeansNotOpenYet) {
+  for (const Reply& otherwise :
+       {FakeApplication::result("null"), FakeApplication::result("{}"), FakeApplication::result("[]"),
+        FakeApplication::result("\"P\""), FakeApplication::result(R"({"persistentId":null})"),
+        FakeApplication::error(-32000, "not open"), Reply{"", true}}) {
+    const FakeApplication fake(application(2, otherwise));
+    EXPECT_EQ(open(file), summary) << otherwise.bytes;
+    EXPECT_EQ(bundle.await("launched"), file + "\n");
+    EXPECT_THAT(fake.requests(), ElementsAre(EndsWith(find(file)), EndsWith(find(file)), EndsWith(raise)));
+  }
+}
+
+TEST_F(Opening, WaitsForAnApplicationThatStartsMeanwhile) {
+  std::unique_ptr<FakeApplication> fake;
+  std::vector<double> polls;
+  options.onPoll = [&](double waited) {
+    polls.push_back(waited);
+    if (polls.size() == 3) fake = std::make_unique<FakeApplication>(application(2));
+  };
+  EXPECT_EQ(open(file), summary);
+  EXPECT_EQ(bundle.await("launched"), file + "\n");
+  EXPECT_EQ(polls.size(), 4U);
+  EXPECT_TRUE(std::is_sorted(polls.begin(), polls.end()));
+}
+
+TEST_F(Opening, TheSharedConnectionWaitsAsWell) {
+  ipc::VellIPC shared;
+  std::unique_ptr<FakeApplication> fake;
+  options.onPoll = [&](double) {
+    if (!fake) fake = std::make_unique<FakeApplication>(application(1));
+  };
+  EXPECT_EQ(openOutline(shared, file, options).bytes(), summary);
+}
+
+TEST_F(Opening, StopsWhereThePollSaysSo) {
+  struct Cancelled {};
+  options.onPoll = [](double) { throw Cancelled(); };
+  EXPECT_THROW(open(file), Cancelled);
+}
+
+TEST_F(Opening, GivesUpWhenTheTimeIsOver) {
+  options.timeout = 0.05;
+  EXPECT_EQ(open(file), "Timed out waiting for Vell to open: " + file);
+  platform::IdentifierIndex().put("P", file);
+  EXPECT_EQ(open("id:P"), "Timed out waiting for Vell to open persistentId: P");
+}
+
+TEST_F(Opening, SaysWhatCannotBeOpened) {
+  const FakeApplication fake(application(1000));
+  EXPECT_EQ(open(home / "missing"), "File not found: " + (home / "missing"));
+  EXPECT_THAT(fake.requests(), ElementsAre());
+  EXPECT_EQ(open("id:P"), "No outline found with persistentId: P");
+  platform::IdentifierIndex().put("P", home / "gone");
+  EXPECT_EQ(open("id:P"), "File not found: " + (home / "gone"));
+  options.bundle = "/nowhere.app";
+  EXPECT_EQ(open(file), "Vell could not open " + file + ": cannot read /nowhere.app/Contents/Info.plist");
+  options.bundle.reset();
+  EXPECT_THAT(open(file), StartsWith("vell CLI is not running inside a Vell.app bundle (executable: /"));
+}
+
+TEST_F(Opening, APersistentIdLeadsToTheFirstFileThatIsThere) {
+  platform::IdentifierIndex().put("P", file);
+  platform::IdentifierIndex().put("P", home / "gone");
+  const FakeApplication fake(application(3));
+  EXPECT_EQ(open("id:P"), summary);
+  EXPECT_EQ(bundle.await("launched"), file + "\n");
+  EXPECT_THAT(fake.requests(), ElementsAre(HasSubstr("findByPersistentId"), EndsWith(find(file)),
+                                           EndsWith(find(file)), EndsWith(raise)));
+}
+
+class Creating : public Opening {
+ protected:
+  std::string path = home / "new.opml";
+  std::string created() {
+    try {
+      return createOutlineFile(client, path, "opml", options).bytes();
+    } catch (const std::runtime_error& error) {
+      return error.what();
+    }
+  }
+};
+
+TEST_F(Creating, WritesTheEmptyOutlineAndOpensIt) {
+  const FakeApplication fake([rest = application(2)](const std::string& request) {
+    return request.find("newContent") == std::string::npos ? rest(request)
+                                                           : FakeApplication::result(R"("<opml\/>\n")");
+  });
+  EXPECT_EQ(created(), summary);
+  EXPECT_THAT(fake.requests()[0], EndsWith(R"("method":"outline.newContent","params":{"format":"opml"}})"));
+  EXPECT_EQ(std::filesystem::file_size(path), 8U);
+  EXPECT_EQ(created(), "File already exists: " + path);
+}
+
+TEST_F(Creating, LeavesNoFileThatTheApplicationDidNotSee) {
+  EXPECT_THAT(created(), StartsWith("Vell.app must be running for CLI/MCP access."));
+  EXPECT_FALSE(std::filesystem::exists(path));
+  std::string content = "{}";
+  const FakeApplication fake([&, rest = application(2)](const std::string& request) {
+    return request.find("newContent") == std::string::npos ? rest(request) : FakeApplication::result(content);
+  });
+  EXPECT_EQ(created(), "outline.newContent did not return a string payload");
+  EXPECT_FALSE(std::filesystem::exists(path));
+  content = "\"\"";
+  options.bundle = "/nowhere.app";
+  EXPECT_THAT(created(), StartsWith("Vell could not open " + path));
+  EXPECT_FALSE(std::filesystem::exists(path));
+  path = home / "missing/new.opml";
+  EXPECT_EQ(created(), "Cannot write " + path + ": No such file or directory");
+}
+
+TEST(FormatForPath, FollowsTheExtension) {
+  for (const auto& [path, format] :
+       std::vector<std::pair<std::string, std::string>>{{"/a.vell", "vell"},
+                                                        {"/a.OPML", "opml"},
+                                                        {"/a.json", "json"},
+                                                        {"/a.Md", "markdown"},
+                                                        {"/a.markdown", "markdown"},
+                                                        {"/a.txt", "txt"},
+                                                        {"/a.html", "txt"},
+                                                        {"/.vell", "txt"},
+                                                        {"/a", "txt"}}) {
+    EXPECT_EQ(formatForPath(path), format) << path;
+  }
+}
+
+}  // namespace
+}  // namespace vell::outlines
