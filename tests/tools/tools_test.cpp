@@ -1,0 +1,253 @@
+#include <gmock/gmock.h>
+
+#include <set>
+
+#include "tests/tools/host.h"
+
+namespace vell::tools::tests {
+namespace {
+
+using vell::tests::FakeApplication;
+using vell::tests::TemporaryHome;
+
+/// The requests for an opening's events are not the tools'.
+std::vector<std::string> toolRequests(const FakeApplication& application) {
+  std::vector<std::string> requests;
+  for (const std::string& request : application.requests()) {
+    if (request.find("documents.observe") == std::string::npos) requests.push_back(request);
+  }
+  return requests;
+}
+
+TEST(Tools, AreListedInOrderWithTheirHints) {
+  struct Row {
+    const char* name;
+    bool readOnly, destructive, idempotent, openWorld;
+  };
+  const Row rows[] = {
+      {"vell_open_outline", false, false, true, false},
+      {"vell_create_outline", false, false, false, false},
+      {"vell_create_row", false, false, false, false},
+      {"vell_create_rows", false, false, false, false},
+      {"vell_get_commands", true, false, true, false},
+      {"vell_get_editor", true, false, true, false},
+      {"vell_get_editors", true, false, true, false},
+      {"vell_get_outline", true, false, true, false},
+      {"vell_get_outlines", true, false, true, false},
+      {"vell_move_rows", false, false, true, false},
+      {"vell_update_editor", false, false, true, false},
+      {"vell_update_rows", false, true, false, false},
+      {"vell_delete_rows", false, true, false, false},
+      {"vell_close_outline", false, true, false, false},
+      {"vell_evaluate_commands", false, true, false, false},
+      {"vell_evaluate_script", false, true, false, true},
+      {"vell_outline_path_check", true, false, true, false},
+  };
+  const TemporaryHome home;
+  Host host;
+  host.initialize();
+  const mcp::Value answer = host.ask("tools/list");
+  const auto& tools = *answer.find("result")->find("tools")->array();
+  ASSERT_EQ(tools.size(), std::size(rows));
+  for (std::size_t i = 0; i < tools.size(); ++i) {
+    const Row& row = rows[i];
+    EXPECT_EQ(*tools[i].find("name"), row.name);
+    EXPECT_FALSE(tools[i].find("title")->string()->empty()) << row.name;
+    EXPECT_FALSE(tools[i].find("outputSchema")) << row.name;
+    const mcp::Value& hints = *tools[i].find("annotations");
+    EXPECT_EQ(*hints.find("readOnlyHint"), row.readOnly) << row.name;
+    EXPECT_EQ(*hints.find("destructiveHint"), row.destructive) << row.name;
+    EXPECT_EQ(*hints.find("idempotentHint"), row.idempotent) << row.name;
+    EXPECT_EQ(*hints.find("openWorldHint"), row.openWorld) << row.name;
+  }
+}
+
+/// What some hosts choke on, below the top of a schema.
+void expectPlain(const mcp::Value& schema, const std::string& place) {
+  for (const char* keyword : {"$schema", "$ref", "oneOf", "allOf", "not", "const"}) {
+    EXPECT_FALSE(schema.find(keyword)) << place << " " << keyword;
+  }
+  if (const auto* type = schema.find("type")) {
+    ASSERT_TRUE(type->string()) << place;
+    if (*type == "array") {
+      ASSERT_TRUE(schema.find("items")) << place;
+      expectPlain(*schema.find("items"), place + "[]");
+    }
+  }
+  if (const auto* any = schema.find("anyOf")) {
+    for (const auto& alternative : *any->array()) expectPlain(alternative, place + "|");
+  }
+}
+
+TEST(Tools, HaveSchemasThatEveryHostAccepts) {
+  const TemporaryHome home;
+  Host host;
+  host.initialize();
+  const mcp::Value answer = host.ask("tools/list");
+  for (const mcp::Value& tool : *answer.find("result")->find("tools")->array()) {
+    const std::string& name = *tool.find("name")->string();
+    const mcp::Value& schema = *tool.find("inputSchema");
+    EXPECT_EQ(*schema.find("type"), "object") << name;
+    EXPECT_EQ(*schema.find("additionalProperties"), false) << name;
+    EXPECT_TRUE(schema.find("required")->array()) << name;
+    EXPECT_FALSE(schema.find("anyOf")) << name;
+    for (const auto& [parameter, property] : *schema.find("properties")->object()) {
+      EXPECT_TRUE(property.find("description")) << name << "." << parameter;
+      expectPlain(property, name + "." + parameter);
+    }
+  }
+}
+
+TEST(Tools, SendOneRequestAndPassItsResultOn) {
+  struct Row {
+    const char* tool;
+    const char* arguments;
+    const char* request;  // behind `"method":`
+  };
+  const Row rows[] = {
+      {"vell_get_outline", "{}",
+       R"("outline.get","params":{"format":"session","rows":false,"shape":"tree"})"},
+      {"vell_get_outline", R"({"refs":[]})",
+       R"("outline.get","params":{"format":"session","rows":false,"shape":"tree"})"},
+      {"vell_get_outline",
+       R"({"outline":"o","refs":["//task","12"],"output":"markdown","shape":"flat","rows":true})",
+       R"("outline.get","params":{"format":"markdown","outline":"o","rowRefs":["//task","12"],"rows":true,"shape":"flat"})"},
+      {"vell_get_outlines", "null", R"("outline.list")"},
+      {"vell_get_editors", "{}", R"("editor.list")"},
+      {"vell_get_editor", R"({"editor":null})", R"("editor.get","params":{})"},
+      {"vell_get_editor", R"({"editor":"e"})", R"("editor.get","params":{"editor":"e"})"},
+      {"vell_get_commands", "{}", R"("command.list")"},
+      {"vell_create_outline", "{}", R"("outline.new","params":{"format":"vell"})"},
+      {"vell_create_outline", R"({"format":"opml"})", R"("outline.new","params":{"format":"opml"})"},
+      {"vell_create_row", R"({"markdown":"","parent":"p","position":2})",
+       R"("row.create","params":{"markdown":"","parent":"p","position":"2"})"},
+      {"vell_create_rows", R"({"markdown":"a\n\tb","before":"x","after":"y","outline":"o","position":3.0})",
+       R"("row.createMany","params":{"after":"y","before":"x","markdown":"a\n\tb","outline":"o","position":"3"})"},
+      {"vell_update_rows",
+       R"({"rows":["1"],"text":[{"string":"é","attrs":{"a":"u"}}],"attributes":{"k":"v","gone":null}})",
+       R"("row.update","params":{"attributes":{"gone":null,"k":"v"},"rows":["1"],"text":[{"attrs":{"a":"u"},"string":"é"}]})"},
+      {"vell_update_rows", R"({"rows":["1"],"append":"**b**","persistentId":"p","type":"task"})",
+       R"("row.update","params":{"append":"**b**","persistentId":"p","rows":["1"],"type":"task"})"},
+      {"vell_delete_rows", R"({"rows":["@selection"]})", R"("row.delete","params":{"rows":["@selection"]})"},
+      {"vell_move_rows", R"({"rows":["1","2"],"to":"p","position":"start"})",
+       R"("row.move","params":{"position":"start","rows":["1","2"],"to":"p"})"},
+      {"vell_update_editor", R"({"focus":"1","selectRow":"2","selectHead":"3","expand":["4"],"collapse":[]})",
+       R"("editor.update","params":{"collapse":[],"expand":["4"],"focus":"1","selectHead":"3","selectRow":"2"})"},
+      {"vell_close_outline", R"({"discard":true})", R"("outline.close","params":{"discard":true})"},
+      {"vell_evaluate_commands", R"({"ids":["a","b"],"editor":"e"})",
+       R"("command.perform","params":{"editor":"e","ids":["a","b"]})"},
+      {"vell_evaluate_script", R"({"script":"1","input":"i"})",
+       R"("script.evaluate","params":{"input":"i","script":"1"})"},
+  };
+  const TemporaryHome home;
+  FakeApplication application(
+      [](const std::string&) { return FakeApplication::result(R"({"b":1.50,"a":"\u00e9/"})"); });
+  Host host;
+  host.initialize();
+  int id = 0;
+  for (const Row& row : rows) {
+    EXPECT_EQ(host.call(row.tool, row.arguments), R"({"a":"é/","b":1.50})") << row.tool;
+    EXPECT_EQ(toolRequests(application).back(),
+              R"({"id":)" + std::to_string(++id) + R"(,"jsonrpc":"2.0","method":)" + row.request + "}");
+  }
+}
+
+TEST(Tools, RefuseBadArgumentsBeforeAnythingIsSent) {
+  const std::tuple<const char*, const char*, const char*> rows[] = {
+      {"vell_delete_rows", "{}", "error: Input validation error: Missing required parameter 'rows'"},
+      {"vell_delete_rows", R"({"rows":null})",
+       "error: Input validation error: Missing required parameter 'rows'"},
+      {"vell_update_rows", R"({"rows":["a"],"text":3})",
+       "error: Input validation error: text: expected a string or an array of objects, got the number 3 "
+       "(write \"3\")"},
+      {"vell_update_rows", R"({"rows":["a"],"text":[{"attrs":{}}]})",
+       "error: Input validation error: text[0]: missing 'string'"},
+      {"vell_update_rows", R"({"rows":["a","b"],"persistentId":"p"})",
+       "error: persistentId requires exactly one row."},
+      {"vell_get_outline", R"({"output":"txt"})",
+       "error: Input validation error: output: expected 'json', 'session' or 'markdown', got the string "
+       "\"txt\""},
+  };
+  const TemporaryHome home;
+  FakeApplication application([](const std::string&) { return FakeApplication::result("1"); });
+  Host host;
+  host.initialize();
+  for (const auto& [tool, arguments, text] : rows) EXPECT_EQ(host.call(tool, arguments), text);
+  EXPECT_THAT(toolRequests(application), ::testing::IsEmpty());
+}
+
+TEST(Tools, SayWhyTheApplicationDidNotAnswer) {
+  const TemporaryHome home;
+  Host host;
+  host.initialize();
+  EXPECT_EQ(host.call("vell_get_outlines", "{}"), "[]");
+  EXPECT_EQ(host.call("vell_get_editors", "{}"), "[]");
+  EXPECT_THAT(host.call("vell_get_outline", "{}"),
+              ::testing::StartsWith("error: Vell.app must be running for CLI/MCP access.\nError: (socket "));
+  EXPECT_THAT(host.call("vell_open_outline", R"({"path":"/nowhere.vell"})"),
+              "error: File not found: /nowhere.vell");
+  EXPECT_THAT(host.call("vell_outline_path_check", R"({"path":" //task "})"),
+              ::testing::StartsWith("-- Parse Tree --"));
+  {
+    FakeApplication application([](const std::string& request) {
+      if (request.find("editor.get") != std::string::npos) return FakeApplication::error(-32001, "no editor");
+      if (request.find("row.delete") != std::string::npos) return FakeApplication::Reply{"", true};
+      return FakeApplication::Reply{"not json\n"};
+    });
+    EXPECT_EQ(host.call("vell_get_editor", "{}"), "error: Vell error -32001: no editor");
+    EXPECT_EQ(host.call("vell_delete_rows", R"({"rows":["1"]})"),
+              "error: Vell closed the connection without sending a response.");
+    EXPECT_THAT(host.call("vell_get_commands", "{}"), ::testing::StartsWith("error: "));
+    EXPECT_EQ(toolRequests(application).back(), R"({"id":1,"jsonrpc":"2.0","method":"command.list"})");
+  }
+  EXPECT_EQ(host.call("vell_get_outlines", "{}"), "[]");
+  FakeApplication restarted([](const std::string&) { return FakeApplication::result("2"); });
+  EXPECT_EQ(host.call("vell_get_outlines", "{}"), "2");
+}
+
+TEST(Tools, HangingInTheApplicationDelayNothingElse) {
+  const TemporaryHome home;
+  // The first call is answered only when it is asked for again: never.
+  FakeApplication application([](const std::string&) { return FakeApplication::Reply{}; });
+  Host host;
+  host.initialize();
+  host.requestTool("vell_get_commands", "{}");
+  const int waiting = host.requestTool("vell_get_editors", "{}");
+  EXPECT_TRUE(host.ask("ping").find("result"));
+  EXPECT_TRUE(host.ask("tools/list").find("result"));
+  EXPECT_THAT(host.call("vell_outline_path_check", "{}"), ::testing::StartsWith("Outline Path Cookbook"));
+  host.send(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":)" +
+            std::to_string(waiting) + "}}");
+  EXPECT_TRUE(host.ask("ping").find("result"));
+  host.leave();
+  EXPECT_TRUE(host.next().isNull());
+  EXPECT_THAT(toolRequests(application), ::testing::ElementsAre(::testing::HasSubstr("command.list")));
+}
+
+TEST(Tools, AreCalledOneAtATimeInTheOrderOfArrival) {
+  constexpr int count = 10'000;
+  const TemporaryHome home;
+  FakeApplication application([](const std::string& request) {
+    return FakeApplication::result(request.substr(6, request.find(',') - 6));
+  });
+  Host host;
+  host.initialize();
+  std::thread writer([&host] {
+    for (int i = 0; i < count; ++i) host.requestTool("vell_get_commands", "{}");
+    host.leave();
+  });
+  int answered = 0;
+  for (mcp::Value message = host.next(); !message.isNull(); message = host.next()) {
+    const mcp::Value* id = message.find("id");
+    if (!id) continue;
+    ++answered;
+    const mcp::Value& text = *message.find("result")->find("content")->array()->front().find("text");
+    ASSERT_EQ(text, std::to_string(answered));
+    ASSERT_EQ(*id, answered + 1);
+  }
+  writer.join();
+  EXPECT_EQ(answered, count);
+}
+
+}  // namespace
+}  // namespace vell::tools::tests

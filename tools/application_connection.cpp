@@ -1,0 +1,109 @@
+#include "tools/application_connection.h"
+
+#include <fcntl.h>
+#include <sys/socket.h>
+
+#include <asio/buffer.hpp>
+#include <asio/post.hpp>
+#include <asio/write.hpp>
+#include <cerrno>
+#include <chrono>
+#include <utility>
+
+#include "platform/socket.h"
+
+namespace vell::tools {
+
+using ipc::ClientError;
+
+std::shared_ptr<ApplicationConnection> ApplicationConnection::open(asio::io_context& loop,
+                                                                   const std::string& socketPath,
+                                                                   Handler handler) {
+  auto connection = std::make_shared<ApplicationConnection>(loop, socketPath, std::move(handler));
+  asio::post(loop, [connection] { connection->connect(); });
+  return connection;
+}
+
+ApplicationConnection::ApplicationConnection(asio::io_context& loop, std::string socketPath, Handler handler)
+    : socket_(loop), retry_(loop), socketPath_(std::move(socketPath)), handler_(std::move(handler)) {}
+
+void ApplicationConnection::connect() {
+  if (!open_) return;
+  platform::Descriptor descriptor = platform::openStreamSocket();
+  if (!descriptor) return end(ClientError::socketCreate(errno));
+  const auto address = platform::socketAddress(socketPath_);
+  if (!address) return end(ClientError::pathTooLong(socketPath_));
+  ::fcntl(descriptor.get(), F_SETFL, O_NONBLOCK);
+  if (platform::connectSocket(descriptor.get(), *address) == 0) return connected(std::move(descriptor));
+  if (errno != EAGAIN && errno != EINTR) return end(ClientError::connect(errno, socketPath_));
+  // The application has more callers waiting than it takes in: a busy one, not one that is gone.
+  retry_.expires_after(std::chrono::milliseconds(20));
+  retry_.async_wait([self = shared_from_this()](std::error_code) { self->connect(); });
+}
+
+void ApplicationConnection::connected(platform::Descriptor descriptor) {
+  socket_.assign(asio::local::stream_protocol(), descriptor.release());
+  read();
+  if (!waiting_.empty()) write();
+}
+
+void ApplicationConnection::send(std::string_view bytes) {
+  waiting_ += bytes;
+  if (socket_.is_open() && writing_.empty()) write();
+}
+
+void ApplicationConnection::write() {
+  writing_.swap(waiting_);
+  asio::async_write(socket_, asio::buffer(writing_),
+                    [self = shared_from_this()](std::error_code error, std::size_t) {
+                      if (!self->open_) return;
+                      if (error) return self->end(ClientError::writeFailed(error.value()));
+                      self->writing_.clear();
+                      if (!self->waiting_.empty()) self->write();
+                    });
+}
+
+void ApplicationConnection::read() {
+  const auto room = arrived_.room();
+  socket_.async_read_some(
+      asio::buffer(room.data, room.size),
+      [self = shared_from_this()](std::error_code error, std::size_t count) { self->onRead(error, count); });
+}
+
+void ApplicationConnection::onRead(std::error_code error, std::size_t count) {
+  if (!open_) return;
+  if (error) return finish();
+  arrived_.commit(count);
+  while (open_) {
+    auto line = arrived_.next();
+    if (!line) return read();
+    handler_.onLine(std::move(*line));
+  }
+}
+
+void ApplicationConnection::finish() {
+  if (auto last = arrived_.finish()) handler_.onLine(std::move(*last));
+  if (open_) end(ClientError::connectionClosed());
+}
+
+void ApplicationConnection::end(const ClientError& error) {
+  const auto onEnd = std::move(handler_.onEnd);
+  close();
+  if (onEnd) onEnd(error);
+}
+
+void ApplicationConnection::close() {
+  open_ = false;
+  std::error_code ignored;
+  socket_.close(ignored);
+  retry_.cancel();
+}
+
+bool ApplicationConnection::peerIsGone() {
+  if (!socket_.is_open()) return false;
+  char byte;
+  const ssize_t count = ::recv(socket_.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
+  return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);
+}
+
+}  // namespace vell::tools

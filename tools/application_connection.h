@@ -1,0 +1,58 @@
+#pragma once
+
+#include <asio/io_context.hpp>
+#include <asio/local/stream_protocol.hpp>
+#include <asio/steady_timer.hpp>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "ipc/client_error.h"
+#include "ipc/line_framing.h"
+#include "json/text.h"
+#include "platform/descriptor.h"
+
+namespace vell::tools {
+
+/// A connection to the application on the event loop: lines out, lines in, nothing ever waits.
+class ApplicationConnection : public std::enable_shared_from_this<ApplicationConnection> {
+ public:
+  struct Handler {
+    /// For each line, the last one also where it has no line feed.
+    std::function<void(json::Text line)> onLine;
+    /// Called once, last, unless the connection was closed from here: it could not be made, or has ended.
+    std::function<void(const ipc::ClientError& error)> onEnd;
+  };
+
+  /// Connects; the handler is never called before this returns.
+  static std::shared_ptr<ApplicationConnection> open(asio::io_context& loop, const std::string& socketPath,
+                                                     Handler handler);
+  /// Use `open`.
+  ApplicationConnection(asio::io_context& loop, std::string socketPath, Handler handler);
+
+  void send(std::string_view bytes);
+  void close();
+  /// Whether the application has left although the loop has not come round to saying so.
+  bool peerIsGone();
+
+ private:
+  void connect();
+  void connected(platform::Descriptor descriptor);
+  void read();
+  void write();
+  void onRead(std::error_code error, std::size_t count);
+  void finish();
+  void end(const ipc::ClientError& error);
+
+  asio::local::stream_protocol::socket socket_;
+  asio::steady_timer retry_;
+  std::string socketPath_;
+  Handler handler_;
+  ipc::LineFraming arrived_;
+  std::string writing_;  // handed to the loop, untouched until it is written
+  std::string waiting_;
+  bool open_ = true;
+};
+
+}  // namespace vell::tools

@@ -1,0 +1,68 @@
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <exception>
+#include <functional>
+#include <memory>
+#include <string>
+#include <variant>
+
+#include "ipc/answer.h"
+#include "json/text.h"
+#include "tools/application_connection.h"
+
+namespace vell::tools {
+
+/// An answer, or what failed: ipc::ClientError or json::ParseError.
+using Outcome = std::variant<ipc::Answer, std::exception_ptr>;
+using OutcomeHandler = std::function<void(Outcome outcome)>;
+
+/// The one connection on which a process calls the application from its event loop: one call at a time, in
+/// the order of their arrival. It is made when first needed and made anew after a transport failure.
+class ApplicationLink {
+ public:
+  using Ticket = std::uint64_t;
+
+  ApplicationLink(asio::io_context& loop, std::string socketPath);
+  ~ApplicationLink();
+  ApplicationLink(const ApplicationLink&) = delete;
+  ApplicationLink& operator=(const ApplicationLink&) = delete;
+
+  /// `params` is JSON text; empty sends none. The handler is called once, never before this returns.
+  Ticket call(std::string method, std::string params, OutcomeHandler handler);
+  /// The same for one of the records of ipc/methods.
+  template <class Record>
+  Ticket call(const Record& record, OutcomeHandler handler) {
+    return call(Record::method, record.toJson(), std::move(handler));
+  }
+  /// The handler is not called any more. A call that waits its turn is never sent; the answer to one that
+  /// was sent is taken in and dropped.
+  void withdraw(Ticket ticket);
+
+ private:
+  struct Call {
+    Ticket ticket;
+    std::string method;
+    std::string params;
+    OutcomeHandler handler;  // none once withdrawn
+  };
+
+  void proceed();
+  void ensureConnected();
+  void onLine(json::Text line);
+  void onEnd(const ipc::ClientError& error);
+  void finish(Outcome outcome);
+
+  asio::io_context& loop_;
+  std::string socketPath_;
+  std::shared_ptr<ApplicationConnection> connection_;
+  std::int64_t nextId_ = 1;  // of this connection
+  Ticket nextTicket_ = 1;
+  std::deque<Call> calls_;
+  bool inFlight_ = false;  // whether the first of them is sent
+  bool proceeding_ = false;
+  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+};
+
+}  // namespace vell::tools

@@ -1,0 +1,53 @@
+#include "tools/documents_subscription.h"
+
+#include <utility>
+
+#include "ipc/message.h"
+#include "ipc/methods/observe.h"
+#include "ipc/methods/outline_summary.h"
+#include "ipc/notification.h"
+
+namespace vell::tools {
+
+DocumentsSubscription::DocumentsSubscription(asio::io_context& loop, std::string socketPath,
+                                             outlines::OutlineBoard& board)
+    : loop_(loop), socketPath_(std::move(socketPath)), tracker_(board), retry_(loop) {}
+
+void DocumentsSubscription::start() {
+  using ipc::DocumentsObserve;
+  connection_ = ApplicationConnection::open(
+      loop_, socketPath_,
+      {[this](json::Text line) { onLine(std::move(line)); }, [this](const ipc::ClientError&) { onEnd(); }});
+  connection_->send(ipc::requestLine(1, DocumentsObserve::method, DocumentsObserve().toJson()));
+}
+
+void DocumentsSubscription::stop() {
+  retry_.cancel();
+  if (const auto connection = std::exchange(connection_, nullptr)) connection->close();
+}
+
+// Whatever comes that cannot be understood ends this subscription; the next one starts afresh.
+void DocumentsSubscription::onLine(json::Text line) {
+  try {
+    const auto event = ipc::Notification::parse(std::move(line));
+    if (!event) return;
+    if (event->closesSubscription()) return onEnd();
+    const auto data = event->params().find("data");
+    if (!data) return;
+    tracker_.reconcile(ipc::decodeOutlineSummaries(*data));
+    delay_.reset();
+  } catch (const std::exception&) {
+    onEnd();
+  }
+}
+
+void DocumentsSubscription::onEnd() {
+  stop();
+  tracker_.reconcile({});
+  retry_.expires_after(delay_.next());
+  retry_.async_wait([this](std::error_code cancelled) {
+    if (!cancelled) start();
+  });
+}
+
+}  // namespace vell::tools

@@ -1,0 +1,49 @@
+#pragma once
+
+#include <asio/io_context.hpp>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+#include <string>
+
+#include "ipc/answer.h"
+#include "ipc/application.h"
+#include "outlines/opening.h"
+#include "tools/application_link.h"
+
+namespace vell::tools {
+
+/// Opens outlines, which waits for the application to start and for outlines to appear, on one thread beside
+/// the event loop and one opening after the other. Its calls to the application go through the link.
+class Openings {
+ public:
+  using Ticket = std::uint64_t;
+  /// What runs beside the loop; it may wait. It passes the options on, so that it can be ended.
+  using Work =
+      std::function<ipc::Answer(ipc::Application& application, const outlines::OpenOptions& options)>;
+  /// Called on the loop, and never before `start` returns.
+  struct Handler {
+    OutcomeHandler onDone;
+    /// While it waits: the seconds waited, and how many it waits at most.
+    std::function<void(double waited, double timeout)> onWait;
+  };
+
+  Openings(asio::io_context& loop, ApplicationLink& link);
+  /// Does not wait for the work that is under way.
+  ~Openings();
+  Openings(const Openings&) = delete;
+  Openings& operator=(const Openings&) = delete;
+
+  Ticket start(Work work, Handler handler);
+  /// The handler is not called any more; the work ends before its next wait, or is never begun.
+  void cancel(Ticket ticket);
+
+ private:
+  class Shared;
+
+  std::shared_ptr<Shared> shared_;
+  Ticket nextTicket_ = 1;
+};
+
+}  // namespace vell::tools
