@@ -1,0 +1,54 @@
+#include "cli/completion_words.h"
+
+#include "cli/scanner.h"
+
+namespace vell::cli {
+
+std::vector<const Option*> namedOptions(const Command& command) {
+  std::vector<const Option*> named;
+  for (const Option* option : command.options) {
+    if (!option->positional()) named.push_back(option);
+  }
+  named.insert(named.end(), {&versionOption, &helpOption});
+  return named;
+}
+
+std::string offeredValues(const Option& option) {
+  if (option.value == "row-ref" || option.value == "row-refs") return "@selection @focused";
+  std::string words;
+  for (const std::string_view choice : option.choices) words.append(words.empty() ? "" : " ").append(choice);
+  return words;
+}
+
+std::string quoted(std::string_view text, std::string_view quote) {
+  std::string result = "'";
+  for (const char c : text) {
+    if (c == '\'') {
+      result += quote;
+    } else {
+      result += c;
+    }
+  }
+  return result + "'";
+}
+
+std::string_view brief(std::string_view text) { return text.substr(0, text.find(". ")); }
+
+std::string pathAlternatives(const Command& root, std::string_view separator) {
+  std::string alternatives;
+  for (const TreeEntry& entry : wholeTree(root)) {
+    if (entry.command == &root) continue;
+    if (!alternatives.empty()) alternatives += separator;
+    alternatives += "'" + entry.path + "'";
+  }
+  return alternatives;
+}
+
+std::string optionAlternatives(const TreeEntry& entry, const Option& option) {
+  std::string alternatives = "'" + entry.path + " " + std::string(option.name) + "'";
+  if (!option.shortName.empty())
+    alternatives += " | '" + entry.path + " " + std::string(option.shortName) + "'";
+  return alternatives;
+}
+
+}  // namespace vell::cli

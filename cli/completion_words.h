@@ -1,0 +1,31 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cli/command.h"
+#include "cli/tree.h"
+
+// What the completion scripts of all shells are made of.
+namespace vell::cli {
+
+/// The command's options that are typed with dashes, and those that every command has.
+std::vector<const Option*> namedOptions(const Command& command);
+
+/// The values worth offering for an option, separated by blanks; files are not among them.
+std::string offeredValues(const Option& option);
+
+/// The text in single quotes, in which a single quote is written as `quote`.
+std::string quoted(std::string_view text, std::string_view quote);
+
+/// An explanation cut after its first sentence.
+std::string_view brief(std::string_view text);
+
+/// `'vell get' | 'vell get outline' | …`: every command but the root, as alternatives of a case.
+std::string pathAlternatives(const Command& root, std::string_view separator);
+
+/// `'vell get outline --output' | 'vell get outline -o'`: an option's names behind its command's.
+std::string optionAlternatives(const TreeEntry& entry, const Option& option);
+
+}  // namespace vell::cli

@@ -1,0 +1,50 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "json/writer.h"
+
+namespace vell::cli {
+
+/// Buffered bytes on their way to a descriptor that someone else owns.
+class Output : public json::Sink {
+ public:
+  explicit Output(int descriptor) : descriptor_(descriptor) {}
+
+  /// Throws ClosedOutput when the reader is gone, std::system_error when the bytes cannot be written.
+  void write(std::string_view piece) override;
+  /// Hands everything written so far to the system. Must be called at the end: nothing else does.
+  void flush();
+  int descriptor() const { return descriptor_; }
+
+ private:
+  void writeThrough(std::string_view bytes);
+
+  int descriptor_;
+  std::string buffer_;
+};
+
+/// The three streams of a run.
+class Console {
+ public:
+  explicit Console(int input = 0, int output = 1, int error = 2)
+      : out(output), input_(input), error_(error) {}
+
+  Output out;
+
+  /// The descriptor of standard input.
+  int input() const { return input_; }
+  /// Writes to standard error at once; a failure to do so is nobody's business.
+  void say(std::string_view text);
+
+ private:
+  int input_;
+  int error_;
+};
+
+/// Gives descriptors 0 to 2 a meaning where the caller closed them, so that no connection takes their
+/// numbers. Reading the substitute of standard input and writing those of the others fails.
+void fillClosedDescriptors();
+
+}  // namespace vell::cli

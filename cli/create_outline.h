@@ -1,0 +1,10 @@
+#pragma once
+
+#include "cli/command.h"
+
+namespace vell::cli {
+
+/// `vell create outline`.
+extern const Command createOutlineCommand;
+
+}  // namespace vell::cli

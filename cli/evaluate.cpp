@@ -1,0 +1,83 @@
+#include "ipc/methods/evaluate.h"
+#include "cli/commands.h"
+#include "cli/global_options.h"
+#include "cli/input.h"
+
+namespace vell::cli {
+namespace {
+
+// A script.
+
+constexpr Option file{.name = "--file",
+                      .shortName = "-f",
+                      .value = "path",
+                      .help = "Path to a JavaScript file, or '-' for stdin.",
+                      .required = true,
+                      .file = true};
+constexpr Option input{.name = "--input",
+                       .value = "text",
+                       .help = "Input forwarded to the script if it evaluates to an arrow function."};
+
+void evaluateScript(const Arguments& arguments, Console& console) {
+  const ipc::ScriptEvaluate evaluation{.script = readInput(*arguments.value(file), console),
+                                       .input = arguments.value(input)};
+  callAndPrint(evaluation, arguments, console);
+}
+
+constexpr const Option* scriptOptions[] = {&file, &input, &prettyOption};
+constexpr Example scriptExamples[] = {
+    {"evaluate script -f count.js --input task", "A script that is given a word:"},
+};
+constexpr Command script{
+    .name = "script",
+    .abstract = "Evaluate JavaScript in Vell's extension context.",
+    .discussion =
+        "Evaluate JavaScript in Vell's app context (JavaScriptCore). Pure JS only - no TypeScript syntax, no "
+        "`import`/ESM. The script's return value (last expression) is the JSON result.\n\n"
+        "The app API hangs off the `vell` global. Full type surface: "
+        "Vell.app/Contents/Resources/scripting/vell.d.ts (`.d.ts` — translate to JS at the call site.)\n\n"
+        "Example:\n  (() => vell.frontmostOutlineEditor?.selection?.word)()",
+    .options = scriptOptions,
+    .examples = scriptExamples,
+    .run = evaluateScript,
+};
+
+// Commands.
+
+constexpr Option ids{.name = "ids",
+                     .value = "ids",
+                     .help =
+                         "Command id(s) to evaluate in order (e.g. `row:block-move-up`, `format:heading`, "
+                         "`fold:collapse-all`).",
+                     .takes = Takes::list,
+                     .required = true,
+                     .missing = "At least one command id is required."};
+constexpr Option editor{.name = "--editor",
+                        .value = "editor-id",
+                        .help = "Editor id (default: frontmost). See `vell get editors`."};
+
+void evaluateCommands(const Arguments& arguments, Console& console) {
+  const ipc::CommandPerform performance{.editor = arguments.value(editor), .ids = arguments.values(ids)};
+  callAndPrint(performance, arguments, console);
+}
+
+constexpr const Option* commandsOptions[] = {&ids, &editor, &prettyOption};
+constexpr Example commandsExamples[] = {
+    {"evaluate commands row:toggle-done row:block-move-up", "Two commands, one after the other:"},
+};
+constexpr Command commands{.name = "commands",
+                           .abstract =
+                               "Perform one or more named editor commands. Use `vell get commands` to list "
+                               "available commands.",
+                           .options = commandsOptions,
+                           .examples = commandsExamples,
+                           .run = evaluateCommands};
+
+constexpr const Command* subcommands[] = {&script, &commands};
+
+}  // namespace
+
+const Command evaluateCommand{
+    .name = "evaluate", .abstract = "Evaluate script, commands.", .subcommands = subcommands};
+
+}  // namespace vell::cli

@@ -1,0 +1,49 @@
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/global_options.h"
+#include "cli/row_options.h"
+
+namespace vell::cli {
+namespace {
+
+constexpr Option to{.name = "--to",
+                    .value = "row-ref",
+                    .help = "Destination parent. Required unless --before or --after is given."};
+constexpr Option position{.name = "--position",
+                          .value = "position",
+                          .help = "Position under --to: start | end (default) | <integer index>."};
+constexpr Option before{.name = "--before",
+                        .value = "row-ref",
+                        .help = "Move before this sibling. Required unless --to or --after is given."};
+constexpr Option after{.name = "--after",
+                       .value = "row-ref",
+                       .help = "Move after this sibling. Required unless --to or --before is given."};
+
+void moveRows(const Arguments& arguments, Console& console) {
+  const ipc::RowMove move{
+      .rows = rowsOrSelection(arguments),
+      .to = arguments.value(to),
+      .position = arguments.value(position),
+      .before = arguments.value(before),
+      .after = arguments.value(after),
+      .outline = arguments.value(outlineOption),
+  };
+  if (!move.to && !move.before && !move.after) throw UsageError("Specify --to, --before, or --after.");
+  callAndPrint(move, arguments, console);
+}
+
+constexpr const Option* options[] = {&rowsArgument,  &to,          &position, &before, &after,
+                                     &outlineOption, &prettyOption};
+constexpr Example examples[] = {
+    {"move rows 12 14 --to 3 --position start", "Two rows become the first children of row 3:"},
+    {"move rows --before 20", "The selected row goes in front of row 20:"},
+};
+constexpr Command rows{.name = "rows", .options = options, .examples = examples, .run = moveRows};
+
+constexpr const Command* subcommands[] = {&rows};
+
+}  // namespace
+
+const Command moveCommand{.name = "move", .abstract = "Move rows.", .subcommands = subcommands};
+
+}  // namespace vell::cli

@@ -1,0 +1,162 @@
+#include "ipc/methods/observe.h"
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/outline_read.h"
+#include "cli/reader_watch.h"
+
+namespace vell::cli {
+namespace {
+
+constexpr Option pathOption{.name = "--path",
+                            .value = "path",
+                            .help =
+                                "Outline path expression to observe. Default: `//*` (every row). Must return "
+                                "a row-set; scalar expressions "
+                                "are rejected."};
+constexpr Option pathArgument{.name = "path", .value = "path", .help = "The same as --path."};
+
+std::string observedPath(const Arguments& arguments) {
+  const auto named = arguments.value(pathOption);
+  const auto plain = arguments.value(pathArgument);
+  if (named && plain) throw UsageError("Give one path only, as an argument or with --path.");
+  return named ? *named : plain.value_or("//*");
+}
+
+/// The options of both commands.
+struct OutlineObserveOptions {
+  OutlineObserveOptions(const Arguments& arguments, Console& console)
+      : read(arguments, console), path(observedPath(arguments)) {}
+
+  OutlineReadCommonOptions read;
+  std::string path;
+};
+
+/// Prints what a subscription brings: each notification as a line of JSON, or the snapshots in them.
+class Printer {
+ public:
+  Printer(OutputFormat format, Output& out) : format_(format), out_(out) {}
+
+  /// Everything is handed to the system before the next notification is waited for.
+  void print(const json::Node& notification) {
+    if (format_ == OutputFormat::session) {
+      json::write(notification, json::Layout::compact, out_);
+      out_.write("\n");
+    } else if (!closes(notification)) {
+      printSnapshot(notification);
+    }
+    out_.flush();
+  }
+
+ private:
+  static bool closes(const json::Node& notification) {
+    const auto kind = notification.find("kind");
+    return kind && kind->string() == "subscription.closed";
+  }
+
+  void printSnapshot(const json::Node& notification) {
+    const auto data = notification.find("data");
+    if (!data) return;
+    if (!first_) out_.write("---\n");
+    first_ = false;
+    writeEncoded(*data, out_);
+  }
+
+  OutputFormat format_;
+  Output& out_;
+  bool first_ = true;
+};
+
+void streamOutline(const OutlineObserveOptions& options, bool rowsOnly, Console& console) {
+  const OutputFormat format = options.read.output;
+  if (isText(format)) options.read.global.warnPrettyIgnored(name(format) + " output");
+  const ipc::OutlineObserve observation{.path = options.path,
+                                        .format = name(format),
+                                        .shape = name(options.read.shape),
+                                        .rows = rowsOnly,
+                                        .outline = options.read.outline};
+  Printer printer(format, console.out);
+  ipc::VellClient client;
+  const ReaderWatch watch(console.out);
+  client.subscribe(observation, [&](const json::Node& notification) { printer.print(notification); });
+}
+
+constexpr std::string_view rowsStream = R"(
+STREAM
+  Snapshots have the kind "rows"; their data is what `vell get outline rows`
+  prints: an array of rows, or a string in the text formats.
+
+    {"data":[{"id":12,...}],"kind":"rows","outline":"6FJq2aTk",
+     "subscriptionId":"..."}
+)";
+
+constexpr const Option* rowsOptions[] = {&pathArgument, &pathOption,   &outlineOption,
+                                         &shapeOption,  &outputOption, &prettyOption};
+constexpr Example rowsExamples[] = {
+    {"observe outline rows //task --shape flat", "Every task, again whenever one changes:"},
+};
+constexpr Command rows{
+    .name = "rows",
+    .abstract = "Stream rows (only) matching the given outline path.",
+    .options = rowsOptions,
+    .examples = rowsExamples,
+    .appendix = rowsStream,
+    .run =
+        [](const Arguments& arguments, Console& console) {
+          streamOutline({arguments, console}, true, console);
+        },
+};
+
+constexpr std::string_view outlineStream = R"(
+STREAM
+  Snapshots have the kind "outline"; their data is what `vell get outline`
+  prints: the outline with its matching rows, or a string in the text formats.
+
+    {"data":{"persistentId":"6FJq2aTk","rows":[...]},"kind":"outline",
+     "outline":"6FJq2aTk","subscriptionId":"..."}
+)";
+
+constexpr const Option* outlineOptions[] = {&pathOption, &outlineOption, &shapeOption, &outputOption,
+                                            &prettyOption};
+constexpr const Command* outlineCommands[] = {&rows};
+constexpr Example outlineExamples[] = {
+    {"observe outline", "The frontmost outline, again whenever it changes:"},
+    {"observe outline //heading -o markdown", "The headings as markdown (the same as with --path):"},
+};
+constexpr Command outline{
+    .name = "outline",
+    .abstract = "Stream outline with rows matching the given path.",
+    .discussion =
+        "Initial snapshot + debounced re-evaluation when outline changes. Changes fire only when the matched "
+        "rows/shape actually changes. See `vell observe --help` for the wrapper shape and stream lifecycle.",
+    .options = outlineOptions,
+    .subcommands = outlineCommands,
+    .examples = outlineExamples,
+    .appendix = outlineStream,
+    .run =
+        [](const Arguments& arguments, Console& console) {
+          streamOutline({arguments, console}, false, console);
+        },
+};
+
+constexpr const Command* subcommands[] = {&outline};
+
+}  // namespace
+
+const Command observeCommand{
+    .name = "observe",
+    .abstract = "Observe outline changes.",
+    .discussion =
+        "NDJSON stream when using default `session` output. Each line is `{subscriptionId, outline, kind, "
+        "data}`; "
+        "per-subcommand `kind` and `data` shapes are listed in their own help. Non-`session` output prints "
+        "each "
+        "snapshot separated by `---`.\n\n"
+        "A stream may end with a final `{kind: \"subscription.closed\", data: {reason}}` notification. "
+        "Reasons: "
+        "`outlineClosed` (the observed outline was closed), `appQuitting` (Vell is terminating). Ctrl-C / "
+        "SIGTERM end "
+        "the stream with a bare EOF — no terminator is emitted.",
+    .subcommands = subcommands,
+};
+
+}  // namespace vell::cli

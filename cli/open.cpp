@@ -1,0 +1,55 @@
+#include <cmath>
+#include <cstdlib>
+
+#include "cli/commands.h"
+#include "cli/errors.h"
+#include "cli/global_options.h"
+#include "ipc/reconnecting_client.h"
+#include "outlines/opening.h"
+
+namespace vell::cli {
+namespace {
+
+constexpr Option path{.name = "path",
+                      .value = "path",
+                      .help = "Filesystem path or `id:<outline-id>`.",
+                      .required = true,
+                      .file = true};
+constexpr Option timeout{
+    .name = "--timeout", .value = "seconds", .help = "Seconds to wait for open. (default: 5)."};
+
+double seconds(const Arguments& arguments) {
+  constexpr double otherwise = 5;
+  const auto value = arguments.value(timeout);
+  if (!value) return otherwise;
+  const bool decimal = value->find_first_not_of("+-.0123456789eE") == std::string::npos;
+  char* end = nullptr;
+  const double number = std::strtod(value->c_str(), &end);
+  if (!decimal || value->empty() || *end != '\0' || !std::isfinite(number) || number <= 0) {
+    throw UsageError("--timeout takes a positive number of seconds, got: '" + *value + "'");
+  }
+  return number;
+}
+
+void openOutline(const Arguments& arguments, Console& console) {
+  if (arguments.value(path)->empty()) throw UsageError("The path is empty.");
+  const outlines::OpenOptions waiting{.timeout = seconds(arguments)};
+  ipc::ReconnectingClient application;
+  const ipc::Answer outline = outlines::openOutline(application, *arguments.value(path), waiting);
+  GlobalOptions(arguments, console).print(outline.result());
+}
+
+constexpr const Option* options[] = {&path, &timeout, &prettyOption};
+constexpr Example examples[] = {
+    {"open outline ~/notes/groceries.vell", "A file, starting Vell when it is not running:"},
+    {"open outline id:6FJq2a --timeout 20", "An outline by its persistent id, wherever its file lies:"},
+};
+constexpr Command outline{.name = "outline", .options = options, .examples = examples, .run = openOutline};
+
+constexpr const Command* subcommands[] = {&outline};
+
+}  // namespace
+
+const Command openCommand{.name = "open", .abstract = "Open outline.", .subcommands = subcommands};
+
+}  // namespace vell::cli

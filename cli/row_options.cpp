@@ -1,0 +1,52 @@
+#include "cli/row_options.h"
+
+#include "cli/errors.h"
+#include "json/document.h"
+#include "json/error.h"
+
+namespace vell::cli {
+namespace {
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r\n\v\f";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+bool isJsonArray(std::string_view text) {
+  if (!text.starts_with('[')) return false;
+  try {
+    return json::Document(json::Text(text)).root().kind() == json::Kind::array;
+  } catch (const json::ParseError&) {
+    return false;
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> rowsOrSelection(const Arguments& arguments) {
+  const auto& rows = arguments.values(rowsArgument);
+  return rows.empty() ? std::vector<std::string>{"@selection"} : rows;
+}
+
+std::optional<Attributes> parseAttrs(const std::vector<std::string>& set,
+                                     const std::vector<std::string>& unset) {
+  if (set.empty() && unset.empty()) return std::nullopt;
+  Attributes attributes;
+  for (const std::string& pair : set) {
+    const std::size_t equals = pair.find('=');
+    if (equals == std::string::npos) throw UsageError("Attribute must be key=value, got: '" + pair + "'");
+    attributes[pair.substr(0, equals)] = pair.substr(equals + 1);
+  }
+  for (const std::string& key : unset) attributes[key] = std::nullopt;
+  return attributes;
+}
+
+ipc::RowText parseTextInput(const std::string& value) {
+  const std::string_view text = trimmed(value);
+  if (isJsonArray(text)) return ipc::StyledRuns{std::string(text)};
+  return value;
+}
+
+}  // namespace vell::cli
