@@ -1,0 +1,88 @@
+#include "bench/answers.h"
+
+#include <cstdint>
+#include <fstream>
+#include <random>
+
+namespace vell::bench {
+namespace {
+
+constexpr const char* words[] = {"plan",   "the",    "garden", "call", "about", "naïve", "budget", "on",
+                                 "Friday", "review", "notes",  "café", "and",   "ship",  "it",     "release"};
+constexpr const char* types[] = {"body", "task", "heading", "note", "unordered"};
+
+class OutlineWriter {
+ public:
+  explicit OutlineWriter(const std::string& file) : out_(file, std::ios::binary) {}
+
+  std::size_t write(std::size_t bytes) {
+    put(R"({"rows":[)");
+    for (bool first = true; written_ < bytes; first = false) {
+      if (!first) put(",");
+      row(0);
+    }
+    put(R"(],"persistentId":"b7Xk2Q","frontMatter":{"title":"Notes"}})");
+    return written_;
+  }
+
+ private:
+  void put(const std::string& text) {
+    out_ << text;
+    written_ += text.size();
+  }
+
+  std::size_t pick(std::size_t count) { return random_() % count; }
+
+  void row(int depth) {
+    const auto id = std::to_string(++lastId_);
+    put(R"({"id":)" + id + R"(,"type":")" + types[pick(5)] + R"(","persistentId":"r)" + id + R"(","text":[)");
+    run("");
+    if (pick(4) == 0) run(R"(,"attrs":{"strong":"","a":"https://example.com/)" + id + R"("})");
+    put(R"(],"modified":"2026-03-14T15:09:26Z","created":"2026-01-02T03:04:05Z")");
+    if (pick(3) == 0) put(R"(,"attributes":{"done":"2026-02-03","color":"red"})");
+    if (depth < 4 && pick(3) == 0) children(depth);
+    put("}");
+  }
+
+  void children(int depth) {
+    put(R"(,"children":[)");
+    const std::size_t count = 1 + pick(8);
+    for (std::size_t i = 0; i < count; ++i) {
+      if (i > 0) put(",");
+      row(depth + 1);
+    }
+    put("]");
+  }
+
+  void run(const std::string& attributes) {
+    std::string text = attributes.empty() ? R"({"string":")" : R"(,{"string":")";
+    const std::size_t count = 4 + pick(12);
+    for (std::size_t i = 0; i < count; ++i) text.append(words[pick(16)]).append(" ");
+    if (pick(20) == 0) text.append(R"(said \"later\"\n)");
+    put(text + "\"" + attributes + "}");
+  }
+
+  std::ofstream out_;
+  std::size_t written_ = 0;
+  std::uint32_t lastId_ = 0;
+  std::mt19937 random_{7};
+};
+
+}  // namespace
+
+void writeOutlineList(const std::string& file) {
+  std::ofstream out(file, std::ios::binary);
+  for (int i = 0; i < 8; ++i) {
+    const auto number = std::to_string(i);
+    out << (i == 0 ? "[" : ",") << R"({"persistentId":"b7Xk2Q)" << number
+        << R"(","displayName":"Notes of week )" << number
+        << R"(","fileURL":"file:///Users/someone/Documents/outlines/week-)" << number << R"(.vell"})";
+  }
+  out << "]";
+}
+
+std::size_t writeOutline(const std::string& file, std::size_t bytes) {
+  return OutlineWriter(file).write(bytes);
+}
+
+}  // namespace vell::bench

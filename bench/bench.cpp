@@ -1,0 +1,43 @@
+// Measures vell beside others who do the same work, in the same run. scripts/bench calls it.
+// usage: vell_bench [ROW…]   (all rows where none is named)
+
+#include <algorithm>
+#include <cstdio>
+#include <exception>
+#include <string>
+#include <vector>
+
+#include "bench/rows.h"
+
+namespace {
+
+using namespace vell::bench;
+
+constexpr struct {
+  const char* name;
+  void (*measure)(Table&);
+} rows[] = {
+    {"get-outlines", getOutlines},
+    {"get-outline", getOutline},
+    {"path-parse", pathParse},
+    // Last: it fills this process with memory, which the system counts for the programs started from it.
+    {"path-evaluate", pathEvaluate},
+};
+
+}  // namespace
+
+int main(int count, char** arguments) {
+  const std::vector<std::string> wanted(arguments + 1, arguments + count);
+  const auto isWanted = [&](const char* name) {
+    return wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
+  };
+  try {
+    Table table;
+    for (const auto& row : rows) {
+      if (isWanted(row.name)) row.measure(table);
+    }
+  } catch (const std::exception& error) {
+    std::fprintf(stderr, "vell_bench: %s\n", error.what());
+    return 1;
+  }
+}
