@@ -39,6 +39,8 @@ interface Outline {
   moveRows(rows: RowRef | RowRef[], place: Target): Row[];
   /** How many rows went, descendants included. */
   deleteRows(...rows: RowRef[]): number;
+  /** Keeps it in a new file from now on; an absolute path, whose extension tells the format. */
+  save(path: string): Outline;
   bringToFront(): Outline;
   close(options?: { discard?: boolean }): { closed: true };
 }

@@ -24,9 +24,7 @@ Application::Application(Scheduler& scheduler, std::unique_ptr<PathEvaluator> pa
       rescueDirectory_(settings.container + "/Rescued"),
       identifiers_(settings.container),
       paths_(std::move(paths)),
-      saver_(scheduler, std::move(settings.report), [this](OpenOutline& reloaded) {
-        if (listener_ != nullptr) listener_->outlineChanged(reloaded);
-      }) {
+      saver_(scheduler, std::move(settings.report), *this) {
   followFiles();
 }
 
@@ -88,13 +86,30 @@ void Application::bringToFront(const OpenOutline& outline) {
   if (listener_ != nullptr) listener_->listChanged();
 }
 
+void Application::saveAs(OpenOutline& outline, const std::string& path) {
+  if (path.empty() || path.front() != '/')
+    throw Problem("Cannot save as \"" + path + "\": the path is not absolute");
+  const std::string standard = standardisedPath(path);
+  if (findByPath(standard) != nullptr) throw Problem("File already exists: " + standard);
+  const bool ours = isKeptByUs(outline);
+  const std::string former = outline.storagePath();
+  saver_.saveAs(outline, standard);
+  if (ours) removeFile(former);
+  moved(outline);
+}
+
+/// In the container, where people do not look for their outlines.
+bool Application::isKeptByUs(const OpenOutline& outline) const {
+  return outline.isUntitled() ||
+         std::filesystem::path(outline.storagePath()).parent_path() == closedDirectory_;
+}
+
 void Application::close(OpenOutline& outline, bool discard) {
   if (!discard) saver_.flush(outline);
   if (!discard && outline.isDirty())
     throw Problem("Cannot save " + outline.storagePath() + ": it stays open");
   saver_.forget(outline);
-  if (discard && (outline.isUntitled() || isUntitledName(outline.storagePath())))
-    removeFile(outline.storagePath());
+  if (discard && isKeptByUs(outline)) removeFile(outline.storagePath());
   if (!discard && outline.isUntitled()) setAside(outline);
   if (listener_ != nullptr) listener_->outlineClosing(outline);
   const auto found = std::find_if(outlines_.begin(), outlines_.end(),
@@ -178,6 +193,15 @@ OpenOutline& Application::frontmost() {
 OpenOutline& Application::current(OpenOutline& opened) {
   saver_.refresh(opened);
   return opened;
+}
+
+void Application::reloaded(OpenOutline& opened) {
+  if (listener_ != nullptr) listener_->outlineChanged(opened);
+}
+
+void Application::moved(OpenOutline& opened) {
+  identifiers_.put(opened.persistentId(), opened.storagePath());
+  if (listener_ != nullptr) listener_->listChanged();
 }
 
 void Application::changed(OpenOutline& opened) {

@@ -35,12 +35,12 @@ struct ApplicationSettings {
 
 /// What is open, frontmost first, and how it is found by what clients call it. One outline per file, one
 /// editor per outline. Not safe for use by several threads.
-class Application {
+class Application : private SaverListener {
  public:
   /// The scheduler must outlive the application.
   Application(Scheduler& scheduler, std::unique_ptr<PathEvaluator> paths, ApplicationSettings settings);
 
-  ~Application();
+  ~Application() override;
 
   /// Opens the file, or finds it open, and brings it to front. Throws Problem.
   OpenOutline& open(const std::string& path);
@@ -49,6 +49,9 @@ class Application {
   /// Opens the untitled outlines of earlier runs, behind what is open.
   void reopenUntitled();
   void bringToFront(const OpenOutline& outline);
+  /// Keeps the outline in a new file from now on, in the format of its name; "Untitled" files are removed,
+  /// others stay. Throws Problem, also where there is a file at `path`.
+  void saveAs(OpenOutline& outline, const std::string& path);
   /// Closes what is saved. Where something is not: `discard` drops it, with the file of an untitled outline;
   /// else it is saved first, an untitled outline in the container, from where its persistent id opens it
   /// again.
@@ -84,6 +87,9 @@ class Application {
   void setListener(ApplicationListener* listener) { listener_ = listener; }
 
  private:
+  void reloaded(OpenOutline& opened) override;
+  void moved(OpenOutline& opened) override;
+  bool isKeptByUs(const OpenOutline& outline) const;
   OpenOutline& frontmost();
   void followFiles();
   OpenOutline& current(OpenOutline& opened);

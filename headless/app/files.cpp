@@ -131,6 +131,18 @@ FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t ne
   }
 }
 
+FileStamp createFile(const std::string& path, std::string_view bytes) {
+  const platform::Descriptor place(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
+  if (!place && errno == EEXIST) throw Problem("File already exists: " + path);
+  if (!place) throw systemProblem("Cannot save " + path);
+  try {
+    return replaceFile(path, bytes);
+  } catch (...) {
+    unlink(path.c_str());
+    throw;
+  }
+}
+
 void makePrivateDirectory(const std::string& path) {
   struct stat status {};
   if (stat(path.c_str(), &status) != 0) {

@@ -39,6 +39,10 @@ FileContent readFile(const std::string& path);
 /// file gets `newMode` less the umask. Throws Problem.
 FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = 0666);
 
+/// A new file with these bytes, which is on disk when it returns. Throws Problem, also where there is a file
+/// at `path`.
+FileStamp createFile(const std::string& path, std::string_view bytes);
+
 /// Makes the directory with those above it, for this user alone; an existing one is closed to others.
 /// Throws Problem.
 void makePrivateDirectory(const std::string& path);

@@ -18,12 +18,6 @@ std::string readableExtensions() {
   return list;
 }
 
-const Format& formatOf(const std::string& path) {
-  const Format* format = formatForFile(path);
-  if (format != nullptr && format->read != nullptr) return *format;
-  throw Problem("Cannot open " + path + ": outlines are files named " + readableExtensions());
-}
-
 void decode(const Format& format, const FileContent& content, const std::string& path, Outline& outline) {
   try {
     format.read(content.bytes, {static_cast<Timestamp>(content.stamp.seconds) * 1000}, outline);
@@ -42,9 +36,15 @@ void removeRows(Outline& outline) {
 
 }  // namespace
 
+const Format& fileFormat(const std::string& path) {
+  const Format* format = formatForFile(path);
+  if (format != nullptr && format->read != nullptr) return *format;
+  throw Problem("Cannot keep an outline in " + path + ": outlines are files named " + readableExtensions());
+}
+
 std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
   const FileContent content = readFile(path);
-  const Format& format = formatOf(path);
+  const Format& format = fileFormat(path);
   auto outline = std::make_unique<Outline>();
   decode(format, content, path, *outline);
   return std::make_unique<OpenOutline>(std::move(outline), format, path, content.stamp,
@@ -54,7 +54,7 @@ std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
 std::unique_ptr<OpenOutline> OpenOutline::create(const std::string& path) {
   auto outline = std::make_unique<Outline>();
   outline->setCreated(currentTime());
-  return std::make_unique<OpenOutline>(std::move(outline), formatOf(path), path, FileStamp(), 0);
+  return std::make_unique<OpenOutline>(std::move(outline), fileFormat(path), path, FileStamp(), 0);
 }
 
 OpenOutline::OpenOutline(std::unique_ptr<Outline> outline, const Format& format, std::string path,
@@ -97,6 +97,7 @@ void OpenOutline::identify(const std::string& persistentId) {
 
 void OpenOutline::moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash) {
   path_ = path;
+  format_ = &fileFormat(path);
   untitled_ = false;
   markSaved(outline_->revision(), stamp, contentHash);
 }

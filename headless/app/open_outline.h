@@ -11,6 +11,9 @@
 
 namespace vell::headless {
 
+/// The format that files of that name are in. Throws Problem where outlines are not kept in such files.
+const Format& fileFormat(const std::string& path);
+
 /// An outline that is open: its rows, the file that keeps them and the editor that shows them.
 class OpenOutline {
  public:
@@ -49,7 +52,7 @@ class OpenOutline {
   bool acceptTouch();
   /// Gives the outline an id that its file may not hold; no change that would have to be saved.
   void identify(const std::string& persistentId);
-  /// Is kept in another file from now on, which holds all of it.
+  /// Is kept in another file from now on, in the format of its name; the file holds all of it.
   void moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash);
   /// Takes its rows from the file as it is now, under ids that were never used before; nothing of before can
   /// be taken back. False, with nothing changed, where the file cannot be read.

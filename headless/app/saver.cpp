@@ -15,11 +15,13 @@ using std::chrono::milliseconds;
 constexpr milliseconds slowestPace{2'000};
 constexpr milliseconds retryPace{2'000};
 
-std::string encoded(const OpenOutline& opened) {
+std::string encoded(const OpenOutline& opened, const Format& format) {
   std::string bytes;
-  opened.format().write(opened.outline(), placeAll(opened.outline()), false, bytes);
+  format.write(opened.outline(), placeAll(opened.outline()), false, bytes);
   return bytes;
 }
+
+std::string encoded(const OpenOutline& opened) { return encoded(opened, opened.format()); }
 
 std::string conflictPath(const std::string& path) {
   const std::time_t now = std::time(nullptr);
@@ -38,8 +40,8 @@ std::string conflictPath(const std::string& path) {
 
 }  // namespace
 
-Saver::Saver(Scheduler& scheduler, Report report, Reloaded reloaded)
-    : scheduler_(scheduler), report_(std::move(report)), reloaded_(std::move(reloaded)), writer_(scheduler) {}
+Saver::Saver(Scheduler& scheduler, Report report, SaverListener& listener)
+    : scheduler_(scheduler), report_(std::move(report)), listener_(listener), writer_(scheduler) {}
 
 void Saver::changed(OpenOutline& opened) {
   if (!opened.isDirty()) return;
@@ -91,8 +93,9 @@ void Saver::settleConflict(OpenOutline& opened) {
     const std::string bytes = encoded(opened);
     const FileStamp stamp = replaceFile(copy, bytes);
     report_(opened.storagePath() + " was changed by another program: our changes are in " + copy);
-    if (opened.reload()) return reloaded_(opened);
+    if (opened.reload()) return listener_.reloaded(opened);
     opened.moveTo(copy, stamp, hashOf(bytes));
+    listener_.moved(opened);
   } catch (const Problem& problem) {
     reportOnce(state, problem.what());
     schedule(opened, retryPace);
@@ -114,6 +117,14 @@ void Saver::saveCopy(const OpenOutline& opened, const std::string& path) {
   replaceFile(path, encoded(opened), 0600);
 }
 
+void Saver::saveAs(OpenOutline& opened, const std::string& path) {
+  flush(opened);
+  const std::string bytes = encoded(opened, fileFormat(path));
+  const FileStamp stamp = createFile(path, bytes);
+  forget(opened);
+  opened.moveTo(path, stamp, hashOf(bytes));
+}
+
 void Saver::refresh(OpenOutline& opened) {
   if (opened.isDirty()) return;
   const FileStamp now = stampOf(opened.storagePath());
@@ -121,7 +132,7 @@ void Saver::refresh(OpenOutline& opened) {
   State& state = states_[&opened];
   if (now == state.unreadable) return;
   if (opened.acceptTouch()) return;
-  if (opened.reload()) return reloaded_(opened);
+  if (opened.reload()) return listener_.reloaded(opened);
   state.unreadable = now;
   report_(opened.storagePath() + " was changed by another program and can no longer be read");
 }

@@ -10,6 +10,16 @@
 
 namespace vell::headless {
 
+/// Hears of what the saver did to an outline unasked.
+class SaverListener {
+ public:
+  virtual ~SaverListener() = default;
+  /// Its rows are others than before.
+  virtual void reloaded(OpenOutline& opened) = 0;
+  /// It is kept in another file than before.
+  virtual void moved(OpenOutline& opened) = 0;
+};
+
 /// Brings changed outlines to disk shortly after each change, and follows what others write into their files.
 ///
 /// A file that somebody else changed is never overwritten: where we have no changes of our own the outline is
@@ -18,10 +28,8 @@ class Saver {
  public:
   /// Gets a line for people: what was saved elsewhere, what could not be saved.
   using Report = std::function<void(const std::string&)>;
-  /// Gets an outline whose rows are others than before.
-  using Reloaded = std::function<void(OpenOutline&)>;
 
-  Saver(Scheduler& scheduler, Report report, Reloaded reloaded);
+  Saver(Scheduler& scheduler, Report report, SaverListener& listener);
 
   void report(const std::string& line) const { report_(line); }
   /// Saves the outline soon, if it has changed since it was last saved.
@@ -30,6 +38,9 @@ class Saver {
   void flush(OpenOutline& opened);
   /// Writes what the outline holds to another path. Throws Problem.
   static void saveCopy(const OpenOutline& opened, const std::string& path);
+  /// Keeps the outline in a new file at `path` from now on; the former file stays. Throws Problem, with
+  /// nothing changed, also where there is a file at `path`.
+  void saveAs(OpenOutline& opened, const std::string& path);
   /// Reads the outline anew where its file is no longer what it was and nothing of ours would be lost.
   void refresh(OpenOutline& opened);
   /// Forgets an outline that is about to go; changes not yet on their way to disk are dropped.
@@ -60,7 +71,7 @@ class Saver {
 
   Scheduler& scheduler_;
   Report report_;
-  Reloaded reloaded_;
+  SaverListener& listener_;
   std::map<OpenOutline*, State> states_;
   DiskWriter writer_;
 };

@@ -26,8 +26,6 @@ unsigned numberOf(const std::string& path) {
 
 }  // namespace
 
-bool isUntitledName(const std::string& path) { return numberOf(path) != 0; }
-
 std::string freeUntitledPath(const std::string& directory) {
   for (unsigned number = 1;; ++number) {
     const std::string name = std::string(prefix) + std::to_string(number) + std::string(suffix);
@@ -39,7 +37,7 @@ std::vector<std::string> untitledFiles(const std::string& directory) {
   std::vector<std::string> paths;
   std::error_code missing;
   for (const auto& entry : std::filesystem::directory_iterator(directory, missing))
-    if (isUntitledName(entry.path().string())) paths.push_back(entry.path().string());
+    if (numberOf(entry.path().string()) != 0) paths.push_back(entry.path().string());
   std::sort(paths.begin(), paths.end(),
             [](const std::string& a, const std::string& b) { return numberOf(a) < numberOf(b); });
   return paths;

@@ -5,9 +5,6 @@
 
 namespace vell::headless {
 
-/// Whether the file is named "Untitled <number>.vell", as nobody names an outline of their own.
-bool isUntitledName(const std::string& path);
-
 /// A path in the directory, "Untitled <number>.vell", at which there is no file.
 std::string freeUntitledPath(const std::string& directory);
 

@@ -55,7 +55,7 @@ class ManualScheduler : public Scheduler {
   std::vector<Task> posted_;
 };
 
-class SaverTest : public testing::Test {
+class SaverTest : public testing::Test, private SaverListener {
  protected:
   void change(const std::string& text) {
     Row* row = opened->outline().create(RowType::body, Text(text), 0);
@@ -85,8 +85,12 @@ class SaverTest : public testing::Test {
   std::vector<std::string> reports;
   int reloads = 0;
   std::unique_ptr<OpenOutline> opened = OpenOutline::read(path);
-  Saver saver{scheduler, [this](const std::string& line) { reports.push_back(line); },
-              [this](OpenOutline&) { ++reloads; }};
+  int moves = 0;
+  Saver saver{scheduler, [this](const std::string& line) { reports.push_back(line); }, *this};
+
+ private:
+  void reloaded(OpenOutline&) override { ++reloads; }
+  void moved(OpenOutline&) override { ++moves; }
 };
 
 TEST_F(SaverTest, AChangeIsSavedOnceForABurst) {
@@ -170,6 +174,7 @@ TEST_F(SaverTest, WhatOthersMadeUnreadableIsLeftAloneAndOursMoves) {
   save();
   EXPECT_EQ(readFile(path).bytes, "no outline");
   EXPECT_EQ(fileName(opened->storagePath()).rfind("b (conflict ", 0), 0U);
+  EXPECT_EQ(moves, 1);
   change("three");
   save();
   EXPECT_EQ(OpenOutline::read(opened->storagePath())->outline().rowCount(), 3U);

@@ -1,3 +1,6 @@
+#include "headless/app/files.h"
+#include "headless/app/untitled.h"
+#include "platform/container.h"
 #include "tests/headless/server_conversation.h"
 
 namespace vell::headless {
@@ -59,6 +62,33 @@ TEST_F(ServedScript, CutsItsStepWhereItTakesSomethingBack) {
   EXPECT_EQ(picture(), "Groceries(two three Bread) Later");
   call("command.perform", {{"ids", {"edit:undo"}}});
   EXPECT_EQ(picture(), "Groceries(Milk Bread) Later");
+}
+
+TEST_F(ServedScript, SavesUnderANewName) {
+  const std::string home = server_.home().path();
+  const auto save = [&](const std::string& path) {
+    return run("vell.frontmostOutline.save('" + path + "').fileURL?.slice(7)");
+  };
+  call("outline.new", {});
+  call("row.create", {{"markdown", "kept"}});
+  const struct {
+    std::string path, problem;
+  } refused[] = {
+      {home + "/groceries.json", "Error: File already exists: " + home + "/groceries.json (line 1)"},
+      {home + "/away/a.md", "Error: Cannot save " + home + "/away/a.md: No such file or directory (line 1)"},
+      {"a.md", "Error: Cannot save as \"a.md\": the path is not absolute (line 1)"},
+      {home + "/a.pdf",
+       "Error: Cannot keep an outline in " + home +
+           "/a.pdf: outlines are files named .json, .md, .markdown, .vell, .opml, .txt (line 1)"},
+  };
+  for (const auto& row : refused) EXPECT_EQ(save(row.path), row.problem);
+  EXPECT_EQ(call("outline.list", {})[0]["fileURL"], nullptr);
+  EXPECT_EQ(save(home + "/./a.md"), home + "/a.md");
+  EXPECT_EQ(save(home + "/Untitled 7.vell"), home + "/Untitled%207.vell");
+  EXPECT_TRUE(readFile(home + "/a.md").bytes.ends_with("\n\nkept\n"));
+  call("outline.close", {{"discard", true}});
+  EXPECT_NE(readFile(home + "/Untitled 7.vell").bytes.find("\nkept"), std::string::npos);
+  EXPECT_EQ(untitledFiles(platform::containerDirectory() + "/Untitled"), std::vector<std::string>());
 }
 
 }  // namespace

@@ -2,11 +2,12 @@
 #include "headless/formats/json_writer.h"
 #include "headless/script/script_engine.h"
 #include "headless/server/methods.h"
+#include "headless/server/shapes.h"
 
 namespace vell::headless::methods {
 namespace {
 
-/// Gives a script the application's methods, as a client has them, and the neighbours of a row.
+/// Gives a script the application's methods, as a client has them, the neighbours of a row, and saving.
 class Host : public ScriptHost {
  public:
   explicit Host(Application& application) : application_(application) {}
@@ -17,6 +18,7 @@ class Host : public ScriptHost {
     const Call call{application_, params};
     if (method == "script.parent") return parent(call);
     if (method == "script.children") return children(call);
+    if (method == "script.save") return save(call);
     return handlerOf(method)(call);
   }
 
@@ -43,6 +45,12 @@ class Host : public ScriptHost {
       appendSessionRow(text, *child);
     }
     return text + "]";
+  }
+
+  static std::string save(const Call& call) {
+    OpenOutline& opened = call.application.outline(call.params.string("outline"));
+    call.application.saveAs(opened, call.params.requiredString("path"));
+    return summary(opened);
   }
 
   Application& application_;

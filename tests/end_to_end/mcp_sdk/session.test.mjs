@@ -83,6 +83,7 @@ mkdirSync(join(home, 'Library/Containers/app.vell.Vell/Data'), { recursive: true
 
 test('an agent works through a day', { timeout: 60_000 }, async (t) => {
   const { client, notices, call, tool, json, resources } = await startClient();
+  let stop;
 
   await t.test('the host starts, the application does not run', async () => {
     assert.equal(client.getServerVersion().name, 'vell');
@@ -97,8 +98,8 @@ test('an agent works through a day', { timeout: 60_000 }, async (t) => {
 
   await t.test('the application starts, and is seen', async () => {
     copyFileSync(new URL('../../../samples/groceries.vell', import.meta.url), plans);
-    const stop = await startApplication(plans);
-    t.after(stop);
+    stop = await startApplication(plans);
+    t.after(() => stop());
     await until('the outline is listed', async () => (await resources()).length === 2);
     assert.ok(notices.includes('list_changed'));
     assert.ok(notices.includes('vell://current-outline'));
@@ -106,6 +107,23 @@ test('an agent works through a day', { timeout: 60_000 }, async (t) => {
     const uri = 'vell://file/' + encodeURIComponent(plans);
     const [{ text }] = (await client.readResource({ uri })).contents;
     assert.equal(text, JSON.parse(await tool('vell_get_outline', { outline: outline.persistentId, output: 'markdown' })));
+  });
+
+  await t.test('an untitled outline is saved, and read under its new name', async () => {
+    const { persistentId } = await json('vell_create_outline', {});
+    await json('vell_create_row', { outline: persistentId, markdown: 'kept' });
+    await until('it is listed', async () => (await resources()).includes('Untitled 1'));
+    const path = join(home, 'renamed 100%.vell');
+    notices.length = 0;
+    const script = '(path) => vell.frontmostOutline.save(path)';
+    assert.equal((await json('vell_evaluate_script', { script, input: path })).displayName, 'renamed 100%.vell');
+    await until('it is listed anew', async () => (await resources()).includes('renamed 100%.vell'));
+    assert.ok(!(await resources()).includes('Untitled 1'));
+    const [{ text }] = (await client.readResource({ uri: 'vell://file/' + encodeURIComponent(path) })).contents;
+    assert.match(text, /kept/);
+    assert.deepEqual(notices, ['list_changed']);
+    assert.deepEqual(await json('vell_close_outline', {}), { closed: true });
+    await until('it is gone', async () => (await resources()).length === 2);
   });
 
   await t.test('every tool that changes an outline does', async () => {
@@ -131,6 +149,15 @@ test('an agent works through a day', { timeout: 60_000 }, async (t) => {
     assert.match((await call('vell_get_outline', { refs: ['//task['] })).text, /^Vell error /);
     assert.deepEqual(await json('vell_close_outline', { outline, discard: true }), { closed: true });
     await until('the closed outline is gone', async () => (await resources()).length === 2);
+  });
+
+  await t.test('the application restarts', async () => {
+    await stop();
+    await until('nothing is open', async () => (await resources()).length === 1);
+    assert.match((await call('vell_get_commands')).text, notRunning);
+    stop = await startApplication(plans);
+    assert.ok((await json('vell_get_commands')).length > 0);
+    await until('the outline is listed again', async () => (await resources()).length === 2);
   });
   await client.close();
 });
