@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <system_error>
 
 #include "headless/app/paths.h"
 #include "headless/app/problem.h"
@@ -36,6 +37,7 @@ OpenOutline& Application::open(const std::string& path) {
     bringToFront(*already);
     return *already;
   }
+  removeAbandoned(standard);
   return add(OpenOutline::read(standard));
 }
 
@@ -51,6 +53,7 @@ OpenOutline& Application::newUntitled() {
 void Application::reopenUntitled() {
   for (const std::string& path : untitledFiles(untitledDirectory_)) {
     try {
+      removeAbandoned(path);
       auto opened = OpenOutline::read(path);
       opened->setUntitled();
       identify(*opened);
@@ -75,7 +78,16 @@ void Application::identify(OpenOutline& opened) {
   if (id.empty()) id = identifiers_.identifierOf(opened.storagePath());
   if (id.empty() || findByPersistentId(id) != nullptr) id = newUuid();
   if (id != opened.persistentId()) opened.identify(id);
-  if (!opened.isUntitled()) identifiers_.put(id, opened.storagePath());
+  if (!opened.isUntitled()) remember(opened, opened.storagePath());
+}
+
+/// The index only helps to find files again: what cannot be written there keeps nobody from anything.
+void Application::remember(const OpenOutline& opened, const std::string& path) {
+  try {
+    identifiers_.put(opened.persistentId(), path);
+  } catch (const std::system_error& error) {
+    saver_.report(std::string("Cannot keep persistent ids: ") + error.what());
+  }
 }
 
 void Application::bringToFront(const OpenOutline& outline) {
@@ -106,8 +118,7 @@ bool Application::isKeptByUs(const OpenOutline& outline) const {
 
 void Application::close(OpenOutline& outline, bool discard) {
   if (!discard) saver_.flush(outline);
-  if (!discard && outline.isDirty())
-    throw Problem("Cannot save " + outline.storagePath() + ": it stays open");
+  if (!discard && outline.isDirty()) throw Problem(saver_.fault(outline) + ". The outline stays open");
   saver_.forget(outline);
   if (discard && isKeptByUs(outline)) removeFile(outline.storagePath());
   if (!discard && outline.isUntitled()) setAside(outline);
@@ -124,7 +135,7 @@ void Application::setAside(const OpenOutline& outline) {
   makePrivateDirectory(closedDirectory_);
   const std::string path = freeUntitledPath(closedDirectory_);
   std::filesystem::rename(outline.storagePath(), path);
-  identifiers_.put(outline.persistentId(), path);
+  remember(outline, path);
 }
 
 bool Application::saveAll() {
@@ -200,7 +211,7 @@ void Application::reloaded(OpenOutline& opened) {
 }
 
 void Application::moved(OpenOutline& opened) {
-  identifiers_.put(opened.persistentId(), opened.storagePath());
+  remember(opened, opened.storagePath());
   if (listener_ != nullptr) listener_->listChanged();
 }
 

@@ -94,6 +94,7 @@ class Application : private SaverListener {
   void followFiles();
   OpenOutline& current(OpenOutline& opened);
   void identify(OpenOutline& opened);
+  void remember(const OpenOutline& opened, const std::string& path);
   OpenOutline& add(std::unique_ptr<OpenOutline> opened);
   void setAside(const OpenOutline& outline);
   bool rescue(OpenOutline& outline);

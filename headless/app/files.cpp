@@ -1,6 +1,7 @@
 #include "headless/app/files.h"
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -61,13 +62,22 @@ void makeDirectories(const std::string& path) {
   if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) throw systemProblem("Cannot make " + path);
 }
 
-/// A file beside the target that disappears unless it is moved into the target's place.
+constexpr std::size_t temporaryTail = 8;
+
+/// How the names of the files begin that are to take the target's place; the random tail follows.
+std::string temporaryName(const std::string& target) {
+  return "." + fileName(target).substr(0, 200) + ".vell-";
+}
+
+/// A file beside the target that disappears unless it is moved into the target's place. It is locked while it
+/// is being written, so that others see that it is not abandoned.
 class TemporaryFile {
  public:
   TemporaryFile(const std::string& target, mode_t mode)
-      : path_(directoryOf(target) + "/." + fileName(target).substr(0, 200) + "." + newUuid().substr(0, 8)),
+      : path_(directoryOf(target) + "/" + temporaryName(target) + newUuid().substr(0, temporaryTail)),
         descriptor_(open(path_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode)) {
     if (!descriptor_) throw systemProblem("open");
+    flock(descriptor_.get(), LOCK_EX | LOCK_NB);
   }
   ~TemporaryFile() {
     if (!path_.empty()) unlink(path_.c_str());
@@ -122,12 +132,26 @@ FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t ne
   try {
     struct stat former {};
     const bool exists = stat(target.c_str(), &former) == 0;
+    if (exists && access(target.c_str(), W_OK) != 0) throw Problem("it is write-protected");
     TemporaryFile temporary(target, exists ? 0600 : newMode);
     if (exists) temporary.take(former);
     temporary.fill(bytes);
     return temporary.moveTo(target);
   } catch (const Problem& problem) {
     throw Problem("Cannot save " + path + ": " + problem.what());
+  }
+}
+
+void removeAbandoned(const std::string& path) {
+  const std::string target = resolvedPath(path);
+  const std::string start = temporaryName(target);
+  std::error_code error;
+  for (std::filesystem::directory_iterator at(directoryOf(target), error), end; !error && at != end;
+       at.increment(error)) {
+    const std::string name = at->path().filename().string();
+    if (name.size() != start.size() + temporaryTail || !name.starts_with(start)) continue;
+    const platform::Descriptor file(open(at->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
+    if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0) unlink(at->path().c_str());
   }
 }
 

@@ -36,8 +36,11 @@ FileContent readFile(const std::string& path);
 
 /// Puts `bytes` in the place of the file in one step: whoever reads it, whenever the machine stops, finds the
 /// old content or the new. On disk when it returns. The file's mode and the links that lead to it stay; a new
-/// file gets `newMode` less the umask. Throws Problem.
+/// file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
 FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = 0666);
+
+/// Removes what replacing the file left beside it where the machine or the application was stopped meanwhile.
+void removeAbandoned(const std::string& path);
 
 /// A new file with these bytes, which is on disk when it returns. Throws Problem, also where there is a file
 /// at `path`.

@@ -22,9 +22,14 @@ std::string standardisedPath(const std::string& path) {
 }
 
 std::string resolvedPath(const std::string& path) {
+  namespace fs = std::filesystem;
+  constexpr int mostLinks = 40;
   std::error_code error;
-  const auto resolved = std::filesystem::weakly_canonical(path, error);
-  return error ? path : resolved.string();
+  fs::path resolved = fs::weakly_canonical(path, error);
+  // A link to a file that is not there leads to it all the same.
+  for (int links = 0; links < mostLinks && !error && fs::is_symlink(resolved, error); ++links)
+    resolved = fs::weakly_canonical(resolved.parent_path() / fs::read_symlink(resolved, error), error);
+  return error && error != std::errc::no_such_file_or_directory ? path : resolved.string();
 }
 
 std::string fileUrl(std::string_view path) {

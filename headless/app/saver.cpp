@@ -113,6 +113,11 @@ void Saver::flush(OpenOutline& opened) {
   writer_.drain();
 }
 
+std::string Saver::fault(const OpenOutline& opened) const {
+  const auto found = states_.find(&opened);
+  return found != states_.end() ? found->second.lastFault : std::string();
+}
+
 void Saver::saveCopy(const OpenOutline& opened, const std::string& path) {
   replaceFile(path, encoded(opened), 0600);
 }

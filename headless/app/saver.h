@@ -36,6 +36,8 @@ class Saver {
   void changed(OpenOutline& opened);
   /// On disk, as far as it can be, when it returns.
   void flush(OpenOutline& opened);
+  /// Why the outline could not be saved; empty where it could.
+  std::string fault(const OpenOutline& opened) const;
   /// Writes what the outline holds to another path. Throws Problem.
   static void saveCopy(const OpenOutline& opened, const std::string& path);
   /// Keeps the outline in a new file at `path` from now on; the former file stays. Throws Problem, with
@@ -72,7 +74,7 @@ class Saver {
   Scheduler& scheduler_;
   Report report_;
   SaverListener& listener_;
-  std::map<OpenOutline*, State> states_;
+  std::map<const OpenOutline*, State> states_;
   DiskWriter writer_;
 };
 

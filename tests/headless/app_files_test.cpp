@@ -37,6 +37,22 @@ TEST(Files, ReplacingKeepsModeAndLinksAndLeavesNothingBeside) {
   EXPECT_EQ(std::distance(fs::directory_iterator(directory / "real"), fs::directory_iterator()), 1);
   EXPECT_NE(after, before);
   EXPECT_EQ(after, stampOf(file));
+  fs::remove(file);
+  replaceFile(link, "anew");
+  EXPECT_EQ(readFile(file).bytes, "anew");
+  EXPECT_TRUE(fs::is_symlink(link));
+}
+
+TEST(Files, WhatAnInterruptedReplacementLeftIsRemovedAndNothingElse) {
+  const tests::TemporaryDirectory directory;
+  const std::string others[] = {"a.txt", ".a.txt", ".a.txt.vell-", ".a.txt.vell-12345678.txt",
+                                ".b.txt.vell-12345678"};
+  for (const std::string& name : others) directory.write(name, "");
+  directory.write(".a.txt.vell-12345678", "half a f");
+  removeAbandoned(directory / "a.txt");
+  EXPECT_FALSE(fs::exists(directory / ".a.txt.vell-12345678"));
+  for (const std::string& name : others) EXPECT_TRUE(fs::exists(directory / name)) << name;
+  removeAbandoned(directory / "gone/a.txt");
 }
 
 TEST(Files, AStampTellsThatSomebodyElseWrote) {
@@ -66,6 +82,11 @@ TEST(Files, SaysWhyAFileCannotBeReadOrWritten) {
             "Cannot open " + directory.path() + ": it is not a regular file");
   EXPECT_EQ(problemOf([&] { replaceFile(gone, "x"); }),
             "Cannot save " + gone + ": open: No such file or directory");
+  const std::string file = directory.write("a.txt", "old");
+  chmod(file.c_str(), 0444);
+  const bool mayAll = access(file.c_str(), W_OK) == 0;  // root
+  EXPECT_EQ(problemOf([&] { replaceFile(file, "new"); }),
+            mayAll ? "none" : "Cannot save " + file + ": it is write-protected");
 }
 
 TEST(Files, PrivateDirectoriesAreClosedToOthers) {

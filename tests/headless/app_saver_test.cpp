@@ -188,9 +188,11 @@ TEST_F(SaverTest, SavingIsTriedAgainAndSaidOnce) {
   ASSERT_EQ(reports.size(), 1U);
   EXPECT_EQ(reports[0].rfind("Cannot save " + path, 0), 0U) << reports[0];
   EXPECT_TRUE(opened->isDirty());
+  EXPECT_EQ(saver.fault(*opened), reports[0]);
   fs::rename(directory.path() + "-away", directory.path());
   save();
   EXPECT_EQ(readFile(path).bytes, "one\ntwo\n");
+  EXPECT_EQ(saver.fault(*opened), "");
 }
 
 TEST_F(SaverTest, AFileThatIsGoneIsWrittenAnew) {
