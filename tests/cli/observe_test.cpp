@@ -86,6 +86,7 @@ TEST(Observe, FailsAsTheStreamDoes) {
 }
 
 TEST(Observe, EndsWhenNobodyReadsAnyMore) {
+  GTEST_FLAG_SET(death_test_style, "threadsafe");
   tests::TemporaryHome home;
   FakeApplication silent([](const std::string&) { return FakeApplication::Reply{}; });
   EXPECT_EXIT(
@@ -93,7 +94,7 @@ TEST(Observe, EndsWhenNobodyReadsAnyMore) {
         int ends[2];
         if (pipe(ends) == 0) close(ends[0]);
         Console console(0, ends[1], 2);
-        exit(Vell::main(words("observe outline"), console));
+        _exit(Vell::main(words("observe outline"), console));
       },
       testing::ExitedWithCode(141), "^$");
 }
