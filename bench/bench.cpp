@@ -19,6 +19,8 @@ constexpr struct {
 } rows[] = {
     {"get-outlines", getOutlines},
     {"get-outline", getOutline},
+    {"mcp", mcpAnswered},
+    {"mcp-forwarded", mcpForwarded},
     {"path-parse", pathParse},
     // Last: it fills this process with memory, which the system counts for the programs started from it.
     {"path-evaluate", pathEvaluate},

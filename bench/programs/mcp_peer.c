@@ -1,0 +1,141 @@
+/* An MCP server that does the least: plain reads and writes, one request after the other.
+   usage: mcp_peer canned FILE      answers every request with the result in FILE
+          mcp_peer forward SOCKET   asks the application; its result becomes a tool's text
+          mcp_peer relay SOCKET     asks the application; its result goes out as it came */
+
+#define _GNU_SOURCE
+#include <stdio.h>
+#include <stdlib.h>
+#include <string.h>
+#include <sys/socket.h>
+#include <sys/un.h>
+#include <unistd.h>
+
+enum { chunk = 65536 };
+
+struct buffer {
+  char *bytes;
+  size_t size, room;
+};
+
+static struct buffer canned, response, output;
+static int application = -1;
+static int escapes;
+
+static void die(const char *what) {
+  perror(what);
+  exit(1);
+}
+
+static char *room_for(struct buffer *to, size_t count) {
+  if (to->room < to->size + count) {
+    to->room = 2 * (to->size + count);
+    to->bytes = realloc(to->bytes, to->room);
+    if (to->bytes == NULL) die("realloc");
+  }
+  return to->bytes + to->size;
+}
+
+static void put(struct buffer *to, const char *bytes, size_t count) {
+  memcpy(room_for(to, count), bytes, count);
+  to->size += count;
+}
+
+static void put_text(struct buffer *to, const char *text) { put(to, text, strlen(text)); }
+
+/* Takes in what the next read gives; 0 at the end of the input. */
+static size_t fill(struct buffer *from, int descriptor) {
+  const ssize_t count = read(descriptor, room_for(from, chunk), chunk);
+  if (count < 0) die("read");
+  from->size += (size_t)count;
+  return (size_t)count;
+}
+
+static void write_all(int descriptor, const char *bytes, size_t size) {
+  while (size > 0) {
+    const ssize_t count = write(descriptor, bytes, size);
+    if (count <= 0) die("write");
+    bytes += count;
+    size -= (size_t)count;
+  }
+}
+
+/* The bytes as the inside of a JSON string; JSON text on one line holds nothing else that needs an escape. */
+static void put_escaped(struct buffer *to, const char *bytes, size_t count) {
+  char *end = room_for(to, 2 * count);
+  for (const char *last = bytes + count; bytes < last; ++bytes) {
+    if (*bytes == '"' || *bytes == '\\') *end++ = '\\';
+    *end++ = *bytes;
+  }
+  to->size = (size_t)(end - to->bytes);
+}
+
+static void put_forwarded(void) {
+  static const char request[] = "{\"id\":1,\"jsonrpc\":\"2.0\",\"method\":\"outline.list\"}\n";
+  write_all(application, request, sizeof request - 1);
+  response.size = 0;
+  do {
+    if (fill(&response, application) == 0) die("application");
+  } while (response.bytes[response.size - 1] != '\n');
+  const char *result = memmem(response.bytes, response.size, "\"result\":", 9);
+  if (result == NULL) die("result");
+  const size_t size = (size_t)(response.bytes + response.size - 2 - (result + 9));
+  if (!escapes) return put(&output, result + 9, size);
+  put_text(&output, "{\"content\":[{\"text\":\"");
+  put_escaped(&output, result + 9, size);
+  put_text(&output, "\",\"type\":\"text\"}]}");
+}
+
+static void answer(const char *line, size_t size) {
+  static const char welcome[] =
+      "{\"capabilities\":{\"logging\":{},\"tools\":{\"listChanged\":true}},\"protocolVersion\":\"2025-11-25\","
+      "\"serverInfo\":{\"name\":\"peer\",\"version\":\"1\"}}";
+  const char *id = memmem(line, size, "\"id\":", 5);
+  if (id == NULL) return; /* a notification */
+  put_text(&output, "{\"id\":");
+  put(&output, id + 5, strcspn(id + 5, ",}"));
+  put_text(&output, ",\"jsonrpc\":\"2.0\",\"result\":");
+  if (memmem(line, size, "\"method\":\"initialize\"", 21) != NULL) {
+    put_text(&output, welcome);
+  } else if (application >= 0) {
+    put_forwarded();
+  } else {
+    put(&output, canned.bytes, canned.size);
+  }
+  put_text(&output, "}\n");
+}
+
+/* Answers the whole lines of the input, all in one write unless they are long; what is left is kept. */
+static void answer_lines(struct buffer *input) {
+  char *line = input->bytes, *feed;
+  while ((feed = memchr(line, '\n', (size_t)(input->bytes + input->size - line))) != NULL) {
+    answer(line, (size_t)(feed - line));
+    line = feed + 1;
+    if (output.size < chunk) continue;
+    write_all(STDOUT_FILENO, output.bytes, output.size);
+    output.size = 0;
+  }
+  write_all(STDOUT_FILENO, output.bytes, output.size);
+  output.size = 0;
+  input->size -= (size_t)(line - input->bytes);
+  memmove(input->bytes, line, input->size);
+}
+
+int main(int count, char **arguments) {
+  if (count != 3) return 64;
+  if (strcmp(arguments[1], "canned") == 0) {
+    FILE *file = fopen(arguments[2], "rb");
+    if (file == NULL) die(arguments[2]);
+    while (fill(&canned, fileno(file)) > 0) continue;
+    fclose(file);
+  } else {
+    struct sockaddr_un address = {.sun_family = AF_UNIX};
+    strncpy(address.sun_path, arguments[2], sizeof address.sun_path - 1);
+    application = socket(AF_UNIX, SOCK_STREAM, 0);
+    if (connect(application, (struct sockaddr *)&address, sizeof address) != 0) die(arguments[2]);
+    escapes = strcmp(arguments[1], "forward") == 0;
+  }
+  struct buffer input = {NULL, 0, 0};
+  while (fill(&input, STDIN_FILENO) > 0) answer_lines(&input);
+  return 0;
+}
