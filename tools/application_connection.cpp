@@ -76,9 +76,11 @@ void ApplicationConnection::onRead(std::error_code error, std::size_t count) {
   arrived_.commit(count);
   while (open_) {
     auto line = arrived_.next();
-    if (!line) return read();
+    if (!line) break;
     handler_.onLine(std::move(*line));
   }
+  if (open_) handler_.onLinesTakenIn();
+  if (open_) read();
 }
 
 void ApplicationConnection::finish() {

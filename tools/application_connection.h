@@ -21,6 +21,8 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   struct Handler {
     /// For each line, the last one also where it has no line feed.
     std::function<void(json::Text line)> onLine;
+    /// After the last of the lines that came together.
+    std::function<void()> onLinesTakenIn = [] {};
     /// Called once, last, unless the connection was closed from here: it could not be made, or has ended.
     std::function<void(const ipc::ClientError& error)> onEnd;
   };

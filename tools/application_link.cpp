@@ -1,7 +1,6 @@
 #include "tools/application_link.h"
 
 #include <algorithm>
-#include <asio/post.hpp>
 #include <utility>
 
 #include "ipc/message.h"
@@ -12,7 +11,6 @@ ApplicationLink::ApplicationLink(asio::io_context& loop, std::string socketPath)
     : loop_(loop), socketPath_(std::move(socketPath)) {}
 
 ApplicationLink::~ApplicationLink() {
-  *alive_ = false;
   if (connection_) connection_->close();
 }
 
@@ -35,7 +33,7 @@ void ApplicationLink::withdraw(Ticket ticket) {
 }
 
 void ApplicationLink::proceed() {
-  if (inFlight_ || proceeding_ || calls_.empty()) return;
+  if (inFlight_ || calls_.empty()) return;
   inFlight_ = true;
   ensureConnected();
   connection_->send(ipc::requestLine(nextId_++, calls_.front().method, calls_.front().params));
@@ -45,37 +43,40 @@ void ApplicationLink::ensureConnected() {
   if (connection_ && connection_->peerIsGone()) std::exchange(connection_, nullptr)->close();
   if (connection_) return;
   nextId_ = 1;
-  connection_ = ApplicationConnection::open(loop_, socketPath_,
-                                            {[this](json::Text line) { onLine(std::move(line)); },
-                                             [this](const ipc::ClientError& error) { onEnd(error); }});
+  connection_ =
+      ApplicationConnection::open(loop_, socketPath_,
+                                  {.onLine = [this](json::Text line) { onLine(std::move(line)); },
+                                   .onLinesTakenIn = [this] { onLinesTakenIn(); },
+                                   .onEnd = [this](const ipc::ClientError& error) { onEnd(error); }});
 }
 
 void ApplicationLink::onLine(json::Text line) {
-  if (!inFlight_) return;
+  if (!inFlight_ || outcome_) return;
   try {
-    if (auto answer = ipc::Answer::parse(std::move(line))) finish(std::move(*answer));
+    if (auto answer = ipc::Answer::parse(std::move(line))) outcome_ = std::move(*answer);
   } catch (const std::exception&) {
-    finish(std::current_exception());
+    outcome_ = std::current_exception();
   }
+}
+
+// Not before: the lines behind an answer belong to nobody.
+void ApplicationLink::onLinesTakenIn() {
+  if (outcome_) finish(*std::exchange(outcome_, std::nullopt));
 }
 
 void ApplicationLink::onEnd(const ipc::ClientError& error) {
   connection_ = nullptr;
-  if (inFlight_) finish(std::make_exception_ptr(error));
+  if (!inFlight_) return;
+  auto outcome = std::exchange(outcome_, std::nullopt);
+  finish(outcome ? std::move(*outcome) : std::make_exception_ptr(error));
 }
 
-// The next call waits until the lines behind this answer are taken in: they belong to nobody.
+// The next call goes out first: the application works on it while this answer is passed on.
 void ApplicationLink::finish(Outcome outcome) {
   const OutcomeHandler handler = std::move(calls_.front().handler);
   calls_.pop_front();
   inFlight_ = false;
-  if (!std::exchange(proceeding_, true)) {
-    asio::post(loop_, [this, alive = alive_] {
-      if (!*alive) return;
-      proceeding_ = false;
-      proceed();
-    });
-  }
+  proceed();
   if (handler) handler(std::move(outcome));
 }
 

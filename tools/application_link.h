@@ -5,6 +5,7 @@
 #include <exception>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <variant>
 
@@ -51,6 +52,7 @@ class ApplicationLink {
   void proceed();
   void ensureConnected();
   void onLine(json::Text line);
+  void onLinesTakenIn();
   void onEnd(const ipc::ClientError& error);
   void finish(Outcome outcome);
 
@@ -61,8 +63,7 @@ class ApplicationLink {
   Ticket nextTicket_ = 1;
   std::deque<Call> calls_;
   bool inFlight_ = false;  // whether the first of them is sent
-  bool proceeding_ = false;
-  std::shared_ptr<bool> alive_ = std::make_shared<bool>(true);
+  std::optional<Outcome> outcome_;  // of that call, until the lines behind it are taken in
 };
 
 }  // namespace vell::tools

@@ -15,9 +15,9 @@ DocumentsSubscription::DocumentsSubscription(asio::io_context& loop, std::string
 
 void DocumentsSubscription::start() {
   using ipc::DocumentsObserve;
-  connection_ = ApplicationConnection::open(
-      loop_, socketPath_,
-      {[this](json::Text line) { onLine(std::move(line)); }, [this](const ipc::ClientError&) { onEnd(); }});
+  connection_ = ApplicationConnection::open(loop_, socketPath_,
+                                            {.onLine = [this](json::Text line) { onLine(std::move(line)); },
+                                             .onEnd = [this](const ipc::ClientError&) { onEnd(); }});
   connection_->send(ipc::requestLine(1, DocumentsObserve::method, DocumentsObserve().toJson()));
 }
 
