@@ -1,4 +1,8 @@
+#include <simdjson.h>
+
+#include <algorithm>
 #include <nlohmann/json.hpp>
+#include <optional>
 
 #include "mcp/value_text.h"
 
@@ -72,9 +76,52 @@ class Builder : public nlohmann::json_sax<json> {
   std::string key_;
 };
 
+namespace dom = simdjson::dom;
+
+Value valueOf(const dom::element& element) {
+  switch (element.type()) {
+    case dom::element_type::OBJECT: {
+      Value::Object object;
+      for (const auto [key, member] : dom::object(element)) object[std::string(key)] = valueOf(member);
+      return object;
+    }
+    case dom::element_type::ARRAY: {
+      Value::Array array;
+      for (const dom::element each : dom::array(element)) array.push_back(valueOf(each));
+      return array;
+    }
+    case dom::element_type::STRING:
+      return std::string_view(element);
+    case dom::element_type::INT64:
+      return std::int64_t(element);
+    case dom::element_type::BOOL:
+      return bool(element);
+    case dom::element_type::NULL_VALUE:
+      return nullptr;
+    default:
+      return double(element);
+  }
+}
+
+/// The parser that keeps its memory between texts is for texts of this size.
+constexpr std::size_t frequentSize = 1 << 16;
+
+/// None for what the fast parser refuses: a fault, or a number beyond its types.
+std::optional<Value> decodeFast(dom::parser& parser, std::string_view text) {
+  dom::element root;
+  const bool fits =
+      parser.capacity() >= text.size() || !parser.allocate(std::max(text.size(), frequentSize), maxDepth);
+  if (!fits || parser.parse(text.data(), text.size()).get(root)) return {};
+  return valueOf(root);
+}
+
 }  // namespace
 
 Value decode(std::string_view text) {
+  thread_local dom::parser kept;
+  std::optional<dom::parser> large;
+  dom::parser& parser = text.size() > frequentSize ? large.emplace() : kept;
+  if (auto value = decodeFast(parser, text)) return std::move(*value);
   Builder builder;
   json::sax_parse(text.begin(), text.end(), &builder);
   return builder.take();

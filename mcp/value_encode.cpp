@@ -1,4 +1,8 @@
+#include <simdjson.h>
+
+#include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
@@ -12,15 +16,15 @@ namespace vell::mcp {
 
 namespace {
 
-/// What a byte becomes in a string: itself, or a short escape. Length 0: it takes more to tell.
+/// What a byte becomes in a string: itself, or a short escape. Length 0: it takes a long one.
 struct Form {
   char text[2] = {};
   std::uint8_t length = 0;
 };
 
-std::array<Form, 256> makeForms() {
+constexpr std::array<Form, 256> makeForms() {
   std::array<Form, 256> forms{};
-  for (std::size_t byte = 0x20; byte < 0x80; ++byte) forms[byte] = {{static_cast<char>(byte)}, 1};
+  for (std::size_t byte = 0x20; byte < 256; ++byte) forms[byte] = {{static_cast<char>(byte)}, 1};
   for (const auto& [byte, letter] :
        {std::pair{'\b', 'b'}, {'\f', 'f'}, {'\n', 'n'}, {'\r', 'r'}, {'\t', 't'}, {'"', '"'}, {'\\', '\\'}}) {
     forms[static_cast<unsigned char>(byte)] = {{'\\', letter}, 2};
@@ -28,14 +32,29 @@ std::array<Form, 256> makeForms() {
   return forms;
 }
 
-const std::array<Form, 256> forms = makeForms();
+constexpr std::array<Form, 256> forms = makeForms();
 
-/// Gathers the string before it goes out, with room for one form more than it counts.
+constexpr std::size_t stride = 8;
+
+/// How many of the eight bytes from there on stand for themselves in a string, up to the first that does not.
+std::size_t plainBytes(const char* text) {
+  constexpr std::uint64_t each = 0x0101010101010101;
+  std::uint64_t bytes = 0;
+  for (std::size_t i = 0; i < stride; ++i)
+    bytes |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
+  // The top bit of a byte is set where a subtraction goes below zero, and then perhaps in bytes behind that,
+  // which no longer matter.
+  const std::uint64_t below =
+      (bytes - each * 0x20) | ((bytes ^ each * '"') - each) | ((bytes ^ each * '\\') - each);
+  return static_cast<std::size_t>(std::countr_zero(below & ~bytes & each * 0x80)) / 8;
+}
+
+/// Gathers the string before it goes out, with room for one stride and one form more than it counts.
 struct Piece {
   static constexpr std::size_t size = 4096;
   static constexpr std::size_t longestForm = 7;
 
-  char bytes[size + longestForm];
+  char bytes[size + stride + longestForm];
   std::size_t used = 0;
 
   void put(std::string_view text) {
@@ -45,20 +64,24 @@ struct Piece {
   void flush(std::string& out) { out.append(bytes, std::exchange(used, 0)); }
 };
 
-/// Puts the character that starts at the offset: a control character, one beyond ASCII or, as U+FFFD, a byte
-/// that starts none. Returns how many bytes it took.
-std::size_t putRareCharacter(std::string_view text, std::size_t at, Piece& piece) {
-  const std::size_t length = utf8Length(text.substr(at, 4));
-  if (length > 1) {
-    piece.put(text.substr(at, length));
-  } else if (length == 1) {
-    char escape[7];
-    std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(text[at]));
-    piece.put(escape);
-  } else {
-    piece.put("\xEF\xBF\xBD");
+void putByte(char byte, Piece& piece) {
+  const Form& form = forms[static_cast<unsigned char>(byte)];
+  std::memcpy(piece.bytes + piece.used, form.text, 2);
+  piece.used += form.length;
+  if (form.length != 0) return;
+  char escape[7];
+  std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(byte));
+  piece.put(escape);
+}
+
+std::string repaired(std::string_view text) {
+  std::string valid;
+  while (!text.empty()) {
+    const std::size_t length = utf8Length(text);
+    valid.append(length == 0 ? "\xEF\xBF\xBD" : text.substr(0, length));
+    text.remove_prefix(std::max<std::size_t>(length, 1));
   }
-  return length ? length : 1;
+  return valid;
 }
 
 struct Encoder {
@@ -97,17 +120,22 @@ struct Encoder {
 
 }  // namespace
 
-// Without a branch for what is frequent: quotes come too often and too oddly to be guessed.
+// Without a branch for what is frequent: quotes come too often and too oddly to be guessed. So behind each
+// run of plain bytes one more is looked up, whether it needs it or not.
 void encodeString(std::string_view text, std::string& out) {
+  if (!simdjson::validate_utf8(text.data(), text.size())) return encodeString(repaired(text), out);
   out.reserve(out.size() + text.size() + text.size() / 4 + 2);
   out += '"';
   Piece piece;
   for (std::size_t at = 0; at < text.size();) {
     if (piece.used >= Piece::size) piece.flush(out);
-    const Form& form = forms[static_cast<unsigned char>(text[at])];
-    std::memcpy(piece.bytes + piece.used, form.text, 2);
-    piece.used += form.length;
-    at += form.length != 0 ? 1 : putRareCharacter(text, at, piece);
+    if (text.size() - at > stride) {
+      std::memcpy(piece.bytes + piece.used, text.data() + at, stride);
+      const std::size_t plain = plainBytes(text.data() + at);
+      piece.used += plain;
+      at += plain;
+    }
+    putByte(text[at++], piece);
   }
   piece.flush(out);
   out += '"';

@@ -32,8 +32,19 @@ TEST(Value, DecodesEveryKindAndWritesItBack) {
     distinct.insert(value);
   }
   EXPECT_EQ(distinct.size(), std::size(rows));
-  EXPECT_EQ(decode("18446744073709551615").kind(), Value::Kind::number);
+  for (const char* huge : {"18446744073709551615", "123456789012345678901234567890"}) {
+    EXPECT_EQ(decode(huge).kind(), Value::Kind::number);
+  }
   EXPECT_EQ(decode(R"({"a":1,"a":2})"), (Value::Object{{"a", 2}}));
+}
+
+TEST(Value, EscapesWhereverItIsNeeded) {
+  for (const char* special : {"\"", "\\", "\n", "\x1f", "é", "\"\""}) {
+    for (std::size_t before = 0; before < 20; ++before) {
+      const std::string text = std::string(before, '!') + special + std::string(20 - before, '~');
+      EXPECT_EQ(decode(encode(text)), text);
+    }
+  }
 }
 
 TEST(Value, WritesWhatOnlyProgramsMake) {
