@@ -62,7 +62,7 @@ class ApplicationLink {
   std::int64_t nextId_ = 1;  // of this connection
   Ticket nextTicket_ = 1;
   std::deque<Call> calls_;
-  bool inFlight_ = false;  // whether the first of them is sent
+  bool inFlight_ = false;           // whether the first of them is sent
   std::optional<Outcome> outcome_;  // of that call, until the lines behind it are taken in
 };
 

@@ -18,9 +18,9 @@ constexpr const char* arguments = R"({"path":"//task @done = \"true\""})";
 void writeResult(const std::string& file) {
   McpSession session(vell({"mcp"}));
   session.initialize();
-  const std::string line(session.exchange(
-      std::string(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":{"name":")") + tool +
-      R"(","arguments":)" + arguments + "}}"));
+  const std::string line(
+      session.exchange(std::string(R"({"jsonrpc":"2.0","id":1,"method":"tools/call","params":{"name":")") +
+                       tool + R"(","arguments":)" + arguments + "}}"));
   const std::size_t result = line.find("{\"content\":");
   if (result == std::string::npos) throw std::runtime_error("no result: " + line);
   std::ofstream(file) << line.substr(result, line.size() - result - 1);
