@@ -26,20 +26,8 @@ constexpr std::string_view tail = R"(  esac
 complete -F _vell vell
 )";
 
-std::string valueCases(const Command& root) {
-  std::string cases;
-  for (const TreeEntry& entry : wholeTree(root)) {
-    for (const Option* option : namedOptions(*entry.command)) {
-      if (option->takes == Takes::nothing) continue;
-      const std::string words = offeredValues(*option);
-      cases += "    " + optionAlternatives(entry, *option) + ") ";
-      if (option->file) cases += "_vell_files \"$current\"; ";
-      if (!words.empty()) cases += "COMPREPLY=($(compgen -W '" + words + "' -- \"$current\")); ";
-      cases += "return ;;\n";
-    }
-  }
-  return cases;
-}
+constexpr ValueCaseStyle valueStyle = {"    ", "_vell_files \"$current\"; ", "COMPREPLY=($(compgen -W '",
+                                       "' -- \"$current\")); "};
 
 std::string wordCases(const Command& root) {
   std::string cases;
@@ -61,7 +49,7 @@ std::string wordCases(const Command& root) {
 std::string bashCompletion(const Command& root) {
   std::string script(head);
   script += pathAlternatives(root, " | ") + ")\n        at=\"$at ${COMP_WORDS[i]}\" ;;\n    esac\n  done\n";
-  script += "  case \"$at $previous\" in\n" + valueCases(root) + "  esac\n";
+  script += "  case \"$at $previous\" in\n" + valueCases(root, valueStyle) + "  esac\n";
   script += "  case \"$at\" in\n" + wordCases(root);
   return script.append(tail);
 }

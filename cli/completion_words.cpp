@@ -51,4 +51,19 @@ std::string optionAlternatives(const TreeEntry& entry, const Option& option) {
   return alternatives;
 }
 
+std::string valueCases(const Command& root, const ValueCaseStyle& style) {
+  std::string cases;
+  for (const TreeEntry& entry : wholeTree(root)) {
+    for (const Option* option : namedOptions(*entry.command)) {
+      if (option->takes == Takes::nothing) continue;
+      const std::string words = offeredValues(*option);
+      cases.append(style.start).append(optionAlternatives(entry, *option)).append(") ");
+      if (option->file) cases += style.files;
+      if (!words.empty()) cases.append(style.offer).append(words).append(style.behind);
+      cases += "return ;;\n";
+    }
+  }
+  return cases;
+}
+
 }  // namespace vell::cli

@@ -28,4 +28,15 @@ std::string pathAlternatives(const Command& root, std::string_view separator);
 /// `'vell get outline --output' | 'vell get outline -o'`: an option's names behind its command's.
 std::string optionAlternatives(const TreeEntry& entry, const Option& option);
 
+/// How a shell of the Bourne family completes the value of an option, inside a case.
+struct ValueCaseStyle {
+  std::string_view start;   ///< before the option's names
+  std::string_view files;   ///< offers files
+  std::string_view offer;   ///< offers words, which follow
+  std::string_view behind;  ///< behind the words
+};
+
+/// A case for each option that takes a value.
+std::string valueCases(const Command& root, const ValueCaseStyle& style);
+
 }  // namespace vell::cli

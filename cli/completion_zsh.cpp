@@ -32,20 +32,7 @@ std::string described(std::string_view name, std::string_view explanation) {
   return " " + quoted(std::string(name) + ":" + std::string(brief(explanation)), quote);
 }
 
-std::string valueCases(const Command& root) {
-  std::string cases;
-  for (const TreeEntry& entry : wholeTree(root)) {
-    for (const Option* option : namedOptions(*entry.command)) {
-      if (option->takes == Takes::nothing) continue;
-      const std::string words = offeredValues(*option);
-      cases += "    (" + optionAlternatives(entry, *option) + ") ";
-      if (option->file) cases += "_files; ";
-      if (!words.empty()) cases += "compadd -- " + words + "; ";
-      cases += "return ;;\n";
-    }
-  }
-  return cases;
-}
+constexpr ValueCaseStyle valueStyle = {"    (", "_files; ", "compadd -- ", "; "};
 
 std::string wordCases(const Command& root) {
   std::string cases;
@@ -70,7 +57,7 @@ std::string wordCases(const Command& root) {
 std::string zshCompletion(const Command& root) {
   std::string script(head);
   script += pathAlternatives(root, " | ") + ")\n        at=\"$at $words[i]\" ;;\n    esac\n  done\n";
-  script += "  case \"$at $words[CURRENT-1]\" in\n" + valueCases(root) + "  esac\n";
+  script += "  case \"$at $words[CURRENT-1]\" in\n" + valueCases(root, valueStyle) + "  esac\n";
   script += "  local files=\n  case \"$at\" in\n" + wordCases(root);
   return script.append(tail);
 }

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ipc/methods/row.h"
-#include "tools/arguments.h"
 #include "tools/declared_tool.h"
+#include "tools/new_row_place.h"
 
 namespace vell::tools {
 
@@ -23,19 +23,10 @@ struct VellCreateRows {
       "a single row when you don't need a hierarchy.";
 
   static mcp::Parameters<Record> parameters() {
-    return mcp::Parameters<Record>()
-        .required("markdown", &Record::markdown, "Multi-line Vell-flavored markdown body to parse into rows.")
-        .optional("outline", &Record::outline, "Optional outline persistent id (default: frontmost).")
-        .optional("parent", inPlace(&ipc::RowPlace::parent),
-                  "Optional parent row id (row ref: session id, persistent id, `@selection`, or `@focused`). "
-                  "Defaults to the outline root.")
-        .optional<Position>(
-            "position", inPlace(&ipc::RowPlace::position),
-            "Where among the parent's children: `start`, `end` (default), or an integer index.")
-        .optional("before", inPlace(&ipc::RowPlace::before),
-                  "Insert before this sibling row (row ref). Takes precedence over `parent`+`position`.")
-        .optional("after", inPlace(&ipc::RowPlace::after),
-                  "Insert after this sibling row (row ref). Takes precedence over `parent`+`position`.");
+    return withPlace(
+        mcp::Parameters<Record>().required("markdown", &Record::markdown,
+                                           "Multi-line Vell-flavored markdown body to parse into rows."),
+        "row ref");
   }
 };
 
