@@ -7,7 +7,6 @@ namespace vell::headless {
 namespace {
 
 using outline_path::Axis;
-using Accepts = std::function<bool(const Row&)>;
 
 bool isBefore(const Row* left, const Row* right) { return left->order() < right->order(); }
 
@@ -15,114 +14,166 @@ bool contains(const Row& above, const Row& below) {
   return above.order() < below.order() && below.order() < above.orderEnd();
 }
 
-/// Each row from each context, context after context.
-Rows collectUnordered(Axis axis, const Rows& contexts, const Row& root, const Accepts& accepts) {
+void append(Rows& rows, Places places, const Outline& outline, TypeFilter filter) {
+  const Row* const* row = outline.rowsInOrder().data() + places.begin;
+  if (filter.passesAny()) {
+    rows.insert(rows.end(), row, row + (places.end - places.begin));
+    return;
+  }
+  // Writes every row and keeps those that pass, as types that come in no order cannot be foreseen.
+  const RowType* type = outline.typesInOrder().data() + places.begin;
+  std::size_t kept = rows.size();
+  rows.resize(kept + countIn(places, outline, filter));
+  for (; kept < rows.size(); ++row, ++type) {
+    rows[kept] = *row;
+    kept += *type == filter.type() ? 1 : 0;
+  }
+}
+
+/// Each row from each context.
+Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
   Rows found;
   for (const Row* context : contexts) {
-    walk(axis, *context, root, [&](const Row& row) {
-      if (accepts(row)) found.push_back(&row);
+    walk(axis, *context, outline.root(), [&](const Row& row) {
+      if (filter.passes(row.type())) found.push_back(&row);
       return true;
     });
   }
-  return found;
-}
-
-/// The same in document order, each row once.
-Rows collectEach(Axis axis, const Rows& contexts, const Row& root, const Accepts& accepts) {
-  Rows found = collectUnordered(axis, contexts, root, accepts);
-  putInOrder(found);
+  putInOrder(found, outline);
   return found;
 }
 
 /// Leaves the contexts out that lie within an earlier one, whose descendants are among those of that one.
-Rows collectDescendants(Axis axis, const Rows& contexts, const Row& root, const Accepts& accepts) {
-  Rows tops;
-  for (const Row* context : contexts) {
-    if (tops.empty() || !contains(*tops.back(), *context)) tops.push_back(context);
-  }
-  // In order as they come; to see that again would cost as much as the walk.
-  return collectUnordered(axis, tops, root, accepts);
-}
-
-/// The way up from a context ends where that from the one before it has passed.
-Rows collectAncestors(Axis axis, const Rows& contexts, const Row& root, const Accepts& accepts) {
+Rows collectDescendants(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
   Rows found;
-  const Row* last = nullptr;
+  std::size_t passed = 0;
   for (const Row* context : contexts) {
-    const bool withSelf = axis == Axis::ancestorOrSelf;
-    for (const Row* row = withSelf ? context : context->parent(); row != nullptr && row != &root;
-         row = row->parent()) {
-      if (last != nullptr && (contains(*row, *last) || (withSelf && row == last))) break;
-      if (accepts(*row)) found.push_back(row);
-    }
-    last = context;
+    if (context->order() < passed) continue;
+    append(found, *stretchOf(axis, *context, outline), outline, filter);
+    passed = context->orderEnd();
   }
-  putInOrder(found);
   return found;
 }
 
-Rows collectParents(const Rows& contexts, const Row& root, const Accepts& accepts) {
+/// The way up from a context ends where that from the one before it has passed.
+Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  Rows found;
+  const Row* last = nullptr;
+  for (const Row* context : contexts) {
+    walk(axis, *context, outline.root(), [&](const Row& row) {
+      const bool hasPassed =
+          last != nullptr && (contains(row, *last) || (axis == Axis::ancestorOrSelf && &row == last));
+      if (!hasPassed && filter.passes(row.type())) found.push_back(&row);
+      return !hasPassed;
+    });
+    last = context;
+  }
+  putInOrder(found, outline);
+  return found;
+}
+
+Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter filter) {
   Rows parents;
   for (const Row* context : contexts) {
     const Row* parent = context->parent();
     const bool isNew = parents.empty() || parents.back() != parent;
-    if (parent != nullptr && parent != &root && isNew) parents.push_back(parent);
+    if (isNew && parent != nullptr && parent != &outline.root() && filter.passes(parent->type())) {
+      parents.push_back(parent);
+    }
   }
-  putInOrder(parents);
-  parents.erase(
-      std::remove_if(parents.begin(), parents.end(), [&](const Row* row) { return !accepts(*row); }),
-      parents.end());
+  putInOrder(parents, outline);
   return parents;
 }
 
 /// Of the contexts below one parent the outermost reaches all siblings that any of them does.
-Rows collectSiblings(Axis axis, Rows contexts, const Row& root, const Accepts& accepts) {
+Rows collectSiblings(Axis axis, Rows contexts, const Outline& outline, TypeFilter filter) {
   if (axis == Axis::precedingSibling) std::reverse(contexts.begin(), contexts.end());
   std::unordered_set<const Row*> parents;
   Rows outermost;
   for (const Row* context : contexts) {
     if (parents.insert(context->parent()).second) outermost.push_back(context);
   }
-  return collectEach(axis, outermost, root, accepts);
+  return collectEach(axis, outermost, outline, filter);
 }
 
-/// What follows any context follows the one whose subtree ends first; what precedes any precedes the last.
-const Row* outermostContext(Axis axis, const Rows& contexts) {
-  if (axis == Axis::preceding) return contexts.back();
-  return *std::min_element(contexts.begin(), contexts.end(), [](const Row* left, const Row* right) {
+/// What follows any context follows the one whose subtree ends first.
+Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  const auto endsBefore = [](const Row* left, const Row* right) {
     return left->orderEnd() < right->orderEnd();
-  });
+  };
+  const Row* first = *std::min_element(contexts.begin(), contexts.end(), endsBefore);
+  Rows found;
+  append(found, *stretchOf(Axis::following, *first, outline), outline, filter);
+  return found;
 }
 
 }  // namespace
 
-void putInOrder(Rows& rows) {
-  if (!std::is_sorted(rows.begin(), rows.end(), isBefore)) std::sort(rows.begin(), rows.end(), isBefore);
-  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+std::optional<Places> stretchOf(Axis axis, const Row& from, const Outline& outline) {
+  const bool isRoot = &from == &outline.root();
+  switch (axis) {
+    case Axis::descendant:
+    case Axis::descendantShortcut:
+      return Places{from.order() + std::size_t{1}, from.orderEnd()};
+    case Axis::descendantOrSelf:
+    case Axis::descendantOrSelfShortcut:
+      return Places{isRoot ? 1 : std::size_t{from.order()}, from.orderEnd()};
+    case Axis::following:
+      return Places{from.orderEnd(), outline.rowsInOrder().size()};
+    default:
+      return std::nullopt;
+  }
 }
 
-Rows rowsAlong(Axis axis, const Rows& contexts, const Row& root, const Accepts& accepts) {
+std::size_t countIn(Places places, const Outline& outline, TypeFilter filter) {
+  if (filter.passesAny()) return places.end - places.begin;
+  const RowType* types = outline.typesInOrder().data();
+  return static_cast<std::size_t>(std::count(types + places.begin, types + places.end, filter.type()));
+}
+
+void putInOrder(Rows& rows, const Outline& outline) {
+  const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
+  if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
+  constexpr std::size_t fewer = 64;
+  const auto& all = outline.rowsInOrder();
+  if (rows.size() < all.size() / fewer) {
+    std::sort(rows.begin(), rows.end(), isBefore);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return;
+  }
+  // Ticking them off on the list of all rows takes one pass.
+  std::vector<bool> ticked(all.size());
+  for (const Row* row : rows) ticked[row->order()] = true;
+  rows.clear();
+  for (std::size_t place = 0; place < all.size(); ++place) {
+    if (ticked[place]) rows.push_back(all[place]);
+  }
+}
+
+Rows rowsAlong(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
   if (contexts.empty()) return {};
   switch (axis) {
     case Axis::descendant:
     case Axis::descendantShortcut:
     case Axis::descendantOrSelf:
     case Axis::descendantOrSelfShortcut:
-      return collectDescendants(axis, contexts, root, accepts);
+      return collectDescendants(axis, contexts, outline, filter);
     case Axis::ancestor:
     case Axis::ancestorOrSelf:
-      return collectAncestors(axis, contexts, root, accepts);
+      return collectAncestors(axis, contexts, outline, filter);
     case Axis::parent:
     case Axis::parentShortcut:
-      return collectParents(contexts, root, accepts);
+      return collectParents(contexts, outline, filter);
     case Axis::followingSibling:
     case Axis::precedingSibling:
-      return collectSiblings(axis, contexts, root, accepts);
+      return collectSiblings(axis, contexts, outline, filter);
     case Axis::following:
+      return collectFollowing(contexts, outline, filter);
     case Axis::preceding:
-      return collectEach(axis, {outermostContext(axis, contexts)}, root, accepts);
+      // What precedes any context precedes the last.
+      return collectEach(axis, {contexts.back()}, outline, filter);
     default:
-      return collectEach(axis, contexts, root, accepts);
+      return collectEach(axis, contexts, outline, filter);
   }
 }
 

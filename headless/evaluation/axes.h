@@ -1,8 +1,9 @@
 #pragma once
 
-#include <functional>
+#include <optional>
 #include <vector>
 
+#include "headless/evaluation/type_filter.h"
 #include "headless/model/outline.h"
 #include "outline_path/words.h"
 
@@ -73,12 +74,20 @@ void walk(outline_path::Axis axis, const Row& from, const Row& root, Visit visit
   }
 }
 
-/// All rows along `axis` from any of `contexts` that pass `accepts(row)`, in one pass over the rows that
-/// there are: no row is looked at for each context anew.
-Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Row& root,
-               const std::function<bool(const Row&)>& accepts);
+/// Places in Outline::rowsInOrder(), the end exclusive.
+struct Places {
+  std::size_t begin, end;
+};
+/// The places that make up an axis in document order, where one stretch does: below a row, or behind it.
+std::optional<Places> stretchOf(outline_path::Axis axis, const Row& from, const Outline& outline);
+/// How many rows of a stretch pass.
+std::size_t countIn(Places places, const Outline& outline, TypeFilter filter);
+
+/// All rows along `axis` from any of `contexts` that pass, in one pass over the rows that there are: no row
+/// is looked at for each context anew.
+Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter);
 
 /// Puts rows in document order, each once.
-void putInOrder(Rows& rows);
+void putInOrder(Rows& rows, const Outline& outline);
 
 }  // namespace vell::headless

@@ -12,6 +12,7 @@ using namespace outline_path;
 using RowAttribute = outline_path::Attribute;
 
 constexpr std::string_view kRunType = "run";
+constexpr std::size_t kAll = static_cast<std::size_t>(-1);
 
 Value textValue(std::string_view text) { return text; }
 
@@ -185,10 +186,11 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   const PathExpression* path = arguments.size() == 1 ? pathOf(arguments.front()) : nullptr;
   if (kind == FunctionKind::count) {
     if (path == nullptr) throw EvaluationError("count() takes one path, as in count(child::*)");
-    return [count = compileCount(*path)](const Context& context) { return Value(count(*context.row)); };
+    return [count = compileCount(*path, kAll)](const Context& context) { return Value(count(*context.row)); };
   }
   if (kind == FunctionKind::boolean && path != nullptr) {
-    return [count = compileCount(*path)](const Context& context) { return Value(count(*context.row) > 0); };
+    return
+        [count = compileCount(*path, 1)](const Context& context) { return Value(count(*context.row) > 0); };
   }
   std::vector<Getter> getters;
   getters.reserve(arguments.size());

@@ -27,8 +27,10 @@ class Compiler {
   Getter compile(const outline_path::ValueExpression& value) const;
   /// The rows that a path selects from a context row.
   std::function<Rows(const Row&)> compile(const outline_path::PathExpression& path) const;
-  /// How many rows a path selects from a context row; of runs, where its last step yields runs.
-  std::function<double(const Row&)> compileCount(const outline_path::PathExpression& path) const;
+  /// How many rows a path selects from a context row; of runs, where its last step yields runs. Where there
+  /// are more than `most` it may be any number from there.
+  std::function<double(const Row&)> compileCount(const outline_path::PathExpression& path,
+                                                 std::size_t most) const;
 
  private:
   Test compileNode(const outline_path::ContainsText& node) const;

@@ -4,6 +4,8 @@
 #include <optional>
 
 #include "headless/evaluation/compiler.h"
+#include "headless/evaluation/slices.h"
+#include "headless/evaluation/text_folding.h"
 
 namespace vell::headless {
 namespace {
@@ -12,201 +14,209 @@ using namespace outline_path;
 
 constexpr std::size_t kAll = static_cast<std::size_t>(-1);
 
-bool passes(TypeTest test, RowType type) {
-  switch (test) {
-    case TypeTest::any:
-    case TypeTest::row:
-      return true;
-    case TypeTest::heading:
-      return type == RowType::heading;
-    case TypeTest::quote:
-      return type == RowType::quote;
-    case TypeTest::code:
-      return type == RowType::code;
-    case TypeTest::note:
-      return type == RowType::note;
-    case TypeTest::unordered:
-      return type == RowType::unordered;
-    case TypeTest::ordered:
-      return type == RowType::ordered;
-    case TypeTest::task:
-      return type == RowType::task;
-    case TypeTest::hr:
-      return type == RowType::hr;
-    case TypeTest::body:
-      return type == RowType::body;
-    case TypeTest::run:
-      return false;
+/// Whether asking the predicate costs more than looking for a text, going by what it asks first.
+bool isDear(const PredicateExpression& predicate) {
+  if (const auto* node = std::get_if<And>(&predicate.node)) return isDear(*node->left);
+  if (const auto* node = std::get_if<Or>(&predicate.node)) return isDear(*node->left);
+  if (const auto* node = std::get_if<Not>(&predicate.node)) return isDear(*node->operand);
+  if (const auto* node = std::get_if<PredicateGroup>(&predicate.node)) return isDear(*node->inner);
+  const auto* comparison = std::get_if<Comparison>(&predicate.node);
+  if (comparison == nullptr) return false;
+  const auto* call = std::get_if<FunctionCall>(&comparison->left.node);
+  return comparison->relation.op == RelationOp::matches ||
+         (call != nullptr && call->meta().kind == FunctionKind::count);
+}
+
+/// One step, made ready to be taken.
+class StepPlan {
+ public:
+  StepPlan(const Step& step, const Compiler& compiler)
+      : step_(step), filter_(step.filter().typeTest.value_or(TypeTest::any)) {
+    const PredicateExpression* predicate = step.predicate();
+    if (predicate == nullptr) return;
+    predicate_ = compiler.compile(*predicate);
+    // Without its slice the step needs positions only where the predicate asks for them.
+    asksForPositions_ = step.meta().requiresContextPositions &&
+                        (!step.slice() || Step(step.axis(), step.filter()).meta().requiresContextPositions);
+    // Every row that the step selects holds its terms, so a row that lacks one need not be asked. A run's
+    // text is not the row's.
+    if (isRun() || !isDear(*predicate)) return;
+    for (const MatchTerm& term : step.meta().matchingTerms) terms_.emplace_back(term.text);
   }
-  return false;
-}
 
-/// The part of `count` candidates that a slice takes.
-struct Span {
-  std::size_t begin, end;
-};
+  Axis axis() const { return step_.axis(); }
+  bool isRun() const { return step_.axis() == Axis::run; }
+  const std::optional<Slice>& slice() const { return step_.slice(); }
+  bool requiresContextPositions() const { return step_.meta().requiresContextPositions; }
+  /// Whether the predicate asks for positions; a slice alone takes what has passed.
+  bool asksForPositions() const { return asksForPositions_; }
+  bool hasPredicate() const { return predicate_ != nullptr; }
+  TypeFilter filter() const { return filter_; }
 
-std::size_t fromEnd(std::int64_t bound, std::size_t count) {
-  if (bound >= 0) return std::min(static_cast<std::size_t>(bound), count);
-  const auto back = static_cast<std::size_t>(-(bound + 1)) + 1;
-  return back > count ? 0 : count - back;
-}
-
-Span spanOf(const Slice& slice, std::size_t count) {
-  if (const auto* range = std::get_if<SliceRange>(&slice)) {
-    const Span span{range->start ? fromEnd(*range->start, count) : 0,
-                    range->end ? fromEnd(*range->end, count) : count};
-    return {span.begin, std::max(span.begin, span.end)};
+  bool passesPredicate(const Context& context) const {
+    return std::all_of(terms_.begin(), terms_.end(),
+                       [&](const TextSearch& term) { return term.isIn(context.text); }) &&
+           (!predicate_ || predicate_(context));
   }
-  const std::int64_t index = std::get<SliceIndex>(slice).index;
-  const bool isOutside =
-      index < 0 ? static_cast<std::size_t>(-(index + 1)) >= count : static_cast<std::size_t>(index) >= count;
-  const std::size_t begin = fromEnd(index, count);
-  return isOutside ? Span{count, count} : Span{begin, begin + 1};
-}
-
-/// How many candidates have to be known before the slice is: all, where it counts from the end.
-std::size_t neededFor(const std::optional<Slice>& slice) {
-  if (!slice) return kAll;
-  if (const auto* index = std::get_if<SliceIndex>(&*slice)) {
-    return index->index < 0 ? kAll : static_cast<std::size_t>(index->index) + 1;
-  }
-  const auto& range = std::get<SliceRange>(*slice);
-  const bool fromBegin = range.start.value_or(0) >= 0 && range.end && *range.end >= 0;
-  return fromBegin ? static_cast<std::size_t>(*range.end) : kAll;
-}
-
-/// Whether the predicate may call last(), which makes all candidates necessary.
-struct StepPlan {
-  const Step* step;
-  TypeTest typeTest;
-  /// Empty where there is none.
-  Test predicate;
-
-  bool isRun() const { return step->axis() == Axis::run; }
   bool accepts(const Row& row) const {
-    return passes(typeTest, row.type()) && (!predicate || predicate(Context::of(row)));
+    return filter_.passes(row.type()) && passesPredicate(Context::of(row));
   }
+  /// Leaves those that pass the predicate.
+  void keepAccepted(Rows& rows) const {
+    if (!predicate_) return;
+    std::size_t kept = 0;
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+      Context context = Context::of(*rows[i]);
+      if (asksForPositions_) {
+        context.position = i + 1;
+        context.last = rows.size();
+      }
+      if (passesPredicate(context)) rows[kept++] = rows[i];
+    }
+    rows.resize(kept);
+  }
+  /// How many runs of the row the step takes.
+  std::size_t countRuns(const Row& row) const;
+
+ private:
+  const Step& step_;
+  TypeFilter filter_;
+  Test predicate_;  ///< empty where there is none
+  std::vector<TextSearch> terms_;
+  bool asksForPositions_ = false;
 };
 
-/// The runs of the row that the step takes.
-std::size_t countRuns(const StepPlan& plan, const Row& row) {
-  if (plan.typeTest != TypeTest::any && plan.typeTest != TypeTest::run) return 0;
+std::size_t StepPlan::countRuns(const Row& row) const {
+  const TypeTest test = step_.filter().typeTest.value_or(TypeTest::any);
+  if (test != TypeTest::any && test != TypeTest::run) return 0;
   std::size_t total = 0;
   row.text().forEachRun([&](std::string_view, const Attributes&) { ++total; });
   std::size_t passed = 0, position = 0;
   row.text().forEachRun([&](std::string_view text, const Attributes& attributes) {
-    const Context context{&row, text, &attributes, true, ++position, total};
-    passed += !plan.predicate || plan.predicate(context) ? 1 : 0;
+    passed += passesPredicate({&row, text, &attributes, true, ++position, total}) ? 1 : 0;
   });
-  if (!plan.step->slice()) return passed;
-  const Span span = spanOf(*plan.step->slice(), passed);
-  return span.end - span.begin;
+  if (!slice()) return passed;
+  const Places places = placesOf(*slice(), passed);
+  return places.end - places.begin;
 }
 
-/// The candidates from one context, in the order of the axis.
-Rows candidates(const StepPlan& plan, const Row& context, const Row& root, std::size_t most) {
-  Rows found;
-  walk(plan.step->axis(), context, root, [&](const Row& row) {
-    if (passes(plan.typeTest, row.type())) found.push_back(&row);
-    return found.size() < most;
-  });
-  return found;
-}
-
-/// Keeps those that pass the predicate, told their positions.
-void filterByPosition(const StepPlan& plan, Rows& rows) {
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    Context context = Context::of(*rows[i]);
-    context.position = i + 1;
-    context.last = rows.size();
-    if (plan.predicate(context)) rows[kept++] = rows[i];
-  }
-  rows.resize(kept);
-}
-
-/// The candidates that pass a predicate which does not ask for positions, as many as are needed.
-Rows firstAccepted(const StepPlan& plan, const Row& context, const Row& root, std::size_t most) {
-  Rows found;
-  if (most == 0) return found;
-  walk(plan.step->axis(), context, root, [&](const Row& row) {
-    if (plan.accepts(row)) found.push_back(&row);
-    return found.size() < most;
-  });
-  return found;
-}
-
+/// A path, made ready to be followed from any row.
 class PathPlan {
  public:
-  PathPlan(const Path& path, std::vector<StepPlan> steps, std::vector<bool> asksForPositions, const Row& root)
-      : path_(path), steps_(std::move(steps)), asksForPositions_(std::move(asksForPositions)), root_(root) {}
+  PathPlan(const Path& path, const Compiler& compiler, const Outline& outline)
+      : path_(path), outline_(outline), root_(outline.root()) {
+    for (const Step& step : path.steps()) steps_.emplace_back(step, compiler);
+    const auto isRun = [](const StepPlan& step) { return step.isRun(); };
+    hasRuns_ = std::any_of(steps_.begin(), steps_.end(), isRun);
+  }
 
   Rows rows(const Row& context) const { return rowsUpTo(context, steps_.size()); }
 
-  double count(const Row& context) const {
-    if (steps_.empty() || !steps_.back().isRun()) return static_cast<double>(countRows(context));
+  /// How many rows or runs it selects; at least `most` where there are more.
+  double count(const Row& context, std::size_t most) const {
+    if (!hasRuns_) return static_cast<double>(countRows(context, most));
+    if (!steps_.back().isRun()) return static_cast<double>(rows(context).size());
     double total = 0;
     for (const Row* row : rowsUpTo(context, steps_.size() - 1))
-      total += static_cast<double>(countRuns(steps_.back(), *row));
+      total += static_cast<double>(steps_.back().countRuns(*row));
     return total;
   }
 
  private:
+  const Row& start(const Row& context) const { return path_.absolute() ? root_ : context; }
+
   Rows rowsUpTo(const Row& context, std::size_t steps) const {
-    Rows rows{path_.absolute() ? &root_ : &context};
-    for (std::size_t i = 0; i < steps && !rows.empty(); ++i) rows = apply(i, rows);
+    Rows rows{&start(context)};
+    for (std::size_t i = 0; i < steps && !rows.empty(); ++i) rows = apply(steps_[i], rows);
     return rows;
   }
 
-  std::size_t countRows(const Row& context) const {
+  std::size_t countRows(const Row& context, std::size_t most) const {
+    // Each of the other shapes is one self step, or steps that leave one row at most: nothing is collected.
+    if (path_.meta().matchShape != MatchShape::general) return onlyRow(context) == nullptr ? 0 : 1;
     if (steps_.size() != 1 || path_.meta().requiresContextPositions) return rows(context).size();
+    const StepPlan& step = steps_[0];
+    const auto stretch = stretchOf(step.axis(), start(context), outline_);
+    if (stretch && !step.hasPredicate()) return countIn(*stretch, outline_, step.filter());
     std::size_t count = 0;
-    walk(steps_[0].step->axis(), path_.absolute() ? root_ : context, root_, [&](const Row& row) {
-      count += steps_[0].accepts(row) ? 1 : 0;
-      return true;
+    walk(step.axis(), start(context), root_, [&](const Row& row) {
+      count += step.accepts(row) ? 1 : 0;
+      return count < most;
     });
     return count;
   }
 
-  Rows apply(std::size_t index, const Rows& contexts) const {
-    const StepPlan& plan = steps_[index];
-    if (plan.isRun()) {
-      return rowsAlong(Axis::self, contexts, root_, [&](const Row& row) { return countRuns(plan, row) > 0; });
+  /// The row that a path leads to whose steps leave one at most; null where there is none.
+  const Row* onlyRow(const Row& context) const {
+    const Row* row = &start(context);
+    for (std::size_t i = 0; i < steps_.size() && row != nullptr; ++i) {
+      const Rows found = fromOne(steps_[i], *row, 1);
+      row = found.empty() ? nullptr : found.front();
     }
-    if (!plan.step->meta().requiresContextPositions) {
-      return rowsAlong(plan.step->axis(), contexts, root_, [&](const Row& row) { return plan.accepts(row); });
+    return row;
+  }
+
+  Rows apply(const StepPlan& step, const Rows& contexts) const {
+    if (step.isRun()) {
+      Rows rows = rowsAlong(Axis::self, contexts, outline_, TypeFilter(TypeTest::any));
+      std::erase_if(rows, [&](const Row* row) { return step.countRuns(*row) == 0; });
+      return rows;
     }
+    const bool together =
+        contexts.size() > 1 && !step.asksForPositions() && (!step.slice() || sharesCandidates(step.axis()));
+    if (!together) return fromEach(step, contexts);
+    Rows rows = rowsAlong(step.axis(), contexts, outline_, step.filter());
+    step.keepAccepted(rows);
+    if (!step.slice()) return rows;
+    return slicesFromEach(step.axis(), contexts, std::move(rows), *step.slice(), outline_);
+  }
+
+  Rows fromEach(const StepPlan& step, const Rows& contexts) const {
     Rows all;
     for (const Row* context : contexts) {
-      const Rows taken = fromOne(index, *context);
+      const Rows taken = fromOne(step, *context, kAll);
       all.insert(all.end(), taken.begin(), taken.end());
+      // Contexts that take the same rows again and again must not fill the memory.
+      if (all.size() > 2 * outline_.rowsInOrder().size()) putInOrder(all, outline_);
     }
-    putInOrder(all);
+    putInOrder(all, outline_);
     return all;
   }
 
-  /// What a step that needs positions takes from one context.
-  Rows fromOne(std::size_t index, const Row& context) const {
-    const StepPlan& plan = steps_[index];
-    const auto& slice = plan.step->slice();
-    Rows rows;
-    if (asksForPositions_[index]) {
-      rows = candidates(plan, context, root_, kAll);
-      filterByPosition(plan, rows);
-    } else {
-      rows = firstAccepted(plan, context, root_, neededFor(slice));
-    }
+  /// What a step takes from one context, the nearest first; `most` of it where there is no slice.
+  Rows fromOne(const StepPlan& step, const Row& context, std::size_t most) const {
+    const auto& slice = step.slice();
+    Rows rows = candidates(step, context, slice ? neededFor(*slice) : most);
     if (!slice) return rows;
-    const Span span = spanOf(*slice, rows.size());
-    return {rows.begin() + static_cast<std::ptrdiff_t>(span.begin),
-            rows.begin() + static_cast<std::ptrdiff_t>(span.end)};
+    const Places places = placesOf(*slice, rows.size());
+    return {rows.begin() + static_cast<std::ptrdiff_t>(places.begin),
+            rows.begin() + static_cast<std::ptrdiff_t>(places.end)};
+  }
+
+  /// The rows from one context that pass the step's filter, as many as are needed.
+  Rows candidates(const StepPlan& step, const Row& context, std::size_t most) const {
+    Rows rows;
+    if (most == 0) return rows;
+    const bool takesAll = most == kAll || step.asksForPositions();
+    if (takesAll && stretchOf(step.axis(), context, outline_)) {
+      rows = rowsAlong(step.axis(), {&context}, outline_, step.filter());
+      step.keepAccepted(rows);
+      return rows;
+    }
+    walk(step.axis(), context, root_, [&](const Row& row) {
+      const bool passes = step.asksForPositions() ? step.filter().passes(row.type()) : step.accepts(row);
+      if (passes) rows.push_back(&row);
+      return takesAll || rows.size() < most;
+    });
+    if (step.asksForPositions()) step.keepAccepted(rows);
+    return rows;
   }
 
   const Path& path_;
-  std::vector<StepPlan> steps_;
-  std::vector<bool> asksForPositions_;
+  const Outline& outline_;
   const Row& root_;
+  std::vector<StepPlan> steps_;
+  bool hasRuns_ = false;
 };
 
 bool isBefore(const Row* left, const Row* right) { return left->order() < right->order(); }
@@ -244,18 +254,8 @@ bool isAbsolute(const PathExpression& expression) {
   return both(std::get<Intersect>(expression.node));
 }
 
-std::shared_ptr<const PathPlan> plan(const Path& path, const Compiler& compiler, const Row& root) {
-  std::vector<StepPlan> steps;
-  std::vector<bool> asksForPositions;
-  for (const Step& step : path.steps()) {
-    const PredicateExpression* predicate = step.predicate();
-    steps.push_back({&step, step.filter().typeTest.value_or(TypeTest::any),
-                     predicate != nullptr ? compiler.compile(*predicate) : Test()});
-    // Without its slice the step needs positions only where the predicate asks for them.
-    asksForPositions.push_back(step.meta().requiresContextPositions &&
-                               Step(step.axis(), step.filter()).meta().requiresContextPositions);
-  }
-  return std::make_shared<PathPlan>(path, std::move(steps), std::move(asksForPositions), root);
+std::shared_ptr<const PathPlan> plan(const Path& path, const Compiler& compiler, const Outline& outline) {
+  return std::make_shared<PathPlan>(path, compiler, outline);
 }
 
 }  // namespace
@@ -268,16 +268,17 @@ RowsOf Compiler::compile(const PathExpression& expression) const {
   if (const auto* node = std::get_if<Union>(&expression.node)) return sides(*node, unite);
   if (const auto* node = std::get_if<Except>(&expression.node)) return sides(*node, subtract);
   if (const auto* node = std::get_if<Intersect>(&expression.node)) return sides(*node, intersect);
-  return [planned = plan(std::get<Path>(expression.node), *this, outline_.root())](const Row& context) {
+  return [planned = plan(std::get<Path>(expression.node), *this, outline_)](const Row& context) {
     return planned->rows(context);
   };
 }
 
-std::function<double(const Row&)> Compiler::compileCount(const PathExpression& expression) const {
+std::function<double(const Row&)> Compiler::compileCount(const PathExpression& expression,
+                                                         std::size_t most) const {
   std::function<double(const Row&)> count;
   if (const auto* path = std::get_if<Path>(&expression.node)) {
-    count = [planned = plan(*path, *this, outline_.root())](const Row& context) {
-      return planned->count(context);
+    count = [most, planned = plan(*path, *this, outline_)](const Row& context) {
+      return planned->count(context, most);
     };
   } else {
     count = [rows = compile(expression)](const Row& context) {

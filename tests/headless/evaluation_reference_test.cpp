@@ -178,7 +178,6 @@ class Naive {
     return contexts;
   }
 
-  /// Slices of document order, as the paths here only slice forward axes.
   void take(const outline_path::Step& step, const Row& context, std::set<const Row*>& into) const {
     std::vector<const Row*> taken;
     for (const Row* row : all_) {
@@ -186,6 +185,9 @@ class Naive {
       const bool passes = test == TypeTest::any || spelling(test) == name(row->type());
       if (passes && isOn(step.axis(), context, *row)) taken.push_back(row);
     }
+    const std::set<Axis> backward{Axis::ancestor, Axis::ancestorOrSelf, Axis::preceding,
+                                  Axis::precedingSibling};
+    if (backward.count(step.axis()) != 0) std::reverse(taken.begin(), taken.end());
     const auto count = static_cast<std::int64_t>(taken.size());
     for (std::int64_t i = 0; i < count; ++i) {
       if (isInSlice(step.slice(), i, count)) into.insert(taken[static_cast<std::size_t>(i)]);
@@ -248,7 +250,7 @@ std::string randomOurs(Random& random, int depth) {
                     : random.oneOf({"/..", "/.", "/ancestor::", "/ancestor-or-self::", "/preceding::",
                                     "/preceding-sibling::"});
     path += random.oneOf({"*", "task", "heading", "body"});
-    if (forward && random.below(3) == 0)
+    if (random.below(3) == 0)
       path += random.oneOf({"[0]", "[-1]", "[1:]", "[:-1]", "[-2:2]", "[1:3]", "[7]"});
   }
   return path;
@@ -281,7 +283,9 @@ TEST(Evaluation, TakesOnePassForEachStep) {
   for (const char* path :
        {"//*//*//*", "//*/following::*", "//*/preceding::*", "//*/ancestor-or-self::*/descendant::*",
         "//*/following-sibling::*", "//*/preceding-sibling::*", "//*/../*/..", "//* union //* union //*",
-        "//*/following::*[0]", "//* count(//*) > 5", "//*/descendant-or-self::*[:2]"}) {
+        "//*/following::*[0]", "//* count(//*) > 5", "//*/descendant-or-self::*[:2]", "//*/child::*[-1]",
+        "//*/descendant::*[-1]", "//*/following::*[3:]", "//*/preceding::* not @a[-2:]", "//*//*[1:-1]",
+        "//*/following-sibling::*[-1]", "//*/preceding-sibling::* \"row\"[1:]", "//* count(//*[-1]) > 0"}) {
     EXPECT_FALSE(selected(outline, path).empty()) << path;
   }
 }
