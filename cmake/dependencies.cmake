@@ -10,6 +10,9 @@ find_package(pegtl 3.2 REQUIRED PATHS /usr/share/pegtl/cmake)
 find_path(VELL_HEADERS asio.hpp REQUIRED)
 target_include_directories(vell_options SYSTEM INTERFACE ${VELL_HEADERS})
 
+# A plain library on every system; not all of them give it a package file for CMake.
+find_library(VELL_PCRE2 pcre2-8 REQUIRED)
+
 # simdjson is linked statically: a shared one drags libstdc++.so into every start of `vell`.
 # Where the system has no static archive, scripts/setup fetches the distribution's source package.
 find_library(VELL_SIMDJSON_ARCHIVE NAMES libsimdjson.a)

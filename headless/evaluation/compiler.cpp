@@ -1,6 +1,7 @@
 #include "headless/evaluation/compiler.h"
 
 #include "headless/evaluation/functions.h"
+#include "headless/evaluation/pattern.h"
 #include "headless/evaluation/relation.h"
 #include "headless/evaluation/text_folding.h"
 

@@ -1,12 +1,10 @@
 #include "headless/evaluation/relation.h"
 
-#include <regex.h>
-
 #include <cmath>
 #include <locale>
-#include <memory>
 #include <optional>
 
+#include "headless/evaluation/pattern.h"
 #include "headless/evaluation/text_folding.h"
 #include "headless/model/timestamp.h"
 
@@ -116,82 +114,7 @@ bool plainHolds(const Value& left, RelationOp op, const Value& right) {
   return textHolds(text, op, textOf(right, second));
 }
 
-/// Spells the shorthands for classes of characters as POSIX does.
-std::string posixPattern(std::string_view pattern) {
-  std::string out;
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    const bool escapes = pattern[i] == '\\' && i + 1 < pattern.size();
-    const char letter = escapes ? pattern[++i] : pattern[i];
-    switch (escapes ? letter : '\0') {
-      case 'd':
-        out += "[0-9]";
-        break;
-      case 'D':
-        out += "[^0-9]";
-        break;
-      case 'w':
-        out += "[[:alnum:]_]";
-        break;
-      case 'W':
-        out += "[^[:alnum:]_]";
-        break;
-      case 's':
-        out += "[[:space:]]";
-        break;
-      case 'S':
-        out += "[^[:space:]]";
-        break;
-      default:
-        if (escapes) out += '\\';
-        out += letter;
-    }
-  }
-  return out;
-}
-
-constexpr std::size_t kLongestPattern = 1000;
-/// Compiling a pattern takes as much as its counted repetitions multiply to.
-constexpr double kMostRepetitions = 1000;
-constexpr std::size_t kDeepestPattern = 100;
-
-void checkEffort(std::string_view pattern) {
-  double repetitions = 1;
-  std::size_t depth = 0;
-  for (std::size_t i = 0; i < pattern.size(); ++i) {
-    if (pattern[i] == '(') ++depth;
-    if (pattern[i] != '{') continue;
-    const std::size_t end = std::min(pattern.find('}', i), pattern.size());
-    const std::string_view bounds = pattern.substr(i + 1, end - i - 1);
-    const double most = numberOf(bounds.substr(std::min(bounds.find(',') + 1, bounds.size())));
-    repetitions *= std::isnan(most) || most < 1 ? 1 : most;
-    const double least = numberOf(bounds.substr(0, bounds.find(',')));
-    if (std::isnan(most) && least > 1) repetitions *= least;
-  }
-  if (pattern.size() > kLongestPattern || repetitions > kMostRepetitions || depth > kDeepestPattern) {
-    throw EvaluationError("the pattern is too long or repeats too much to be searched for");
-  }
-}
-
 }  // namespace
-
-Pattern::Pattern(std::string_view pattern, bool ignoreCase) {
-  checkEffort(pattern);
-  const auto compiled = std::shared_ptr<regex_t>(new regex_t, [](regex_t* held) { delete held; });
-  const std::string text = posixPattern(pattern);
-  const int error =
-      regcomp(compiled.get(), text.c_str(), REG_EXTENDED | REG_NOSUB | (ignoreCase ? REG_ICASE : 0));
-  if (error != 0) {
-    char reason[100];
-    regerror(error, compiled.get(), reason, sizeof reason);
-    throw EvaluationError("\"" + std::string(pattern) + "\" is no valid pattern: " + reason);
-  }
-  const std::shared_ptr<regex_t> held(compiled.get(), [compiled](regex_t* used) { regfree(used); });
-  search_ = [held](std::string_view searched) {
-    return regexec(held.get(), std::string(searched).c_str(), 0, nullptr, 0) == 0;
-  };
-}
-
-bool Pattern::isIn(std::string_view text) const { return search_(text); }
 
 bool holds(const Value& left, const Relation& relation, const Value& right) {
   if (isNothing(left) || isNothing(right)) {

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <functional>
-
 #include "headless/evaluation/value.h"
 #include "outline_path/expression.h"
 
@@ -11,16 +9,5 @@ namespace vell::headless {
 /// truth values where one is a truth value, else text with its case. A comparison with nothing holds only
 /// for "=" where both are nothing, and for "!=" where one is not.
 bool holds(const Value& left, const outline_path::Relation& relation, const Value& right);
-
-/// Searches for a regular expression (POSIX extended, with \d \w \s and their opposites). Throws
-/// EvaluationError where it is not valid or would take too much to search for.
-class Pattern {
- public:
-  Pattern(std::string_view pattern, bool ignoreCase);
-  bool isIn(std::string_view text) const;
-
- private:
-  std::function<bool(std::string_view)> search_;
-};
 
 }  // namespace vell::headless
