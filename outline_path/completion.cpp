@@ -59,7 +59,9 @@ void addFor(Expected expected, Items& items, const Known& known) {
     case Expected::path:
       return addAxes(items);
     case Expected::step:
-      return addAxes(items);
+      // A step behind a separator may leave its axis out.
+      addAxes(items);
+      return addFilters(items, known);
     case Expected::filter:
       return addFilters(items, known);
     case Expected::value:
