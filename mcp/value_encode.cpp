@@ -2,11 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <bit>
 #include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "mcp/base64.h"
 #include "mcp/utf8.h"
@@ -19,7 +19,7 @@ namespace {
 /// What a byte becomes in a string: itself, or a short escape. Length 0: it takes a long one.
 struct Form {
   char text[2] = {};
-  std::uint8_t length = 0;
+  std::uint16_t length = 0;
 };
 
 constexpr std::array<Form, 256> makeForms() {
@@ -34,45 +34,58 @@ constexpr std::array<Form, 256> makeForms() {
 
 constexpr std::array<Form, 256> forms = makeForms();
 
-constexpr std::size_t stride = 8;
+constexpr std::size_t longestForm = 6;
 
-/// How many of the eight bytes from there on stand for themselves in a string, up to the first that does not.
-std::size_t plainBytes(const char* text) {
-  constexpr std::uint64_t each = 0x0101010101010101;
-  std::uint64_t bytes = 0;
-  for (std::size_t i = 0; i < stride; ++i)
-    bytes |= std::uint64_t{static_cast<unsigned char>(text[i])} << (8 * i);
-  // The top bit of a byte is set where a subtraction goes below zero, and then perhaps in bytes behind that,
-  // which no longer matter.
-  const std::uint64_t below =
-      (bytes - each * 0x20) | ((bytes ^ each * '"') - each) | ((bytes ^ each * '\\') - each);
-  return static_cast<std::size_t>(std::countr_zero(below & ~bytes & each * 0x80)) / 8;
+std::size_t writeLongForm(char byte, char* to) {
+  char form[longestForm + 1];
+  std::snprintf(form, sizeof form, "\\u%04x", static_cast<unsigned>(byte));
+  std::memcpy(to, form, longestForm);
+  return longestForm;
 }
 
-/// Gathers the string before it goes out, with room for one stride and one form more than it counts.
-struct Piece {
-  static constexpr std::size_t size = 4096;
-  static constexpr std::size_t longestForm = 7;
+/// Gathers the string before it goes out, with room for one stride more than it counts.
+class Piece {
+ public:
+  static constexpr std::size_t stride = 8;
 
-  char bytes[size + stride + longestForm];
-  std::size_t used = 0;
+  explicit Piece(std::string& out) : out_(out) {}
 
-  void put(std::string_view text) {
-    std::memcpy(bytes + used, text.data(), text.size());
-    used += text.size();
+  /// Without a branch for what is frequent: quotes come too often and too oddly to be guessed. Where a byte
+  /// takes a long escape, the whole stride is put once more.
+  void putStride(const char* text) {
+    char* end = bytes_ + used_;
+    std::uint16_t shortest = 2;
+    for (std::size_t i = 0; i < stride; ++i) {
+      const Form form = forms[static_cast<unsigned char>(text[i])];
+      std::memcpy(end, form.text, sizeof form.text);
+      end += form.length;
+      shortest = std::min(shortest, form.length);
+    }
+    if (shortest == 0) return put({text, stride});
+    used_ = static_cast<std::size_t>(end - bytes_);
+    if (used_ >= size) flush();
   }
-  void flush(std::string& out) { out.append(bytes, std::exchange(used, 0)); }
-};
 
-void putByte(char byte, Piece& piece) {
-  const Form& form = forms[static_cast<unsigned char>(byte)];
-  std::memcpy(piece.bytes + piece.used, form.text, 2);
-  piece.used += form.length;
-  if (form.length != 0) return;
-  char escape[7];
-  std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(byte));
-  piece.put(escape);
-}
+  /// At most one stride.
+  void put(std::string_view text) {
+    for (const char byte : text) {
+      const Form form = forms[static_cast<unsigned char>(byte)];
+      std::memcpy(bytes_ + used_, form.text, sizeof form.text);
+      used_ += form.length;
+      if (form.length == 0) used_ += writeLongForm(byte, bytes_ + used_);
+    }
+    if (used_ >= size) flush();
+  }
+
+  void flush() { out_.append(bytes_, std::exchange(used_, 0)); }
+
+ private:
+  static constexpr std::size_t size = 4096;
+
+  std::string& out_;
+  std::size_t used_ = 0;
+  char bytes_[size + stride * longestForm];
+};
 
 std::string repaired(std::string_view text) {
   std::string valid;
@@ -120,24 +133,14 @@ struct Encoder {
 
 }  // namespace
 
-// Without a branch for what is frequent: quotes come too often and too oddly to be guessed. So behind each
-// run of plain bytes one more is looked up, whether it needs it or not.
 void encodeString(std::string_view text, std::string& out) {
   if (!simdjson::validate_utf8(text.data(), text.size())) return encodeString(repaired(text), out);
   out.reserve(out.size() + text.size() + text.size() / 4 + 2);
   out += '"';
-  Piece piece;
-  for (std::size_t at = 0; at < text.size();) {
-    if (piece.used >= Piece::size) piece.flush(out);
-    if (text.size() - at > stride) {
-      std::memcpy(piece.bytes + piece.used, text.data() + at, stride);
-      const std::size_t plain = plainBytes(text.data() + at);
-      piece.used += plain;
-      at += plain;
-    }
-    putByte(text[at++], piece);
-  }
-  piece.flush(out);
+  Piece piece(out);
+  for (; text.size() >= Piece::stride; text.remove_prefix(Piece::stride)) piece.putStride(text.data());
+  piece.put(text);
+  piece.flush();
   out += '"';
 }
 

@@ -10,6 +10,7 @@
 
 #include "mcp/mcp_server.h"
 #include "mcp/stdio_transport.h"
+#include "platform/allocator.h"
 #include "platform/container.h"
 #include "tools/all_tools.h"
 #include "tools/documents_subscription.h"
@@ -23,6 +24,9 @@ namespace {
 /// How long the next of the replies in flight is waited for at the end of input; hosts kill what hangs
 /// longer.
 constexpr std::chrono::milliseconds longestFarewell{1900};
+
+/// What a result of a megabyte takes on its way.
+constexpr std::size_t keptMemory = 16 << 20;
 
 /// The parts of the server around one event loop.
 class Program {
@@ -107,6 +111,7 @@ void Program::stop() {
 
 void serveMCP(const std::string& version, int input, int output) {
   std::signal(SIGPIPE, [](int) {});  // unlike SIG_IGN, not handed on to programs started from here
+  platform::keepFreedMemory(keptMemory);
   const int signal = Program(version, input, output).run();
   if (signal != 0) std::raise(signal);
 }
