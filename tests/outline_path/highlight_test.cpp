@@ -55,7 +55,7 @@ TEST(DebugDescription, ShowsTheWayToTheError) {
       described("//task @done =", true),
       AllOf(HasSubstr("| | | + contains attribute @done\n\n-- Parse Trace --\n\nENTER OutlinePathParser\n"),
             HasSubstr("    ERROR PredicateExpressionComparisonParser\n"),
-            testing::EndsWith("\nERROR OutlinePathParser\n\n"), Not(HasSubstr("MATCH"))));
+            testing::EndsWith("\nERROR OutlinePathParser\n\n"), testing::Not(HasSubstr("MATCH"))));
   EXPECT_EQ(described("//task", true), OutlinePathWithParse("//task").compactDescription());
   EXPECT_EQ(described("//task @", false), OutlinePathWithParse("//task @").compactDescription());
   EXPECT_EQ(OutlinePathWithParse("//task uniom", {.trace = true}).longestTopLevelMatch(), 6);
