@@ -7,10 +7,9 @@ namespace {
 
 SaveResult carryOut(const SaveJob& job) {
   try {
-    const FileStamp now = stampOf(job.path);
-    // A file that is gone cannot be overwritten.
-    if (now != job.expected && now != FileStamp()) return {SaveResult::Kind::conflict, {}, {}};
-    return {SaveResult::Kind::saved, replaceFile(job.path, job.bytes), {}};
+    const auto stamp = replaceExpected(job.path, job.bytes, job.expected);
+    if (!stamp) return {SaveResult::Kind::conflict, {}, {}};
+    return {SaveResult::Kind::saved, *stamp, {}};
   } catch (const std::exception& failure) {
     return {SaveResult::Kind::failed, {}, failure.what()};
   }

@@ -13,6 +13,7 @@
 #include "headless/app/problem.h"
 #include "headless/app/uuid.h"
 #include "platform/descriptor.h"
+#include "platform/swap_files.h"
 
 namespace vell::headless {
 namespace {
@@ -102,11 +103,42 @@ class TemporaryFile {
     syncDirectory(directoryOf(target));
     return stamp;
   }
+  /// Only in the place of what is expected, or of nothing. To look first and move then would overwrite what
+  /// comes between: what was there is looked at once it is out of the way, and put back if it is another's.
+  std::optional<FileStamp> moveTo(const std::string& target, const FileStamp& expected) {
+    const FileStamp stamp = stampOf(path_);
+    if (!platform::swapFiles(path_, target)) {
+      const FileStamp now = stampOf(target);
+      return now == expected || now == FileStamp() ? std::optional(moveTo(target)) : std::nullopt;
+    }
+    if (stampOf(path_) != expected) {
+      if (!platform::swapFiles(path_, target)) moveTo(target);
+      return std::nullopt;
+    }
+    syncDirectory(directoryOf(target));
+    return stamp;
+  }
 
  private:
   std::string path_;
   platform::Descriptor descriptor_;
 };
+
+std::optional<FileStamp> replace(const std::string& path, std::string_view bytes, mode_t newMode,
+                                 const FileStamp* expected) {
+  const std::string target = resolvedPath(path);
+  try {
+    struct stat former {};
+    const bool exists = stat(target.c_str(), &former) == 0;
+    if (exists && access(target.c_str(), W_OK) != 0) throw Problem("it is write-protected");
+    TemporaryFile temporary(target, exists ? 0600 : newMode);
+    if (exists) temporary.take(former);
+    temporary.fill(bytes);
+    return expected != nullptr ? temporary.moveTo(target, *expected) : temporary.moveTo(target);
+  } catch (const Problem& problem) {
+    throw Problem("Cannot save " + path + ": " + problem.what());
+  }
+}
 
 }  // namespace
 
@@ -128,18 +160,12 @@ FileContent readFile(const std::string& path) {
 }
 
 FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode) {
-  const std::string target = resolvedPath(path);
-  try {
-    struct stat former {};
-    const bool exists = stat(target.c_str(), &former) == 0;
-    if (exists && access(target.c_str(), W_OK) != 0) throw Problem("it is write-protected");
-    TemporaryFile temporary(target, exists ? 0600 : newMode);
-    if (exists) temporary.take(former);
-    temporary.fill(bytes);
-    return temporary.moveTo(target);
-  } catch (const Problem& problem) {
-    throw Problem("Cannot save " + path + ": " + problem.what());
-  }
+  return *replace(path, bytes, newMode, nullptr);
+}
+
+std::optional<FileStamp> replaceExpected(const std::string& path, std::string_view bytes,
+                                         const FileStamp& expected) {
+  return replace(path, bytes, usualMode, &expected);
 }
 
 void removeAbandoned(const std::string& path) {

@@ -4,6 +4,7 @@
 
 #include <ctime>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -34,10 +35,18 @@ FileStamp stampOf(const std::string& path);
 /// The whole regular file. Throws Problem.
 FileContent readFile(const std::string& path);
 
+/// Less the umask: what files get that nobody wants otherwise.
+inline constexpr mode_t usualMode = 0666;
+
 /// Puts `bytes` in the place of the file in one step: whoever reads it, whenever the machine stops, finds the
 /// old content or the new. On disk when it returns. The file's mode and the links that lead to it stay; a new
 /// file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
-FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = 0666);
+FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = usualMode);
+
+/// The same, provided that the file looks as expected, or is gone, at the moment of replacing it; else it is
+/// left alone and there is no stamp.
+std::optional<FileStamp> replaceExpected(const std::string& path, std::string_view bytes,
+                                         const FileStamp& expected);
 
 /// Removes what replacing the file left beside it where the machine or the application was stopped meanwhile.
 void removeAbandoned(const std::string& path);

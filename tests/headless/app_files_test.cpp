@@ -62,6 +62,11 @@ TEST(Files, AStampTellsThatSomebodyElseWrote) {
   EXPECT_EQ(stamp, stampOf(file));
   directory.write("a.txt", "other");
   EXPECT_NE(stamp, stampOf(file));
+  EXPECT_EQ(replaceExpected(file, "ours", stamp), std::nullopt);
+  EXPECT_EQ(readFile(file).bytes, "other");
+  EXPECT_NE(replaceExpected(file, "ours", stampOf(file)), std::nullopt);
+  EXPECT_EQ(readFile(file).bytes, "ours");
+  EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), fs::directory_iterator()), 1);
   fs::remove(file);
   EXPECT_EQ(stampOf(file), FileStamp());
 }
