@@ -61,9 +61,25 @@ std::optional<Test> compileMatches(const Comparison& comparison, const Getter& l
   };
 }
 
-const PathExpression* pathOf(const ValueExpression& value) {
-  const auto* argument = std::get_if<PathArgument>(&value.node);
+/// The path that is the only argument of a call.
+const PathExpression* pathOf(const FunctionCall& call) {
+  if (call.arguments().size() != 1) return nullptr;
+  const auto* argument = std::get_if<PathArgument>(&call.arguments().front().node);
   return argument == nullptr ? nullptr : &*argument->path;
+}
+
+const PathExpression* countedPath(const ValueExpression& value) {
+  const auto* call = std::get_if<FunctionCall>(&value.node);
+  return call != nullptr && call->meta().kind == FunctionKind::count ? pathOf(*call) : nullptr;
+}
+
+/// A count that is compared with a number need not go further than one above it.
+std::size_t mostToCount(const Comparison& comparison) {
+  constexpr double kGreatest = 1e9;
+  const auto* number = std::get_if<double>(&comparison.right.node);
+  const bool comparesNumbers = comparison.relation.op >= RelationOp::equal && !comparison.relation.modifier;
+  if (!comparesNumbers || number == nullptr || *number < 0 || *number > kGreatest) return kAll;
+  return static_cast<std::size_t>(*number) + 1;
 }
 
 }  // namespace
@@ -89,7 +105,8 @@ Test Compiler::compileNode(const ContainsAttribute& node) const {
 
 Test Compiler::compileNode(const Comparison& node) const {
   if (auto test = compileAttributeEquals(node)) return *test;
-  const Getter left = compile(node.left);
+  const PathExpression* counted = countedPath(node.left);
+  const Getter left = counted != nullptr ? compileCount(*counted, mostToCount(node)) : compile(node.left);
   if (auto test = compileMatches(node, left)) return *test;
   return [left, right = compile(node.right), relation = &node.relation](const Context& context) {
     return holds(left(context), *relation, right(context));
@@ -184,14 +201,14 @@ Getter Compiler::compileNode(const PathArgument&) const {
 Getter Compiler::compileNode(const FunctionCall& call) const {
   const FunctionKind kind = call.meta().kind;
   const auto& arguments = call.arguments();
-  const PathExpression* path = arguments.size() == 1 ? pathOf(arguments.front()) : nullptr;
+  const PathExpression* path = pathOf(call);
   if (kind == FunctionKind::count) {
     if (path == nullptr) throw EvaluationError("count() takes one path, as in count(child::*)");
-    return [count = compileCount(*path, kAll)](const Context& context) { return Value(count(*context.row)); };
+    return compileCount(*path, kAll);
   }
   if (kind == FunctionKind::boolean && path != nullptr) {
     return
-        [count = compileCount(*path, 1)](const Context& context) { return Value(count(*context.row) > 0); };
+        [count = compileCount(*path, 1)](const Context& context) { return Value(truthOf(count(context))); };
   }
   std::vector<Getter> getters;
   getters.reserve(arguments.size());

@@ -29,8 +29,7 @@ class Compiler {
   std::function<Rows(const Row&)> compile(const outline_path::PathExpression& path) const;
   /// How many rows a path selects from a context row; of runs, where its last step yields runs. Where there
   /// are more than `most` it may be any number from there.
-  std::function<double(const Row&)> compileCount(const outline_path::PathExpression& path,
-                                                 std::size_t most) const;
+  Getter compileCount(const outline_path::PathExpression& path, std::size_t most) const;
 
  private:
   Test compileNode(const outline_path::ContainsText& node) const;

@@ -4,8 +4,7 @@
 #include <optional>
 
 #include "headless/evaluation/compiler.h"
-#include "headless/evaluation/slices.h"
-#include "headless/evaluation/text_folding.h"
+#include "headless/evaluation/step_plan.h"
 
 namespace vell::headless {
 namespace {
@@ -13,92 +12,6 @@ namespace {
 using namespace outline_path;
 
 constexpr std::size_t kAll = static_cast<std::size_t>(-1);
-
-/// Whether asking the predicate costs more than looking for a text, going by what it asks first.
-bool isDear(const PredicateExpression& predicate) {
-  if (const auto* node = std::get_if<And>(&predicate.node)) return isDear(*node->left);
-  if (const auto* node = std::get_if<Or>(&predicate.node)) return isDear(*node->left);
-  if (const auto* node = std::get_if<Not>(&predicate.node)) return isDear(*node->operand);
-  if (const auto* node = std::get_if<PredicateGroup>(&predicate.node)) return isDear(*node->inner);
-  const auto* comparison = std::get_if<Comparison>(&predicate.node);
-  if (comparison == nullptr) return false;
-  const auto* call = std::get_if<FunctionCall>(&comparison->left.node);
-  return comparison->relation.op == RelationOp::matches ||
-         (call != nullptr && call->meta().kind == FunctionKind::count);
-}
-
-/// One step, made ready to be taken.
-class StepPlan {
- public:
-  StepPlan(const Step& step, const Compiler& compiler)
-      : step_(step), filter_(step.filter().typeTest.value_or(TypeTest::any)) {
-    const PredicateExpression* predicate = step.predicate();
-    if (predicate == nullptr) return;
-    predicate_ = compiler.compile(*predicate);
-    // Without its slice the step needs positions only where the predicate asks for them.
-    asksForPositions_ = step.meta().requiresContextPositions &&
-                        (!step.slice() || Step(step.axis(), step.filter()).meta().requiresContextPositions);
-    // Every row that the step selects holds its terms, so a row that lacks one need not be asked. A run's
-    // text is not the row's.
-    if (isRun() || !isDear(*predicate)) return;
-    for (const MatchTerm& term : step.meta().matchingTerms) terms_.emplace_back(term.text);
-  }
-
-  Axis axis() const { return step_.axis(); }
-  bool isRun() const { return step_.axis() == Axis::run; }
-  const std::optional<Slice>& slice() const { return step_.slice(); }
-  bool requiresContextPositions() const { return step_.meta().requiresContextPositions; }
-  /// Whether the predicate asks for positions; a slice alone takes what has passed.
-  bool asksForPositions() const { return asksForPositions_; }
-  bool hasPredicate() const { return predicate_ != nullptr; }
-  TypeFilter filter() const { return filter_; }
-
-  bool passesPredicate(const Context& context) const {
-    return std::all_of(terms_.begin(), terms_.end(),
-                       [&](const TextSearch& term) { return term.isIn(context.text); }) &&
-           (!predicate_ || predicate_(context));
-  }
-  bool accepts(const Row& row) const {
-    return filter_.passes(row.type()) && passesPredicate(Context::of(row));
-  }
-  /// Leaves those that pass the predicate.
-  void keepAccepted(Rows& rows) const {
-    if (!predicate_) return;
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-      Context context = Context::of(*rows[i]);
-      if (asksForPositions_) {
-        context.position = i + 1;
-        context.last = rows.size();
-      }
-      if (passesPredicate(context)) rows[kept++] = rows[i];
-    }
-    rows.resize(kept);
-  }
-  /// How many runs of the row the step takes.
-  std::size_t countRuns(const Row& row) const;
-
- private:
-  const Step& step_;
-  TypeFilter filter_;
-  Test predicate_;  ///< empty where there is none
-  std::vector<TextSearch> terms_;
-  bool asksForPositions_ = false;
-};
-
-std::size_t StepPlan::countRuns(const Row& row) const {
-  const TypeTest test = step_.filter().typeTest.value_or(TypeTest::any);
-  if (test != TypeTest::any && test != TypeTest::run) return 0;
-  std::size_t total = 0;
-  row.text().forEachRun([&](std::string_view, const Attributes&) { ++total; });
-  std::size_t passed = 0, position = 0;
-  row.text().forEachRun([&](std::string_view text, const Attributes& attributes) {
-    passed += passesPredicate({&row, text, &attributes, true, ++position, total}) ? 1 : 0;
-  });
-  if (!slice()) return passed;
-  const Places places = placesOf(*slice(), passed);
-  return places.end - places.begin;
-}
 
 /// A path, made ready to be followed from any row.
 class PathPlan {
@@ -273,23 +186,22 @@ RowsOf Compiler::compile(const PathExpression& expression) const {
   };
 }
 
-std::function<double(const Row&)> Compiler::compileCount(const PathExpression& expression,
-                                                         std::size_t most) const {
-  std::function<double(const Row&)> count;
+Getter Compiler::compileCount(const PathExpression& expression, std::size_t most) const {
+  Getter count;
   if (const auto* path = std::get_if<Path>(&expression.node)) {
-    count = [most, planned = plan(*path, *this, outline_)](const Row& context) {
-      return planned->count(context, most);
+    count = [most, planned = plan(*path, *this, outline_)](const Context& context) {
+      return Value(planned->count(*context.row, most));
     };
   } else {
-    count = [rows = compile(expression)](const Row& context) {
-      return static_cast<double>(rows(context).size());
+    count = [rows = compile(expression)](const Context& context) {
+      return Value(static_cast<double>(rows(*context.row).size()));
     };
   }
   if (!isAbsolute(expression)) return count;
   // The same for every row: counted once.
-  return [count, known = std::make_shared<std::optional<double>>()](const Row& context) {
-    if (!*known) *known = count(context);
-    return **known;
+  return [count, known = std::make_shared<Value>()](const Context& context) {
+    if (isNothing(*known)) *known = count(context);
+    return *known;
   };
 }
 

@@ -102,6 +102,11 @@ const Selection kRows[] = {
     {"//* count(//*) = 10 and @n = 3", "b"},
     {"//* count(.//task) = 1 and @who", "d F"},
     {"//* boolean(child::hr) = true", "A"},
+    {"//* count(descendant::*) = 3", "F"},
+    {"//* count(child::* not @due) <= 2 and count(child::*) >[n] 1.5", "A F"},
+    {"//* count(parent::heading) = 1 and \"e\"", "e"},
+    {"//* count(..) = 1 and count(/) = 1 and count(.\"h\") = 1", "h"},
+    {"//* count(child::*[-1]) = 1 and count(following::*[1:]) = 4", "A"},
     {"/* position() = 2", "F"},
     {"/* position() = last()", "j"},
     {"/*/* position() = 1", "b G"},
@@ -145,6 +150,15 @@ const Selection kRows[] = {
 TEST(Evaluation, SelectsRows) {
   const auto outline = outlineOf(kOutline);
   for (const Selection& row : kRows) EXPECT_EQ(selected(*outline, row.path), row.rows) << row.path;
+}
+
+TEST(Evaluation, SeesWhatHasChangedSince) {
+  const auto outline = outlineOf(kOutline);
+  EXPECT_EQ(selected(*outline, "//task"), "b d h");
+  outline->setType(outline->mutableRow(*outline->root().lastChild()), RowType::task);
+  EXPECT_EQ(selected(*outline, "//task"), "b d h j");
+  outline->remove(outline->mutableRow(*outline->root().firstChild()));
+  EXPECT_EQ(selected(*outline, "//task"), "h j");
 }
 
 TEST(Evaluation, KnowsRunsAsPartsOfRows) {
