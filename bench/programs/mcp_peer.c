@@ -105,18 +105,21 @@ static void answer(const char *line, size_t size) {
   put_text(&output, "}\n");
 }
 
-/* Answers the whole lines of the input, all in one write unless they are long; what is left is kept. */
+static void flush_output(void) {
+  write_all(STDOUT_FILENO, output.bytes, output.size);
+  output.size = 0;
+}
+
+/* Answers the whole lines of the input and keeps what is left. Canned answers go out together; no answer is held
+   back while the application is asked for the next. */
 static void answer_lines(struct buffer *input) {
   char *line = input->bytes, *feed;
   while ((feed = memchr(line, '\n', (size_t)(input->bytes + input->size - line))) != NULL) {
     answer(line, (size_t)(feed - line));
     line = feed + 1;
-    if (output.size < chunk) continue;
-    write_all(STDOUT_FILENO, output.bytes, output.size);
-    output.size = 0;
+    if (application >= 0 || output.size >= chunk) flush_output();
   }
-  write_all(STDOUT_FILENO, output.bytes, output.size);
-  output.size = 0;
+  flush_output();
   input->size -= (size_t)(line - input->bytes);
   memmove(input->bytes, line, input->size);
 }
