@@ -1,7 +1,6 @@
 #include "headless/evaluation/axes.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 namespace vell::headless {
 namespace {
@@ -88,10 +87,12 @@ Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter fil
 /// Of the contexts below one parent the outermost reaches all siblings that any of them does.
 Rows collectSiblings(Axis axis, Rows contexts, const Outline& outline, TypeFilter filter) {
   if (axis == Axis::precedingSibling) std::reverse(contexts.begin(), contexts.end());
-  std::unordered_set<const Row*> parents;
+  std::vector<bool> isDone(outline.rowsInOrder().size());
   Rows outermost;
   for (const Row* context : contexts) {
-    if (parents.insert(context->parent()).second) outermost.push_back(context);
+    if (context->parent() == nullptr || isDone[context->parent()->order()]) continue;
+    isDone[context->parent()->order()] = true;
+    outermost.push_back(context);
   }
   return collectEach(axis, outermost, outline, filter);
 }
