@@ -11,6 +11,11 @@ template <typename T>
 class Box {
  public:
   explicit Box(T value) : held_(std::make_unique<T>(std::move(value))) {}
+  /// Of whatever T is constructed from.
+  template <typename Source>
+  requires(std::is_convertible_v<Source, T> && !std::is_same_v<std::remove_cvref_t<Source>, T> &&
+           !std::is_same_v<std::remove_cvref_t<Source>, Box>)
+  explicit Box(Source&& source) : held_(std::make_unique<T>(std::forward<Source>(source))) {}
   Box(const Box& other) : held_(std::make_unique<T>(*other.held_)) {}
   Box(Box&& other) noexcept = default;
   Box& operator=(const Box& other) {

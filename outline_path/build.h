@@ -1,50 +1,65 @@
 #pragma once
 
-#include <optional>
-#include <string>
-#include <utility>
-#include <vector>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
 
-#include "outline_path/expression.h"
 #include "outline_path/grammar.h"
-#include "outline_path/numbers.h"
-#include "outline_path/strings.h"
 
-// Tree building: the actions of the grammar's rules. A rule fills the node or the parts that its parent
-// passed it; one that makes a node of its own fills a local one and hands it over when it has matched.
+// The actions of the grammar's rules: they note what was matched as drafts. A rule fills the draft or the
+// parts that its parent passed it; one that has parts of its own makes a draft of them when it has matched.
 
 namespace vell::outline_path {
 
+/// A part that a rule is to fill.
+using Slot = Draft*;
+
+/// Drafts one behind the other.
+struct DraftList {
+  void append(Draft* draft) {
+    (last == nullptr ? first : last->next) = draft;
+    last = draft;
+    ++count;
+  }
+  Draft* first = nullptr;
+  Draft* last = nullptr;
+  std::size_t count = 0;
+};
+
 struct PathParts {
   bool absolute = false;
-  std::vector<Step> steps;
+  DraftList steps;
 };
 
 struct StepParts {
   Axis axis = Axis::child;
-  StepFilter filter;
-  std::optional<Slice> slice;
+  /// As its number plus one.
+  std::uint8_t typeTest = 0;
+  Slot predicate = nullptr;
+  std::string_view slice;
 };
 
 struct FunctionParts {
-  std::string name;
-  std::vector<ValueExpression> arguments;
+  std::string_view name;
+  DraftList arguments;
 };
 
-struct SliceParts {
-  std::optional<std::int64_t> start, end;
-  bool isRange = false;
+struct ComparisonParts {
+  Slot left = nullptr, right = nullptr;
+  std::uint8_t op = 0;
+  std::uint8_t modifier = 0;
+  bool localeAware = false;
 };
 
-template <typename Op>
 struct TailParts {
-  Op op{};
-  ValueExpression right;
+  std::uint8_t op = 0;
+  Slot right = nullptr;
 };
 
 /// The longest beginning of the text that is a whole path or value.
 struct TopLevel {
-  std::optional<Expression>& expression;
+  Slot expression = nullptr;
+  bool isPath = false;
   std::size_t end = 0;
 };
 
@@ -56,8 +71,9 @@ namespace actions {
 namespace pegtl = tao::pegtl;
 using pegtl::apply_mode;
 using pegtl::rewind_mode;
+using Kind = Draft::Kind;
 
-/// The rule fills a new Local, which `Self::finish(in, local, outer)` then gives to the parent.
+/// The rule fills a new Local, which `Self::finish(in, context, local, outer)` then gives to the parent.
 template <typename Self, typename Local>
 struct Makes : pegtl::maybe_nothing {
   template <typename Rule, apply_mode A, rewind_mode M, template <typename...> class Action,
@@ -65,7 +81,7 @@ struct Makes : pegtl::maybe_nothing {
   static bool match(Input& in, ParseContext& context, Outer& outer) {
     Local local{};
     if (!pegtl::match<Rule, A, M, Action, Control>(in, context, local)) return false;
-    if constexpr (A == apply_mode::action) Self::finish(in, std::move(local), outer);
+    if constexpr (A == apply_mode::action) Self::finish(in, context, local, outer);
     return true;
   }
 };
@@ -80,111 +96,110 @@ struct Fills : pegtl::maybe_nothing {
   }
 };
 
-/// Puts what was matched into a group.
-template <typename Group, typename Expression>
+/// Notes the text of what has no parts.
+template <Kind kind>
+struct Leaf {
+  template <typename Input>
+  static void apply(const Input& in, ParseContext& context, Slot& out) {
+    out = context.drafts.add(kind, in.string_view());
+  }
+};
+
+/// Puts what was matched into a node of its own.
+template <Kind kind>
 struct Wraps {
-  static void apply0(ParseContext&, Expression& out) { out = Expression{Group{Box(std::move(out))}}; }
+  static void apply0(ParseContext& context, Slot& out) { out = context.drafts.add(kind, {}, out); }
 };
 
 /// Joins the operand that was matched before with the right side of an operator.
-template <typename Self, typename Node, typename Expression>
-struct Joins : Makes<Self, Expression> {
+template <Kind kind>
+struct Joins : Makes<Joins<kind>, Slot> {
   template <typename Input>
-  static void finish(const Input&, Expression&& right, Expression& out) {
-    out = Expression{Node{Box(std::move(out)), Box(std::move(right))}};
+  static void finish(const Input&, ParseContext& context, Slot right, Slot& out) {
+    out = context.drafts.add(kind, {}, out, right);
   }
 };
 
 /// The same where the node holds which operator it was.
-template <typename Self, typename Node, typename Op>
-struct JoinsBy : Makes<Self, TailParts<Op>> {
+template <Kind kind>
+struct JoinsBy : Makes<JoinsBy<kind>, TailParts> {
   template <typename Input>
-  static void finish(const Input&, TailParts<Op>&& tail, ValueExpression& out) {
-    out = ValueExpression{Node{Box(std::move(out)), tail.op, Box(std::move(tail.right))}};
+  static void finish(const Input&, ParseContext& context, const TailParts& tail, Slot& out) {
+    out = context.drafts.add(kind, {}, out, tail.right);
+    out->entry = tail.op;
   }
 };
 
-template <typename Self>
-struct FillsRight : Fills<Self> {
-  template <typename Op>
-  static ValueExpression& part(TailParts<Op>& tail) {
-    return tail.right;
+struct FillsRight : Fills<FillsRight> {
+  template <typename Parts>
+  static Slot& part(Parts& parts) {
+    return parts.right;
   }
 };
 
 /// Notes the operator that the rule spells.
 template <auto op>
 struct SetsOp {
-  static void apply0(ParseContext&, TailParts<std::remove_const_t<decltype(op)>>& tail) { tail.op = op; }
+  static void apply0(ParseContext&, TailParts& tail) { tail.op = static_cast<std::uint8_t>(op); }
 };
 
 }  // namespace actions
 
+// clang-format off
+
 // Values
+template <> struct Build<grammar::AttributeName>  : actions::Leaf<Draft::Kind::attribute> {};
+template <> struct Build<grammar::VariableName>   : actions::Leaf<Draft::Kind::variable> {};
+template <> struct Build<grammar::LiteralParser>  : actions::Leaf<Draft::Kind::literal> {};
+template <> struct Build<grammar::NumberParser>   : actions::Leaf<Draft::Kind::number> {};
+template <> struct Build<grammar::BooleanParser>  : actions::Leaf<Draft::Kind::boolean> {};
+template <> struct Build<grammar::NullParser>     : actions::Leaf<Draft::Kind::null> {};
+template <> struct Build<grammar::UnquotedParser> : actions::Leaf<Draft::Kind::unquoted> {};
 
-template <>
-struct Build<grammar::AttributeName> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, ValueExpression& out) {
-    out.node.emplace<Attribute>(in.string());
-  }
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, PredicateExpression& out) {
-    out.node.emplace<ContainsAttribute>(ContainsAttribute{Attribute(in.string())});
-  }
-};
+template <> struct Build<grammar::PathArgumentParser>         : actions::Wraps<Draft::Kind::pathArgument> {};
+template <> struct Build<grammar::ValueExpressionGroupParser> : actions::Wraps<Draft::Kind::valueGroup> {};
+template <> struct Build<grammar::Negation>                   : actions::Wraps<Draft::Kind::unary> {};
 
-template <>
-struct Build<grammar::VariableName> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, ValueExpression& out) {
-    out.node.emplace<Variable>(Variable{in.string()});
-  }
-};
+template <> struct Build<grammar::Times> : actions::SetsOp<MultiplicativeOp::multiply> {};
+template <> struct Build<grammar::Over>  : actions::SetsOp<MultiplicativeOp::divide> {};
+template <> struct Build<grammar::Plus>  : actions::SetsOp<AdditiveOp::add> {};
+template <> struct Build<grammar::Minus> : actions::SetsOp<AdditiveOp::subtract> {};
 
-template <>
-struct Build<grammar::LiteralParser> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, ValueExpression& out) {
-    out.node.emplace<Literal>(Literal{decodeString(in.string_view())});
-  }
-};
+template <> struct Build<grammar::MultiplicativeOperand>      : actions::FillsRight {};
+template <> struct Build<grammar::AdditiveOperand>            : actions::FillsRight {};
+template <> struct Build<grammar::RightMultiplicativeOperand> : actions::FillsRight {};
+template <> struct Build<grammar::RightAdditiveOperand>       : actions::FillsRight {};
 
-template <>
-struct Build<grammar::NumberParser> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, ValueExpression& out) {
-    out.node.emplace<double>(numberOf(in.string_view()));
-  }
-};
+template <> struct Build<grammar::MultiplicativeTail>      : actions::JoinsBy<Draft::Kind::multiplicative> {};
+template <> struct Build<grammar::AdditiveTail>            : actions::JoinsBy<Draft::Kind::additive> {};
+template <> struct Build<grammar::RightMultiplicativeTail> : actions::JoinsBy<Draft::Kind::multiplicative> {};
+template <> struct Build<grammar::RightAdditiveTail>       : actions::JoinsBy<Draft::Kind::additive> {};
 
-template <>
-struct Build<grammar::BooleanParser> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, ValueExpression& out) {
-    out.node.emplace<bool>(in.string_view() == kTrue);
-  }
-};
+// Predicates
+template <> struct Build<grammar::PredicateExpressionContainsTextParser> : actions::Leaf<Draft::Kind::literal> {};
+template <> struct Build<grammar::PredicateExpressionNotParser>          : actions::Wraps<Draft::Kind::notOf> {};
+template <> struct Build<grammar::PredicateExpressionGroupParser>        : actions::Wraps<Draft::Kind::predicateGroup> {};
+template <> struct Build<grammar::AndTail>                               : actions::Joins<Draft::Kind::andOf> {};
+template <> struct Build<grammar::OrTail>                                : actions::Joins<Draft::Kind::orOf> {};
+template <> struct Build<grammar::RightValue>                            : actions::FillsRight {};
 
-template <>
-struct Build<grammar::NullParser> {
-  static void apply0(ParseContext&, ValueExpression& out) { out.node.emplace<Null>(); }
-};
+// Paths
+template <> struct Build<grammar::PathExpressionGroupParser> : actions::Wraps<Draft::Kind::pathGroup> {};
+template <> struct Build<grammar::IntersectTail>             : actions::Joins<Draft::Kind::intersect> {};
+template <> struct Build<grammar::ExceptTail>                : actions::Joins<Draft::Kind::except> {};
+template <> struct Build<grammar::UnionTail>                 : actions::Joins<Draft::Kind::unionOf> {};
 
-template <>
-struct Build<grammar::UnquotedParser> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, ValueExpression& out) {
-    out.node.emplace<Unquoted>(Unquoted{in.string()});
-  }
-};
+// clang-format on
+
+// Functions
 
 template <>
 struct Build<grammar::FunctionCallParser>
     : actions::Makes<Build<grammar::FunctionCallParser>, FunctionParts> {
   template <typename Input>
-  static void finish(const Input&, FunctionParts&& parts, ValueExpression& out) {
-    out.node.emplace<FunctionCall>(std::move(parts.name), std::move(parts.arguments));
+  static void finish(const Input&, ParseContext& context, const FunctionParts& parts, Slot& out) {
+    out = context.drafts.add(Draft::Kind::call, parts.name, parts.arguments.first);
+    out->count = parts.arguments.count;
   }
 };
 
@@ -192,145 +207,53 @@ template <>
 struct Build<grammar::FunctionName> {
   template <typename Input>
   static void apply(const Input& in, ParseContext&, FunctionParts& parts) {
-    parts.name = in.string();
+    parts.name = in.string_view();
   }
 };
 
 template <>
-struct Build<grammar::ArgumentParser> : actions::Makes<Build<grammar::ArgumentParser>, ValueExpression> {
+struct Build<grammar::ArgumentParser> : actions::Makes<Build<grammar::ArgumentParser>, Slot> {
   template <typename Input>
-  static void finish(const Input&, ValueExpression&& argument, FunctionParts& parts) {
-    parts.arguments.push_back(std::move(argument));
+  static void finish(const Input&, ParseContext&, Slot argument, FunctionParts& parts) {
+    parts.arguments.append(argument);
   }
 };
 
+// Comparisons
+
 template <>
-struct Build<grammar::PathArgumentParser>
-    : actions::Makes<Build<grammar::PathArgumentParser>, PathExpression> {
+struct Build<grammar::PredicateExpressionComparisonParser>
+    : actions::Makes<Build<grammar::PredicateExpressionComparisonParser>, ComparisonParts> {
   template <typename Input>
-  static void finish(const Input&, PathExpression&& path, ValueExpression& out) {
-    out.node = PathArgument{Box(std::move(path))};
-  }
-};
-
-template <>
-struct Build<grammar::ValueExpressionGroupParser> : actions::Wraps<ValueGroup, ValueExpression> {};
-
-template <>
-struct Build<grammar::Negation> : actions::Makes<Build<grammar::Negation>, ValueExpression> {
-  template <typename Input>
-  static void finish(const Input&, ValueExpression&& operand, ValueExpression& out) {
-    out.node = Unary{UnaryOp::negate, Box(std::move(operand))};
-  }
-};
-
-template <>
-struct Build<grammar::Times> : actions::SetsOp<MultiplicativeOp::multiply> {};
-template <>
-struct Build<grammar::Over> : actions::SetsOp<MultiplicativeOp::divide> {};
-template <>
-struct Build<grammar::Plus> : actions::SetsOp<AdditiveOp::add> {};
-template <>
-struct Build<grammar::Minus> : actions::SetsOp<AdditiveOp::subtract> {};
-
-template <>
-struct Build<grammar::MultiplicativeOperand> : actions::FillsRight<Build<grammar::MultiplicativeOperand>> {};
-template <>
-struct Build<grammar::AdditiveOperand> : actions::FillsRight<Build<grammar::AdditiveOperand>> {};
-template <>
-struct Build<grammar::RightMultiplicativeOperand>
-    : actions::FillsRight<Build<grammar::RightMultiplicativeOperand>> {};
-template <>
-struct Build<grammar::RightAdditiveOperand> : actions::FillsRight<Build<grammar::RightAdditiveOperand>> {};
-
-template <>
-struct Build<grammar::MultiplicativeTail>
-    : actions::JoinsBy<Build<grammar::MultiplicativeTail>, Multiplicative, MultiplicativeOp> {};
-template <>
-struct Build<grammar::AdditiveTail> : actions::JoinsBy<Build<grammar::AdditiveTail>, Additive, AdditiveOp> {};
-template <>
-struct Build<grammar::RightMultiplicativeTail>
-    : actions::JoinsBy<Build<grammar::RightMultiplicativeTail>, Multiplicative, MultiplicativeOp> {};
-template <>
-struct Build<grammar::RightAdditiveTail>
-    : actions::JoinsBy<Build<grammar::RightAdditiveTail>, Additive, AdditiveOp> {};
-
-// Predicates
-
-template <>
-struct Build<grammar::PredicateExpressionComparisonParser> : tao::pegtl::maybe_nothing {
-  // Filled in place: a comparison is large. Where it fails, what is tried next overwrites it.
-  template <typename Rule, tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M,
-            template <typename...> class Action, template <typename...> class Control, typename Input>
-  static bool match(Input& in, ParseContext& context, PredicateExpression& out) {
-    auto& comparison = out.node.emplace<Comparison>();
-    return tao::pegtl::match<Rule, A, M, Action, Control>(in, context, comparison);
+  static void finish(const Input&, ParseContext& context, const ComparisonParts& parts, Slot& out) {
+    out = context.drafts.add(Draft::Kind::comparison, {}, parts.left, parts.right);
+    out->entry = parts.op;
+    out->detail = parts.modifier;
+    out->localeAware = parts.localeAware;
   }
 };
 
 template <>
 struct Build<grammar::LeftValue> : actions::Fills<Build<grammar::LeftValue>> {
-  static ValueExpression& part(Comparison& comparison) { return comparison.left; }
-};
-
-template <>
-struct Build<grammar::RightValue> : actions::Fills<Build<grammar::RightValue>> {
-  static ValueExpression& part(Comparison& comparison) { return comparison.right; }
+  static Slot& part(ComparisonParts& comparison) { return comparison.left; }
 };
 
 template <>
 struct Build<grammar::RelationOpParser> {
-  static void apply0(ParseContext& context, Comparison& comparison) {
-    comparison.relation.op = static_cast<RelationOp>(context.entry);
-  }
-};
-
-template <>
-struct Build<grammar::RelationModifierParser>
-    : actions::Makes<Build<grammar::RelationModifierParser>, RelationModifier> {
-  template <typename Input>
-  static void finish(const Input&, RelationModifier&& modifier, Comparison& comparison) {
-    comparison.relation.modifier = modifier;
-  }
+  static void apply0(ParseContext& context, ComparisonParts& comparison) { comparison.op = context.entry; }
 };
 
 template <>
 struct Build<grammar::RelationModifierType> {
-  static void apply0(ParseContext& context, RelationModifier& modifier) {
-    modifier.type = static_cast<RelationModifierType>(context.entry);
+  static void apply0(ParseContext& context, ComparisonParts& comparison) {
+    comparison.modifier = static_cast<std::uint8_t>(context.entry + 1);
   }
 };
 
 template <>
 struct Build<grammar::LocaleAware> {
-  static void apply0(ParseContext&, RelationModifier& modifier) { modifier.list = true; }
+  static void apply0(ParseContext&, ComparisonParts& comparison) { comparison.localeAware = true; }
 };
-
-template <>
-struct Build<grammar::PredicateExpressionNotParser>
-    : actions::Makes<Build<grammar::PredicateExpressionNotParser>, PredicateExpression> {
-  template <typename Input>
-  static void finish(const Input&, PredicateExpression&& operand, PredicateExpression& out) {
-    out.node = Not{Box(std::move(operand))};
-  }
-};
-
-template <>
-struct Build<grammar::PredicateExpressionGroupParser> : actions::Wraps<PredicateGroup, PredicateExpression> {
-};
-
-template <>
-struct Build<grammar::PredicateExpressionContainsTextParser> {
-  template <typename Input>
-  static void apply(const Input& in, ParseContext&, PredicateExpression& out) {
-    out.node.emplace<ContainsText>(ContainsText{decodeString(in.string_view())});
-  }
-};
-
-template <>
-struct Build<grammar::AndTail> : actions::Joins<Build<grammar::AndTail>, And, PredicateExpression> {};
-template <>
-struct Build<grammar::OrTail> : actions::Joins<Build<grammar::OrTail>, Or, PredicateExpression> {};
 
 // Steps
 
@@ -348,70 +271,50 @@ struct Build<grammar::DescendantOrSelfAxis> {
 
 template <>
 struct Build<grammar::AnyTypeTest> {
-  static void apply0(ParseContext&, StepParts& step) { step.filter.typeTest = TypeTest::any; }
+  static void apply0(ParseContext&, StepParts& step) {
+    step.typeTest = static_cast<std::uint8_t>(TypeTest::any) + 1;
+  }
 };
 
 template <>
 struct Build<grammar::NodeType> {
   static void apply0(ParseContext& context, StepParts& step) {
-    step.filter.typeTest = static_cast<TypeTest>(context.entry);
+    step.typeTest = static_cast<std::uint8_t>(context.entry + 1);
   }
 };
 
 template <>
-struct Build<grammar::StepPredicate> : tao::pegtl::maybe_nothing {
-  // Filled where it will stay: a predicate is large.
-  template <typename Rule, tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M,
-            template <typename...> class Action, template <typename...> class Control, typename Input>
-  static bool match(Input& in, ParseContext& context, StepParts& step) {
-    auto& predicate = step.filter.predicate.emplace(PredicateExpression());
-    if (tao::pegtl::match<Rule, A, M, Action, Control>(in, context, *predicate)) return true;
-    step.filter.predicate.reset();
-    return false;
+struct Build<grammar::StepPredicate> : actions::Makes<Build<grammar::StepPredicate>, Slot> {
+  template <typename Input>
+  static void finish(const Input&, ParseContext&, Slot predicate, StepParts& step) {
+    step.predicate = predicate;
   }
 };
 
 template <>
 struct Build<grammar::StepContainsText> {
   template <typename Input>
-  static void apply(const Input& in, ParseContext&, StepParts& step) {
-    step.filter.predicate.emplace(PredicateExpression{ContainsText{in.string()}});
+  static void apply(const Input& in, ParseContext& context, StepParts& step) {
+    step.predicate = context.drafts.add(Draft::Kind::unquoted, in.string_view());
   }
 };
 
 template <>
-struct Build<grammar::SliceParser> : actions::Makes<Build<grammar::SliceParser>, SliceParts> {
+struct Build<grammar::SliceParser> {
   template <typename Input>
-  static void finish(const Input&, SliceParts&& slice, StepParts& step) {
-    if (slice.isRange) {
-      step.slice = SliceRange{slice.start, slice.end};
-    } else {
-      step.slice = SliceIndex{*slice.start};
-    }
+  static void apply(const Input& in, ParseContext&, StepParts& step) {
+    step.slice = in.string_view();
   }
-};
-
-template <>
-struct Build<grammar::SliceStart> {
-  static void apply0(ParseContext& context, SliceParts& slice) { slice.start = context.integer; }
-};
-template <>
-struct Build<grammar::SliceColon> {
-  static void apply0(ParseContext&, SliceParts& slice) { slice.isRange = true; }
-};
-template <>
-struct Build<grammar::SliceEnd> {
-  static void apply0(ParseContext& context, SliceParts& slice) { slice.end = context.integer; }
 };
 
 template <>
 struct Build<grammar::StepParser> : actions::Makes<Build<grammar::StepParser>, StepParts> {
   template <typename Input>
-  static void finish(const Input&, StepParts&& step, PathParts& path) {
-    if (!step.filter.typeTest && !step.filter.predicate) step.filter.typeTest = TypeTest::any;
-    // Most paths have one or two steps.
-    if (path.steps.empty()) path.steps.reserve(2);
-    path.steps.emplace_back(step.axis, std::move(step.filter), step.slice);
+  static void finish(const Input&, ParseContext& context, const StepParts& step, PathParts& path) {
+    Draft* draft = context.drafts.add(Draft::Kind::step, step.slice, step.predicate);
+    draft->entry = static_cast<std::uint8_t>(step.axis);
+    draft->detail = step.typeTest;
+    path.steps.append(draft);
   }
 };
 template <>
@@ -427,43 +330,28 @@ struct Build<grammar::AbsoluteMarker> {
 template <>
 struct Build<grammar::PathParser> : actions::Makes<Build<grammar::PathParser>, PathParts> {
   template <typename Input>
-  static void finish(const Input&, PathParts&& path, PathExpression& out) {
-    out.node.emplace<Path>(path.absolute, std::move(path.steps));
+  static void finish(const Input&, ParseContext& context, const PathParts& parts, Slot& out) {
+    out = context.drafts.add(Draft::Kind::path, {}, parts.steps.first);
+    out->entry = static_cast<std::uint8_t>(parts.absolute);
+    out->count = parts.steps.count;
   }
 };
-
-template <>
-struct Build<grammar::PathExpressionGroupParser> : actions::Wraps<PathGroup, PathExpression> {};
-template <>
-struct Build<grammar::IntersectTail>
-    : actions::Joins<Build<grammar::IntersectTail>, Intersect, PathExpression> {};
-template <>
-struct Build<grammar::ExceptTail> : actions::Joins<Build<grammar::ExceptTail>, Except, PathExpression> {};
-template <>
-struct Build<grammar::UnionTail> : actions::Joins<Build<grammar::UnionTail>, Union, PathExpression> {};
 
 // The whole text
 
 template <>
-struct Build<grammar::TopLevelPath> : tao::pegtl::maybe_nothing {
-  template <typename Rule, tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M,
-            template <typename...> class Action, template <typename...> class Control, typename Input>
-  static bool match(Input& in, ParseContext& context, TopLevel& top) {
-    auto& path = std::get<PathExpression>(top.expression.emplace());
-    const bool matched = tao::pegtl::match<Rule, A, M, Action, Control>(in, context, path);
-    if (!matched) top.expression.reset();
-    top.end = in.byte();
-    return matched;
+struct Build<grammar::TopLevelPath> : actions::Makes<Build<grammar::TopLevelPath>, Slot> {
+  template <typename Input>
+  static void finish(const Input& in, ParseContext&, Slot path, TopLevel& top) {
+    top = {path, true, in.byte()};
   }
 };
 
 template <>
-struct Build<grammar::TopLevelValue> : actions::Makes<Build<grammar::TopLevelValue>, ValueExpression> {
+struct Build<grammar::TopLevelValue> : actions::Makes<Build<grammar::TopLevelValue>, Slot> {
   template <typename Input>
-  static void finish(const Input& in, ValueExpression&& value, TopLevel& top) {
-    if (top.expression && in.byte() <= top.end) return;
-    top.expression = std::move(value);
-    top.end = in.byte();
+  static void finish(const Input& in, ParseContext&, Slot value, TopLevel& top) {
+    if (top.expression == nullptr || in.byte() > top.end) top = {value, false, in.byte()};
   }
 };
 

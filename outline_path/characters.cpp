@@ -49,15 +49,23 @@ bool isValidSequence(std::string_view sequence) {
   return true;
 }
 
-std::size_t asciiLength(std::string_view text) {
-  constexpr std::uint64_t kHighBits = 0x8080808080808080U;
-  std::size_t at = 0;
-  for (std::uint64_t block = 0; text.size() - at >= sizeof block; at += sizeof block) {
-    std::memcpy(&block, text.data() + at, sizeof block);
-    if ((block & kHighBits) != 0) break;
+template <typename Block>
+bool isAsciiBlock(const char* begin) {
+  Block block;
+  std::memcpy(&block, begin, sizeof block);
+  return (block & static_cast<Block>(0x8080808080808080U)) == 0;
+}
+
+/// The whole text in blocks; the last one may overlap the one before.
+bool isAscii(std::string_view text) {
+  const char* end = text.data() + text.size();
+  if (text.size() < 4)
+    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
+  if (text.size() < 8) return isAsciiBlock<std::uint32_t>(text.data()) && isAsciiBlock<std::uint32_t>(end - 4);
+  for (const char* at = text.data(); end - at > 8; at += 8) {
+    if (!isAsciiBlock<std::uint64_t>(at)) return false;
   }
-  while (at < text.size() && static_cast<unsigned char>(text[at]) < 0x80) ++at;
-  return at;
+  return isAsciiBlock<std::uint64_t>(end - 8);
 }
 
 }  // namespace
@@ -84,11 +92,11 @@ bool isNumber(std::string_view word) {
 }
 
 std::optional<std::size_t> invalidUtf8(std::string_view text) {
+  if (isAscii(text)) return std::nullopt;
   for (std::size_t at = 0; at < text.size();) {
-    at += asciiLength(text.substr(at));
-    if (at == text.size()) break;
     const std::size_t length = sequenceLength(static_cast<unsigned char>(text[at]));
-    if (length == 0 || length > text.size() - at || !isValidSequence(text.substr(at, length))) return at;
+    if (length == 0 || length > text.size() - at) return at;
+    if (length > 1 && !isValidSequence(text.substr(at, length))) return at;
     at += length;
   }
   return std::nullopt;

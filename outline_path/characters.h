@@ -14,8 +14,8 @@ namespace vell::outline_path {
 constexpr bool isBlank(char c) { return c == ' ' || (c >= '\t' && c <= '\r'); }
 constexpr bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
-/// What an ASCII character may do: start a name, or stand in one.
-enum : std::uint8_t { kStartsName = 1, kInName = 2 };
+/// What an ASCII character may do: start a name, or stand in one. Of others the byte does not tell.
+enum : std::uint8_t { kStartsName = 1, kInName = 2, kBeyondAscii = 4 };
 inline constexpr std::array<std::uint8_t, 256> kNameClasses = [] {
   std::array<std::uint8_t, 256> classes{};
   for (unsigned char c = 'a'; c <= 'z'; ++c) classes[c] = kStartsName | kInName;
@@ -23,7 +23,37 @@ inline constexpr std::array<std::uint8_t, 256> kNameClasses = [] {
   for (unsigned char c = '0'; c <= '9'; ++c) classes[c] = kInName;
   for (const int c : {':', '_'}) classes[static_cast<std::size_t>(c)] = kStartsName | kInName;
   for (const int c : {'-', '.'}) classes[static_cast<std::size_t>(c)] = kInName;
+  for (std::size_t c = 0x80; c < classes.size(); ++c) classes[c] = kBeyondAscii;
   return classes;
+}();
+
+/// A set of bytes.
+class Characters {
+ public:
+  constexpr Characters() = default;
+  constexpr explicit Characters(std::string_view characters) {
+    for (const char c : characters) add(c);
+  }
+  constexpr void add(char c) {
+    const auto byte = static_cast<unsigned char>(c);
+    bits_[byte / 64] |= std::uint64_t{1} << (byte % 64);
+  }
+  constexpr bool has(char c) const {
+    const auto byte = static_cast<unsigned char>(c);
+    return (bits_[byte / 64] >> (byte % 64) & 1) != 0;
+  }
+
+ private:
+  std::array<std::uint64_t, 4> bits_{};
+};
+
+/// What a name may begin with; of what lies beyond ASCII more than that.
+inline constexpr Characters kNameBeginnings = [] {
+  Characters characters;
+  for (std::size_t c = 0; c < kNameClasses.size(); ++c) {
+    if ((kNameClasses[c] & (kStartsName | kBeyondAscii)) != 0) characters.add(static_cast<char>(c));
+  }
+  return characters;
 }();
 
 /// The length of the character beyond ASCII at the beginning of `text` where it is of the class, else 0.
@@ -40,7 +70,13 @@ inline std::size_t lengthOf(std::uint8_t wanted, std::string_view text) {
 inline std::size_t wordLength(std::string_view text) {
   std::size_t length = 0;
   while (length < text.size()) {
-    const std::size_t next = lengthOf(kInName, text.substr(length));
+    const std::uint8_t classes = kNameClasses[static_cast<unsigned char>(text[length])];
+    if ((classes & kInName) != 0) {
+      ++length;
+      continue;
+    }
+    if (classes != kBeyondAscii) break;
+    const std::size_t next = lengthBeyondAscii(kInName, text.substr(length));
     if (next == 0) break;
     length += next;
   }

@@ -1,5 +1,6 @@
 // The facts of `meta`, worked out as the nodes are built.
 #include <algorithm>
+#include <cstring>
 #include <iterator>
 
 #include "outline_path/expression.h"
@@ -7,8 +8,12 @@
 namespace vell::outline_path {
 namespace {
 
-constexpr std::uint64_t kFnvOffset = 14695981039346656037U;
-constexpr std::uint64_t kFnvPrime = 1099511628211U;
+template <typename Block>
+std::uint64_t blockAt(const char* begin) {
+  Block block;
+  std::memcpy(&block, begin, sizeof block);
+  return block;
+}
 
 template <typename T>
 const T* nodeOf(const PredicateExpression& predicate) {
@@ -129,27 +134,35 @@ MatchTerms termsOf(const std::vector<Step>& steps) {
 }  // namespace
 
 std::uint64_t hashOfName(std::string_view name) {
-  std::uint64_t hash = kFnvOffset;
-  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * kFnvPrime;
+  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;
+  std::uint64_t hash = name.size();
+  const auto mix = [&hash](std::uint64_t block) {
+    hash = (hash ^ block) * kFactor;
+    hash ^= hash >> 32;
+  };
+  for (; name.size() > 8; name.remove_prefix(8)) mix(blockAt<std::uint64_t>(name.data()));
+  if (name.size() >= 4) {
+    // The halves overlap.
+    const std::uint64_t low = blockAt<std::uint32_t>(name.data());
+    mix(low << 32 | blockAt<std::uint32_t>(name.data() + name.size() - 4));
+  } else {
+    for (const char c : name) mix(static_cast<unsigned char>(c));
+  }
   return hash;
 }
 
-Attribute::Attribute(std::string name)
-    : name_(std::move(name)), meta_{attributeKindOf(name_), hashOfName(name_)} {}
+Attribute::Attribute(std::string_view name) : name_(name), meta_{attributeKindOf(name), hashOfName(name)} {}
 
-FunctionCall::FunctionCall(std::string name, std::vector<ValueExpression> arguments)
-    : name_(std::move(name)), arguments_(std::move(arguments)), meta_{functionKindOf(name_)} {}
+FunctionCall::FunctionCall(std::string_view name, std::vector<ValueExpression> arguments)
+    : name_(name), arguments_(std::move(arguments)), meta_{functionKindOf(name)} {}
 
 bool FunctionCall::operator==(const FunctionCall& other) const {
   return name_ == other.name_ && arguments_ == other.arguments_;
 }
 
-Step::Step(Axis axis, Filter filter, std::optional<Slice> slice)
-    : axis_(axis), filter_(std::move(filter)), slice_(slice) {
-  const PredicateExpression* predicate = this->predicate();
-  meta_.requiresContextPositions =
-      slice_.has_value() || (predicate != nullptr && asksForPosition(*predicate));
-  if (predicate != nullptr) meta_.matchingTerms = termsOf(*predicate);
+void Step::noteFactsOf(const PredicateExpression& predicate) {
+  meta_.requiresContextPositions = meta_.requiresContextPositions || asksForPosition(predicate);
+  meta_.matchingTerms = termsOf(predicate);
 }
 
 MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool allSingleElementSteps) {

@@ -6,6 +6,8 @@
 #include <string_view>
 #include <vector>
 
+#include "outline_path/brackets.h"
+
 namespace vell::outline_path {
 
 /// The constructs that a parse may try twice at one place.
@@ -22,7 +24,7 @@ enum class Construct : std::uint8_t {
 /// when it is tried there again.
 class Lookahead {
  public:
-  explicit Lookahead(std::string_view text) : text_(text) {}
+  explicit Lookahead(std::string_view text) : text_(text), brackets_(text) {}
 
   bool failed(Construct construct, std::size_t at) const {
     return noted(static_cast<std::uint8_t>(construct), at);
@@ -51,19 +53,16 @@ class Lookahead {
   void note(std::uint8_t flag, std::size_t at);
   void noteChain(std::size_t at, std::uint8_t flag);
   bool operandFailed(std::size_t at) const;
-  std::optional<std::size_t> operandEnd(std::size_t at);
-  std::optional<std::size_t> nextOperand(std::size_t end) const;
-  std::size_t behindBracket(std::size_t open);
-  void pairBrackets();
+  std::size_t operandEnd(std::size_t at);
+  std::size_t wordOperandEnd(std::size_t at);
+  std::size_t nextOperand(std::size_t sign) const;
 
   std::string_view text_;
   /// For each offset the constructs that failed there, and whether a relation is known to follow.
   std::vector<std::uint8_t> notes_;
-  std::vector<std::size_t> behindBracket_;
+  Brackets brackets_;
 };
 
-/// The offset behind the string that begins at `quote`, or the end of `text` where it is not closed.
-std::size_t behindString(std::string_view text, std::size_t quote);
 /// The offset of the first character at or behind `at` that is no blank.
 std::size_t skipBlanks(std::string_view text, std::size_t at);
 

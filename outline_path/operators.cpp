@@ -1,8 +1,7 @@
 #include "outline_path/operators.h"
 
-#include <algorithm>
-
 #include "outline_path/characters.h"
+#include "outline_path/word_index.h"
 
 namespace vell::outline_path {
 namespace {
@@ -16,26 +15,24 @@ constexpr auto kKeywords = [] {
   return all;
 }();
 
-bool isWordRelation(std::string_view spelling) { return spelling.front() >= 'a' && spelling.front() <= 'z'; }
+constexpr WordIndex kKeywordIndex(kKeywords);
+
+constexpr WordIndex kRelationIndex(kRelationOps);
 
 }  // namespace
 
 std::optional<RelationOp> relationAt(std::string_view text) {
   if (text.empty()) return std::nullopt;
-  for (std::size_t i = 0; i < kRelationOps.size(); ++i) {
-    const std::string_view spelling = kRelationOps[i];
-    if (text.front() != spelling.front() || text.substr(0, spelling.size()) != spelling) continue;
-    const bool ends = !isWordRelation(spelling) || wordLength(text.substr(spelling.size())) == 0;
-    if (ends) return static_cast<RelationOp>(i);
-  }
-  return std::nullopt;
+  std::size_t length = lengthOf(kInName, text) != 0 ? wordLength(text) : 1;
+  if (text.front() != '=' && text.substr(1, 1) == "=") length = 2;
+  const std::size_t index = kRelationIndex.find(text.substr(0, length));
+  if (index == kRelationOps.size()) return std::nullopt;
+  return static_cast<RelationOp>(index);
 }
 
 std::span<const std::string_view> keywords() { return kKeywords; }
 
-bool isKeyword(std::string_view word) {
-  return std::find(kKeywords.begin(), kKeywords.end(), word) != kKeywords.end();
-}
+bool isKeyword(std::string_view word) { return kKeywordIndex.find(word) != kKeywords.size(); }
 
 bool isConstant(std::string_view word) { return word == kTrue || word == kFalse || word == kNull; }
 

@@ -1,8 +1,11 @@
 #include "outline_path/parse.h"
 
+#include "outline_path/beginnings.h"
 #include "outline_path/build.h"
 #include "outline_path/diagnosing.h"
+#include "outline_path/in_place.h"
 #include "outline_path/tracing.h"
+#include "outline_path/tree_of.h"
 
 namespace vell::outline_path {
 namespace {
@@ -50,14 +53,25 @@ Diagnostic diagnose(std::string_view text, ParseOptions options, std::optional<s
   return diagnostic;
 }
 
+void putTree(const TopLevel& top, std::optional<Expression>& tree) {
+  const Draft* draft = top.expression;
+  if (draft == nullptr) return;
+  if (top.isPath) {
+    tree.emplace(std::in_place_type<PathExpression>, InPlace{[draft] { return pathOf(*draft); }});
+  } else {
+    tree.emplace(std::in_place_type<ValueExpression>, InPlace{[draft] { return valueOf(*draft); }});
+  }
+}
+
 template <template <typename> class Control>
 ParseResult parseValid(std::string_view text, ParseOptions options, TraceContext* trace) {
   ParseContext context(text, options.allowValueExpression);
   context.trace = trace;
   Input in = inputOf(text);
-  ParseResult result;
-  TopLevel top{result.expression};
+  TopLevel top;
   const bool whole = pegtl::parse<grammar::OutlinePathParser, Build, Control>(in, context, top);
+  ParseResult result;
+  putTree(top, result.expression);
   if (whole && !context.tooDeepAt) return result;
   result.error = diagnose(text, options, result.expression ? std::optional(top.end) : std::nullopt);
   return result;
@@ -75,7 +89,7 @@ ParseResult parseAny(std::string_view text, ParseOptions options, TraceContext* 
 }  // namespace
 
 ParseResult parse(std::string_view text, ParseOptions options) {
-  return parseAny<pegtl::normal>(text, options, nullptr);
+  return parseAny<Unwatched>(text, options, nullptr);
 }
 
 ParseResult parseTraced(TraceContext& trace, ParseOptions options) {

@@ -16,6 +16,9 @@ struct ParseOptions {
 };
 
 struct ParseResult {
+  // Defaulted, it would clear the room for the tree too. NOLINTNEXTLINE(modernize-use-equals-default)
+  ParseResult() {}
+
   /// The whole tree; where there is an error, that of the longest beginning of the text that is an
   /// expression, if any.
   std::optional<Expression> expression;

@@ -5,6 +5,7 @@
 #include <optional>
 #include <string_view>
 
+#include "outline_path/drafts.h"
 #include "outline_path/lookahead.h"
 
 namespace vell::outline_path {
@@ -21,6 +22,7 @@ struct ParseContext {
       : lookahead(text_), text(text_), allowValueExpression(allowValueExpression_) {}
 
   Lookahead lookahead;
+  Drafts drafts;
   std::string_view text;
   bool allowValueExpression;
   /// The table entry that the rule matched last stands for.

@@ -128,7 +128,7 @@ class Printer {
   void write(const StepFilter& filter) {
     if (filter.typeTest) text_ += spelling(*filter.typeTest);
     if (filter.typeTest && filter.predicate) text_ += ' ';
-    if (filter.predicate) write(**filter.predicate);
+    if (filter.predicate) write(*filter.predicate);
   }
 
   void write(const Or& node) { binary(node, spelling(PredicateOp::orOf), Binding::orOf); }

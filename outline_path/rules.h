@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstring>
 #include <string_view>
 #include <tao/pegtl.hpp>
 #include <tao/pegtl/contrib/uint8.hpp>
@@ -58,7 +59,8 @@ struct Spelled {
     if constexpr (std::is_same_v<decltype(spelled), const char>) {
       return !in.empty() && in.peek_char() == spelled && take(in, 1);
     } else {
-      return rest(in).substr(0, spelled.size()) == spelled && take(in, spelled.size());
+      return in.size() >= spelled.size() &&
+             std::memcmp(in.current(), spelled.data(), spelled.size()) == 0 && take(in, spelled.size());
     }
   }
 };

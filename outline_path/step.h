@@ -5,6 +5,7 @@
 #include <variant>
 #include <vector>
 
+#include "outline_path/in_place.h"
 #include "outline_path/predicate_expression.h"
 
 // A part of the tree; include "outline_path/expression.h", which completes the types named here.
@@ -35,7 +36,7 @@ using Slice = std::variant<SliceIndex, SliceRange>;
 /// What a step's candidates must pass: a type test, a predicate, or both.
 struct StepFilter {
   std::optional<TypeTest> typeTest;
-  std::optional<Box<PredicateExpression>> predicate;
+  std::optional<PredicateExpression> predicate;
   bool operator==(const StepFilter&) const = default;
 };
 
@@ -52,16 +53,33 @@ class Step {
     bool operator==(const Meta&) const = default;
   };
 
-  Step(Axis axis, Filter filter, std::optional<Slice> slice = {});
+  Step(Axis axis, Filter filter, const std::optional<Slice>& slice = {})
+      : axis_(axis), filter_(std::move(filter)) {
+    finish(slice);
+  }
+  /// The same with a predicate that is made in its place.
+  template <typename Make>
+  Step(Axis axis, std::optional<TypeTest> typeTest, const InPlace<Make>& predicate,
+       const std::optional<Slice>& slice)
+      : axis_(axis), filter_{typeTest, std::optional<PredicateExpression>(predicate)} {
+    finish(slice);
+  }
   Axis axis() const { return axis_; }
   const Filter& filter() const { return filter_; }
   const std::optional<Slice>& slice() const { return slice_; }
   const Meta& meta() const { return meta_; }
   /// The filter's predicate, null where it has none.
-  const PredicateExpression* predicate() const { return filter_.predicate ? &**filter_.predicate : nullptr; }
+  const PredicateExpression* predicate() const { return filter_.predicate ? &*filter_.predicate : nullptr; }
   bool operator==(const Step&) const = default;
 
  private:
+  void finish(const std::optional<Slice>& slice) {
+    if (slice) slice_ = slice;
+    meta_.requiresContextPositions = slice.has_value();
+    if (filter_.predicate) noteFactsOf(*filter_.predicate);
+  }
+  void noteFactsOf(const PredicateExpression& predicate);
+
   Axis axis_;
   Filter filter_;
   std::optional<Slice> slice_;

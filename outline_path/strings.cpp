@@ -46,6 +46,7 @@ void appendControl(std::string& out, unsigned char c) {
 
 std::string decodeString(std::string_view quoted) {
   const std::string_view inner = quoted.substr(1, quoted.size() - 2);
+  if (inner.find('\\') == std::string_view::npos) return std::string(inner);
   std::string out;
   for (std::size_t at = 0; at < inner.size();) {
     const std::size_t escape = std::min(inner.find('\\', at), inner.size());

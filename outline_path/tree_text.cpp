@@ -82,7 +82,7 @@ class TreeWriter {
          : filter.predicate ? "StepFilter.predicate"
                             : "StepFilter.typeTest");
     if (filter.typeTest) leaf(spelling(*filter.typeTest));
-    if (filter.predicate) below(**filter.predicate);
+    if (filter.predicate) below(*filter.predicate);
   }
 
   void write(const ContainsText& node) { line("contains text " + quoted(node.text)); }

@@ -27,7 +27,7 @@ class Attribute {
     bool operator==(const Meta&) const = default;
   };
 
-  explicit Attribute(std::string name);
+  explicit Attribute(std::string_view name);
   const std::string& name() const { return name_; }
   const Meta& meta() const { return meta_; }
   bool operator==(const Attribute&) const = default;
@@ -37,7 +37,7 @@ class Attribute {
   Meta meta_;
 };
 
-/// The hash kept in `Attribute::Meta`; the same on every run and machine.
+/// The hash kept in `Attribute::Meta`; the same on every run.
 std::uint64_t hashOfName(std::string_view name);
 
 /// `name(arguments)`.
@@ -48,7 +48,7 @@ class FunctionCall {
     bool operator==(const Meta&) const = default;
   };
 
-  FunctionCall(std::string name, std::vector<ValueExpression> arguments);
+  FunctionCall(std::string_view name, std::vector<ValueExpression> arguments);
   const std::string& name() const { return name_; }
   const std::vector<ValueExpression>& arguments() const { return arguments_; }
   const Meta& meta() const { return meta_; }

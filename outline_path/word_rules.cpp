@@ -64,14 +64,11 @@ std::size_t namedAxis(std::string_view text, ParseContext& context) {
     const bool isParent = text.substr(0, 2) == spelling(Axis::parentShortcut);
     return isParent ? found(context, Axis::parentShortcut, 2) : found(context, Axis::selfShortcut, 1);
   }
-  if (text.front() < 'a' || text.front() > 's') return 0;
-  for (const Axis axis : verboseAxes()) {
-    const std::string_view spelled = spelling(axis);
-    if (text.front() == spelled.front() && text.substr(0, spelled.size()) == spelled) {
-      return found(context, axis, spelled.size());
-    }
-  }
-  return 0;
+  std::size_t length = 0;
+  while (length < text.size() && ((text[length] >= 'a' && text[length] <= 'z') || text[length] == '-')) ++length;
+  if (text.size() - length < 2 || text[length] != ':') return 0;
+  const auto axis = verboseAxisOf(text.substr(0, length + 2));
+  return axis ? found(context, *axis, length + 2) : 0;
 }
 
 std::size_t sliceInteger(std::string_view text, ParseContext& context) {

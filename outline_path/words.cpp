@@ -1,6 +1,6 @@
 #include "outline_path/words.h"
 
-#include <algorithm>
+#include "outline_path/word_index.h"
 
 namespace vell::outline_path {
 namespace {
@@ -33,11 +33,17 @@ constexpr std::array<std::string_view, 21> kFunctions{
     "count",       "start-of-matches", "end-of-matches",
 };
 
-/// The index of `word` in `words`, or their number.
-template <std::size_t count>
-std::size_t indexOf(const std::array<std::string_view, count>& words, std::string_view word) {
-  return static_cast<std::size_t>(std::find(words.begin(), words.end(), word) - words.begin());
-}
+/// The attributes with a meaning of their own, in the order of their kinds.
+constexpr std::array<std::string_view, 3> kAttributes{"id", "type", "text"};
+
+constexpr WordIndex kAttributeIndex(kAttributes);
+constexpr WordIndex kTypeTestIndex(kTypeTests);
+constexpr WordIndex kFunctionIndex(kFunctions);
+constexpr WordIndex kAxisIndex([] {
+  std::array<std::string_view, kVerboseAxes.size()> spellings;
+  for (std::size_t i = 0; i < spellings.size(); ++i) spellings[i] = spelling(kVerboseAxes[i]);
+  return spellings;
+}());
 
 }  // namespace
 
@@ -46,20 +52,23 @@ std::span<const TypeTest> typeTests() { return kTypeTestCases; }
 std::span<const std::string_view> functionNames() { return kFunctions; }
 
 std::optional<TypeTest> typeTestOf(std::string_view word) {
-  const std::size_t index = indexOf(kTypeTests, word);
+  const std::size_t index = kTypeTestIndex.find(word);
   if (index == kTypeTests.size()) return std::nullopt;
   return static_cast<TypeTest>(index);
 }
 
+std::optional<Axis> verboseAxisOf(std::string_view word) {
+  const std::size_t index = kAxisIndex.find(word);
+  if (index == kVerboseAxes.size()) return std::nullopt;
+  return kVerboseAxes[index];
+}
+
 FunctionKind functionKindOf(std::string_view name) {
-  return static_cast<FunctionKind>(indexOf(kFunctions, name));
+  return static_cast<FunctionKind>(kFunctionIndex.find(name));
 }
 
 AttributeKind attributeKindOf(std::string_view name) {
-  if (name == "id") return AttributeKind::id;
-  if (name == "type") return AttributeKind::type;
-  if (name == "text") return AttributeKind::text;
-  return AttributeKind::other;
+  return static_cast<AttributeKind>(kAttributeIndex.find(name));
 }
 
 }  // namespace vell::outline_path

@@ -112,6 +112,7 @@ std::span<const TypeTest> typeTests();
 std::span<const std::string_view> functionNames();
 
 /// Whole-word look-ups; case matters.
+std::optional<Axis> verboseAxisOf(std::string_view word);
 std::optional<TypeTest> typeTestOf(std::string_view word);
 FunctionKind functionKindOf(std::string_view name);
 AttributeKind attributeKindOf(std::string_view name);

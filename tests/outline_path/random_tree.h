@@ -68,7 +68,7 @@ class RandomTree {
     StepFilter filter;
     if (chance(7)) filter.typeTest = typeTests()[pick(typeTests().size())];
     if (!filter.typeTest || chance(5)) filter.predicate.emplace(disjunction(depth));
-    if (!filter.typeTest && beginsWithWord(**filter.predicate)) filter.typeTest = TypeTest::any;
+    if (!filter.typeTest && beginsWithWord(*filter.predicate)) filter.typeTest = TypeTest::any;
     const bool isShort = axis == Axis::descendantOrSelfShortcut;
     return Step(isShort && !mayBeShort ? Axis::child : axis, std::move(filter), slice());
   }

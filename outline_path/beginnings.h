@@ -1,0 +1,61 @@
+#pragma once
+
+#include <optional>
+
+#include "outline_path/grammar.h"
+
+// The characters that a rule can begin with, for rules that are often tried in vain.
+
+namespace vell::outline_path {
+
+template <typename Rule>
+inline constexpr std::optional<Characters> kBeginnings = std::nullopt;
+
+// clang-format off
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::AttributeParser>            = Characters("@");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::VariableParser>             = Characters("$");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::LiteralParser>              = Characters("\"");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::NumberParser>               = Characters("0123456789");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::BooleanParser>              = Characters("tf");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::NullParser>                 = Characters("n");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::FunctionCallParser>         = kNameBeginnings;
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::ValueExpressionGroupParser> = Characters("(");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::Negation>                   = Characters("-");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PathArgumentParser>         = Characters("(/.acdfprs");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::MultiplicativeTail>         = Characters("*/ \t\n\v\f\r");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::AdditiveTail>               = Characters("+- \t\n\v\f\r");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::RightMultiplicativeTail>    = Characters("* \t\n\v\f\r");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::RightAdditiveTail>          = Characters("+- \t\n\v\f\r");
+
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::RelationModifierParser>                    = Characters("[");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PredicateExpressionNotParser>              = Characters("n");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PredicateExpressionGroupParser>            = Characters("(");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PredicateExpressionContainsAttributeParser> = Characters("@");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PredicateExpressionContainsTextParser>     = Characters("\"");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::AndTail>                                   = Characters(" \t\n\v\f\r");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::OrTail>                                    = Characters(" \t\n\v\f\r");
+
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::NamedAxis>                 = Characters(".acdfprs");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::FirstStepAxis>             = Characters(".acdfprs");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::NodeType>                  = Characters("bchnortu");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::SliceParser>               = Characters("[");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PathExpressionGroupParser> = Characters("(");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::IntersectTail>             = Characters(" \t\n\v\f\r");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::ExceptTail>                = Characters(" \t\n\v\f\r");
+template <> inline constexpr std::optional<Characters> kBeginnings<grammar::UnionTail>                 = Characters(" \t\n\v\f\r");
+// clang-format on
+
+/// Control of a parse that nobody watches: what the next character cannot begin is not tried.
+template <typename Rule>
+struct Unwatched : tao::pegtl::normal<Rule> {
+  template <tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, States&&... states) {
+    if constexpr (kBeginnings<Rule>.has_value()) {
+      if (in.empty() || !kBeginnings<Rule>->has(in.peek_char())) return false;
+    }
+    return tao::pegtl::normal<Rule>::template match<A, M, Action, Control>(in, states...);
+  }
+};
+
+}  // namespace vell::outline_path
