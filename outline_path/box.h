@@ -14,8 +14,8 @@ class Box {
   /// Of whatever T is constructed from.
   template <typename Source>
   requires(std::is_convertible_v<Source, T> && !std::is_same_v<std::remove_cvref_t<Source>, T> &&
-           !std::is_same_v<std::remove_cvref_t<Source>, Box>)
-  explicit Box(Source&& source) : held_(std::make_unique<T>(std::forward<Source>(source))) {}
+           !std::is_same_v<std::remove_cvref_t<Source>, Box>) explicit Box(Source&& source)
+      : held_(std::make_unique<T>(std::forward<Source>(source))) {}
   Box(const Box& other) : held_(std::make_unique<T>(*other.held_)) {}
   Box(Box&& other) noexcept = default;
   Box& operator=(const Box& other) {

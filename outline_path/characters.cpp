@@ -61,7 +61,8 @@ bool isAscii(std::string_view text) {
   const char* end = text.data() + text.size();
   if (text.size() < 4)
     return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  if (text.size() < 8) return isAsciiBlock<std::uint32_t>(text.data()) && isAsciiBlock<std::uint32_t>(end - 4);
+  if (text.size() < 8)
+    return isAsciiBlock<std::uint32_t>(text.data()) && isAsciiBlock<std::uint32_t>(end - 4);
   for (const char* at = text.data(); end - at > 8; at += 8) {
     if (!isAsciiBlock<std::uint64_t>(at)) return false;
   }

@@ -68,19 +68,22 @@ inline std::size_t lengthOf(std::uint8_t wanted, std::string_view text) {
 
 /// The number of bytes of the run of word characters (those that may stand in an unquoted word).
 inline std::size_t wordLength(std::string_view text) {
-  std::size_t length = 0;
-  while (length < text.size()) {
-    const std::uint8_t classes = kNameClasses[static_cast<unsigned char>(text[length])];
+  const char* const begin = text.data();
+  const char* const end = begin + text.size();
+  const char* at = begin;
+  while (at != end) {
+    const std::uint8_t classes = kNameClasses[static_cast<unsigned char>(*at)];
     if ((classes & kInName) != 0) {
-      ++length;
+      ++at;
       continue;
     }
     if (classes != kBeyondAscii) break;
-    const std::size_t next = lengthBeyondAscii(kInName, text.substr(length));
+    const std::size_t next =
+        lengthBeyondAscii(kInName, std::string_view(at, static_cast<std::size_t>(end - at)));
     if (next == 0) break;
-    length += next;
+    at += next;
   }
-  return length;
+  return static_cast<std::size_t>(at - begin);
 }
 
 /// The number of bytes of the name that `text` begins with: one that may start a name, then any that may

@@ -1,11 +1,10 @@
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 #include <string_view>
-#include <vector>
+
+#include "outline_path/pile.h"
 
 namespace vell::outline_path {
 
@@ -59,17 +58,11 @@ struct Draft {
   std::string_view text() const { return {begin, length}; }
 };
 
-/// The drafts of one parse. They stay where they are.
+/// The drafts of one parse.
 class Drafts {
  public:
-  Drafts() = default;
-  Drafts(const Drafts&) = delete;
-  Drafts& operator=(const Drafts&) = delete;
-
-  /// Its members are written one by one, where they stay: an assembled copy would have to wait for itself.
   Draft* add(Draft::Kind kind, std::string_view text = {}, Draft* left = nullptr, Draft* right = nullptr) {
-    if (next_ == end_) grow();
-    Draft* draft = next_++;
+    Draft* draft = drafts_.add();
     draft->kind = kind;
     draft->entry = 0;
     draft->detail = 0;
@@ -84,12 +77,7 @@ class Drafts {
   }
 
  private:
-  void grow();
-
-  std::array<Draft, 16> first_;
-  std::vector<std::unique_ptr<Draft[]>> further_;
-  Draft* next_ = first_.data();
-  Draft* end_ = first_.data() + first_.size();
+  Pile<Draft, 256> drafts_;
 };
 
 }  // namespace vell::outline_path

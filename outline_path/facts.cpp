@@ -57,20 +57,22 @@ bool asksForPosition(const PredicateExpression& predicate) {
   return false;
 }
 
-MatchTerms setOf(std::string_view text) {
+using Terms = std::vector<MatchTerm>;
+
+Terms setOf(std::string_view text) {
   if (text.empty()) return {};
   return {MatchTerm{std::string(text)}};
 }
 
-MatchTerms unite(MatchTerms left, const MatchTerms& right) {
+Terms unite(Terms left, const Terms& right) {
   if (right.empty()) return left;
-  MatchTerms all;
+  Terms all;
   std::set_union(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(all));
   return all;
 }
 
-MatchTerms common(const MatchTerms& left, const MatchTerms& right) {
-  MatchTerms both;
+Terms common(const Terms& left, const Terms& right) {
+  Terms both;
   std::set_intersection(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(both));
   return both;
 }
@@ -90,14 +92,14 @@ bool impliesContaining(const Relation& relation) {
                     relation.op == RelationOp::endsWith || relation.op == RelationOp::equal);
 }
 
-MatchTerms termsOf(const Comparison& comparison) {
+Terms termsOf(const Comparison& comparison) {
   if (!isTextOfRow(comparison.left) || !impliesContaining(comparison.relation)) return {};
   // An unquoted word or a number may be compared as something else than its text.
   const auto* literal = std::get_if<Literal>(&comparison.right.node);
-  return literal == nullptr ? MatchTerms{} : setOf(literal->text);
+  return literal == nullptr ? Terms{} : setOf(literal->text);
 }
 
-MatchTerms termsOf(const PredicateExpression& predicate) {
+Terms termsOf(const PredicateExpression& predicate) {
   if (const auto* node = nodeOf<ContainsText>(predicate)) return setOf(node->text);
   if (const auto* node = nodeOf<Comparison>(predicate)) return termsOf(*node);
   if (const auto* node = nodeOf<And>(predicate)) return unite(termsOf(*node->left), termsOf(*node->right));
@@ -122,13 +124,12 @@ MatchShape shapeOfSelf(const Step& step) {
 
 /// The union of the terms of all steps.
 MatchTerms termsOf(const std::vector<Step>& steps) {
-  MatchTerms all;
+  Terms all;
   for (const Step& step : steps)
     all.insert(all.end(), step.meta().matchingTerms.begin(), step.meta().matchingTerms.end());
-  if (all.size() < 2) return all;
   std::sort(all.begin(), all.end());
   all.erase(std::unique(all.begin(), all.end()), all.end());
-  return all;
+  return MatchTerms(std::move(all));
 }
 
 }  // namespace
@@ -162,7 +163,7 @@ bool FunctionCall::operator==(const FunctionCall& other) const {
 
 void Step::noteFactsOf(const PredicateExpression& predicate) {
   meta_.requiresContextPositions = meta_.requiresContextPositions || asksForPosition(predicate);
-  meta_.matchingTerms = termsOf(predicate);
+  meta_.matchingTerms = MatchTerms(termsOf(predicate));
 }
 
 MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool allSingleElementSteps) {
@@ -173,10 +174,13 @@ MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool
 }
 
 Path::Path(bool absolute, std::vector<Step> steps) : absolute_(absolute), steps_(std::move(steps)) {
-  const auto needsPositions = [](const Step& step) { return step.meta().requiresContextPositions; };
-  meta_.requiresContextPositions = std::any_of(steps_.begin(), steps_.end(), needsPositions);
-  meta_.allSingleElementSteps = std::all_of(steps_.begin(), steps_.end(), isSingleElement);
-  meta_.matchingTerms = termsOf(steps_);
+  bool hasTerms = false;
+  for (const Step& step : steps_) {
+    meta_.requiresContextPositions = meta_.requiresContextPositions || step.meta().requiresContextPositions;
+    meta_.allSingleElementSteps = meta_.allSingleElementSteps && isSingleElement(step);
+    hasTerms = hasTerms || !step.meta().matchingTerms.empty();
+  }
+  if (hasTerms) meta_.matchingTerms = termsOf(steps_);
   meta_.matchShape = computeMatchShape(absolute_, steps_, meta_.allSingleElementSteps);
 }
 

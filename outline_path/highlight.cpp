@@ -48,9 +48,10 @@ std::string_view nameOf(SyntaxClass syntaxClass) { return kNames[static_cast<std
 std::vector<HighlightedRange> highlight(const OutlinePathWithParse& path) {
   std::vector<HighlightedRange> ranges;
   if (path.traceContext) {
-    const auto facts = factsOf(*path.traceContext);
+    const auto events = path.traceContext->events();
+    const auto facts = factsOf(events);
     for (std::size_t i = 0; i < facts.size(); ++i) {
-      const auto& event = path.traceContext->events[i];
+      const auto& event = events[i];
       const auto* match = std::get_if<TraceContext::Match>(&event.type);
       const auto syntaxClass = classOf(event.label);
       if (match == nullptr || facts[i].inFailedBranch || !syntaxClass) continue;

@@ -59,8 +59,8 @@ struct Spelled {
     if constexpr (std::is_same_v<decltype(spelled), const char>) {
       return !in.empty() && in.peek_char() == spelled && take(in, 1);
     } else {
-      return in.size() >= spelled.size() &&
-             std::memcmp(in.current(), spelled.data(), spelled.size()) == 0 && take(in, spelled.size());
+      return in.size() >= spelled.size() && std::memcmp(in.current(), spelled.data(), spelled.size()) == 0 &&
+             take(in, spelled.size());
     }
   }
 };

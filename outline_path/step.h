@@ -18,8 +18,21 @@ struct MatchTerm {
   // clang-tidy 14 takes the zero that it compares with for a pointer. NOLINTNEXTLINE(modernize-use-nullptr)
   auto operator<=>(const MatchTerm&) const = default;
 };
-/// A set: sorted, each term once.
-using MatchTerms = std::vector<MatchTerm>;
+/// A set: sorted, each term once. Most are empty and then as small as can be.
+class MatchTerms {
+ public:
+  MatchTerms() = default;
+  explicit MatchTerms(std::vector<MatchTerm> sorted) {
+    if (!sorted.empty()) terms_.emplace(std::move(sorted));
+  }
+  bool empty() const { return !terms_; }
+  const MatchTerm* begin() const { return terms_ ? (*terms_)->data() : nullptr; }
+  const MatchTerm* end() const { return terms_ ? (*terms_)->data() + (*terms_)->size() : nullptr; }
+  bool operator==(const MatchTerms&) const = default;
+
+ private:
+  std::optional<Box<std::vector<MatchTerm>>> terms_;
+};
 
 /// `[index]`; negative counts from the end.
 struct SliceIndex {

@@ -10,8 +10,16 @@
 #include <vector>
 
 #include "outline_path/diagnostic.h"
+#include "outline_path/pile.h"
 
 namespace vell::outline_path {
+
+/// A rule that is traced.
+struct TraceRule {
+  std::string_view label;
+  /// Whether the rule is one to point out: a sign or a keyword.
+  bool highlight;
+};
 
 /// What the rules of one parse did, in order.
 class TraceContext {
@@ -29,7 +37,6 @@ class TraceContext {
   struct Event {
     /// The rule's label; lives as long as the program.
     std::string_view label;
-    /// Whether the rule is one to point out: a sign or a keyword.
     bool highlight;
     std::uint32_t depth;
     /// Where the rule was entered.
@@ -37,28 +44,39 @@ class TraceContext {
     EventType type;
   };
 
-  explicit TraceContext(std::string text) : input(std::move(text)) { events.reserve(kTypicalEvents); }
+  /// A rule that was tried: its entering and leaving, with what it tried in turn between them.
+  struct Attempt {
+    const TraceRule* rule;
+    std::size_t index;
+    /// Where it matched up to; `kFailed` where it did not.
+    std::size_t end;
+    /// The number of attempts that had been made when it was left.
+    std::size_t behind;
+  };
+  static constexpr std::size_t kFailed = std::string_view::npos;
+
+  explicit TraceContext(std::string text) : input(std::move(text)) {}
   // Events refer to the input.
   TraceContext(const TraceContext&) = delete;
   TraceContext& operator=(const TraceContext&) = delete;
 
-  void enter(std::string_view label, bool highlight, std::size_t index) {
-    events.push_back({label, highlight, depth++, index, Enter{}});
+  Attempt* enter(const TraceRule& rule, std::size_t index) {
+    Attempt* attempt = attempts_.add();
+    attempt->rule = &rule;
+    attempt->index = index;
+    return attempt;
   }
-  void match(std::string_view label, bool highlight, std::size_t index, std::size_t end) {
-    const auto output = std::string_view(input).substr(index, end - index);
-    events.push_back({label, highlight, --depth, index, Match{end, output}});
+  void leave(Attempt* attempt, std::size_t end) {
+    attempt->end = end;
+    attempt->behind = attempts_.size();
   }
-  void fail(std::string_view label, bool highlight, std::size_t index) {
-    events.push_back({label, highlight, --depth, index, Error{}});
-  }
+
+  std::vector<Event> events() const;
 
   const std::string input;
-  std::vector<Event> events;
-  std::uint32_t depth = 0;
 
  private:
-  static constexpr std::size_t kTypicalEvents = 128;
+  Pile<Attempt, 96> attempts_;
 };
 
 /// A failed parse: why, and what led there.
@@ -90,6 +108,6 @@ struct EventFacts {
   /// The event that enters the same rule.
   std::size_t enteredAt = 0;
 };
-std::vector<EventFacts> factsOf(const TraceContext& trace);
+std::vector<EventFacts> factsOf(const std::vector<TraceContext::Event>& events);
 
 }  // namespace vell::outline_path

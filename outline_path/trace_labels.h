@@ -3,6 +3,7 @@
 #include <string_view>
 
 #include "outline_path/grammar.h"
+#include "outline_path/trace.h"
 
 // The label under which a rule is traced; rules without one are not. A rule that is a named parser is
 // labelled by its name.
@@ -82,6 +83,7 @@ template <> inline constexpr std::string_view kTraceLabel<grammar::FunctionName>
 // clang-format on
 
 template <typename Rule>
-inline constexpr bool kTraceHighlight = kTraceLabel<Rule>.find('.') != std::string_view::npos;
+inline constexpr TraceRule kTraceRule{kTraceLabel<Rule>,
+                                      kTraceLabel<Rule>.find('.') != std::string_view::npos};
 
 }  // namespace vell::outline_path

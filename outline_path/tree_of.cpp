@@ -48,8 +48,7 @@ PredicateExpression predicateOf(const Draft& draft) {
   using Predicate = PredicateExpression;
   switch (draft.kind) {
     case Kind::attribute:
-      return made<ContainsAttribute, Predicate>(
-          [&] { return ContainsAttribute{Attribute(draft.text())}; });
+      return made<ContainsAttribute, Predicate>([&] { return ContainsAttribute{Attribute(draft.text())}; });
     case Kind::comparison:
       return made<Comparison, Predicate>([&] {
         return Comparison{valueOf(*draft.left), relationOf(draft), valueOf(*draft.right)};
@@ -122,7 +121,8 @@ ValueExpression valueOf(const Draft& draft) {
     case Kind::unary:
       return {Unary{static_cast<UnaryOp>(draft.entry), boxOfValue(*draft.left)}};
     case Kind::additive:
-      return {Additive{boxOfValue(*draft.left), static_cast<AdditiveOp>(draft.entry), boxOfValue(*draft.right)}};
+      return {
+          Additive{boxOfValue(*draft.left), static_cast<AdditiveOp>(draft.entry), boxOfValue(*draft.right)}};
     case Kind::multiplicative:
       return {Multiplicative{boxOfValue(*draft.left), static_cast<MultiplicativeOp>(draft.entry),
                              boxOfValue(*draft.right)}};

@@ -65,7 +65,8 @@ std::size_t namedAxis(std::string_view text, ParseContext& context) {
     return isParent ? found(context, Axis::parentShortcut, 2) : found(context, Axis::selfShortcut, 1);
   }
   std::size_t length = 0;
-  while (length < text.size() && ((text[length] >= 'a' && text[length] <= 'z') || text[length] == '-')) ++length;
+  while (length < text.size() && ((text[length] >= 'a' && text[length] <= 'z') || text[length] == '-'))
+    ++length;
   if (text.size() - length < 2 || text[length] != ':') return 0;
   const auto axis = verboseAxisOf(text.substr(0, length + 2));
   return axis ? found(context, *axis, length + 2) : 0;
