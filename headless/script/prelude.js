@@ -107,7 +107,7 @@
     }
     deleteRows(...rows) { return call("row.delete", { outline: this.id, rows: references(rows.flat()) }).deleted; }
     bringToFront() { call("outline.bringToFront", { outline: this.id }); return this; }
-    save(path) { this.#summary = call("script.save", { outline: this.id, path: String(path) }); return this; }
+    save(path) { this.#summary = call("script.save", { outline: this.id, path: reference(path) }); return this; }
     close({ discard } = {}) { return call("outline.close", { outline: this.id, discard }); }
 
     toJSON() { return this.#summary; }

@@ -82,6 +82,7 @@ TEST_F(ServedScript, SavesUnderANewName) {
            "/a.pdf: outlines are files named .json, .md, .markdown, .vell, .opml, .txt (line 1)"},
   };
   for (const auto& row : refused) EXPECT_EQ(save(row.path), row.problem);
+  EXPECT_EQ(run("vell.frontmostOutline.save()"), "Error: path: expected a string, got nothing (line 1)");
   EXPECT_EQ(call("outline.list", {})[0]["fileURL"], nullptr);
   EXPECT_EQ(save(home + "/./a.md"), home + "/a.md");
   EXPECT_EQ(save(home + "/Untitled 7.vell"), home + "/Untitled%207.vell");
