@@ -108,6 +108,16 @@ Terms termsOf(const PredicateExpression& predicate) {
   return {};
 }
 
+/// Whether `termsOf` is worth asking.
+bool seeksText(const PredicateExpression& predicate) {
+  const auto either = [](const auto& node) { return seeksText(*node.left) || seeksText(*node.right); };
+  if (const auto* node = nodeOf<Comparison>(predicate)) return isTextOfRow(node->left);
+  if (const auto* node = nodeOf<Or>(predicate)) return either(*node);
+  if (const auto* node = nodeOf<And>(predicate)) return either(*node);
+  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return seeksText(*node->inner);
+  return nodeOf<ContainsText>(predicate) != nullptr;
+}
+
 /// A slice that is an index leaves one row of the candidates.
 bool isSingleElement(const Step& step) {
   if (selectsOneRow(step.axis())) return true;
@@ -163,7 +173,7 @@ bool FunctionCall::operator==(const FunctionCall& other) const {
 
 void Step::noteFactsOf(const PredicateExpression& predicate) {
   meta_.requiresContextPositions = meta_.requiresContextPositions || asksForPosition(predicate);
-  meta_.matchingTerms = MatchTerms(termsOf(predicate));
+  if (seeksText(predicate)) meta_.matchingTerms = MatchTerms(termsOf(predicate));
 }
 
 MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool allSingleElementSteps) {
