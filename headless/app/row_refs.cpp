@@ -14,6 +14,12 @@ bool isSessionId(const std::string& ref) {
   return !ref.empty() && std::all_of(ref.begin(), ref.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
+/// Hardly anybody's identifier, but somebody's path without its beginning.
+bool looksLikePath(const std::string& ref) {
+  return ref == "." || ref == ".." || ref.find_first_of("/(@*") != std::string::npos ||
+         ref.find("::") != std::string::npos;
+}
+
 const Row* findSession(const Outline& outline, const std::string& digits) {
   SessionId id = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
@@ -55,7 +61,8 @@ const Row& RowRefs::named(const std::string& ref) const {
   const Row* row = session ? findSession(outline, ref) : outline.findPersistent(ref);
   if (row != nullptr) return *row;
   throw Problem("No row of \"" + opened_.displayName() + "\" has the " +
-                (session ? "session" : "persistent") + " id " + (session ? ref : "\"" + ref + "\""));
+                (session ? "session" : "persistent") + " id " + (session ? ref : "\"" + ref + "\"") +
+                (looksLikePath(ref) ? " (a path begins with \"/\")" : ""));
 }
 
 }  // namespace vell::headless

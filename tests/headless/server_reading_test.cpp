@@ -31,6 +31,7 @@ TEST_F(Reading, SaysWhichReferenceNamesNothing) {
       {"99999999999", R"(No row of "groceries.json" has the session id 99999999999)"},
       {"bread", R"(No row of "groceries.json" has the persistent id "bread")"},
       {"", R"(No row of "groceries.json" has the persistent id "")"},
+      {"..", R"(No row of "groceries.json" has the persistent id ".." (a path begins with "/"))"},
   };
   for (const auto& [ref, message] : cases) EXPECT_EQ(call("outline.get", {{"rowRefs", {ref}}}), message);
   server_.open("empty.json", R"({"rows":[]})");
