@@ -3,6 +3,8 @@
 #include <memory>
 #include <utility>
 
+#include "outline_path/node_memory.h"
+
 namespace vell::outline_path {
 
 /// Holds one T on the heap as if by value: copies are deep, equality compares the contents.
@@ -10,18 +12,15 @@ namespace vell::outline_path {
 template <typename T>
 class Box {
  public:
-  explicit Box(T value) : held_(std::make_unique<T>(std::move(value))) {}
+  explicit Box(T value) : held_(make(std::move(value))) {}
   /// Of whatever T is constructed from.
   template <typename Source>
   requires(std::is_convertible_v<Source, T> && !std::is_same_v<std::remove_cvref_t<Source>, T> &&
            !std::is_same_v<std::remove_cvref_t<Source>, Box>) explicit Box(Source&& source)
-      : held_(std::make_unique<T>(std::forward<Source>(source))) {}
-  Box(const Box& other) : held_(std::make_unique<T>(*other.held_)) {}
+      : held_(make(std::forward<Source>(source))) {}
+  Box(const Box& other) : held_(make(*other.held_)) {}
   Box(Box&& other) noexcept = default;
-  Box& operator=(const Box& other) {
-    held_ = std::make_unique<T>(*other.held_);
-    return *this;
-  }
+  Box& operator=(const Box& other) { return *this = Box(other); }
   Box& operator=(Box&& other) noexcept = default;
   ~Box() = default;
 
@@ -32,7 +31,28 @@ class Box {
   friend bool operator==(const Box& left, const Box& right) { return *left == *right; }
 
  private:
-  std::unique_ptr<T> held_;
+  struct GivesBack {
+    void operator()(T* node) const noexcept {
+      std::destroy_at(node);
+      NodeMemory<sizeof(T)>::give(node);
+    }
+  };
+  using Held = std::unique_ptr<T, GivesBack>;
+
+  template <typename Source>
+  static Held make(Source&& source) {
+    struct Memory {
+      void* at = NodeMemory<sizeof(T)>::take();
+      ~Memory() {
+        if (at != nullptr) NodeMemory<sizeof(T)>::give(at);
+      }
+    } memory;
+    Held held(new (memory.at) T(std::forward<Source>(source)));
+    memory.at = nullptr;
+    return held;
+  }
+
+  Held held_;
 };
 
 }  // namespace vell::outline_path

@@ -4,6 +4,12 @@
 #include <utility>
 
 namespace vell::outline_path {
+namespace {
+
+/// Brackets and quotes stand before all letters and digits, which are quickly passed over so.
+constexpr char kLastMark = ')';
+
+}  // namespace
 
 std::size_t behindString(std::string_view text, std::size_t quote) {
   std::size_t at = quote + 1;
@@ -26,7 +32,9 @@ void Brackets::pairFrom(std::size_t open) {
   std::size_t innermost = kUnpaired;
   for (std::size_t at = open; at < text_.size();) {
     const char c = text_[at];
-    if (c == '(' && behind_[at] != 0) {
+    if (c > kLastMark) {
+      ++at;
+    } else if (c == '(' && behind_[at] != 0) {
       at = std::min(behind_[at], text_.size());
     } else if (c == '(') {
       behind_[at] = std::exchange(innermost, at);

@@ -133,7 +133,7 @@ MatchShape shapeOfSelf(const Step& step) {
 }
 
 /// The union of the terms of all steps.
-MatchTerms termsOf(const std::vector<Step>& steps) {
+MatchTerms termsOf(const Steps& steps) {
   Terms all;
   for (const Step& step : steps)
     all.insert(all.end(), step.meta().matchingTerms.begin(), step.meta().matchingTerms.end());
@@ -164,7 +164,7 @@ std::uint64_t hashOfName(std::string_view name) {
 
 Attribute::Attribute(std::string_view name) : name_(name), meta_{attributeKindOf(name), hashOfName(name)} {}
 
-FunctionCall::FunctionCall(std::string_view name, std::vector<ValueExpression> arguments)
+FunctionCall::FunctionCall(std::string_view name, Arguments arguments)
     : name_(name), arguments_(std::move(arguments)), meta_{functionKindOf(name)} {}
 
 bool FunctionCall::operator==(const FunctionCall& other) const {
@@ -176,14 +176,14 @@ void Step::noteFactsOf(const PredicateExpression& predicate) {
   if (seeksText(predicate)) meta_.matchingTerms = MatchTerms(termsOf(predicate));
 }
 
-MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool allSingleElementSteps) {
+MatchShape computeMatchShape(bool absolute, const Steps& steps, bool allSingleElementSteps) {
   if (!absolute && steps.size() == 1 && isSelf(steps.front().axis()) && !steps.front().slice()) {
     return shapeOfSelf(steps.front());
   }
   return allSingleElementSteps ? MatchShape::allSingleElementSteps : MatchShape::general;
 }
 
-Path::Path(bool absolute, std::vector<Step> steps) : absolute_(absolute), steps_(std::move(steps)) {
+Path::Path(bool absolute, Steps steps) : absolute_(absolute), steps_(std::move(steps)) {
   bool hasTerms = false;
   for (const Step& step : steps_) {
     meta_.requiresContextPositions = meta_.requiresContextPositions || step.meta().requiresContextPositions;

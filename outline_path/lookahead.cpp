@@ -1,8 +1,5 @@
 #include "outline_path/lookahead.h"
 
-#include "outline_path/characters.h"
-#include "outline_path/operators.h"
-
 namespace vell::outline_path {
 namespace {
 
@@ -45,7 +42,7 @@ bool Lookahead::relationFollows(std::size_t at) {
   for (std::size_t end = operandEnd(at); end != kNone; end = operandEnd(at)) {
     const std::size_t sign = skipBlanks(text_, end);
     if (sign == text_.size() || !kContinuations.has(text_[sign])) break;
-    if (relationAt(text_.substr(sign))) return true;
+    if (relation(sign)) return true;
     at = nextOperand(sign);
     if (at == kNone) break;
     several = true;
@@ -76,7 +73,7 @@ std::optional<std::size_t> Lookahead::missingRelation(std::size_t at) {
   std::optional<std::size_t> missing;
   for (std::size_t end = operandEnd(at); end != kNone; end = operandEnd(at)) {
     missing = skipBlanks(text_, end);
-    if (relationAt(text_.substr(*missing))) return std::nullopt;
+    if (relation(*missing)) return std::nullopt;
     at = nextOperand(*missing);
     if (at == kNone) break;
   }
@@ -95,7 +92,7 @@ std::size_t Lookahead::operandEnd(std::size_t at) {
   if (c == '"') return behindString(text_, at);
   if (c == '(') return brackets_.behind(at);
   if (c != '@' && c != '$') return wordOperandEnd(at);
-  const std::size_t length = nameLength(text_.substr(at + 1));
+  const std::size_t length = nameLengthAt(at + 1);
   return length == 0 ? kNone : at + 1 + length;
 }
 

@@ -7,6 +7,8 @@
 #include <vector>
 
 #include "outline_path/brackets.h"
+#include "outline_path/characters.h"
+#include "outline_path/operators.h"
 
 namespace vell::outline_path {
 
@@ -45,6 +47,22 @@ class Lookahead {
   /// Whether what stands at `at` may be divided by: a number, attribute, variable, function call, group or
   /// literal.
   bool isDivisor(std::size_t at) const;
+  /// The length of the name at `at`, 0 where there is none.
+  std::size_t nameLengthAt(std::size_t at) {
+    if (lastName_ != at) {
+      lastNameLength_ = nameLength(text_.substr(at));
+      lastName_ = at;
+    }
+    return lastNameLength_;
+  }
+  /// The relation at `at`, as `relationAt` has it.
+  std::optional<RelationOp> relation(std::size_t at) {
+    if (lastRelation_ != at) {
+      lastRelationOp_ = relationAt(text_.substr(at));
+      lastRelation_ = at;
+    }
+    return lastRelationOp_;
+  }
   /// The length of the function name at `at` with an opening bracket right behind it, else 0.
   std::size_t functionNameLength(std::size_t at) const;
 
@@ -61,6 +79,10 @@ class Lookahead {
   /// For each offset the constructs that failed there, and whether a relation is known to follow.
   std::vector<std::uint8_t> notes_;
   Brackets brackets_;
+  /// What is looked ahead at is read soon after.
+  std::size_t lastName_ = std::string_view::npos, lastNameLength_ = 0;
+  std::size_t lastRelation_ = std::string_view::npos;
+  std::optional<RelationOp> lastRelationOp_;
 };
 
 /// The offset of the first character at or behind `at` that is no blank.

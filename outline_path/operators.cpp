@@ -1,5 +1,7 @@
 #include "outline_path/operators.h"
 
+#include <algorithm>
+
 #include "outline_path/characters.h"
 #include "outline_path/word_index.h"
 
@@ -19,12 +21,15 @@ constexpr WordIndex kKeywordIndex(kKeywords);
 
 constexpr WordIndex kRelationIndex(kRelationOps);
 
+constexpr std::array<std::string_view, 3> kConstants = {kTrue, kFalse, kNull};
+constexpr WordIndex kConstantIndex(kConstants);
+
 }  // namespace
 
 std::optional<RelationOp> relationAt(std::string_view text) {
   if (text.empty()) return std::nullopt;
-  std::size_t length = lengthOf(kInName, text) != 0 ? wordLength(text) : 1;
-  if (text.front() != '=' && text.substr(1, 1) == "=") length = 2;
+  const bool isLongSign = text.size() > 1 && text[1] == '=' && text.front() != '=';
+  const std::size_t length = isLongSign ? 2 : std::max(wordLength(text), std::size_t{1});
   const std::size_t index = kRelationIndex.find(text.substr(0, length));
   if (index == kRelationOps.size()) return std::nullopt;
   return static_cast<RelationOp>(index);
@@ -34,6 +39,6 @@ std::span<const std::string_view> keywords() { return kKeywords; }
 
 bool isKeyword(std::string_view word) { return kKeywordIndex.find(word) != kKeywords.size(); }
 
-bool isConstant(std::string_view word) { return word == kTrue || word == kFalse || word == kNull; }
+bool isConstant(std::string_view word) { return kConstantIndex.find(word) != kConstants.size(); }
 
 }  // namespace vell::outline_path

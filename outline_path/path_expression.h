@@ -24,20 +24,20 @@ class Path {
 
   /// The relative path without steps, which no text stands for.
   Path() = default;
-  Path(bool absolute, std::vector<Step> steps);
+  Path(bool absolute, Steps steps);
   bool absolute() const { return absolute_; }
-  const std::vector<Step>& steps() const { return steps_; }
+  const Steps& steps() const { return steps_; }
   const Meta& meta() const { return meta_; }
   bool operator==(const Path&) const = default;
 
  private:
   bool absolute_ = false;
-  std::vector<Step> steps_;
+  Steps steps_;
   Meta meta_;
 };
 
 /// The shape of a path with these parts; `allSingleElementSteps` as in `Path::Meta`.
-MatchShape computeMatchShape(bool absolute, const std::vector<Step>& steps, bool allSingleElementSteps);
+MatchShape computeMatchShape(bool absolute, const Steps& steps, bool allSingleElementSteps);
 
 struct Union {
   Box<PathExpression> left, right;

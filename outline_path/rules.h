@@ -30,9 +30,10 @@ bool take(Input& in, std::size_t length) {
 
 struct Name {
   using rule_t = Name;
-  template <typename Input>
-  static bool match(Input& in) {
-    return take(in, nameLength(rest(in)));
+  template <pegtl::apply_mode, pegtl::rewind_mode, template <typename...> class, template <typename...> class,
+            typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&...) {
+    return take(in, context.lookahead.nameLengthAt(in.byte()));
   }
 };
 

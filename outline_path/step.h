@@ -99,6 +99,8 @@ class Step {
   Meta meta_;
 };
 
+using Steps = std::vector<Step, NodeAllocator<Step>>;
+
 /// What a whole path amounts to, for evaluators with a short cut for it. The "single self" shapes are
 /// relative paths of one self step without a slice; what they look for stands in that step's filter.
 enum class MatchShape : std::uint8_t {

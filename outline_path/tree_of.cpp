@@ -28,7 +28,7 @@ Expression made(Make make) {
 }
 
 FunctionCall callOf(const Draft& draft) {
-  std::vector<ValueExpression> arguments;
+  FunctionCall::Arguments arguments;
   arguments.reserve(draft.count);
   for (const Draft* argument = draft.left; argument != nullptr; argument = argument->next)
     arguments.emplace_back(InPlace{[argument] { return valueOf(*argument); }});
@@ -91,7 +91,7 @@ Step stepOf(const Draft& draft) {
 }
 
 Path stepsOf(const Draft& draft) {
-  std::vector<Step> steps;
+  Steps steps;
   steps.reserve(draft.count);
   for (const Draft* step = draft.left; step != nullptr; step = step->next)
     steps.emplace_back(InPlace{[step] { return stepOf(*step); }});

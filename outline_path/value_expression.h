@@ -43,20 +43,22 @@ std::uint64_t hashOfName(std::string_view name);
 /// `name(arguments)`.
 class FunctionCall {
  public:
+  using Arguments = std::vector<ValueExpression, NodeAllocator<ValueExpression>>;
+
   struct Meta {
     FunctionKind kind = FunctionKind::other;
     bool operator==(const Meta&) const = default;
   };
 
-  FunctionCall(std::string_view name, std::vector<ValueExpression> arguments);
+  FunctionCall(std::string_view name, Arguments arguments);
   const std::string& name() const { return name_; }
-  const std::vector<ValueExpression>& arguments() const { return arguments_; }
+  const Arguments& arguments() const { return arguments_; }
   const Meta& meta() const { return meta_; }
   bool operator==(const FunctionCall&) const;
 
  private:
   std::string name_;
-  std::vector<ValueExpression> arguments_;
+  Arguments arguments_;
   Meta meta_;
 };
 

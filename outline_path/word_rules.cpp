@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cmath>
+#include <limits>
 
 #include "outline_path/characters.h"
 #include "outline_path/numbers.h"
@@ -17,6 +18,9 @@ std::size_t found(ParseContext& context, Entry entry, std::size_t length) {
   return length;
 }
 
+/// So many digits are no infinity.
+constexpr std::size_t kSurelyFinite = std::numeric_limits<double>::max_exponent10;
+
 bool isBareWord(std::string_view word) { return !isKeyword(word) && !isConstant(word) && !isNumber(word); }
 
 }  // namespace
@@ -31,7 +35,7 @@ bool isTextWord(std::string_view word, const ParseContext&) {
 }
 
 bool isFiniteNumber(std::string_view word, const ParseContext&) {
-  return isNumber(word) && std::isfinite(numberOf(word));
+  return isNumber(word) && (word.size() <= kSurelyFinite || std::isfinite(numberOf(word)));
 }
 bool isBoolean(std::string_view word, const ParseContext&) { return word == kTrue || word == kFalse; }
 bool isNull(std::string_view word, const ParseContext&) { return word == kNull; }
@@ -41,7 +45,7 @@ std::size_t functionName(std::string_view text, ParseContext& context) {
 }
 
 std::size_t relationOp(std::string_view text, ParseContext& context) {
-  const auto op = relationAt(text);
+  const auto op = context.lookahead.relation(context.text.size() - text.size());
   return op ? found(context, *op, spelling(*op).size()) : 0;
 }
 

@@ -56,7 +56,7 @@ class RandomTree {
   PathExpression path(int depth) {
     const bool absolute = chance(6);
     const std::size_t count = absolute ? pick(4) : 1 + pick(3);
-    std::vector<Step> steps;
+    Steps steps;
     for (std::size_t i = 0; i < count; ++i) steps.push_back(step(depth, i > 0 || absolute));
     return {Path(absolute, std::move(steps))};
   }
@@ -153,7 +153,7 @@ class RandomTree {
   }
 
   ValueExpression call(int depth) {
-    std::vector<ValueExpression> arguments;
+    FunctionCall::Arguments arguments;
     for (std::size_t i = depth > 0 ? pick(3) : 0; i > 0; --i) {
       arguments.push_back(chance(5) ? ValueExpression{PathArgument{Box(pathSet(depth - 1, 0))}}
                                     : sum(depth - 1, Place::inValue));
