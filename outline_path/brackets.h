@@ -28,7 +28,7 @@ class Brackets {
   std::string_view text_;
   /// For each opening bracket that was read what `behind` returns; 0 for whatever else.
   std::size_t* behind_ = nullptr;
-  std::array<std::size_t, 256> few_;
+  std::array<std::size_t, 1024> few_;
   std::vector<std::size_t> many_;
 };
 

@@ -101,7 +101,11 @@ std::size_t Lookahead::wordOperandEnd(std::size_t at) {
   const std::string_view word = text_.substr(at, wordLength(text_.substr(at)));
   const std::size_t end = at + word.size();
   if (word.empty()) return kNone;
-  if (end < text_.size() && text_[end] == '(' && isFunctionName(word)) return brackets_.behind(end);
+  if (end < text_.size() && text_[end] == '(' && isFunctionName(word)) {
+    lastCall_ = at;
+    lastCallLength_ = word.size();
+    return brackets_.behind(end);
+  }
   return isKeyword(word) ? kNone : end;
 }
 
@@ -126,6 +130,7 @@ bool Lookahead::isDivisor(std::size_t at) const {
 }
 
 std::size_t Lookahead::functionNameLength(std::size_t at) const {
+  if (at == lastCall_) return lastCallLength_;
   const std::string_view rest = text_.substr(at);
   const std::size_t length = wordLength(rest);
   if (length == 0 || length == rest.size() || rest[length] != '(') return 0;

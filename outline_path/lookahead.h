@@ -81,6 +81,7 @@ class Lookahead {
   Brackets brackets_;
   /// What is looked ahead at is read soon after.
   std::size_t lastName_ = std::string_view::npos, lastNameLength_ = 0;
+  std::size_t lastCall_ = std::string_view::npos, lastCallLength_ = 0;
   std::size_t lastRelation_ = std::string_view::npos;
   std::optional<RelationOp> lastRelationOp_;
 };

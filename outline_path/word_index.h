@@ -3,6 +3,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 namespace vell::outline_path {
@@ -16,7 +17,7 @@ class WordIndex {
   }
 
   /// The index of `word` in the table, or the number of words.
-  constexpr std::size_t find(std::string_view word) const {
+  std::size_t find(std::string_view word) const {
     if (word.empty()) return count;
     const std::size_t index = slots_[slotOf(word)];
     return index < count && isSame(words_[index], word) ? index : count;
@@ -31,12 +32,21 @@ class WordIndex {
   }
 
   /// Words are so short that calling the library to compare them takes longer.
-  static constexpr bool isSame(std::string_view left, std::string_view right) {
-    if (left.size() != right.size()) return false;
-    for (std::size_t i = 0; i < left.size(); ++i) {
+  static bool isSame(std::string_view left, std::string_view right) {
+    const std::size_t size = left.size();
+    if (size != right.size()) return false;
+    // The first four bytes and the last four, which may overlap.
+    if (size >= 4 && size <= 8)
+      return fourAt(left, 0) == fourAt(right, 0) && fourAt(left, size - 4) == fourAt(right, size - 4);
+    for (std::size_t i = 0; i < size; ++i) {
       if (left[i] != right[i]) return false;
     }
     return true;
+  }
+  static std::uint32_t fourAt(std::string_view word, std::size_t offset) {
+    std::uint32_t four = 0;
+    std::memcpy(&four, word.data() + offset, sizeof four);
+    return four;
   }
 
   constexpr bool isFilled() {

@@ -120,7 +120,10 @@ AttributeKind attributeKindOf(std::string_view name);
 constexpr bool isSelf(Axis axis) { return axis == Axis::self || axis == Axis::selfShortcut; }
 /// Whether `axis` selects at most one row from each row.
 constexpr bool selectsOneRow(Axis axis) {
-  return isSelf(axis) || axis == Axis::parent || axis == Axis::parentShortcut;
+  constexpr auto bit = [](Axis one) { return 1U << static_cast<unsigned>(one); };
+  constexpr unsigned single =
+      bit(Axis::self) | bit(Axis::selfShortcut) | bit(Axis::parent) | bit(Axis::parentShortcut);
+  return (bit(axis) & single) != 0;
 }
 
 }  // namespace vell::outline_path
