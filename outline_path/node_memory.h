@@ -30,8 +30,9 @@ class NodeMemory {
   struct Unused {
     Unused* next;
   };
-  /// Gives all back as the thread ends.
+  /// Makes room as a thread takes its first node, and gives all back as it ends.
   struct Keeper {
+    Keeper() { room_ = kMost; }
     ~Keeper() {
       room_ = 0;
       for (Unused* node = unused_; node != nullptr;) {
@@ -46,8 +47,6 @@ class NodeMemory {
   [[gnu::noinline]] static void* takeNew() {
     static thread_local const Keeper keeper;
     static_cast<void>(keeper);
-    if (!kept_) room_ = kMost;
-    kept_ = true;
     return ::operator new(size);
   }
 
@@ -59,7 +58,6 @@ class NodeMemory {
   // Without constructors and destructors, so that nothing is asked on the way to them.
   static constinit inline thread_local Unused* unused_ = nullptr;
   static constinit inline thread_local std::size_t room_ = 0;
-  static constinit inline thread_local bool kept_ = false;
 };
 
 /// For the short lists that nodes hold.
