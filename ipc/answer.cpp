@@ -22,4 +22,6 @@ std::optional<Answer> Answer::parse(json::Text line) {
 
 std::string Answer::bytes() const { return json::toString(result_, json::Layout::compact); }
 
+void Answer::appendQuoted(std::string& out) const { json::appendQuoted(result_, out); }
+
 }  // namespace vell::ipc

@@ -216,6 +216,22 @@ std::string toString(const Node& value, Layout layout) {
   return std::move(sink.text);
 }
 
+void appendQuoted(const Node& value, std::string& out) {
+  const std::string text = toString(value, Layout::compact);
+  out.reserve(out.size() + text.size() + text.size() / 4 + 3);
+  out += '"';
+  const std::size_t first = out.size();
+  out.resize(first + 2 * text.size());
+  char* at = out.data() + first;
+  for (const char byte : text) {
+    *at = '\\';
+    at += byte == '"' || byte == '\\';
+    *at++ = byte;
+  }
+  out.resize(static_cast<std::size_t>(at - out.data()));
+  out += '"';
+}
+
 std::string rewrite(std::string_view text, Layout layout) {
   const Document document{Text(text)};
   return toString(document.root(), layout);

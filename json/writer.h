@@ -16,6 +16,10 @@ enum class Layout { compact, indented };
 void write(const Node& value, Layout layout, Sink& sink);
 std::string toString(const Node& value, Layout layout);
 
+/// Appends the value's compact text as a JSON string, quotes included: the form in which one JSON text
+/// carries another.
+void appendQuoted(const Node& value, std::string& out);
+
 /// Writes what a string means, in UTF-8 (U+FFFD for a lone surrogate). `value` must be a string.
 void writeMeaning(const Node& value, Sink& sink);
 

@@ -59,13 +59,11 @@ Message decodeMessage(Value value) {
   return Request{*id, *method->string(), std::move(params)};
 }
 
-// Written straight to the line: a result may hold a megabyte of text, which is escaped once and copied
-// nowhere.
-std::string encodeResult(const RequestId& id, const Value& result) {
+std::string encodeResult(const RequestId& id, const ValueWriter& writeResult) {
   std::string line = "{\"id\":";
   encode(id.toValue(), line);
   line.append(",\"jsonrpc\":\"").append(jsonrpc).append("\",\"result\":");
-  encode(result, line);
+  writeResult(line);
   return line += '}';
 }
 

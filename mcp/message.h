@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
@@ -37,8 +38,11 @@ using Message = std::variant<Request, Notification, Response, InvalidMessage>;
 
 Message decodeMessage(Value value);
 
+/// Appends a value as JSON text on one line: large results are written once, where they go out.
+using ValueWriter = std::function<void(std::string& out)>;
+
 /// Each on one line, without line feed.
-std::string encodeResult(const RequestId& id, const Value& result);
+std::string encodeResult(const RequestId& id, const ValueWriter& writeResult);
 /// Without an identifier `id` is null: the request could not be told.
 std::string encodeError(const std::optional<RequestId>& id, const MCPError& error);
 std::string encodeNotification(const std::string& method, const std::optional<Value>& params);

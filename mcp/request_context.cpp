@@ -2,6 +2,7 @@
 
 #include "mcp/message.h"
 #include "mcp/server.h"
+#include "mcp/value_text.h"
 
 namespace vell::mcp {
 
@@ -41,7 +42,11 @@ void RequestContext::log(LogLevel level, const std::string& message, const LogMe
 }
 
 void RequestContext::succeed(const Value& result) {
-  if (mayAnswer("Request cancelled, suppressing response")) answer(encodeResult(id_, result));
+  succeed([&result](std::string& line) { encode(result, line); });
+}
+
+void RequestContext::succeed(const ValueWriter& writeResult) {
+  if (mayAnswer("Request cancelled, suppressing response")) answer(encodeResult(id_, writeResult));
 }
 
 void RequestContext::fail(const MCPError& error) {

@@ -7,6 +7,7 @@
 
 #include "mcp/logger.h"
 #include "mcp/mcp_error.h"
+#include "mcp/message.h"
 #include "mcp/request_id.h"
 #include "mcp/value.h"
 
@@ -40,6 +41,8 @@ class RequestContext {
   void log(LogLevel level, const std::string& message, const LogMetadata& metadata = {});
 
   void succeed(const Value& result);
+  /// The same for a result that is written straight to the response.
+  void succeed(const ValueWriter& writeResult);
   void fail(const MCPError& error);
   /// An MCPError goes out as it is; of any other failure the client learns nothing.
   void fail(const std::exception_ptr& failure);

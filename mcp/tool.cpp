@@ -53,12 +53,25 @@ Value CallToolResult::toValue() && {
 }
 
 void ToolCall::answer(CallToolResult result) {
-  const ToolDefinition& definition = tool_->definition();
-  if (definition.outputSchema && !result.isError && !result.structuredContent) {
-    return request_->fail(MCPError::invalidParams(
-        "Tool '" + definition.name + "' has an output schema but no structured content was provided"));
-  }
+  if (!result.isError && !result.structuredContent && !mayLackStructure()) return;
   request_->succeed(std::move(result).toValue());
+}
+
+void ToolCall::answerText(const ValueWriter& writeText) {
+  if (!mayLackStructure()) return;
+  request_->succeed([&writeText](std::string& line) {
+    line += R"({"content":[{"text":)";
+    writeText(line);
+    line += R"(,"type":"text"}]})";
+  });
+}
+
+bool ToolCall::mayLackStructure() {
+  const ToolDefinition& definition = tool_->definition();
+  if (!definition.outputSchema) return true;
+  request_->fail(MCPError::invalidParams("Tool '" + definition.name +
+                                         "' has an output schema but no structured content was provided"));
+  return false;
 }
 
 }  // namespace vell::mcp

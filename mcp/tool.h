@@ -57,9 +57,14 @@ class ToolCall {
   /// Answers with the result; an output schema without structured content fails the request instead.
   void answer(CallToolResult result);
   void answerText(std::string text) { answer(CallToolResult::text(std::move(text))); }
+  /// The same for a text that is written, as a JSON string, straight to the response.
+  void answerText(const ValueWriter& writeText);
   void fail(std::string description) { answer(CallToolResult::error(std::move(description))); }
 
  private:
+  /// Fails the request where the tool has promised structured content.
+  bool mayLackStructure();
+
   std::shared_ptr<Tool> tool_;
   RequestContextPtr request_;
 };

@@ -42,6 +42,8 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   void connect();
   void connected(platform::Descriptor descriptor);
   void read();
+  /// How many bytes came while an answer was waited for awake, 0 for none.
+  std::size_t readSoon(const ipc::LineFraming::Room& room);
   void write();
   void onRead(std::error_code error, std::size_t count);
   void finish();
@@ -54,6 +56,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   ipc::LineFraming arrived_;
   std::string writing_;  // handed to the loop, untouched until it is written
   std::string waiting_;
+  bool asked_ = false;  // whether something was sent since bytes came
   bool open_ = true;
 };
 

@@ -123,6 +123,20 @@ TEST(WriteMeaning, DecodesInPieces) {
   }
 }
 
+TEST(Quoted, IsTheCompactTextAsAString) {
+  for (const std::string text :
+       {"null", R"("")", R"({"b":[1.0,"\"\\\u0001\/\ud800"],"a\"":{"é":"\n😀"}, "":[]})"}) {
+    const Document document{Text(text)};
+    std::string quoted = ":";
+    appendQuoted(document.root(), quoted);
+    EXPECT_EQ(Document(Text(quoted.substr(1))).root().string(), toString(document.root(), Layout::compact))
+        << quoted;
+  }
+  std::string quoted;
+  appendQuoted(Document(Text(R"({ "b" : "\"" , "a" : 1 })")).root(), quoted);
+  EXPECT_EQ(quoted, R"("{\"a\":1,\"b\":\"\\\"\"}")");
+}
+
 TEST(Node, FindsAndReadsValues) {
   const Document document{
       Text(R"({"a":1,"s":"x\u00e9\ud800","n":-9223372036854775808,"f":1.0,"big":9223372036854775808,)"
