@@ -11,9 +11,9 @@ namespace vell::outline_path {
 template <typename Rule>
 inline constexpr std::optional<Characters> kBeginnings = std::nullopt;
 
-/// The characters that may follow the blanks that a rule begins with.
-template <typename Rule>
-inline constexpr std::optional<Characters> kBehindBlanks = std::nullopt;
+/// The characters that a tail may begin with behind its blanks.
+template <typename Tail>
+inline constexpr Characters kBehindBlanks;
 
 // clang-format off
 template <> inline constexpr std::optional<Characters> kBeginnings<grammar::AttributeParser>            = Characters("@");
@@ -39,33 +39,15 @@ template <> inline constexpr std::optional<Characters> kBeginnings<grammar::Node
 template <> inline constexpr std::optional<Characters> kBeginnings<grammar::SliceParser>               = Characters("[");
 template <> inline constexpr std::optional<Characters> kBeginnings<grammar::PathExpressionGroupParser> = Characters("(");
 
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::MultiplicativeTail>      = Characters("*/");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::AdditiveTail>            = Characters("+-");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::RightMultiplicativeTail> = Characters("*");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::RightAdditiveTail>       = Characters("+-");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::AndTail>                 = Characters("a");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::OrTail>                  = Characters("o");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::IntersectTail>           = Characters("i");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::ExceptTail>              = Characters("e");
-template <> inline constexpr std::optional<Characters> kBehindBlanks<grammar::UnionTail>               = Characters("u");
+template <> inline constexpr Characters kBehindBlanks<grammar::MultiplicativeTail>      = Characters("*/");
+template <> inline constexpr Characters kBehindBlanks<grammar::AdditiveTail>            = Characters("+-");
+template <> inline constexpr Characters kBehindBlanks<grammar::RightMultiplicativeTail> = Characters("*");
+template <> inline constexpr Characters kBehindBlanks<grammar::RightAdditiveTail>       = Characters("+-");
+template <> inline constexpr Characters kBehindBlanks<grammar::AndTail>                 = Characters("a");
+template <> inline constexpr Characters kBehindBlanks<grammar::OrTail>                  = Characters("o");
+template <> inline constexpr Characters kBehindBlanks<grammar::IntersectTail>           = Characters("i");
+template <> inline constexpr Characters kBehindBlanks<grammar::ExceptTail>              = Characters("e");
+template <> inline constexpr Characters kBehindBlanks<grammar::UnionTail>               = Characters("u");
 // clang-format on
-
-/// Control of a parse that nobody watches: what the next character cannot begin is not tried.
-template <typename Rule>
-struct Unwatched : tao::pegtl::normal<Rule> {
-  template <tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M, template <typename...> class Action,
-            template <typename...> class Control, typename Input, typename... States>
-  static bool match(Input& in, States&&... states) {
-    if constexpr (kBeginnings<Rule>.has_value()) {
-      if (in.empty() || !kBeginnings<Rule>->has(in.peek_char())) return false;
-    }
-    if constexpr (kBehindBlanks<Rule>.has_value()) {
-      const char* at = in.current();
-      while (at != in.end() && isBlank(*at)) ++at;
-      if (at == in.end() || !kBehindBlanks<Rule>->has(*at)) return false;
-    }
-    return tao::pegtl::normal<Rule>::template match<A, M, Action, Control>(in, states...);
-  }
-};
 
 }  // namespace vell::outline_path

@@ -8,10 +8,14 @@
 namespace vell::outline_path {
 
 /// Holds one T on the heap as if by value: copies are deep, equality compares the contents.
-/// Never empty, save after it was moved from.
+/// Never empty, save after it was moved from or where it was left for later. Where `lastPart(T&)` gives the
+/// box that a T ends with, chains of such boxes are dropped one by one, not within each other.
 template <typename T>
 class Box {
  public:
+  struct ForLater {};
+  /// Empty, to be assigned before anybody looks.
+  explicit Box(ForLater) {}
   explicit Box(T value) : held_(make(std::move(value))) {}
   /// Of whatever T is constructed from.
   template <typename Source>
@@ -33,11 +37,24 @@ class Box {
  private:
   struct GivesBack {
     void operator()(T* node) const noexcept {
-      std::destroy_at(node);
-      NodeMemory<sizeof(T)>::give(node);
+      while (node != nullptr) {
+        T* const last = takeLast(*node);
+        std::destroy_at(node);
+        NodeMemory<sizeof(T)>::give(node);
+        node = last;
+      }
     }
   };
   using Held = std::unique_ptr<T, GivesBack>;
+
+  static T* takeLast(T& node) noexcept {
+    if constexpr (requires { lastPart(node); }) {
+      Box* const last = lastPart(node);
+      return last == nullptr ? nullptr : last->held_.release();
+    } else {
+      return nullptr;
+    }
+  }
 
   template <typename Source>
   static Held make(Source&& source) {

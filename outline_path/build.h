@@ -17,13 +17,14 @@ using Slot = Draft*;
 /// Drafts one behind the other.
 struct DraftList {
   void append(Draft* draft) {
+    draft->next = nullptr;
     (last == nullptr ? first : last->next) = draft;
     last = draft;
     ++count;
   }
   Draft* first = nullptr;
   Draft* last = nullptr;
-  std::size_t count = 0;
+  std::uint32_t count = 0;
 };
 
 struct PathParts {
@@ -51,8 +52,10 @@ struct ComparisonParts {
   bool localeAware = false;
 };
 
-struct TailParts {
+struct SignParts {
   std::uint8_t op = 0;
+};
+struct TailParts : SignParts {
   Slot right = nullptr;
 };
 
@@ -101,31 +104,33 @@ template <Kind kind>
 struct Leaf {
   template <typename Input>
   static void apply(const Input& in, ParseContext& context, Slot& out) {
-    out = context.drafts.add(kind, in.string_view());
+    out = context.drafts.addText(kind, in.string_view());
   }
 };
 
 /// Puts what was matched into a node of its own.
 template <Kind kind>
 struct Wraps {
-  static void apply0(ParseContext& context, Slot& out) { out = context.drafts.add(kind, {}, out); }
+  static void apply0(ParseContext& context, Slot& out) { out = context.drafts.addParts(kind, nullptr, out); }
 };
 
 /// Joins the operand that was matched before with the right side of an operator.
 template <Kind kind>
 struct Joins : Makes<Joins<kind>, Slot> {
+  static constexpr Kind kKind = kind;
   template <typename Input>
   static void finish(const Input&, ParseContext& context, Slot right, Slot& out) {
-    out = context.drafts.add(kind, {}, out, right);
+    out = context.drafts.addParts(kind, out, right);
   }
 };
 
 /// The same where the node holds which operator it was.
 template <Kind kind>
 struct JoinsBy : Makes<JoinsBy<kind>, TailParts> {
+  static constexpr Kind kKind = kind;
   template <typename Input>
   static void finish(const Input&, ParseContext& context, const TailParts& tail, Slot& out) {
-    out = context.drafts.add(kind, {}, out, tail.right);
+    out = context.drafts.addParts(kind, out, tail.right);
     out->entry = tail.op;
   }
 };
@@ -140,7 +145,7 @@ struct FillsRight : Fills<FillsRight> {
 /// Notes the operator that the rule spells.
 template <auto op>
 struct SetsOp {
-  static void apply0(ParseContext&, TailParts& tail) { tail.op = static_cast<std::uint8_t>(op); }
+  static void apply0(ParseContext&, SignParts& sign) { sign.op = static_cast<std::uint8_t>(op); }
 };
 
 }  // namespace actions
@@ -198,7 +203,7 @@ struct Build<grammar::FunctionCallParser>
     : actions::Makes<Build<grammar::FunctionCallParser>, FunctionParts> {
   template <typename Input>
   static void finish(const Input&, ParseContext& context, const FunctionParts& parts, Slot& out) {
-    out = context.drafts.add(Draft::Kind::call, parts.name, parts.arguments.first);
+    out = context.drafts.addText(Draft::Kind::call, parts.name, parts.arguments.first);
     out->count = parts.arguments.count;
   }
 };
@@ -226,7 +231,7 @@ struct Build<grammar::PredicateExpressionComparisonParser>
     : actions::Makes<Build<grammar::PredicateExpressionComparisonParser>, ComparisonParts> {
   template <typename Input>
   static void finish(const Input&, ParseContext& context, const ComparisonParts& parts, Slot& out) {
-    out = context.drafts.add(Draft::Kind::comparison, {}, parts.left, parts.right);
+    out = context.drafts.addParts(Draft::Kind::comparison, parts.left, parts.right);
     out->entry = parts.op;
     out->detail = parts.modifier;
     out->localeAware = parts.localeAware;
@@ -295,7 +300,7 @@ template <>
 struct Build<grammar::StepContainsText> {
   template <typename Input>
   static void apply(const Input& in, ParseContext& context, StepParts& step) {
-    step.predicate = context.drafts.add(Draft::Kind::unquoted, in.string_view());
+    step.predicate = context.drafts.addText(Draft::Kind::unquoted, in.string_view());
   }
 };
 
@@ -311,7 +316,7 @@ template <>
 struct Build<grammar::StepParser> : actions::Makes<Build<grammar::StepParser>, StepParts> {
   template <typename Input>
   static void finish(const Input&, ParseContext& context, const StepParts& step, PathParts& path) {
-    Draft* draft = context.drafts.add(Draft::Kind::step, step.slice, step.predicate);
+    Draft* draft = context.drafts.addText(Draft::Kind::step, step.slice, step.predicate);
     draft->entry = static_cast<std::uint8_t>(step.axis);
     draft->detail = step.typeTest;
     path.steps.append(draft);
@@ -331,7 +336,7 @@ template <>
 struct Build<grammar::PathParser> : actions::Makes<Build<grammar::PathParser>, PathParts> {
   template <typename Input>
   static void finish(const Input&, ParseContext& context, const PathParts& parts, Slot& out) {
-    out = context.drafts.add(Draft::Kind::path, {}, parts.steps.first);
+    out = context.drafts.addParts(Draft::Kind::path, parts.steps.first, nullptr);
     out->entry = static_cast<std::uint8_t>(parts.absolute);
     out->count = parts.steps.count;
   }

@@ -57,7 +57,7 @@ inline constexpr Characters kNameBeginnings = [] {
 }();
 
 /// The length of the character beyond ASCII at the beginning of `text` where it is of the class, else 0.
-std::size_t lengthBeyondAscii(std::uint8_t wanted, std::string_view text);
+[[gnu::noinline, gnu::cold]] std::size_t lengthBeyondAscii(std::uint8_t wanted, std::string_view text);
 
 /// The length of the character at the beginning of `text` where it is of the class, else 0.
 inline std::size_t lengthOf(std::uint8_t wanted, std::string_view text) {

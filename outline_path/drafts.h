@@ -44,16 +44,19 @@ struct Draft {
   /// A step's type test, as its number plus one; a relation's modifier letter, in the same way.
   std::uint8_t detail;
   bool localeAware;
-  /// The name or the text as written; a step's slice.
-  const char* begin;
+  /// The number of steps or arguments, as far as it can be told.
+  std::uint32_t count;
+  union {
+    /// The name or the text as written; a step's slice.
+    const char* begin;
+    /// The right operand, or the only one.
+    Draft* right;
+  };
   std::size_t length;
-  /// The operands, or a step's predicate; of a path or call `left` is the first of its steps or arguments.
+  /// The left operand, or a step's predicate; the first of a path's steps or of a call's arguments.
   Draft* left;
-  Draft* right;
   /// The next step or argument.
   Draft* next;
-  /// The number of steps or arguments.
-  std::size_t count;
 
   std::string_view text() const { return {begin, length}; }
 };
@@ -61,22 +64,31 @@ struct Draft {
 /// The drafts of one parse.
 class Drafts {
  public:
-  Draft* add(Draft::Kind kind, std::string_view text = {}, Draft* left = nullptr, Draft* right = nullptr) {
+  /// Of a text, and perhaps parts.
+  Draft* addText(Draft::Kind kind, std::string_view text, Draft* left = nullptr) {
+    Draft* draft = add(kind, left);
+    draft->begin = text.data();
+    draft->length = text.size();
+    return draft;
+  }
+  /// Of operands.
+  Draft* addParts(Draft::Kind kind, Draft* left, Draft* right) {
+    Draft* draft = add(kind, left);
+    draft->right = right;
+    return draft;
+  }
+
+ private:
+  Draft* add(Draft::Kind kind, Draft* left) {
     Draft* draft = drafts_.add();
     draft->kind = kind;
     draft->entry = 0;
     draft->detail = 0;
     draft->localeAware = false;
-    draft->begin = text.data();
-    draft->length = text.size();
     draft->left = left;
-    draft->right = right;
-    draft->next = nullptr;
-    draft->count = 0;
     return draft;
   }
 
- private:
   Pile<Draft, 256> drafts_;
 };
 

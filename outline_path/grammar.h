@@ -5,9 +5,9 @@
 
 // The grammar of outline paths, from the characters up to the whole text.
 //
-// Binary levels are right-recursive: an operand, then perhaps an operator and a whole expression of the same
-// level. Every alternative but one is told apart by what it begins with. The exception is the bracket, which
-// opens a group of paths, of predicates or of values, and a value may begin a comparison:
+// Binary levels are right-recursive: an operand, then perhaps a tail: an operator and a whole expression of
+// the same level. Every alternative but one is told apart by what it begins with. The exception is the
+// bracket, which opens a group of paths, of predicates or of values, and a value may begin a comparison:
 //
 //  - Where a path or a value may stand the path is tried first. A group that failed at a place is not tried
 //    there again (`Once`), so that nested brackets are read once for each kind.
@@ -92,28 +92,28 @@ struct Over                                : Spelled<MultiplicativeOp::divide> {
 struct Divisor                             : Where<isDivisor> {};
 struct MultiplicativeOpParser              : sor<seq<Times, OptionalBlanks>, seq<Over, OptionalBlanks, Divisor>> {};
 struct MultiplicativeOperand;
-struct MultiplicativeTail                  : seq<OptionalBlanks, MultiplicativeOpParser, Deeper<MultiplicativeOperand>> {};
-struct ValueExpressionMultiplicativeParser : seq<ValueExpressionUnaryParser, opt<MultiplicativeTail>> {};
+struct MultiplicativeTail                  : Tail<MultiplicativeOperand, OptionalBlanks, MultiplicativeOpParser> {};
+struct ValueExpressionMultiplicativeParser : Binary<ValueExpressionUnaryParser, MultiplicativeTail> {};
 struct MultiplicativeOperand               : ValueExpressionMultiplicativeParser {};
 
 struct Plus                          : Spelled<AdditiveOp::add> {};
 struct Minus                         : Spelled<AdditiveOp::subtract> {};
 struct AdditiveOpParser              : sor<Plus, Minus> {};
 struct AdditiveOperand;
-struct AdditiveTail                  : seq<OptionalBlanks, AdditiveOpParser, OptionalBlanks, Deeper<AdditiveOperand>> {};
-struct ValueExpressionAdditiveParser : seq<ValueExpressionMultiplicativeParser, opt<AdditiveTail>> {};
+struct AdditiveTail                  : Tail<AdditiveOperand, OptionalBlanks, AdditiveOpParser, OptionalBlanks> {};
+struct ValueExpressionAdditiveParser : Binary<ValueExpressionMultiplicativeParser, AdditiveTail> {};
 struct AdditiveOperand               : ValueExpressionAdditiveParser {};
 
 struct ValueExpressionParser : ValueExpressionAdditiveParser {};
 
 // The right side of a comparison, in which "/" does not divide
 struct RightMultiplicativeOperand;
-struct RightMultiplicativeTail    : seq<OptionalBlanks, Times, OptionalBlanks, Deeper<RightMultiplicativeOperand>> {};
-struct RightMultiplicative        : seq<ValueExpressionUnaryParser, opt<RightMultiplicativeTail>> {};
+struct RightMultiplicativeTail    : Tail<RightMultiplicativeOperand, OptionalBlanks, Times, OptionalBlanks> {};
+struct RightMultiplicative        : Binary<ValueExpressionUnaryParser, RightMultiplicativeTail> {};
 struct RightMultiplicativeOperand : RightMultiplicative {};
 struct RightAdditiveOperand;
-struct RightAdditiveTail          : seq<OptionalBlanks, AdditiveOpParser, OptionalBlanks, Deeper<RightAdditiveOperand>> {};
-struct RightAdditive              : seq<RightMultiplicative, opt<RightAdditiveTail>> {};
+struct RightAdditiveTail          : Tail<RightAdditiveOperand, OptionalBlanks, AdditiveOpParser, OptionalBlanks> {};
+struct RightAdditive              : Binary<RightMultiplicative, RightAdditiveTail> {};
 struct RightAdditiveOperand       : RightAdditive {};
 
 // Predicates
@@ -148,12 +148,12 @@ struct PredicateExpressionTightParser : sor<PredicateExpressionNotParser, Predic
                                             PredicateExpressionContainsAttributeParser, PredicateExpressionContainsTextParser> {};
 
 struct AndKeyword                   : Spelled<PredicateOp::andOf> {};
-struct AndTail                      : seq<Blanks, AndKeyword, KeywordEnd, Deeper<PredicateExpressionAndParser>> {};
-struct PredicateExpressionAndParser : seq<PredicateExpressionTightParser, opt<AndTail>> {};
+struct AndTail                      : Tail<PredicateExpressionAndParser, Blanks, AndKeyword, KeywordEnd> {};
+struct PredicateExpressionAndParser : Binary<PredicateExpressionTightParser, AndTail> {};
 
 struct OrKeyword                   : Spelled<PredicateOp::orOf> {};
-struct OrTail                      : seq<Blanks, OrKeyword, KeywordEnd, Deeper<PredicateExpressionOrParser>> {};
-struct PredicateExpressionOrParser : seq<PredicateExpressionAndParser, opt<OrTail>> {};
+struct OrTail                      : Tail<PredicateExpressionOrParser, Blanks, OrKeyword, KeywordEnd> {};
+struct PredicateExpressionOrParser : Binary<PredicateExpressionAndParser, OrTail> {};
 
 struct PredicateExpressionParser : PredicateExpressionOrParser {};
 
@@ -199,17 +199,17 @@ struct PathGroupClose            : one<')'> {};
 struct PathExpressionGroupParser : Once<Construct::pathGroup, PathGroupOpen, OptionalBlanks, Deeper<PathExpressionParser>, OptionalBlanks, PathGroupClose> {};
 
 struct IntersectKeyword              : Spelled<SetOp::intersect> {};
-struct IntersectTail                 : seq<Blanks, IntersectKeyword, KeywordEnd, Deeper<PathExpressionIntersectParser>> {};
+struct IntersectTail                 : Tail<PathExpressionIntersectParser, Blanks, IntersectKeyword, KeywordEnd> {};
 struct PathOperand                   : sor<PathExpressionGroupParser, PathParser> {};
-struct PathExpressionIntersectParser : seq<PathOperand, opt<IntersectTail>> {};
+struct PathExpressionIntersectParser : Binary<PathOperand, IntersectTail> {};
 
 struct ExceptKeyword             : Spelled<SetOp::except> {};
-struct ExceptTail                : seq<Blanks, ExceptKeyword, KeywordEnd, Deeper<PathExpresionExceptParser>> {};
-struct PathExpresionExceptParser : seq<PathExpressionIntersectParser, opt<ExceptTail>> {};
+struct ExceptTail                : Tail<PathExpresionExceptParser, Blanks, ExceptKeyword, KeywordEnd> {};
+struct PathExpresionExceptParser : Binary<PathExpressionIntersectParser, ExceptTail> {};
 
 struct UnionKeyword              : Spelled<SetOp::unionOf> {};
-struct UnionTail                 : seq<Blanks, UnionKeyword, KeywordEnd, Deeper<PathExpressionUnionParser>> {};
-struct PathExpressionUnionParser : seq<PathExpresionExceptParser, opt<UnionTail>> {};
+struct UnionTail                 : Tail<PathExpressionUnionParser, Blanks, UnionKeyword, KeywordEnd> {};
+struct PathExpressionUnionParser : Binary<PathExpresionExceptParser, UnionTail> {};
 
 struct PathExpressionParser : PathExpressionUnionParser {};
 

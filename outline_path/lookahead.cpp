@@ -35,20 +35,28 @@ void Lookahead::note(std::uint8_t flag, std::size_t at) {
 }
 
 bool Lookahead::relationFollows(std::size_t at) {
-  if (failed(Construct::comparison, at)) return false;
-  if (noted(kRelationFollows, at)) return true;
-  const std::size_t first = at;
-  bool several = false;
-  for (std::size_t end = operandEnd(at); end != kNone; end = operandEnd(at)) {
+  if (!notes_.empty()) {
+    if (failed(Construct::comparison, at)) return false;
+    if (noted(kRelationFollows, at)) return true;
+  }
+  const std::size_t end = operandEnd(at);
+  if (end == kNone) return false;
+  const std::size_t sign = skipBlanks(text_, end);
+  if (sign == text_.size() || !kContinuations.has(text_[sign])) return false;
+  return relation(sign) || relationFollowsChain(at, nextOperand(sign));
+}
+
+bool Lookahead::relationFollowsChain(std::size_t first, std::size_t next) {
+  if (next == kNone) return false;
+  for (std::size_t end = operandEnd(next); end != kNone; end = operandEnd(next)) {
     const std::size_t sign = skipBlanks(text_, end);
     if (sign == text_.size() || !kContinuations.has(text_[sign])) break;
     if (relation(sign)) return true;
-    at = nextOperand(sign);
-    if (at == kNone) break;
-    several = true;
+    next = nextOperand(sign);
+    if (next == kNone) break;
   }
   // Asked again at a later operand of the chain, the answer is then at hand.
-  if (several) noteChain(first, static_cast<std::uint8_t>(Construct::comparison));
+  noteChain(first, static_cast<std::uint8_t>(Construct::comparison));
   return false;
 }
 

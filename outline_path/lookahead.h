@@ -69,6 +69,8 @@ class Lookahead {
  private:
   bool noted(std::uint8_t flag, std::size_t at) const { return !notes_.empty() && (notes_[at] & flag) != 0; }
   void note(std::uint8_t flag, std::size_t at);
+  /// The same for a chain that goes on with the operand at `next`.
+  bool relationFollowsChain(std::size_t first, std::size_t next);
   void noteChain(std::size_t at, std::uint8_t flag);
   bool operandFailed(std::size_t at) const;
   std::size_t operandEnd(std::size_t at);

@@ -1,11 +1,10 @@
 #include "outline_path/parse.h"
 
-#include "outline_path/beginnings.h"
-#include "outline_path/build.h"
 #include "outline_path/diagnosing.h"
 #include "outline_path/in_place.h"
 #include "outline_path/tracing.h"
 #include "outline_path/tree_of.h"
+#include "outline_path/unwatched.h"
 
 namespace vell::outline_path {
 namespace {

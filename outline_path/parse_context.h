@@ -37,13 +37,17 @@ struct ParseContext {
   Expectations* expectations = nullptr;
 };
 
+/// Goes one level deeper, and tells whether that is allowed.
+inline bool goDeeper(ParseContext& context, std::size_t at) {
+  const bool allowed = context.depth++ < kMaxDepth;
+  if (!allowed && !context.tooDeepAt) context.tooDeepAt = at;
+  return allowed;
+}
+
 /// One level of depth for as long as it lives.
 class Level {
  public:
-  Level(ParseContext& context, std::size_t at) : context_(context), allowed_(context.depth < kMaxDepth) {
-    ++context_.depth;
-    if (!allowed_ && !context_.tooDeepAt) context_.tooDeepAt = at;
-  }
+  Level(ParseContext& context, std::size_t at) : context_(context), allowed_(goDeeper(context, at)) {}
   ~Level() { --context_.depth; }
   Level(const Level&) = delete;
   Level& operator=(const Level&) = delete;

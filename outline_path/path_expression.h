@@ -62,4 +62,13 @@ struct PathExpression {
   bool operator==(const PathExpression&) const = default;
 };
 
+/// The expression of the same kind that `expression` ends with, null where it ends with none.
+inline Box<PathExpression>* lastPart(PathExpression& expression) {
+  if (auto* node = std::get_if<Union>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<Except>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<Intersect>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<PathGroup>(&expression.node)) return &node->inner;
+  return nullptr;
+}
+
 }  // namespace vell::outline_path

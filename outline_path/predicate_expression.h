@@ -61,4 +61,13 @@ struct PredicateExpression {
   bool operator==(const PredicateExpression&) const = default;
 };
 
+/// The expression of the same kind that `expression` ends with, null where it ends with none.
+inline Box<PredicateExpression>* lastPart(PredicateExpression& expression) {
+  if (auto* node = std::get_if<And>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<Or>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<Not>(&expression.node)) return &node->operand;
+  if (auto* node = std::get_if<PredicateGroup>(&expression.node)) return &node->inner;
+  return nullptr;
+}
+
 }  // namespace vell::outline_path

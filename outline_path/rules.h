@@ -101,6 +101,31 @@ struct Deeper {
   }
 };
 
+/// An operator, which are the rules `Signs`, and what it joins to its operand, one level deeper.
+template <typename Right, typename... Signs>
+struct Tail : pegtl::seq<Signs..., Deeper<Right>> {
+  using Sign = pegtl::seq<Signs...>;
+};
+
+/// A level of binary operators: an operand of the level below, then perhaps a tail. A control may read it,
+/// and the levels below with it, in a way of its own.
+template <typename Operand_, typename Tail_>
+struct Binary {
+  using rule_t = Binary;
+  using Operand = Operand_;
+  using Tail = Tail_;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    if constexpr (requires { Control<Binary>::kReadsLevels; }) {
+      return Control<Binary>::template readLevels<M, Action, Control>(in, context, states...);
+    } else {
+      return pegtl::internal::seq<Operand, pegtl::opt<Tail>>::template match<A, M, Action, Control>(
+          in, context, states...);
+    }
+  }
+};
+
 /// A construct that alternatives share: where it failed behind its opening it is not tried again.
 template <Construct construct, typename Opening, typename... Rules>
 struct Once {

@@ -9,6 +9,8 @@
 namespace vell::outline_path {
 namespace {
 
+// The last part of an expression is made after it: a chain of them is a loop, however long.
+
 PredicateExpression predicateOf(const Draft& draft);
 
 auto boxOfValue(const Draft& draft) {
@@ -19,6 +21,23 @@ auto boxOfPredicate(const Draft& draft) {
 }
 auto boxOfPath(const Draft& draft) {
   return Box<PathExpression>(InPlace{[&draft] { return pathOf(draft); }});
+}
+
+template <typename Expression>
+auto later() {
+  return Box<Expression>(typename Box<Expression>::ForLater());
+}
+
+/// What `begun` makes of the draft, and then its last part, of that the last, and so on.
+template <typename Expression, Expression (*begun)(const Draft&)>
+Expression whole(const Draft& draft) {
+  Expression first = begun(draft);
+  const Draft* part = &draft;
+  for (auto* last = lastPart(first); last != nullptr; last = lastPart(**last)) {
+    part = part->right;
+    *last = Box<Expression>(InPlace{[part] { return begun(*part); }});
+  }
+  return first;
 }
 
 /// A node of this kind, in place.
@@ -43,7 +62,7 @@ Relation relationOf(const Draft& draft) {
   return relation;
 }
 
-PredicateExpression predicateOf(const Draft& draft) {
+PredicateExpression beginOfPredicate(const Draft& draft) {
   using Kind = Draft::Kind;
   using Predicate = PredicateExpression;
   switch (draft.kind) {
@@ -54,18 +73,22 @@ PredicateExpression predicateOf(const Draft& draft) {
         return Comparison{valueOf(*draft.left), relationOf(draft), valueOf(*draft.right)};
       });
     case Kind::orOf:
-      return {Or{boxOfPredicate(*draft.left), boxOfPredicate(*draft.right)}};
+      return {Or{boxOfPredicate(*draft.left), later<Predicate>()}};
     case Kind::andOf:
-      return {And{boxOfPredicate(*draft.left), boxOfPredicate(*draft.right)}};
+      return {And{boxOfPredicate(*draft.left), later<Predicate>()}};
     case Kind::notOf:
-      return {Not{boxOfPredicate(*draft.left)}};
+      return {Not{later<Predicate>()}};
     case Kind::predicateGroup:
-      return {PredicateGroup{boxOfPredicate(*draft.left)}};
+      return {PredicateGroup{later<Predicate>()}};
     case Kind::literal:
       return made<ContainsText, Predicate>([&] { return ContainsText{decodeString(draft.text())}; });
     default:
       return made<ContainsText, Predicate>([&] { return ContainsText{std::string(draft.text())}; });
   }
+}
+
+PredicateExpression predicateOf(const Draft& draft) {
+  return whole<PredicateExpression, beginOfPredicate>(draft);
 }
 
 std::optional<std::int64_t> integerIn(std::string_view digits) {
@@ -98,9 +121,7 @@ Path stepsOf(const Draft& draft) {
   return {draft.entry != 0, std::move(steps)};
 }
 
-}  // namespace
-
-ValueExpression valueOf(const Draft& draft) {
+ValueExpression beginOfValue(const Draft& draft) {
   using Kind = Draft::Kind;
   using Value = ValueExpression;
   switch (draft.kind) {
@@ -119,36 +140,40 @@ ValueExpression valueOf(const Draft& draft) {
     case Kind::call:
       return made<FunctionCall, Value>([&] { return callOf(draft); });
     case Kind::unary:
-      return {Unary{static_cast<UnaryOp>(draft.entry), boxOfValue(*draft.left)}};
+      return {Unary{static_cast<UnaryOp>(draft.entry), later<Value>()}};
     case Kind::additive:
-      return {
-          Additive{boxOfValue(*draft.left), static_cast<AdditiveOp>(draft.entry), boxOfValue(*draft.right)}};
+      return {Additive{boxOfValue(*draft.left), static_cast<AdditiveOp>(draft.entry), later<Value>()}};
     case Kind::multiplicative:
       return {Multiplicative{boxOfValue(*draft.left), static_cast<MultiplicativeOp>(draft.entry),
-                             boxOfValue(*draft.right)}};
+                             later<Value>()}};
     case Kind::valueGroup:
-      return {ValueGroup{boxOfValue(*draft.left)}};
+      return {ValueGroup{later<Value>()}};
     case Kind::pathArgument:
-      return {PathArgument{boxOfPath(*draft.left)}};
+      return {PathArgument{boxOfPath(*draft.right)}};
     default:
       return {Null{}};
   }
 }
 
-PathExpression pathOf(const Draft& draft) {
+PathExpression beginOfPath(const Draft& draft) {
   using Kind = Draft::Kind;
   switch (draft.kind) {
     case Kind::unionOf:
-      return {Union{boxOfPath(*draft.left), boxOfPath(*draft.right)}};
+      return {Union{boxOfPath(*draft.left), later<PathExpression>()}};
     case Kind::except:
-      return {Except{boxOfPath(*draft.left), boxOfPath(*draft.right)}};
+      return {Except{boxOfPath(*draft.left), later<PathExpression>()}};
     case Kind::intersect:
-      return {Intersect{boxOfPath(*draft.left), boxOfPath(*draft.right)}};
+      return {Intersect{boxOfPath(*draft.left), later<PathExpression>()}};
     case Kind::pathGroup:
-      return {PathGroup{boxOfPath(*draft.left)}};
+      return {PathGroup{later<PathExpression>()}};
     default:
       return made<Path, PathExpression>([&] { return stepsOf(draft); });
   }
 }
+
+}  // namespace
+
+ValueExpression valueOf(const Draft& draft) { return whole<ValueExpression, beginOfValue>(draft); }
+PathExpression pathOf(const Draft& draft) { return whole<PathExpression, beginOfPath>(draft); }
 
 }  // namespace vell::outline_path

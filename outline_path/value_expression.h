@@ -114,4 +114,13 @@ struct ValueExpression {
   bool operator==(const ValueExpression&) const = default;
 };
 
+/// The expression of the same kind that `expression` ends with, null where it ends with none.
+inline Box<ValueExpression>* lastPart(ValueExpression& expression) {
+  if (auto* node = std::get_if<Additive>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<Multiplicative>(&expression.node)) return &node->right;
+  if (auto* node = std::get_if<Unary>(&expression.node)) return &node->operand;
+  if (auto* node = std::get_if<ValueGroup>(&expression.node)) return &node->inner;
+  return nullptr;
+}
+
 }  // namespace vell::outline_path
