@@ -1,28 +1,29 @@
 #pragma once
 
-#include <string>
+#include <cstddef>
 #include <string_view>
 
-#include "json/writer.h"
+#include "json/sink.h"
 
 namespace vell::cli {
 
 /// Buffered bytes on their way to a descriptor that someone else owns.
 class Output : public json::Sink {
  public:
-  explicit Output(int descriptor) : descriptor_(descriptor) {}
+  /// Writing throws ClosedOutput when the reader is gone, std::system_error when the bytes cannot be written.
+  explicit Output(int descriptor);
 
-  /// Throws ClosedOutput when the reader is gone, std::system_error when the bytes cannot be written.
-  void write(std::string_view piece) override;
   /// Hands everything written so far to the system. Must be called at the end: nothing else does.
   void flush();
   int descriptor() const { return descriptor_; }
 
  private:
-  void writeThrough(std::string_view bytes);
+  static constexpr std::size_t roomSize = 32 * 1024;
+
+  Room pass(std::string_view content) override;
 
   int descriptor_;
-  std::string buffer_;
+  char room_[roomSize + padding];
 };
 
 /// The three streams of a run.

@@ -2,6 +2,8 @@
 
 #include <string>
 
+#include "json/writer.h"
+
 namespace vell::cli {
 
 void GlobalOptions::print(const json::Node& data) const {

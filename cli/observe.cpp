@@ -3,6 +3,7 @@
 #include "cli/errors.h"
 #include "cli/outline_read.h"
 #include "cli/reader_watch.h"
+#include "json/writer.h"
 
 namespace vell::cli {
 namespace {

@@ -4,6 +4,7 @@
 #include <iterator>
 
 #include "ipc/methods/outline.h"
+#include "json/writer.h"
 
 namespace vell::cli {
 namespace {

@@ -42,7 +42,7 @@ Kind Node::kind() const {
 std::optional<Node> Node::find(std::string_view key) const {
   std::optional<Node> found;
   if (kind() != Kind::object) return found;
-  for (std::uint32_t name = token_ + 2; name < index_->end(token_); name = index_->next(name + 1)) {
+  for (std::uint32_t name = token_ + 1; name < index_->end(token_); name = index_->next(name + 1)) {
     if (keyIs(*index_, name, key)) found = Node(*index_, name + 1);
   }
   return found;
@@ -51,7 +51,7 @@ std::optional<Node> Node::find(std::string_view key) const {
 std::vector<Node> Node::elements() const {
   std::vector<Node> nodes;
   if (kind() != Kind::array) return nodes;
-  for (std::uint32_t element = token_ + 2; element < index_->end(token_); element = index_->next(element)) {
+  for (std::uint32_t element = token_ + 1; element < index_->end(token_); element = index_->next(element)) {
     nodes.push_back(Node(*index_, element));
   }
   return nodes;

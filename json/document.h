@@ -46,7 +46,7 @@ class Document {
   Document(const Document&) = delete;
   Document& operator=(const Document&) = delete;
 
-  Node root() const { return {index_, index_.firstToken()}; }
+  Node root() const { return {index_, 0}; }
   std::string_view text() const { return index_.text(); }
 
  private:

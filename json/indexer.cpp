@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "json/error.h"
@@ -15,76 +16,90 @@ namespace {
 
 class Indexer {
  public:
-  Indexer(std::string_view text, std::uint32_t* offsets, std::size_t first, std::size_t count)
-      : text_(text),
-        offsets_(offsets),
-        read_(first),
-        readEnd_(first + count),
-        nextBackslash_(findBackslash(0)) {}
+  Indexer(std::string_view text, std::uint32_t* entries, std::size_t count)
+      : text_(text), entries_(entries), readEnd_(indexRoom + count), nextBackslash_(findBackslash(0)) {}
 
-  TokenRange run() {
+  void run() {
     value("a value");
-    while (!open_.empty()) member();
+    while (!open_.empty()) open_.back().isObject ? members() : elements();
     if (read_ < readEnd_) fail("the end of the text");
-    return {0, static_cast<std::uint32_t>(written_)};
   }
 
  private:
   struct Container {
-    std::size_t token;
+    std::size_t endEntry;
     bool isObject;
     bool isEmpty;
   };
 
-  std::size_t offset() const { return read_ < readEnd_ ? offsets_[read_] : text_.size(); }
-  char peek() const { return read_ < readEnd_ ? text_[offsets_[read_]] : '\0'; }
+  std::size_t offset() const { return read_ < readEnd_ ? entries_[read_] : text_.size(); }
+  char peek() const { return read_ < readEnd_ ? text_[entries_[read_]] : '\0'; }
+
+  bool isNext(char c) const { return peek() == c && read_ < readEnd_; }
 
   [[noreturn]] void fail(const char* expected) const {
     throw ParseError(std::string("expected ") + expected + ", found " + describeAt(text_, offset()),
                      offset());
   }
 
-  void put(std::size_t entry) { offsets_[written_++] = static_cast<std::uint32_t>(entry); }
+  void put(std::size_t first, std::size_t second) {
+    entries_[written_] = static_cast<std::uint32_t>(first);
+    entries_[written_ + 1] = static_cast<std::uint32_t>(second);
+    written_ += 2;
+  }
 
-  /// One step inside the innermost container: its end, or a comma, a key and a value.
-  void member() {
-    Container& container = open_.back();
-    const char close = container.isObject ? '}' : ']';
-    if (peek() == close && read_ < readEnd_) return end();
-    if (!container.isEmpty) {
-      if (peek() != ',') fail(container.isObject ? "',' or '}'" : "',' or ']'");
+  /// On from the innermost object's beginning, or from a value in it, to the next beginning or end.
+  void members() {
+    bool first = open_.back().isEmpty;
+    open_.back().isEmpty = false;
+    if (first && isNext('}')) return end();
+    do {
+      if (!first) {
+        if (isNext('}')) return end();
+        if (!isNext(',')) fail("',' or '}'");
+        ++read_;
+      }
+      if (!isNext('"')) fail(first ? "a key in double quotes or '}'" : "a key in double quotes");
+      string();
+      if (!isNext(':')) fail("':'");
       ++read_;
-    }
-    const bool wasEmpty = container.isEmpty;
-    container.isEmpty = false;
-    if (container.isObject) {
-      key(wasEmpty);
-    }
-    value(wasEmpty && !open_.back().isObject ? "a value or ']'" : "a value");
+      first = false;
+    } while (!value("a value"));
+  }
+
+  /// The same in an array.
+  void elements() {
+    bool first = open_.back().isEmpty;
+    open_.back().isEmpty = false;
+    if (first && isNext(']')) return end();
+    do {
+      if (!first) {
+        if (isNext(']')) return end();
+        if (!isNext(',')) fail("',' or ']'");
+        ++read_;
+      }
+    } while (!value(std::exchange(first, false) ? "a value or ']'" : "a value"));
   }
 
   void end() {
     ++read_;
-    offsets_[open_.back().token + 1] = static_cast<std::uint32_t>(written_);
+    entries_[open_.back().endEntry] = static_cast<std::uint32_t>(written_ / 2) | Index::mark;
     open_.pop_back();
   }
 
-  void key(bool first) {
-    if (peek() != '"') fail(first ? "a key in double quotes or '}'" : "a key in double quotes");
-    string();
-    if (peek() != ':') fail("':'");
-    ++read_;
-  }
-
-  void value(const char* expected) {
+  /// Whether it was the beginning of a container.
+  bool value(const char* expected) {
     switch (peek()) {
       case '{':
       case '[':
-        return begin();
+        begin();
+        return true;
       case '"':
-        return string();
+        string();
+        return false;
       default:
-        return scalar(expected);
+        scalar(expected);
+        return false;
     }
   }
 
@@ -92,19 +107,17 @@ class Indexer {
     if (open_.size() == maxDepth)
       throw ParseError("nested deeper than " + std::to_string(maxDepth) + " levels", offset());
     const bool isObject = peek() == '{';
-    open_.push_back({written_, isObject, true});
-    const std::size_t at = offsets_[read_++];
-    put(at);
-    put(0);
+    open_.push_back({written_ + 1, isObject, true});
+    put(entries_[read_++], 0);
   }
 
   void string() {
-    const std::size_t open = offsets_[read_++];
+    const std::size_t open = entries_[read_++];
     std::size_t close = offset() - 1;
     while (text_[close] != '"') --close;
     const bool escaped = hasBackslash(open, close);
     if (escaped) checkEscapes(text_, open + 1, close);
-    put(escaped ? open | Index::escapeMark : open);
+    put(escaped ? open | Index::mark : open, close);
   }
 
   void scalar(const char* expected) {
@@ -112,7 +125,7 @@ class Indexer {
     const std::string_view run = read_ < readEnd_ ? scalarAt(text_, at, text_.size()) : std::string_view();
     if (!isScalar(run)) failScalar(expected, run);
     ++read_;
-    put(at);
+    put(at, at + run.size());
   }
 
   [[noreturn]] void failScalar(const char* expected, std::string_view run) const {
@@ -135,8 +148,8 @@ class Indexer {
   }
 
   std::string_view text_;
-  std::uint32_t* offsets_;
-  std::size_t read_;
+  std::uint32_t* entries_;
+  std::size_t read_ = indexRoom;
   std::size_t readEnd_;
   std::size_t written_ = 0;
   std::size_t nextBackslash_;
@@ -145,8 +158,8 @@ class Indexer {
 
 }  // namespace
 
-TokenRange indexTokens(std::string_view text, std::uint32_t* offsets, std::size_t first, std::size_t count) {
-  return Indexer(text, offsets, first, count).run();
+void indexTokens(std::string_view text, std::uint32_t* entries, std::size_t count) {
+  Indexer(text, entries, count).run();
 }
 
 }  // namespace vell::json

@@ -4,16 +4,16 @@
 #include <cstdint>
 #include <string_view>
 
+#include "json/index.h"
+
 namespace vell::json {
 
-struct TokenRange {
-  std::uint32_t first;
-  std::uint32_t end;
-};
+/// How many entries an array of offsets needs before its first one: an opened container takes one entry more
+/// than it has yet given, and so does the value in it.
+inline constexpr std::size_t indexRoom = maxDepth + 2;
 
-/// Checks the grammar of a text over the offsets of its structure, `count` of them from `first` on, and turns
-/// them in place into the tokens that Index describes. The room of maxDepth entries before them is needed
-/// since an opened container takes one entry more than it has yet given. Throws ParseError.
-TokenRange indexTokens(std::string_view text, std::uint32_t* offsets, std::size_t first, std::size_t count);
+/// Checks the grammar of a text over the offsets of its structure, `count` of them from entry `indexRoom` on,
+/// and turns them in place into the tokens that Index describes, from the array's start. Throws ParseError.
+void indexTokens(std::string_view text, std::uint32_t* entries, std::size_t count);
 
 }  // namespace vell::json

@@ -117,11 +117,13 @@ void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& o
       });
 }
 
-void writeDecoded(std::string_view raw, Buffer& out) {
+void writeDecoded(std::string_view raw, Sink& out) {
   walk(
-      raw, [&](std::string_view plain) { out.put(plain); },
+      raw, [&](std::string_view plain) { out.write(plain); },
       [&](std::uint32_t code) {
-        putUtf8(withoutSurrogate(code), [&](std::uint32_t byte) { out.put(static_cast<char>(byte)); });
+        char* at = out.at();
+        putUtf8(withoutSurrogate(code), [&](std::uint32_t byte) { *at++ = static_cast<char>(byte); });
+        out.moveTo(at);
       });
 }
 

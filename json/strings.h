@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "json/buffer.h"
+#include "json/sink.h"
 
 namespace vell::json {
 
@@ -21,7 +21,7 @@ enum class LoneSurrogate {
 void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& out);
 
 /// Puts the meaning of a checked string's bytes into `out`, lone surrogates replaced.
-void writeDecoded(std::string_view raw, Buffer& out);
+void writeDecoded(std::string_view raw, Sink& out);
 
 /// Appends a checked string's bytes with the fewest escapes: only quote, backslash and control characters, in
 /// their short forms where they have one, and lone surrogates.

@@ -6,7 +6,7 @@
 
 #include "json/error.h"
 #include "json/faults.h"
-#include "json/index.h"
+#include "json/indexer.h"
 #include "json/large_pages.h"
 
 namespace vell::json {
@@ -43,12 +43,11 @@ class Tokenizer {
 Structure findStructure(const Text& text) {
   if (text.size() == 0) throw ParseError("the text is empty", 0);
   Structure structure;
-  structure.first = maxDepth;
-  const std::size_t room = maxDepth + (text.size() + 63) / 64 * 64 + 9;
+  const std::size_t room = indexRoom + (text.size() + 63) / 64 * 64 + 9;
   structure.offsets.reset(new std::uint32_t[room]);  // not cleared: only what is used is ever touched
   preferLargePages(structure.offsets.get(), room * sizeof(std::uint32_t));
   Tokenizer tokenizer(text.size());
-  const auto error = tokenizer.run(text, structure.offsets.get() + structure.first);
+  const auto error = tokenizer.run(text, structure.offsets.get() + indexRoom);
   if (error) throwTextFault(text.view());
   structure.count = tokenizer.count();
   return structure;

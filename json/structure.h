@@ -10,9 +10,8 @@ namespace vell::json {
 
 /// The offsets at which brackets, commas, colons, strings and scalars begin, in order.
 struct Structure {
+  /// They begin at entry `indexRoom`, which is for those who rewrite the array in place.
   std::unique_ptr<std::uint32_t[]> offsets;
-  /// Where the offsets begin in the array; the room before is for those who rewrite it in place.
-  std::size_t first = 0;
   std::size_t count = 0;
 };
 

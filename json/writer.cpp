@@ -2,197 +2,155 @@
 
 #include <algorithm>
 #include <cstring>
-#include <deque>
+#include <vector>
 
-#include "json/buffer.h"
+#include "json/member_order.h"
 #include "json/strings.h"
 
 namespace vell::json {
-namespace {
 
-/// One member of an object, ready to be put in order.
-struct Member {
-  std::uint64_t prefix;  // the key's first eight bytes, so that most comparisons touch nothing else
-  std::string_view key;  // its meaning
-  std::uint32_t token;
-};
-
-/// The first eight bytes as one big-endian number, the missing ones zero. Eight bytes must be readable.
-std::uint64_t prefixOf(std::string_view key) {
-  unsigned char bytes[8];
-  std::memcpy(bytes, key.data(), sizeof bytes);
-  std::uint64_t prefix = 0;
-  for (const unsigned char byte : bytes) prefix = prefix << 8 | byte;
-  if (key.size() >= sizeof bytes) return prefix;
-  const std::size_t missing = 8 * (sizeof bytes - key.size());
-  return key.empty() ? 0 : prefix >> missing << missing;
-}
-
-// A shorter key's prefix is filled with NULs, so equal prefixes still need the whole comparison.
-bool before(const Member& a, const Member& b) {
-  if (a.prefix != b.prefix) return a.prefix < b.prefix;
-  const int order = a.key.compare(b.key);
-  return order != 0 ? order < 0 : a.token < b.token;
-}
-
-/// Most objects are small and nearly in order already.
-void sort(Member* begin, Member* end) {
-  if (end - begin > 24) return std::sort(begin, end, before);
-  for (Member* next = begin + 1; next < end; ++next) {
-    const Member moving = *next;
-    Member* place = next;
-    for (; place > begin && before(moving, place[-1]); --place) *place = place[-1];
-    *place = moving;
-  }
-}
-
-}  // namespace
-
-/// Walks the tokens with a stack of its own: depth costs memory, never the call stack.
+/// Walks the tokens with a stack of its own: depth costs memory, never the call stack. The place to write to
+/// travels through the functions, since in memory it would be stored and loaded for each piece.
 class Writer {
  public:
   Writer(const Node& value, Layout layout, Sink& sink)
-      : index_(*value.index_), indented_(layout == Layout::indented), out_(sink) {
-    begin(value.token_);
+      : index_(*value.index_), order_(index_), indented_(layout == Layout::indented), out_(sink) {
+    begin(out_.at(), value.token_);
   }
 
   static void meaning(const Node& string, Sink& sink) {
     const std::string_view raw = string.index_->rawString(string.token_);
-    if (!string.index_->hasEscapes(string.token_)) return sink.write(raw);
-    Buffer out(sink);
-    writeDecoded(raw, out);
-    out.flush();
+    string.index_->hasEscapes(string.token_) ? writeDecoded(raw, sink) : sink.write(raw);
   }
 
   void run() {
-    while (!open_.empty()) step();
-    out_.flush();
+    while (!open_.empty()) open_.back().isObject ? members(out_.at()) : elements(out_.at());
   }
 
  private:
   struct Container {
     bool isObject;
-    bool isEmpty;
-    std::size_t next;  // of an object, the member in members_; of an array, the token
+    std::size_t first;  // of an object, places in keys_; of an array, tokens
+    std::size_t next;
     std::size_t end;
-    std::size_t firstMember;
   };
 
-  void step() {
-    Container& container = open_.back();
-    if (container.next >= container.end) return close();
-    if (!container.isEmpty) out_.put(',');
-    container.isEmpty = false;
-    newLine(open_.size());
-    container.isObject ? member(container) : element(container);
+  /// Writes members up to one whose value opens a container, or the end of the object.
+  void members(char* at) {
+    Container& object = open_.back();
+    while (object.next != object.end) {
+      at = lead(at, object);
+      const std::uint32_t key = keys_[object.next++];
+      at = colon(string(at, key));
+      if (index_.isContainer(key + 1)) return begin(at, key + 1);
+      at = plain(at, key + 1);
+    }
+    keys_.resize(object.first);
+    close(at, object, '}');
   }
 
-  void element(Container& array) {
-    const auto token = static_cast<std::uint32_t>(array.next);
-    array.next = index_.next(token);
-    begin(token);
+  void elements(char* at) {
+    Container& array = open_.back();
+    while (array.next != array.end) {
+      at = lead(at, array);
+      const auto token = static_cast<std::uint32_t>(array.next);
+      array.next = index_.next(token);
+      if (index_.isContainer(token)) return begin(at, token);
+      at = plain(at, token);
+    }
+    close(at, array, ']');
   }
 
-  void member(Container& object) {
-    const std::uint32_t token = members_[object.next].token;
-    ++object.next;
-    string(token);
-    out_.put(indented_ ? std::string_view(": ") : std::string_view(":"));
-    begin(token + 1);
-  }
-
-  void begin(std::uint32_t token) {
-    switch (index_.first(token)) {
-      case '{':
-        out_.put('{');
-        return beginObject(token);
-      case '[':
-        out_.put('[');
-        open_.push_back({false, true, token + 2, index_.end(token), members_.size()});
-        return;
-      case '"':
-        return string(token);
-      default:
-        return out_.putPadded(index_.scalar(token));
+  void begin(char* at, std::uint32_t token) {
+    if (!index_.isContainer(token)) {
+      plain(at, token);
+    } else if (index_.first(token) == '{') {
+      put(at, '{');
+      const std::size_t first = keys_.size();
+      order_.append(token, keys_);
+      open_.push_back({true, first, first, keys_.size()});
+    } else {
+      put(at, '[');
+      open_.push_back({false, token + 1, token + 1, index_.end(token)});
     }
   }
 
-  void beginObject(std::uint32_t token) {
-    const std::size_t first = members_.size();
-    bool sorted = true;
-    for (std::uint32_t key = token + 2; key < index_.end(token); key = index_.next(key + 1)) {
-      const std::string_view meaning = meaningOf(key);
-      members_.push_back({prefixOf(meaning), meaning, key});
-      sorted =
-          sorted && (members_.size() == first + 1 || before(members_[members_.size() - 2], members_.back()));
-    }
-    if (!sorted) sort(members_.data() + first, members_.data() + members_.size());
-    dropRepeated(first);
-    open_.push_back({true, true, first, members_.size(), first});
-  }
-
-  /// Of members with the same key, which stand together in the order of the text, only the last stays.
-  void dropRepeated(std::size_t first) {
-    const auto begin = members_.begin() + static_cast<std::ptrdiff_t>(first);
-    const auto same = [](const Member& a, const Member& b) { return a.prefix == b.prefix && a.key == b.key; };
-    if (std::adjacent_find(begin, members_.end(), same) == members_.end()) return;
-    std::vector<Member> kept;
-    for (auto member = begin; member != members_.end(); ++member) {
-      if (!kept.empty() && same(kept.back(), *member)) kept.pop_back();
-      kept.push_back(*member);
-    }
-    members_.erase(begin, members_.end());
-    members_.insert(members_.end(), kept.begin(), kept.end());
-  }
-
-  void close() {
-    const Container done = open_.back();
+  void close(char* at, const Container& container, char bracket) {
+    const bool isEmpty = container.first == container.end;
     open_.pop_back();
-    if (!done.isEmpty) newLine(open_.size());
-    out_.put(done.isObject ? '}' : ']');
-    members_.resize(done.firstMember);
-    if (open_.empty()) decodedKeys_.clear();
+    if (indented_ && !isEmpty) at = newLine(at, false);
+    put(at, bracket);
   }
 
-  void newLine(std::size_t depth) {
-    if (!indented_) return;
+  /// What stands before a member or an element.
+  char* lead(char* at, const Container& container) {
+    const bool comma = container.next != container.first;
+    if (indented_) return newLine(at, comma);
+    return comma ? put(at, ',') : at;
+  }
+
+  char* newLine(char* at, bool comma) {
     static constexpr std::string_view blanks =
-        "\n                                                               ";
-    static_assert(blanks.size() == Buffer::paddedRead);
-    if (depth * 2 < blanks.size()) return out_.putPadded(blanks.substr(0, depth * 2 + 1));
-    out_.put(blanks);
-    for (std::size_t left = depth * 2 + 1 - blanks.size(); left > 0;) {
-      const std::size_t now = std::min(left, blanks.size() - 1);
-      out_.put(blanks.substr(1, now));
+        ",\n                                                               ";
+    static_assert(blanks.size() == Sink::padding + 1);
+    const std::size_t size = 2 * open_.size() + 1;
+    if (size > Sink::padding - 1) return deepLine(at, comma);
+    std::memcpy(at, blanks.data() + (comma ? 0 : 1), Sink::padding);
+    return out_.moveTo(at + size + (comma ? 1 : 0));
+  }
+
+  char* deepLine(char* at, bool comma) {
+    static constexpr std::string_view blanks = "                                ";
+    if (comma) at = put(at, ',');
+    at = put(at, '\n');
+    for (std::size_t left = 2 * open_.size(); left > 0;) {
+      const std::size_t now = std::min(left, blanks.size());
+      at = out_.moveTo(std::copy_n(blanks.data(), now, at));
       left -= now;
     }
+    return at;
   }
 
-  void string(std::uint32_t token) {
-    const std::string_view raw = index_.rawString(token);
-    if (!index_.hasEscapes(token)) return out_.putPadded({raw.data() - 1, raw.size() + 2});
+  char* colon(char* at) {
+    std::memcpy(at, ": ", 2);
+    return out_.moveTo(at + (indented_ ? 2 : 1));
+  }
+
+  /// Writes a value that is no container.
+  char* plain(char* at, std::uint32_t token) {
+    return index_.first(token) == '"' ? string(at, token) : copy(at, index_.scalar(token));
+  }
+
+  char* string(char* at, std::uint32_t token) {
+    if (!index_.hasEscapes(token)) return copy(at, index_.quotedString(token));
     scratch_.assign(1, '"');
-    appendNormalized(raw, scratch_);
+    appendNormalized(index_.rawString(token), scratch_);
     scratch_.push_back('"');
-    out_.put(scratch_);
+    out_.write(scratch_);
+    return out_.at();
   }
 
-  std::string_view meaningOf(std::uint32_t key) {
-    const std::string_view raw = index_.rawString(key);
-    if (!index_.hasEscapes(key)) return raw;
-    appendDecoded(raw, LoneSurrogate::kept, decodedKeys_.emplace_back());
-    // A key read from the text has readable bytes behind it; so must this one.
-    const std::size_t size = decodedKeys_.back().size();
-    decodedKeys_.back().append(sizeof(Member::prefix), '\0');
-    return std::string_view(decodedKeys_.back()).substr(0, size);
+  /// Behind every piece of the text lie as many readable bytes as a copy of fixed length needs.
+  char* copy(char* at, std::string_view piece) {
+    for (; piece.size() > Sink::padding; piece.remove_prefix(Sink::padding)) {
+      std::memcpy(at, piece.data(), Sink::padding);
+      at = out_.moveTo(at + Sink::padding);
+    }
+    std::memcpy(at, piece.data(), Sink::padding);
+    return out_.moveTo(at + piece.size());
+  }
+
+  char* put(char* at, char c) {
+    *at = c;
+    return out_.moveTo(at + 1);
   }
 
   const Index& index_;
+  MemberOrder order_;
   const bool indented_;
-  Buffer out_;
+  Sink& out_;
   std::vector<Container> open_;
-  std::vector<Member> members_;          // of all open objects, the innermost last
-  std::deque<std::string> decodedKeys_;  // what keys with escapes mean
+  std::vector<std::uint32_t> keys_;  // of the members of all open objects, the innermost last
   std::string scratch_;
 };
 
@@ -200,8 +158,22 @@ namespace {
 
 class StringSink : public Sink {
  public:
-  void write(std::string_view piece) override { text.append(piece); }
-  std::string text;
+  StringSink() : Sink({room_, roomSize}) {}
+  std::string take() {
+    passAll();
+    return std::move(text_);
+  }
+
+ private:
+  static constexpr std::size_t roomSize = 64 * 1024;
+
+  Room pass(std::string_view content) override {
+    text_.append(content);
+    return {room_, roomSize};
+  }
+
+  std::string text_;
+  char room_[roomSize + padding];
 };
 
 }  // namespace
@@ -213,7 +185,7 @@ void writeMeaning(const Node& value, Sink& sink) { Writer::meaning(value, sink);
 std::string toString(const Node& value, Layout layout) {
   StringSink sink;
   write(value, layout, sink);
-  return std::move(sink.text);
+  return sink.take();
 }
 
 void appendQuoted(const Node& value, std::string& out) {

@@ -96,16 +96,46 @@ TEST(Rewrite, NamesTheFaultAndItsByte) {
 TEST(Rewrite, HoldsTheDeepestText) {
   const std::string objects = repeated("{\"k\":", maxDepth - 1) + "[1]" + repeated("}", maxDepth - 1);
   EXPECT_EQ(rewrite(objects, Layout::compact), objects);
-  const std::string arrays = repeated("[", maxDepth) + repeated("]", maxDepth);
+  const std::string arrays = repeated("[", maxDepth) + "\"a\"" + repeated("]", maxDepth);
   EXPECT_EQ(rewrite(arrays, Layout::compact), arrays);
 }
 
+/// Passes what it is given on in pieces of a size.
+class Pieces : public Sink {
+ public:
+  explicit Pieces(std::size_t size) : Sink({room_, size}), size_(size) {}
+  std::string take() {
+    passAll();
+    return text_;
+  }
+
+ private:
+  Room pass(std::string_view content) override {
+    EXPECT_LE(content.size(), size_);
+    text_.append(content);
+    return {room_, size_};
+  }
+
+  std::size_t size_;
+  std::string text_;
+  char room_[200 + padding];
+};
+
+TEST(Write, CrossesTheEndsOfRooms) {
+  const std::string text = R"({"b":[1,-2.5e3,"x\/\u00e9",{},[]],"a":{"key":")" + repeated("long ", 70) +
+                           R"(","deep":)" + repeated("[", 40) + repeated("]", 40) + "}}";
+  const Document document{Text(text)};
+  for (const Layout layout : {Layout::compact, Layout::indented}) {
+    const std::string whole = rewrite(text, layout);
+    for (std::size_t size = Sink::padding; size <= 200; ++size) {
+      Pieces sink(size);
+      write(document.root(), layout, sink);
+      EXPECT_EQ(sink.take(), whole) << size;
+    }
+  }
+}
+
 TEST(WriteMeaning, DecodesInPieces) {
-  class Pieces : public Sink {
-   public:
-    void write(std::string_view piece) override { text.append(piece); }
-    std::string text;
-  };
   const struct {
     std::string text;
     std::string meaning;
@@ -117,9 +147,9 @@ TEST(WriteMeaning, DecodesInPieces) {
       {"\"\\t" + repeated("x", 200'000) + "\"", "\t" + repeated("x", 200'000)},
   };
   for (const auto& row : rows) {
-    Pieces sink;
+    Pieces sink(100);
     writeMeaning(Document(Text(row.text)).root(), sink);
-    EXPECT_EQ(sink.text, row.meaning) << row.text.substr(0, 40);
+    EXPECT_EQ(sink.take(), row.meaning) << row.text.substr(0, 40);
   }
 }
 
