@@ -6,13 +6,26 @@
 #include "cli/write_all.h"
 
 namespace vell::cli {
-Output::Output(int descriptor) : Sink({room_, roomSize}), descriptor_(descriptor) {}
+/// Beyond so much, printing and writing at the same time saves more than a thread costs.
+static constexpr std::size_t largeOutput = 1 << 20;
 
-void Output::flush() { passAll(); }
+Output::Output(int descriptor) : Sink({first_, firstSize}), descriptor_(descriptor) {}
+
+void Output::flush() {
+  passAll();
+  if (background_) background_->finish();
+}
 
 json::Sink::Room Output::pass(std::string_view content) {
-  writeAll(descriptor_, content);
-  return {room_, roomSize};
+  passed_ += content.size();
+  if (background_) {
+    background_->handOver(content.size());
+  } else {
+    writeAll(descriptor_, content);
+    if (passed_ < largeOutput) return {first_, firstSize};
+    background_ = std::make_unique<BackgroundWriter>(descriptor_);
+  }
+  return {background_->room(), BackgroundWriter::partSize};
 }
 
 void Console::say(std::string_view text) {

@@ -1,8 +1,10 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string_view>
 
+#include "cli/background_writer.h"
 #include "json/sink.h"
 
 namespace vell::cli {
@@ -18,12 +20,14 @@ class Output : public json::Sink {
   int descriptor() const { return descriptor_; }
 
  private:
-  static constexpr std::size_t roomSize = 32 * 1024;
+  static constexpr std::size_t firstSize = 32 * 1024;
 
   Room pass(std::string_view content) override;
 
   int descriptor_;
-  char room_[roomSize + padding];
+  std::size_t passed_ = 0;
+  std::unique_ptr<BackgroundWriter> background_;  // once the output is large
+  char first_[firstSize + padding];
 };
 
 /// The three streams of a run.

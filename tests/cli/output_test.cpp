@@ -1,5 +1,6 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <unistd.h>
 
 #include <csignal>
@@ -46,18 +47,49 @@ TEST(Output, ToAFullDiskIsAnError) {
   }
 }
 
-TEST(Output, ToAClosedPipeEndsQuietly) {
+// Before and after a large output is written in the background.
+TEST(Output, ToAReaderThatLeavesEndsQuietly) {
   std::signal(SIGPIPE, SIG_IGN);
   tests::TemporaryHome home;
   FakeApplication application(
       [](const std::string&) { return FakeApplication::result('"' + longText() + '"'); });
   for (const char* line : {"get outline -o txt", "get outlines", "--help"}) {
-    int ends[2];
-    ASSERT_EQ(pipe(ends), 0);
-    close(ends[0]);
+    for (const std::size_t taken : {0UL, 1'500'000UL}) {
+      if (taken > 0 && line[0] == '-') continue;
+      int ends[2];
+      ASSERT_EQ(pipe(ends), 0);
+      std::thread reader([&] {
+        std::string chunk(taken, '\0');
+        for (std::size_t left = taken; left > 0;)
+          left -= static_cast<std::size_t>(read(ends[0], chunk.data(), left));
+        close(ends[0]);
+      });
+      if (taken == 0) reader.join();
+      std::string err;
+      EXPECT_EQ(runInto(Descriptor(ends[1]), words(line), err), 141) << line << ' ' << taken;
+      EXPECT_EQ(err, "") << line << ' ' << taken;
+      if (taken > 0) reader.join();
+    }
+  }
+}
+
+TEST(Output, BeyondTheLargestFileIsAnError) {
+  std::signal(SIGXFSZ, SIG_IGN);
+  tests::TemporaryHome home;
+  FakeApplication application(
+      [](const std::string&) { return FakeApplication::result('"' + longText() + '"'); });
+  rlimit before{};
+  getrlimit(RLIMIT_FSIZE, &before);
+  for (const rlim_t most : {100'000UL, 2'000'000UL}) {
+    std::FILE* file = std::tmpfile();
+    const rlimit limit{most, before.rlim_max};
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &limit), 0);
     std::string err;
-    EXPECT_EQ(runInto(Descriptor(ends[1]), words(line), err), 141) << line;
-    EXPECT_EQ(err, "") << line;
+    EXPECT_EQ(runInto(Descriptor(dup(fileno(file))), words("get outline -o txt"), err), 1) << most;
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_EQ(err, "Error: Cannot write to standard output: File too large\n") << most;
+    EXPECT_EQ(lseek(fileno(file), 0, SEEK_END), static_cast<off_t>(most));
+    std::fclose(file);
   }
 }
 
