@@ -93,10 +93,10 @@ void ApplicationConnection::onRead(std::error_code error, std::size_t count) {
   if (!open_) return;
   if (error) return finish();
   arrived_.commit(count);
-  asked_ = false;
   while (open_) {
     auto line = arrived_.next();
     if (!line) break;
+    asked_ = false;
     handler_.onLine(std::move(*line));
   }
   if (open_) handler_.onLinesTakenIn();

@@ -56,7 +56,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   ipc::LineFraming arrived_;
   std::string writing_;  // handed to the loop, untouched until it is written
   std::string waiting_;
-  bool asked_ = false;  // whether something was sent since bytes came
+  bool asked_ = false;  // whether something was sent since the last line came
   bool open_ = true;
 };
 
