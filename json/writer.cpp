@@ -9,12 +9,19 @@
 
 namespace vell::json {
 
+/// Escaped: the text is the inside of a string.
+enum class Quotes { plain, escaped };
+
 /// Walks the tokens with a stack of its own: depth costs memory, never the call stack. The place to write to
 /// travels through the functions, since in memory it would be stored and loaded for each piece.
 class Writer {
  public:
-  Writer(const Node& value, Layout layout, Sink& sink)
-      : index_(*value.index_), order_(index_), indented_(layout == Layout::indented), out_(sink) {
+  Writer(const Node& value, Layout layout, Quotes quotes, Sink& sink)
+      : index_(*value.index_),
+        order_(index_),
+        indented_(layout == Layout::indented),
+        escaped_(quotes == Quotes::escaped),
+        out_(sink) {
     begin(out_.at(), value.token_);
   }
 
@@ -122,12 +129,30 @@ class Writer {
   }
 
   char* string(char* at, std::uint32_t token) {
+    if (escaped_) return escapedString(at, token);
     if (!index_.hasEscapes(token)) return copy(at, index_.quotedString(token));
     scratch_.assign(1, '"');
     appendNormalized(index_.rawString(token), scratch_);
     scratch_.push_back('"');
     out_.write(scratch_);
     return out_.at();
+  }
+
+  char* escapedString(char* at, std::uint32_t token) {
+    at = escapedQuote(at);
+    if (!index_.hasEscapes(token)) return escapedQuote(copy(at, index_.rawString(token)));
+    scratch_.clear();
+    appendNormalized(index_.rawString(token), scratch_);
+    for (const char byte : scratch_) {
+      if (byte == '"' || byte == '\\') at = put(at, '\\');
+      at = put(at, byte);
+    }
+    return escapedQuote(at);
+  }
+
+  char* escapedQuote(char* at) {
+    std::memcpy(at, "\\\"", 2);
+    return out_.moveTo(at + 2);
   }
 
   /// Behind every piece of the text lie as many readable bytes as a copy of fixed length needs.
@@ -148,6 +173,7 @@ class Writer {
   const Index& index_;
   MemberOrder order_;
   const bool indented_;
+  const bool escaped_;
   Sink& out_;
   std::vector<Container> open_;
   std::vector<std::uint32_t> keys_;  // of the members of all open objects, the innermost last
@@ -158,11 +184,8 @@ namespace {
 
 class StringSink : public Sink {
  public:
-  StringSink() : Sink({room_, roomSize}) {}
-  std::string take() {
-    passAll();
-    return std::move(text_);
-  }
+  explicit StringSink(std::string& text) : Sink({room_, roomSize}), text_(text) {}
+  void finish() { passAll(); }
 
  private:
   static constexpr std::size_t roomSize = 64 * 1024;
@@ -172,35 +195,29 @@ class StringSink : public Sink {
     return {room_, roomSize};
   }
 
-  std::string text_;
+  std::string& text_;
   char room_[roomSize + padding];
 };
 
 }  // namespace
 
-void write(const Node& value, Layout layout, Sink& sink) { Writer(value, layout, sink).run(); }
+void write(const Node& value, Layout layout, Sink& sink) { Writer(value, layout, Quotes::plain, sink).run(); }
 
 void writeMeaning(const Node& value, Sink& sink) { Writer::meaning(value, sink); }
 
 std::string toString(const Node& value, Layout layout) {
-  StringSink sink;
+  std::string text;
+  StringSink sink(text);
   write(value, layout, sink);
-  return sink.take();
+  sink.finish();
+  return text;
 }
 
 void appendQuoted(const Node& value, std::string& out) {
-  const std::string text = toString(value, Layout::compact);
-  out.reserve(out.size() + text.size() + text.size() / 4 + 3);
   out += '"';
-  const std::size_t first = out.size();
-  out.resize(first + 2 * text.size());
-  char* at = out.data() + first;
-  for (const char byte : text) {
-    *at = '\\';
-    at += byte == '"' || byte == '\\';
-    *at++ = byte;
-  }
-  out.resize(static_cast<std::size_t>(at - out.data()));
+  StringSink sink(out);
+  Writer(value, Layout::compact, Quotes::escaped, sink).run();
+  sink.finish();
   out += '"';
 }
 
