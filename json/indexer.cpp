@@ -17,7 +17,11 @@ namespace {
 class Indexer {
  public:
   Indexer(std::string_view text, std::uint32_t* entries, std::size_t count)
-      : text_(text), entries_(entries), readEnd_(indexRoom + count), nextBackslash_(findBackslash(0)) {}
+      : text_(text),
+        entries_(entries),
+        read_(indexRoom(text.size())),
+        readEnd_(read_ + count),
+        nextBackslash_(findBackslash(0)) {}
 
   void run() {
     value("a value");
@@ -149,7 +153,7 @@ class Indexer {
 
   std::string_view text_;
   std::uint32_t* entries_;
-  std::size_t read_ = indexRoom;
+  std::size_t read_;
   std::size_t readEnd_;
   std::size_t written_ = 0;
   std::size_t nextBackslash_;

@@ -43,11 +43,12 @@ class Tokenizer {
 Structure findStructure(const Text& text) {
   if (text.size() == 0) throw ParseError("the text is empty", 0);
   Structure structure;
-  const std::size_t room = indexRoom + (text.size() + 63) / 64 * 64 + 9;
+  const std::size_t first = indexRoom(text.size());
+  const std::size_t room = first + (text.size() + 63) / 64 * 64 + 9;
   structure.offsets.reset(new std::uint32_t[room]);  // not cleared: only what is used is ever touched
   preferLargePages(structure.offsets.get(), room * sizeof(std::uint32_t));
   Tokenizer tokenizer(text.size());
-  const auto error = tokenizer.run(text, structure.offsets.get() + indexRoom);
+  const auto error = tokenizer.run(text, structure.offsets.get() + first);
   if (error) throwTextFault(text.view());
   structure.count = tokenizer.count();
   return structure;

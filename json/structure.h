@@ -10,7 +10,7 @@ namespace vell::json {
 
 /// The offsets at which brackets, commas, colons, strings and scalars begin, in order.
 struct Structure {
-  /// They begin at entry `indexRoom`, which is for those who rewrite the array in place.
+  /// They begin at entry `indexRoom` of the text's size, which is for those who rewrite the array in place.
   std::unique_ptr<std::uint32_t[]> offsets;
   std::size_t count = 0;
 };
