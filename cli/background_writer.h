@@ -16,7 +16,7 @@ namespace vell::cli {
 /// the next part is being made. Its user is one thread.
 class BackgroundWriter {
  public:
-  static constexpr std::size_t partSize = 256 * 1024;
+  static constexpr std::size_t partSize = 512 * 1024;
 
   explicit BackgroundWriter(int descriptor);
   /// Still writes what was handed over.
@@ -44,7 +44,7 @@ class BackgroundWriter {
   void awaitBacklog(std::size_t most);
 
   const int descriptor_;
-  std::array<std::unique_ptr<Part>, 4> parts_;  // used in turn
+  std::array<std::unique_ptr<Part>, 3> parts_;  // used in turn
   std::mutex mutex_;                            // guards what follows, and decides whose a part is
   std::condition_variable changed_;
   std::size_t handedOver_ = 0;
