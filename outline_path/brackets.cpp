@@ -6,8 +6,8 @@
 namespace vell::outline_path {
 namespace {
 
-/// Brackets and quotes stand before all letters and digits, which are quickly passed over so.
-constexpr char kLastMark = ')';
+/// Brackets and quotes stand close together: whatever else is quickly passed over so.
+bool isNoMark(char c) { return c < '"' || c > ')'; }
 
 }  // namespace
 
@@ -18,36 +18,40 @@ std::size_t behindString(std::string_view text, std::size_t quote) {
 }
 
 void Brackets::prepare() {
-  behind_ = few_.data();
+  prepared_ = true;
   if (text_.size() > few_.size()) {
     many_.resize(text_.size());
-    behind_ = many_.data();
   } else {
-    std::fill_n(behind_, text_.size(), 0);
+    std::fill_n(few_.data(), text_.size(), Short{0});
   }
 }
 
-void Brackets::pairFrom(std::size_t open) {
+template <typename Offset>
+void Brackets::pairFrom(Offset* behind, std::size_t open) {
+  constexpr auto kNone = static_cast<Offset>(kUnpaired);
   // As long as a bracket is open its entry holds the one around it.
-  std::size_t innermost = kUnpaired;
+  Offset innermost = kNone;
   for (std::size_t at = open; at < text_.size();) {
     const char c = text_[at];
-    if (c > kLastMark) {
+    if (isNoMark(c)) {
       ++at;
-    } else if (c == '(' && behind_[at] != 0) {
-      at = std::min(behind_[at], text_.size());
+    } else if (c == '(' && behind[at] != 0) {
+      at = std::min<std::size_t>(behind[at], text_.size());
     } else if (c == '(') {
-      behind_[at] = std::exchange(innermost, at);
+      behind[at] = std::exchange(innermost, static_cast<Offset>(at));
       ++at;
     } else if (c == ')') {
-      const std::size_t closed = std::exchange(innermost, behind_[innermost]);
-      behind_[closed] = ++at;
+      const std::size_t closed = std::exchange(innermost, behind[innermost]);
+      behind[closed] = static_cast<Offset>(++at);
       if (closed == open) return;
     } else {
       at = c == '"' ? behindString(text_, at) : at + 1;
     }
   }
-  while (innermost != kUnpaired) innermost = std::exchange(behind_[innermost], kUnpaired);
+  while (innermost != kNone) innermost = std::exchange(behind[innermost], kNone);
 }
+
+template void Brackets::pairFrom(Short*, std::size_t);
+template void Brackets::pairFrom(std::size_t*, std::size_t);
 
 }  // namespace vell::outline_path

@@ -2,6 +2,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdint>
 #include <string_view>
 #include <vector>
 
@@ -16,19 +17,27 @@ class Brackets {
 
   /// The offset behind the bracket that closes the one at `open`, `kUnpaired` where there is none.
   std::size_t behind(std::size_t open) {
-    if (behind_ == nullptr) prepare();
-    if (behind_[open] == 0) pairFrom(open);
-    return behind_[open];
+    if (!prepared_) prepare();
+    return text_.size() <= few_.size() ? behind(few_.data(), open) : behind(many_.data(), open);
   }
 
  private:
+  // As nodes of the tree do, tables touch as little memory as they can: offsets in short texts are short.
+  using Short = std::uint16_t;
+
   void prepare();
-  void pairFrom(std::size_t open);
+  template <typename Offset>
+  std::size_t behind(Offset* table, std::size_t open) {
+    if (table[open] == 0) pairFrom(table, open);
+    return table[open] == static_cast<Offset>(kUnpaired) ? kUnpaired : table[open];
+  }
+  template <typename Offset>
+  void pairFrom(Offset* table, std::size_t open);
 
   std::string_view text_;
+  bool prepared_ = false;
   /// For each opening bracket that was read what `behind` returns; 0 for whatever else.
-  std::size_t* behind_ = nullptr;
-  std::array<std::size_t, 1024> few_;
+  std::array<Short, 1024> few_;
   std::vector<std::size_t> many_;
 };
 

@@ -71,13 +71,9 @@ inline std::size_t wordLength(std::string_view text) {
   const char* const begin = text.data();
   const char* const end = begin + text.size();
   const char* at = begin;
-  while (at != end) {
-    const std::uint8_t classes = kNameClasses[static_cast<unsigned char>(*at)];
-    if ((classes & kInName) != 0) {
-      ++at;
-      continue;
-    }
-    if (classes != kBeyondAscii) break;
+  while (true) {
+    while (at != end && (kNameClasses[static_cast<unsigned char>(*at)] & kInName) != 0) ++at;
+    if (at == end || static_cast<unsigned char>(*at) < 0x80) break;
     const std::size_t next =
         lengthBeyondAscii(kInName, std::string_view(at, static_cast<std::size_t>(end - at)));
     if (next == 0) break;

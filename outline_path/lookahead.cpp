@@ -1,5 +1,7 @@
 #include "outline_path/lookahead.h"
 
+#include <algorithm>
+
 namespace vell::outline_path {
 namespace {
 
@@ -17,9 +19,15 @@ constexpr Characters kContinuations = [] {
   return characters;
 }();
 
+bool hasDoubleColon(std::string_view word) {
+  for (std::size_t i = 1; i < word.size(); ++i) {
+    if (word[i] == ':' && word[i - 1] == ':') return true;
+  }
+  return false;
+}
+
 bool isFunctionName(std::string_view word) {
-  return lengthOf(kStartsName, word) != 0 && !isKeyword(word) && !isConstant(word) &&
-         word.find("::") == std::string_view::npos;
+  return lengthOf(kStartsName, word) != 0 && !isKeyword(word) && !isConstant(word) && !hasDoubleColon(word);
 }
 
 }  // namespace
@@ -32,6 +40,14 @@ std::size_t skipBlanks(std::string_view text, std::size_t at) {
 void Lookahead::note(std::uint8_t flag, std::size_t at) {
   if (notes_.empty()) notes_.resize(text_.size() + 1);
   notes_[at] |= flag;
+}
+
+inline std::size_t Lookahead::operandEnd(std::size_t at) {
+  if (at < text_.size() && (text_[at] == '@' || text_[at] == '$')) {
+    const std::size_t length = nameLengthAt(at + 1);
+    return length == 0 ? kNone : at + 1 + length;
+  }
+  return otherOperandEnd(at);
 }
 
 bool Lookahead::relationFollows(std::size_t at) {
@@ -93,15 +109,13 @@ bool Lookahead::operandFailed(std::size_t at) const {
   return failed(Construct::valueGroup, at) || failed(Construct::functionCall, at);
 }
 
-std::size_t Lookahead::operandEnd(std::size_t at) {
-  while (at < text_.size() && text_[at] == spelling(UnaryOp::negate)) ++at;
+std::size_t Lookahead::otherOperandEnd(std::size_t at) {
   if (at == text_.size()) return kNone;
   const char c = text_[at];
+  if (c == spelling(UnaryOp::negate))
+    return operandEnd(std::min(text_.find_first_not_of(c, at), text_.size()));
   if (c == '"') return behindString(text_, at);
-  if (c == '(') return brackets_.behind(at);
-  if (c != '@' && c != '$') return wordOperandEnd(at);
-  const std::size_t length = nameLengthAt(at + 1);
-  return length == 0 ? kNone : at + 1 + length;
+  return c == '(' ? brackets_.behind(at) : wordOperandEnd(at);
 }
 
 /// A function call, or else a number, constant or other word that may be a value.

@@ -74,6 +74,7 @@ class Lookahead {
   void noteChain(std::size_t at, std::uint8_t flag);
   bool operandFailed(std::size_t at) const;
   std::size_t operandEnd(std::size_t at);
+  [[gnu::noinline]] std::size_t otherOperandEnd(std::size_t at);
   std::size_t wordOperandEnd(std::size_t at);
   std::size_t nextOperand(std::size_t sign) const;
 
