@@ -3,13 +3,14 @@
 #include <memory>
 #include <utility>
 
+#include "outline_path/dropping.h"
 #include "outline_path/node_memory.h"
 
 namespace vell::outline_path {
 
 /// Holds one T on the heap as if by value: copies are deep, equality compares the contents.
-/// Never empty, save after it was moved from or where it was left for later. Where `lastPart(T&)` gives the
-/// box that a T ends with, chains of such boxes are dropped one by one, not within each other.
+/// Never empty, save after it was moved from or where it was left for later. `lastPart(T&)` gives, if there
+/// is such a function, the box that a T ends with, if it does.
 template <typename T>
 class Box {
  public:
@@ -36,25 +37,26 @@ class Box {
 
  private:
   struct GivesBack {
-    void operator()(T* node) const noexcept {
-      while (node != nullptr) {
+    void operator()(T* node) const noexcept { Dropping::drop(node, dropAndGive); }
+    static void dropAndGive(void* memory) noexcept {
+      for (T* node = static_cast<T*>(memory); node != nullptr;) {
         T* const last = takeLast(*node);
         std::destroy_at(node);
         NodeMemory<sizeof(T)>::give(node);
         node = last;
       }
     }
+    /// A chain need not wait.
+    static T* takeLast(T& node) noexcept {
+      if constexpr (requires { lastPart(node); }) {
+        Box* const last = lastPart(node);
+        return last == nullptr ? nullptr : last->held_.release();
+      } else {
+        return nullptr;
+      }
+    }
   };
   using Held = std::unique_ptr<T, GivesBack>;
-
-  static T* takeLast(T& node) noexcept {
-    if constexpr (requires { lastPart(node); }) {
-      Box* const last = lastPart(node);
-      return last == nullptr ? nullptr : last->held_.release();
-    } else {
-      return nullptr;
-    }
-  }
 
   template <typename Source>
   static Held make(Source&& source) {

@@ -20,11 +20,9 @@ struct DraftList {
     draft->next = nullptr;
     (last == nullptr ? first : last->next) = draft;
     last = draft;
-    ++count;
   }
   Draft* first = nullptr;
   Draft* last = nullptr;
-  std::uint32_t count = 0;
 };
 
 struct PathParts {
@@ -204,7 +202,6 @@ struct Build<grammar::FunctionCallParser>
   template <typename Input>
   static void finish(const Input&, ParseContext& context, const FunctionParts& parts, Slot& out) {
     out = context.drafts.addText(Draft::Kind::call, parts.name, parts.arguments.first);
-    out->count = parts.arguments.count;
   }
 };
 
@@ -338,7 +335,6 @@ struct Build<grammar::PathParser> : actions::Makes<Build<grammar::PathParser>, P
   static void finish(const Input&, ParseContext& context, const PathParts& parts, Slot& out) {
     out = context.drafts.addParts(Draft::Kind::path, parts.steps.first, nullptr);
     out->entry = static_cast<std::uint8_t>(parts.absolute);
-    out->count = parts.steps.count;
   }
 };
 

@@ -44,8 +44,6 @@ struct Draft {
   /// A step's type test, as its number plus one; a relation's modifier letter, in the same way.
   std::uint8_t detail;
   bool localeAware;
-  /// The number of steps or arguments, as far as it can be told.
-  std::uint32_t count;
   union {
     /// The name or the text as written; a step's slice.
     const char* begin;

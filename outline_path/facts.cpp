@@ -43,18 +43,38 @@ bool asksForPosition(const ValueExpression& value) {
   return false;
 }
 
-bool asksForPosition(const PredicateExpression& predicate) {
-  const auto both = [](const auto& node) {
-    return asksForPosition(*node.left) || asksForPosition(*node.right);
-  };
-  if (const auto* node = nodeOf<Comparison>(predicate)) {
-    return asksForPosition(node->left) || asksForPosition(node->right);
+bool isTextOfRow(const ValueExpression& value) {
+  const auto* attribute = std::get_if<Attribute>(&value.node);
+  return attribute != nullptr && attribute->meta().kind == AttributeKind::text;
+}
+
+/// What a predicate asks for; of the text only perhaps.
+struct Asked {
+  bool position = false;
+  bool text = false;
+};
+
+const PredicateExpression* lastOf(const PredicateExpression& predicate) {
+  if (const auto* node = nodeOf<And>(predicate)) return &*node->right;
+  if (const auto* node = nodeOf<Or>(predicate)) return &*node->right;
+  if (const auto* node = nodeOf<Not>(predicate)) return &*node->operand;
+  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return &*node->inner;
+  return nullptr;
+}
+
+// A loop along the last parts: chains are long more often than their operands are.
+void noteAsked(const PredicateExpression& predicate, Asked& asked) {
+  const PredicateExpression* part = &predicate;
+  while (const PredicateExpression* const last = lastOf(*part)) {
+    if (const auto* node = nodeOf<And>(*part)) noteAsked(*node->left, asked);
+    if (const auto* node = nodeOf<Or>(*part)) noteAsked(*node->left, asked);
+    part = last;
   }
-  if (const auto* node = nodeOf<Or>(predicate)) return both(*node);
-  if (const auto* node = nodeOf<And>(predicate)) return both(*node);
-  if (const auto* node = nodeOf<Not>(predicate)) return asksForPosition(*node->operand);
-  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return asksForPosition(*node->inner);
-  return false;
+  if (const auto* node = nodeOf<Comparison>(*part)) {
+    asked.position = asked.position || asksForPosition(node->left) || asksForPosition(node->right);
+    asked.text = asked.text || isTextOfRow(node->left);
+  }
+  asked.text = asked.text || nodeOf<ContainsText>(*part) != nullptr;
 }
 
 using Terms = std::vector<MatchTerm>;
@@ -75,11 +95,6 @@ Terms common(const Terms& left, const Terms& right) {
   Terms both;
   std::set_intersection(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(both));
   return both;
-}
-
-bool isTextOfRow(const ValueExpression& value) {
-  const auto* attribute = std::get_if<Attribute>(&value.node);
-  return attribute != nullptr && attribute->meta().kind == AttributeKind::text;
 }
 
 /// Whether a relation with plain text on its right holds only where the left contains that text. Comparing
@@ -108,14 +123,8 @@ Terms termsOf(const PredicateExpression& predicate) {
   return {};
 }
 
-/// Whether `termsOf` is worth asking.
-bool seeksText(const PredicateExpression& predicate) {
-  const auto either = [](const auto& node) { return seeksText(*node.left) || seeksText(*node.right); };
-  if (const auto* node = nodeOf<Comparison>(predicate)) return isTextOfRow(node->left);
-  if (const auto* node = nodeOf<Or>(predicate)) return either(*node);
-  if (const auto* node = nodeOf<And>(predicate)) return either(*node);
-  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return seeksText(*node->inner);
-  return nodeOf<ContainsText>(predicate) != nullptr;
+[[gnu::noinline]] MatchTerms setOfTerms(const PredicateExpression& predicate) {
+  return MatchTerms(termsOf(predicate));
 }
 
 /// A slice that is an index leaves one row of the candidates.
@@ -133,7 +142,7 @@ MatchShape shapeOfSelf(const Step& step) {
 }
 
 /// The union of the terms of all steps.
-MatchTerms termsOf(const Steps& steps) {
+[[gnu::noinline]] MatchTerms termsOf(const Steps& steps) {
   Terms all;
   for (const Step& step : steps)
     all.insert(all.end(), step.meta().matchingTerms.begin(), step.meta().matchingTerms.end());
@@ -172,8 +181,10 @@ bool FunctionCall::operator==(const FunctionCall& other) const {
 }
 
 void Step::noteFactsOf(const PredicateExpression& predicate) {
-  meta_.requiresContextPositions = meta_.requiresContextPositions || asksForPosition(predicate);
-  if (seeksText(predicate)) meta_.matchingTerms = MatchTerms(termsOf(predicate));
+  Asked asked;
+  noteAsked(predicate, asked);
+  meta_.requiresContextPositions = meta_.requiresContextPositions || asked.position;
+  if (asked.text) meta_.matchingTerms = setOfTerms(predicate);
 }
 
 MatchShape computeMatchShape(bool absolute, const Steps& steps, bool allSingleElementSteps) {

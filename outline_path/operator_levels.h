@@ -19,12 +19,7 @@ class OperatorLevels {
             template <typename...> class Control, typename Input>
   static bool match(Input& in, ParseContext& context, Slot& out) {
     if (!matchOperand<M, Action, Control>(in, context, out)) return false;
-    std::array<Start, kLevels> starts;
-    const std::size_t depth = context.depth;
-    starts.fill({&out, depth});
-    while (matchTail<Action, Control>(in, context, starts)) {
-    }
-    context.depth = depth;
+    if (levelAt(in) != kLevels) matchTails<Action, Control>(in, context, out);
     return true;
   }
 
@@ -42,13 +37,24 @@ class OperatorLevels {
                                                                                                 out);
   }
 
+  // Most operands are followed by no operator: they are not to pay for what those need.
+  template <template <typename...> class Action, template <typename...> class Control, typename Input>
+  [[gnu::noinline]] static void matchTails(Input& in, ParseContext& context, Slot& out) {
+    const std::size_t depth = context.depth;
+    std::array<Start, kLevels> starts;
+    starts.fill({&out, depth});
+    while (matchTail<Action, Control>(in, context, starts)) {
+    }
+    context.depth = depth;
+  }
+
   template <template <typename...> class Action, template <typename...> class Control, typename Input>
   static bool matchTail(Input& in, ParseContext& context, std::array<Start, kLevels>& starts) {
     constexpr std::array kinds{Action<Tails>::kKind...};
     auto mark = in.template mark<tao::pegtl::rewind_mode::required>();
     SignParts sign;
-    const std::size_t level = matchSign<Action, Control>(in, context, sign);
-    if (level == kLevels) return false;
+    const std::size_t level = levelAt(in);
+    if (level == kLevels || !matchSign<Action, Control>(level, in, context, sign)) return false;
     const Start start = starts[level];
     context.depth = start.depth;
     if (!goDeeper(context, in.byte())) return false;
@@ -61,21 +67,25 @@ class OperatorLevels {
     return mark(true);
   }
 
-  /// The level of the operator that stands next, or their number.
-  template <template <typename...> class Action, template <typename...> class Control, typename Input>
-  static std::size_t matchSign(Input& in, ParseContext& context, SignParts& sign) {
+  /// The level that the next operator is of by its first character, or their number.
+  template <typename Input>
+  static std::size_t levelAt(const Input& in) {
     const char* at = in.current();
     while (at != in.end() && isBlank(*at)) ++at;
     if (at == in.end()) return kLevels;
     std::size_t level = 0;
-    const bool matched =
-        ((kBehindBlanks<Tails>.has(*at)
-              ? Control<typename Tails::Sign>::template match<
-                    tao::pegtl::apply_mode::action, tao::pegtl::rewind_mode::dontcare, Action, Control>(
-                    in, context, sign)
-              : (++level, false)) ||
-         ...);
-    return matched ? level : kLevels;
+    static_cast<void>(((kBehindBlanks<Tails>.has(*at) || (++level, false)) || ...));
+    return level;
+  }
+
+  template <template <typename...> class Action, template <typename...> class Control, typename Input>
+  static bool matchSign(std::size_t level, Input& in, ParseContext& context, SignParts& sign) {
+    return (
+        (level-- == 0 &&
+         Control<typename Tails::Sign>::template match<tao::pegtl::apply_mode::action,
+                                                       tao::pegtl::rewind_mode::dontcare, Action, Control>(
+             in, context, sign)) ||
+        ...);
   }
 };
 

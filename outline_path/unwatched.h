@@ -15,6 +15,13 @@ struct Unwatched : tao::pegtl::normal<Rule> {
     if constexpr (kBeginnings<Rule>.has_value()) {
       if (in.empty() || !kBeginnings<Rule>->has(in.peek_char())) return false;
     }
+    if constexpr (kApart<Rule>) return matchApart<A, M, Action, Control>(in, states...);
+    return tao::pegtl::normal<Rule>::template match<A, M, Action, Control>(in, states...);
+  }
+
+  template <tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  [[gnu::noinline]] static bool matchApart(Input& in, States&&... states) {
     return tao::pegtl::normal<Rule>::template match<A, M, Action, Control>(in, states...);
   }
 
