@@ -37,12 +37,18 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
 
   void send(std::string message) {
     message += '\n';
-    if (waiting_.empty()) {
-      waiting_ = std::move(message);
-    } else {
+    if (!writing_.empty()) {
       waiting_ += message;
+      return;
     }
-    if (writing_.empty()) write();
+    // Mostly the client has room for all of it. What is wrong here the loop will find wrong again, and say
+    // so.
+    std::error_code ignored;
+    written_ = output_.write_some(asio::buffer(message), ignored);
+    if (written_ < message.size()) {
+      writing_ = std::move(message);
+      writeOn();
+    }
   }
 
   void whenWritten(std::function<void()> callback) {

@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <asio/buffer.hpp>
+#include <asio/error.hpp>
 #include <asio/post.hpp>
 #include <asio/write.hpp>
 #include <cerrno>
@@ -14,6 +15,9 @@
 #include "platform/socket.h"
 
 namespace vell::tools {
+
+/// How often the connection is read before others on the loop have their turn.
+static constexpr int mostTurns = 4;
 
 using ipc::ClientError;
 
@@ -44,19 +48,25 @@ void ApplicationConnection::connect() {
 
 void ApplicationConnection::connected(platform::Descriptor descriptor) {
   socket_.assign(asio::local::stream_protocol(), descriptor.release());
+  socket_.non_blocking(true);
   if (!waiting_.empty()) write();
-  read();
+  receive();
 }
 
 void ApplicationConnection::send(std::string_view bytes) {
   waiting_ += bytes;
   asked_ = true;
-  if (socket_.is_open() && writing_.empty()) write();
+  if (!socket_.is_open()) return;
+  if (writing_.empty()) write();
+  if (!takesIn_) asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
 }
 
 void ApplicationConnection::write() {
+  std::error_code ignored;  // the loop will find it again
+  const std::size_t written = socket_.write_some(asio::buffer(waiting_), ignored);
+  if (written == waiting_.size()) return waiting_.clear();
   writing_.swap(waiting_);
-  asio::async_write(socket_, asio::buffer(writing_),
+  asio::async_write(socket_, asio::buffer(writing_) + written,
                     [self = shared_from_this()](std::error_code error, std::size_t) {
                       if (!self->open_) return;
                       if (error) return self->end(ClientError::writeFailed(error.value()));
@@ -65,33 +75,48 @@ void ApplicationConnection::write() {
                     });
 }
 
-void ApplicationConnection::read() {
-  const auto room = arrived_.room();
-  if (const std::size_t count = asked_ ? readSoon(room) : 0; count > 0) {
-    return asio::post(socket_.get_executor(),
-                      [self = shared_from_this(), count] { self->onRead({}, count); });
+void ApplicationConnection::receive() {
+  for (int turn = 0; turn < mostTurns && open_; ++turn) {
+    const auto room = arrived_.room();
+    const auto count = asked_ ? readSoon(room) : readNow(room);
+    if (!count) return watch();
+    if (*count == 0) return finish();
+    takeIn(*count);
   }
-  socket_.async_read_some(
-      asio::buffer(room.data, room.size),
-      [self = shared_from_this()](std::error_code error, std::size_t count) { self->onRead(error, count); });
+  if (open_) asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
 }
 
-// Where one request follows upon the other, the answer comes sooner than the system puts this process to
-// sleep and wakes it again: that takes longer than all of the work on both sides.
-std::size_t ApplicationConnection::readSoon(const ipc::LineFraming::Room& room) {
+// An answer mostly comes sooner than the system puts this process to sleep and wakes it again: that takes
+// longer than all of the work on both sides.
+std::optional<std::size_t> ApplicationConnection::readSoon(const ipc::LineFraming::Room& room) {
   static constexpr std::chrono::microseconds longest{50};
   const auto end = std::chrono::steady_clock::now() + longest;
-  do {
-    const ssize_t count = ::recv(socket_.native_handle(), room.data, room.size, MSG_DONTWAIT);
-    if (count >= 0 || errno != EAGAIN) return count > 0 ? static_cast<std::size_t>(count) : 0;
+  auto count = readNow(room);
+  while (!count && std::chrono::steady_clock::now() < end) {
     std::this_thread::yield();
-  } while (std::chrono::steady_clock::now() < end);
-  return 0;
+    count = readNow(room);
+  }
+  return count;
 }
 
-void ApplicationConnection::onRead(std::error_code error, std::size_t count) {
-  if (!open_) return;
-  if (error) return finish();
+std::optional<std::size_t> ApplicationConnection::readNow(const ipc::LineFraming::Room& room) {
+  std::error_code error;
+  const std::size_t count = socket_.read_some(asio::buffer(room.data, room.size), error);
+  if (error == asio::error::would_block) return std::nullopt;
+  return error ? 0 : count;
+}
+
+// Whatever ends the wait, reading tells what it is.
+void ApplicationConnection::watch() {
+  if (std::exchange(watching_, true)) return;
+  socket_.async_wait(socket_.wait_read, [self = shared_from_this()](std::error_code) {
+    self->watching_ = false;
+    self->receive();
+  });
+}
+
+void ApplicationConnection::takeIn(std::size_t count) {
+  takesIn_ = true;
   arrived_.commit(count);
   while (open_) {
     auto line = arrived_.next();
@@ -100,7 +125,7 @@ void ApplicationConnection::onRead(std::error_code error, std::size_t count) {
     handler_.onLine(std::move(*line));
   }
   if (open_) handler_.onLinesTakenIn();
-  if (open_) read();
+  takesIn_ = false;
 }
 
 void ApplicationConnection::finish() {
@@ -122,7 +147,7 @@ void ApplicationConnection::close() {
 }
 
 bool ApplicationConnection::peerIsGone() {
-  if (!socket_.is_open()) return false;
+  if (!socket_.is_open() || takesIn_) return false;
   char byte;
   const ssize_t count = ::recv(socket_.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
   return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);

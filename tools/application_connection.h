@@ -5,6 +5,7 @@
 #include <asio/steady_timer.hpp>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -41,11 +42,15 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
  private:
   void connect();
   void connected(platform::Descriptor descriptor);
-  void read();
-  /// How many bytes came while an answer was waited for awake, 0 for none.
-  std::size_t readSoon(const ipc::LineFraming::Room& room);
   void write();
-  void onRead(std::error_code error, std::size_t count);
+  /// Takes in what has come, and what comes at once; the loop watches for the rest.
+  void receive();
+  /// How many bytes were read, 0 at the end of the connection; none where none have come.
+  std::optional<std::size_t> readNow(const ipc::LineFraming::Room& room);
+  /// The same, but waits for some microseconds, awake.
+  std::optional<std::size_t> readSoon(const ipc::LineFraming::Room& room);
+  void watch();
+  void takeIn(std::size_t count);
   void finish();
   void end(const ipc::ClientError& error);
 
@@ -56,7 +61,9 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   ipc::LineFraming arrived_;
   std::string writing_;  // handed to the loop, untouched until it is written
   std::string waiting_;
-  bool asked_ = false;  // whether something was sent since the last line came
+  bool asked_ = false;     // whether something was sent since the last line came
+  bool takesIn_ = false;   // whether lines are being handed over, so that the peer was there just now
+  bool watching_ = false;  // whether the loop will say when there is something to read
   bool open_ = true;
 };
 
