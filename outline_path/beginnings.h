@@ -11,27 +11,6 @@ namespace vell::outline_path {
 template <typename Rule>
 inline constexpr std::optional<Characters> kBeginnings = std::nullopt;
 
-/// Whether a rule, which nothing nests in, is a function of its own: those that do nest take less of the
-/// stack.
-template <typename Rule>
-inline constexpr bool kApart = false;
-template <>
-inline constexpr bool kApart<grammar::JSONString> = true;
-template <>
-inline constexpr bool kApart<grammar::LiteralParser> = true;
-template <>
-inline constexpr bool kApart<grammar::PredicateExpressionContainsTextParser> = true;
-template <>
-inline constexpr bool kApart<grammar::NumberParser> = true;
-template <>
-inline constexpr bool kApart<grammar::UnquotedParser> = true;
-template <>
-inline constexpr bool kApart<grammar::StepContainsText> = true;
-template <>
-inline constexpr bool kApart<grammar::SliceParser> = true;
-template <>
-inline constexpr bool kApart<grammar::RelationModifierParser> = true;
-
 /// The characters that a tail may begin with behind its blanks.
 template <typename Tail>
 inline constexpr Characters kBehindBlanks;

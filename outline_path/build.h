@@ -14,42 +14,6 @@ namespace vell::outline_path {
 /// A part that a rule is to fill.
 using Slot = Draft*;
 
-/// Drafts one behind the other.
-struct DraftList {
-  void append(Draft* draft) {
-    draft->next = nullptr;
-    (last == nullptr ? first : last->next) = draft;
-    last = draft;
-  }
-  Draft* first = nullptr;
-  Draft* last = nullptr;
-};
-
-struct PathParts {
-  bool absolute = false;
-  DraftList steps;
-};
-
-struct StepParts {
-  Axis axis = Axis::child;
-  /// As its number plus one.
-  std::uint8_t typeTest = 0;
-  Slot predicate = nullptr;
-  std::string_view slice;
-};
-
-struct FunctionParts {
-  std::string_view name;
-  DraftList arguments;
-};
-
-struct ComparisonParts {
-  Slot left = nullptr, right = nullptr;
-  std::uint8_t op = 0;
-  std::uint8_t modifier = 0;
-  bool localeAware = false;
-};
-
 struct SignParts {
   std::uint8_t op = 0;
 };
@@ -83,6 +47,20 @@ struct Makes : pegtl::maybe_nothing {
     Local local{};
     if (!pegtl::match<Rule, A, M, Action, Control>(in, context, local)) return false;
     if constexpr (A == apply_mode::action) Self::finish(in, context, local, outer);
+    return true;
+  }
+};
+
+/// The rule fills a new draft of this kind and entry, which `Self::finish(draft, outer)` then gives to the
+/// parent.
+template <typename Self, Kind kind, auto entry = 0>
+struct Drafted : pegtl::maybe_nothing {
+  template <typename Rule, apply_mode A, rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename Outer>
+  static bool match(Input& in, ParseContext& context, Outer& outer) {
+    Draft* const draft = context.drafts.addEmpty(kind, static_cast<std::uint8_t>(entry));
+    if (!pegtl::match<Rule, A, M, Action, Control>(in, context, *draft)) return false;
+    if constexpr (A == apply_mode::action) Self::finish(draft, outer);
     return true;
   }
 };
@@ -194,148 +172,132 @@ template <> struct Build<grammar::UnionTail>                 : actions::Joins<Dr
 
 // clang-format on
 
-// Functions
+// Functions. The last argument is noted as the call's next draft until that is known.
 
 template <>
 struct Build<grammar::FunctionCallParser>
-    : actions::Makes<Build<grammar::FunctionCallParser>, FunctionParts> {
-  template <typename Input>
-  static void finish(const Input&, ParseContext& context, const FunctionParts& parts, Slot& out) {
-    out = context.drafts.addText(Draft::Kind::call, parts.name, parts.arguments.first);
-  }
+    : actions::Drafted<Build<grammar::FunctionCallParser>, Draft::Kind::call> {
+  static void finish(Draft* call, Slot& out) { out = call; }
 };
 
 template <>
 struct Build<grammar::FunctionName> {
   template <typename Input>
-  static void apply(const Input& in, ParseContext&, FunctionParts& parts) {
-    parts.name = in.string_view();
+  static void apply(const Input& in, ParseContext&, Draft& call) {
+    call.setText(in.string_view());
   }
 };
 
 template <>
 struct Build<grammar::ArgumentParser> : actions::Makes<Build<grammar::ArgumentParser>, Slot> {
   template <typename Input>
-  static void finish(const Input&, ParseContext&, Slot argument, FunctionParts& parts) {
-    parts.arguments.append(argument);
+  static void finish(const Input&, ParseContext&, Slot argument, Draft& call) {
+    call.appendPart(argument, call.next);
   }
 };
 
 // Comparisons
 
 template <>
-struct Build<grammar::PredicateExpressionComparisonParser>
-    : actions::Makes<Build<grammar::PredicateExpressionComparisonParser>, ComparisonParts> {
-  template <typename Input>
-  static void finish(const Input&, ParseContext& context, const ComparisonParts& parts, Slot& out) {
-    out = context.drafts.addParts(Draft::Kind::comparison, parts.left, parts.right);
-    out->entry = parts.op;
-    out->detail = parts.modifier;
-    out->localeAware = parts.localeAware;
-  }
+struct Build<grammar::ComparedValues>
+    : actions::Drafted<Build<grammar::ComparedValues>, Draft::Kind::comparison> {
+  static void finish(Draft* comparison, Slot& out) { out = comparison; }
 };
 
 template <>
 struct Build<grammar::LeftValue> : actions::Fills<Build<grammar::LeftValue>> {
-  static Slot& part(ComparisonParts& comparison) { return comparison.left; }
+  static Slot& part(Draft& comparison) { return comparison.left; }
 };
 
 template <>
 struct Build<grammar::RelationOpParser> {
-  static void apply0(ParseContext& context, ComparisonParts& comparison) { comparison.op = context.entry; }
+  static void apply0(ParseContext& context, Draft& comparison) { comparison.entry = context.entry; }
 };
 
 template <>
 struct Build<grammar::RelationModifierType> {
-  static void apply0(ParseContext& context, ComparisonParts& comparison) {
-    comparison.modifier = static_cast<std::uint8_t>(context.entry + 1);
+  static void apply0(ParseContext& context, Draft& comparison) {
+    comparison.detail = static_cast<std::uint8_t>(context.entry + 1);
   }
 };
 
 template <>
 struct Build<grammar::LocaleAware> {
-  static void apply0(ParseContext&, ComparisonParts& comparison) { comparison.localeAware = true; }
+  static void apply0(ParseContext&, Draft& comparison) { comparison.localeAware = true; }
 };
 
 // Steps
 
 template <>
 struct Build<grammar::NamedAxis> {
-  static void apply0(ParseContext& context, StepParts& step) { step.axis = static_cast<Axis>(context.entry); }
+  static void apply0(ParseContext& context, Draft& step) { step.entry = context.entry; }
 };
 template <>
 struct Build<grammar::FirstStepAxis> : Build<grammar::NamedAxis> {};
 
 template <>
 struct Build<grammar::DescendantOrSelfAxis> {
-  static void apply0(ParseContext&, StepParts& step) { step.axis = Axis::descendantOrSelfShortcut; }
+  static void apply0(ParseContext&, Draft& step) {
+    step.entry = static_cast<std::uint8_t>(Axis::descendantOrSelfShortcut);
+  }
 };
 
 template <>
 struct Build<grammar::AnyTypeTest> {
-  static void apply0(ParseContext&, StepParts& step) {
-    step.typeTest = static_cast<std::uint8_t>(TypeTest::any) + 1;
+  static void apply0(ParseContext&, Draft& step) {
+    step.detail = static_cast<std::uint8_t>(TypeTest::any) + 1;
   }
 };
 
 template <>
 struct Build<grammar::NodeType> {
-  static void apply0(ParseContext& context, StepParts& step) {
-    step.typeTest = static_cast<std::uint8_t>(context.entry + 1);
+  static void apply0(ParseContext& context, Draft& step) {
+    step.detail = static_cast<std::uint8_t>(context.entry + 1);
   }
 };
 
 template <>
 struct Build<grammar::StepPredicate> : actions::Makes<Build<grammar::StepPredicate>, Slot> {
   template <typename Input>
-  static void finish(const Input&, ParseContext&, Slot predicate, StepParts& step) {
-    step.predicate = predicate;
+  static void finish(const Input&, ParseContext&, Slot predicate, Draft& step) {
+    step.left = predicate;
   }
 };
 
 template <>
 struct Build<grammar::StepContainsText> {
   template <typename Input>
-  static void apply(const Input& in, ParseContext& context, StepParts& step) {
-    step.predicate = context.drafts.addText(Draft::Kind::unquoted, in.string_view());
+  static void apply(const Input& in, ParseContext& context, Draft& step) {
+    step.left = context.drafts.addText(Draft::Kind::unquoted, in.string_view());
   }
 };
 
 template <>
 struct Build<grammar::SliceParser> {
   template <typename Input>
-  static void apply(const Input& in, ParseContext&, StepParts& step) {
-    step.slice = in.string_view();
+  static void apply(const Input& in, ParseContext&, Draft& step) {
+    step.setText(in.string_view());
   }
 };
 
 template <>
-struct Build<grammar::StepParser> : actions::Makes<Build<grammar::StepParser>, StepParts> {
-  template <typename Input>
-  static void finish(const Input&, ParseContext& context, const StepParts& step, PathParts& path) {
-    Draft* draft = context.drafts.addText(Draft::Kind::step, step.slice, step.predicate);
-    draft->entry = static_cast<std::uint8_t>(step.axis);
-    draft->detail = step.typeTest;
-    path.steps.append(draft);
-  }
+struct Build<grammar::StepParser>
+    : actions::Drafted<Build<grammar::StepParser>, Draft::Kind::step, Axis::child> {
+  static void finish(Draft* step, Draft& path) { path.appendPart(step, path.right); }
 };
 template <>
 struct Build<grammar::RelativeFirstStep> : Build<grammar::StepParser> {};
 
-// Paths
+// Paths. The last step is noted as the path's right part.
 
 template <>
 struct Build<grammar::AbsoluteMarker> {
-  static void apply0(ParseContext&, PathParts& path) { path.absolute = true; }
+  static void apply0(ParseContext&, Draft& path) { path.entry = 1; }
 };
 
 template <>
-struct Build<grammar::PathParser> : actions::Makes<Build<grammar::PathParser>, PathParts> {
-  template <typename Input>
-  static void finish(const Input&, ParseContext& context, const PathParts& parts, Slot& out) {
-    out = context.drafts.addParts(Draft::Kind::path, parts.steps.first, nullptr);
-    out->entry = static_cast<std::uint8_t>(parts.absolute);
-  }
+struct Build<grammar::PathParser> : actions::Drafted<Build<grammar::PathParser>, Draft::Kind::path> {
+  static void finish(Draft* path, Slot& out) { out = path; }
 };
 
 // The whole text

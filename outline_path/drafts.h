@@ -57,6 +57,16 @@ struct Draft {
   Draft* next;
 
   std::string_view text() const { return {begin, length}; }
+  void setText(std::string_view text) {
+    begin = text.data();
+    length = text.size();
+  }
+  /// One more behind the parts that begin with `left`, of which `last`, null as yet, is the last.
+  void appendPart(Draft* part, Draft*& last) {
+    part->next = nullptr;
+    (last == nullptr ? left : last->next) = part;
+    last = part;
+  }
 };
 
 /// The drafts of one parse.
@@ -65,8 +75,16 @@ class Drafts {
   /// Of a text, and perhaps parts.
   Draft* addText(Draft::Kind kind, std::string_view text, Draft* left = nullptr) {
     Draft* draft = add(kind, left);
-    draft->begin = text.data();
-    draft->length = text.size();
+    draft->setText(text);
+    return draft;
+  }
+  /// Without any part or text yet.
+  Draft* addEmpty(Draft::Kind kind, std::uint8_t entry) {
+    Draft* draft = add(kind, nullptr);
+    draft->entry = entry;
+    draft->right = nullptr;
+    draft->length = 0;
+    draft->next = nullptr;
     return draft;
   }
   /// Of operands.

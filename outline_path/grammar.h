@@ -132,10 +132,11 @@ struct RelationParser         : seq<RelationOpParser, opt<RelationModifierParser
 
 struct LeftValue                           : ValueExpressionParser {};
 struct RightValue                          : RightAdditive {};
-struct PredicateExpressionComparisonParser : WhereRelationFollows<LeftValue, OptionalBlanks, RelationParser, OptionalBlanks, RightValue> {};
+struct ComparedValues                      : seq<LeftValue, OptionalBlanks, RelationParser, OptionalBlanks, RightValue> {};
+struct PredicateExpressionComparisonParser : WhereRelationFollows<ComparedValues> {};
 
 struct NotKeyword                   : Spelled<PredicateOp::notOf> {};
-struct PredicateExpressionNotParser : seq<NotKeyword, KeywordEnd, Deeper<PredicateExpressionTightParser>> {};
+struct PredicateExpressionNotParser : Prefix<PredicateExpressionTightParser, NotKeyword, KeywordEnd> {};
 
 struct PredicateGroupOpen             : one<'('> {};
 struct PredicateGroupClose            : one<')'> {};
@@ -144,8 +145,8 @@ struct PredicateExpressionGroupParser : Once<Construct::predicateGroup, Predicat
 struct PredicateExpressionContainsAttributeParser : seq<AttributeParser> {};
 struct PredicateExpressionContainsTextParser      : JSONString {};
 
-struct PredicateExpressionTightParser : sor<PredicateExpressionNotParser, PredicateExpressionComparisonParser, PredicateExpressionGroupParser,
-                                            PredicateExpressionContainsAttributeParser, PredicateExpressionContainsTextParser> {};
+struct PredicateExpressionTightParser : Prefixed<PredicateExpressionNotParser, PredicateExpressionComparisonParser, PredicateExpressionGroupParser,
+                                                 PredicateExpressionContainsAttributeParser, PredicateExpressionContainsTextParser> {};
 
 struct AndKeyword                   : Spelled<PredicateOp::andOf> {};
 struct AndTail                      : Tail<PredicateExpressionAndParser, Blanks, AndKeyword, KeywordEnd> {};

@@ -15,10 +15,11 @@ class OperatorLevels {
   static constexpr std::size_t kLevels = sizeof...(Tails);
 
  public:
+  /// `First` is the control of the first operand, which most expressions consist of.
   template <tao::pegtl::rewind_mode M, template <typename...> class Action,
-            template <typename...> class Control, typename Input>
+            template <typename...> class First, template <typename...> class Control, typename Input>
   static bool match(Input& in, ParseContext& context, Slot& out) {
-    if (!matchOperand<M, Action, Control>(in, context, out)) return false;
+    if (!matchOperand<M, Action, First>(in, context, out)) return false;
     if (levelAt(in) != kLevels) matchTails<Action, Control>(in, context, out);
     return true;
   }

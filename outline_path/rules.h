@@ -107,6 +107,30 @@ struct Tail : pegtl::seq<Signs..., Deeper<Right>> {
   using Sign = pegtl::seq<Signs...>;
 };
 
+/// A prefix operator, which are the rules `Signs`, and its operand, one level deeper.
+template <typename Operand, typename... Signs>
+struct Prefix : pegtl::seq<Signs..., Deeper<Operand>> {
+  using Sign = pegtl::seq<Signs...>;
+};
+
+/// The operand of a prefix operator: one with such a prefix, or else one of `Others`. A control may read all
+/// prefixes at once.
+template <typename Prefix_, typename... Others>
+struct Prefixed {
+  using rule_t = Prefixed;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    if constexpr (requires { Control<Prefixed>::kReadsLevels; }) {
+      return Control<Prefixed>::template PrefixReader<Prefix_, Others...>::template match<M, Action, Control>(
+          in, context, states...);
+    } else {
+      return pegtl::internal::sor<Prefix_, Others...>::template match<A, M, Action, Control>(in, context,
+                                                                                             states...);
+    }
+  }
+};
+
 /// A level of binary operators: an operand of the level below, then perhaps a tail. A control may read it,
 /// and the levels below with it, in a way of its own.
 template <typename Operand_, typename Tail_>
