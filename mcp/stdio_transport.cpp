@@ -37,18 +37,12 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
 
   void send(std::string message) {
     message += '\n';
-    if (!writing_.empty()) {
+    if (waiting_.empty()) {
+      waiting_ = std::move(message);
+    } else {
       waiting_ += message;
-      return;
     }
-    // Mostly the client has room for all of it. What is wrong here the loop will find wrong again, and say
-    // so.
-    std::error_code ignored;
-    written_ = output_.write_some(asio::buffer(message), ignored);
-    if (written_ < message.size()) {
-      writing_ = std::move(message);
-      writeOn();
-    }
+    if (writing_.empty()) write();
   }
 
   void whenWritten(std::function<void()> callback) {

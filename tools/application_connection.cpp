@@ -16,9 +16,6 @@
 
 namespace vell::tools {
 
-/// How often the connection is read before others on the loop have their turn.
-static constexpr int mostTurns = 4;
-
 using ipc::ClientError;
 
 std::shared_ptr<ApplicationConnection> ApplicationConnection::open(asio::io_context& loop,
@@ -76,14 +73,13 @@ void ApplicationConnection::write() {
 }
 
 void ApplicationConnection::receive() {
-  for (int turn = 0; turn < mostTurns && open_; ++turn) {
-    const auto room = arrived_.room();
-    const auto count = asked_ ? readSoon(room) : readNow(room);
-    if (!count) return watch();
-    if (*count == 0) return finish();
-    takeIn(*count);
-  }
-  if (open_) asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
+  if (!open_) return;
+  const auto room = arrived_.room();
+  const auto count = asked_ ? readSoon(room) : readNow(room);
+  if (!count) return watch();
+  if (*count == 0) return finish();
+  takeIn(*count);
+  asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
 }
 
 // An answer mostly comes sooner than the system puts this process to sleep and wakes it again: that takes
