@@ -4,8 +4,6 @@
 #include <array>
 
 #include "mcp/base64.h"
-#include "mcp/value_text.h"
-
 namespace vell::mcp::content {
 
 static Value media(const char* type, const std::string& data, const std::string& mimeType) {
@@ -16,6 +14,12 @@ Value text(std::string text) {
   Value::Object block{{"type", "text"}};
   block.emplace("text", std::move(text));
   return block;
+}
+
+void appendText(const ValueWriter& writeText, std::string& out) {
+  out += R"({"text":)";
+  writeText(out);
+  out += R"(,"type":"text"})";
 }
 
 Value image(const std::string& data, const std::string& mimeType) { return media("image", data, mimeType); }

@@ -3,11 +3,14 @@
 #include <string>
 
 #include "mcp/value.h"
+#include "mcp/value_text.h"
 
 /// Content blocks, tagged by `type`.
 namespace vell::mcp::content {
 
 Value text(std::string text);
+/// Appends the same block for a text that is written as a JSON string.
+void appendText(const ValueWriter& writeText, std::string& out);
 /// `data` holds raw bytes; they travel in base64.
 Value image(const std::string& data, const std::string& mimeType);
 Value audio(const std::string& data, const std::string& mimeType);

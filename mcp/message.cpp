@@ -1,7 +1,5 @@
 #include "mcp/message.h"
 
-#include "mcp/value_text.h"
-
 namespace vell::mcp {
 
 namespace {

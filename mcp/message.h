@@ -1,6 +1,5 @@
 #pragma once
 
-#include <functional>
 #include <optional>
 #include <string>
 #include <variant>
@@ -8,6 +7,7 @@
 #include "mcp/mcp_error.h"
 #include "mcp/request_id.h"
 #include "mcp/value.h"
+#include "mcp/value_text.h"
 
 /// The messages of JSON-RPC 2.0.
 namespace vell::mcp {
@@ -37,9 +37,6 @@ struct InvalidMessage {
 using Message = std::variant<Request, Notification, Response, InvalidMessage>;
 
 Message decodeMessage(Value value);
-
-/// Appends a value as JSON text on one line: large results are written once, where they go out.
-using ValueWriter = std::function<void(std::string& out)>;
 
 /// Each on one line, without line feed.
 std::string encodeResult(const RequestId& id, const ValueWriter& writeResult);

@@ -2,7 +2,6 @@
 
 #include "mcp/message.h"
 #include "mcp/server.h"
-#include "mcp/value_text.h"
 
 namespace vell::mcp {
 

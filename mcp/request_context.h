@@ -7,9 +7,9 @@
 
 #include "mcp/logger.h"
 #include "mcp/mcp_error.h"
-#include "mcp/message.h"
 #include "mcp/request_id.h"
 #include "mcp/value.h"
+#include "mcp/value_text.h"
 
 namespace vell::mcp {
 

@@ -60,9 +60,9 @@ void ToolCall::answer(CallToolResult result) {
 void ToolCall::answerText(const ValueWriter& writeText) {
   if (!mayLackStructure()) return;
   request_->succeed([&writeText](std::string& line) {
-    line += R"({"content":[{"text":)";
-    writeText(line);
-    line += R"(,"type":"text"}]})";
+    line += R"({"content":[)";
+    content::appendText(writeText, line);
+    line += "]}";
   });
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -25,6 +26,9 @@ Value decode(std::string_view text);
 /// each bad byte; a number that is not finite as null.
 std::string encode(const Value& value);
 void encode(const Value& value, std::string& out);
+
+/// Appends a value as compact JSON: large ones are written once, where they go out.
+using ValueWriter = std::function<void(std::string& out)>;
 
 /// The text as a JSON string with its quotes, in one pass over it.
 void encodeString(std::string_view text, std::string& out);
