@@ -11,7 +11,7 @@ set_target_properties(vell-headless PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VELL_B
 # each; further segments, a page fault or two.
 target_link_options(vell PRIVATE ${VELL_LTO_LINK})
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT VELL_SANITIZE)
-  target_link_options(vell PRIVATE -static-libstdc++ -static-libgcc -no-pie -Wl,-z,noseparate-code -Wl,--gc-sections -Wl,--as-needed)
+  target_link_options(vell PRIVATE -static-libstdc++ -static-libgcc -Wl,-z,noseparate-code -Wl,--gc-sections -Wl,--as-needed)
   target_link_libraries(vell_mcp PRIVATE $<$<CONFIG:Release>:-l:libm.a>)
 endif()
 # The script engine brings the shared runtime into vell-headless; two of them must not meet in one process.
