@@ -50,4 +50,14 @@ template <> inline constexpr Characters kBehindBlanks<grammar::ExceptTail>      
 template <> inline constexpr Characters kBehindBlanks<grammar::UnionTail>               = Characters("u");
 // clang-format on
 
+/// Whether the next character is one that the rule can begin with.
+template <typename Rule, typename Input>
+bool mayBegin(const Input& in) {
+  if constexpr (kBeginnings<Rule>.has_value()) {
+    return !in.empty() && kBeginnings<Rule>->has(in.peek_char());
+  } else {
+    return true;
+  }
+}
+
 }  // namespace vell::outline_path

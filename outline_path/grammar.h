@@ -73,7 +73,7 @@ struct ArgumentComma      : one<','> {};
 struct ArgumentEnd        : seq<OptionalBlanks, one<',', ')'>> {};
 struct PathArgumentParser : seq<PathExpressionParser, at<ArgumentEnd>> {};
 struct ArgumentParser     : sor<PathArgumentParser, ValueExpressionParser> {};
-struct Arguments          : list<ArgumentParser, ArgumentComma, Blank> {};
+struct Arguments          : List<ArgumentParser, ArgumentComma, Blank> {};
 struct FunctionCallParser : Once<Construct::functionCall, FunctionName, FunctionOpen, Deeper<OptionalBlanks, opt<Arguments>>, OptionalBlanks, FunctionClose> {};
 
 struct PrimaryExprParser : sor<AttributeParser, VariableParser, LiteralParser, NumberParser, BooleanParser, NullParser, FunctionCallParser, UnquotedParser> {};
@@ -189,7 +189,7 @@ struct FurtherSteps      : star<StepSeparator, StepParser> {};
 struct AbsoluteMarker     : one<'/'> {};
 struct AbsolutePathParser : seq<AbsoluteMarker, opt<StepParser, FurtherSteps>> {};
 struct RelativePathParser : seq<RelativeFirstStep, FurtherSteps> {};
-struct PathParser         : sor<AbsolutePathParser, RelativePathParser> {};
+struct PathParser         : StepsOf<AbsolutePathParser, RelativePathParser> {};
 
 struct PathExpressionUnionParser;
 struct PathExpresionExceptParser;

@@ -17,7 +17,7 @@ class Prefixes {
   static bool match(Input& in, ParseContext& context, Slot& out) {
     auto mark = in.template mark<M>();
     const std::size_t depth = context.depth;
-    if (mayBegin(in) && !matchSigns<Action, Control>(in, context)) {
+    if (mayBegin<Prefix>(in) && !matchSigns<Action, Control>(in, context)) {
       context.depth = depth;
       return mark(false);
     }
@@ -32,11 +32,6 @@ class Prefixes {
   }
 
  private:
-  template <typename Input>
-  static bool mayBegin(const Input& in) {
-    return !in.empty() && kBeginnings<Prefix>->has(in.peek_char());
-  }
-
   /// Goes a level deeper for each sign; false where that is not allowed.
   template <template <typename...> class Action, template <typename...> class Control, typename Input>
   [[gnu::noinline]] static bool matchSigns(Input& in, ParseContext& context) {

@@ -121,7 +121,7 @@ struct Prefixed {
   template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
             template <typename...> class Control, typename Input, typename... States>
   static bool match(Input& in, ParseContext& context, States&&... states) {
-    if constexpr (requires { Control<Prefixed>::kReadsLevels; }) {
+    if constexpr (requires { Control<Prefixed>::kHasReaders; }) {
       return Control<Prefixed>::template PrefixReader<Prefix_, Others...>::template match<M, Action, Control>(
           in, context, states...);
     } else {
@@ -141,11 +141,47 @@ struct Binary {
   template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
             template <typename...> class Control, typename Input, typename... States>
   static bool match(Input& in, ParseContext& context, States&&... states) {
-    if constexpr (requires { Control<Binary>::kReadsLevels; }) {
+    if constexpr (requires { Control<Binary>::kHasReaders; }) {
       return Control<Binary>::template readLevels<M, Action, Control>(in, context, states...);
     } else {
       return pegtl::internal::seq<Operand, pegtl::opt<Tail>>::template match<A, M, Action, Control>(
           in, context, states...);
+    }
+  }
+};
+
+/// The steps of a path: the rules as alternatives. A control may read them in a way of its own.
+template <typename... Rules>
+struct StepsOf {
+  using rule_t = StepsOf;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    if constexpr (requires { Control<StepsOf>::kHasReaders; }) {
+      return Control<StepsOf>::template readSteps<M, Action, Control>(in, context, states...);
+    } else {
+      return pegtl::internal::sor<Rules...>::template match<A, M, Action, Control>(in, context, states...);
+    }
+  }
+};
+
+/// `list<Item, Separator, Padding>`, but with a single call for all items, which can be inlined.
+template <typename Item, typename Separator, typename Padding>
+struct List {
+  using rule_t = List;
+  template <pegtl::apply_mode A, pegtl::rewind_mode M, template <typename...> class Action,
+            template <typename...> class Control, typename Input, typename... States>
+  static bool match(Input& in, ParseContext& context, States&&... states) {
+    using Between = pegtl::internal::seq<pegtl::star<Padding>, Separator, pegtl::star<Padding>>;
+    for (bool isFirst = true;; isFirst = false) {
+      auto mark = in.template mark<pegtl::rewind_mode::required>();
+      if (!isFirst &&
+          !Between::template match<A, pegtl::rewind_mode::dontcare, Action, Control>(in, context, states...))
+        return true;
+      if (!Control<Item>::template match<A, pegtl::rewind_mode::dontcare, Action, Control>(in, context,
+                                                                                           states...))
+        return !isFirst;
+      static_cast<void>(mark(true));
     }
   }
 };
