@@ -4,6 +4,7 @@
 #include <array>
 
 #include "mcp/base64.h"
+
 namespace vell::mcp::content {
 
 static Value media(const char* type, const std::string& data, const std::string& mimeType) {

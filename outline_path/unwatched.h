@@ -1,5 +1,7 @@
 #pragma once
 
+#include <type_traits>
+
 #include "outline_path/beginnings.h"
 #include "outline_path/frames.h"
 #include "outline_path/operator_levels.h"
@@ -74,7 +76,8 @@ struct WithinStep : Unwatched<Rule> {
   }
 };
 
-/// The same from the beginning of that function to the predicates of its steps.
+/// The same from the beginning of that function to the predicates of its steps; there comparisons are read
+/// within, too.
 template <typename Rule>
 struct Within : Unwatched<Rule> {
   template <tao::pegtl::apply_mode A, tao::pegtl::rewind_mode M, template <typename...> class Action,
