@@ -13,13 +13,13 @@
 #include "bench/rounds.h"
 #include "bench/rows.h"
 #include "bench/rows/path_pairs.h"
-#include "headless/evaluation/evaluate.h"
+#include "evaluation/evaluate.h"
 #include "outline_path/parse.h"
 
 namespace vell::bench {
 namespace {
 
-using headless::RowType;
+using document::RowType;
 
 constexpr int rowCount = 1'000'000;
 
@@ -54,12 +54,12 @@ class Trees {
     document.load_string(text.str().c_str());
   }
 
-  headless::Outline outline;
+  document::Outline outline;
   pugi::xml_document document;
 
  private:
   struct Twin {
-    headless::Row* row;
+    document::Row* row;
     pugi::xml_node node;
   };
 
@@ -67,10 +67,10 @@ class Trees {
     const auto type = std::array{RowType::task, RowType::heading, RowType::body}[random() % 3];
     std::string text = "some words of row " + std::to_string(random() % 100000);
     if (random() % 50 == 0) text += " and a needle";
-    headless::Attributes attributes;
+    document::Attributes attributes;
     if (random() % 3 == 0) attributes.set("done", random() % 2 == 0 ? "true" : "false");
     if (random() % 4 == 0) attributes.set("priority", std::to_string(random() % 9));
-    headless::Row* row = outline.create(type, headless::Text(text), 0);
+    document::Row* row = outline.create(type, document::Text(text), 0);
     outline.insert(*row, *parent.row);
     pugi::xml_node node = pugi::xml_node(parent.node).append_child(std::string(name(type)).c_str());
     for (const auto& attribute : attributes) {
@@ -84,7 +84,7 @@ class Trees {
 
 std::size_t findOurs(const Trees& trees, const char* path) {
   const auto parsed = outline_path::parse(path);
-  return headless::evaluateRows(*parsed.expression, trees.outline).size();
+  return evaluation::evaluateRows(*parsed.expression, trees.outline).size();
 }
 
 std::size_t findTheirs(const Trees& trees, const char* xpath) {

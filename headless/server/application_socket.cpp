@@ -7,7 +7,7 @@
 
 #include <cerrno>
 
-#include "headless/app/problem.h"
+#include "headless/editing/problem.h"
 #include "platform/socket.h"
 
 namespace vell::headless {

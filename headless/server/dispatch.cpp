@@ -2,7 +2,7 @@
 
 #include <new>
 
-#include "headless/app/problem.h"
+#include "headless/editing/problem.h"
 #include "headless/server/method.h"
 #include "headless/server/request.h"
 

@@ -2,9 +2,9 @@
 
 #include <string_view>
 
-#include "headless/app/application.h"
 #include "headless/server/client.h"
 #include "headless/server/subscriptions.h"
+#include "headless/storage/application.h"
 
 namespace vell::headless {
 

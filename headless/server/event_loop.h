@@ -9,7 +9,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "headless/app/scheduler.h"
+#include "headless/storage/scheduler.h"
 #include "platform/descriptor.h"
 
 namespace vell::headless {

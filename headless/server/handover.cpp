@@ -6,7 +6,7 @@
 #include <array>
 #include <nlohmann/json.hpp>
 
-#include "headless/app/problem.h"
+#include "headless/editing/problem.h"
 #include "platform/socket.h"
 
 namespace vell::headless {

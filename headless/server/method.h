@@ -4,8 +4,8 @@
 #include <string>
 #include <string_view>
 
-#include "headless/app/application.h"
 #include "headless/server/params.h"
+#include "headless/storage/application.h"
 
 namespace vell::headless {
 

@@ -1,6 +1,6 @@
 #include "headless/server/outline_view.h"
 
-#include "headless/formats/json_text.h"
+#include "formats/json_text.h"
 
 namespace vell::headless {
 namespace {
@@ -8,11 +8,11 @@ namespace {
 /// Needs no evaluation, and no list of its own of a million rows.
 constexpr std::string_view everyRow = "//*";
 
-const Format& formatParam(const Params& params) {
+const formats::Format& formatParam(const Params& params) {
   const std::string name = params.string("format").value_or("session");
-  if (const Format* format = formatNamed(name)) return *format;
+  if (const formats::Format* format = formats::formatNamed(name)) return *format;
   std::string names;
-  for (const Format& format : formats())
+  for (const formats::Format& format : formats::formats())
     names.append(names.empty() ? "\"" : ", \"").append(format.name).append("\"");
   Params::fail("format", "one of " + names, "\"" + name + "\"");
 }
@@ -21,29 +21,30 @@ const Format& formatParam(const Params& params) {
 
 OutlineView viewParams(const Params& params) {
   return {&formatParam(params),
-          params.choice("shape", {{"tree", Shape::tree}, {"flat", Shape::flat}}, Shape::tree),
+          params.choice("shape", {{"tree", formats::Shape::tree}, {"flat", formats::Shape::flat}},
+                        formats::Shape::tree),
           params.flag("rows", false)};
 }
 
-PlacedRows placeRefs(const Application& application, const OpenOutline& opened,
-                     const std::vector<std::string>& refs, Shape shape) {
-  if (refs.empty()) return placeAll(opened.outline(), shape);
-  if (refs.size() == 1 && refs.front() == everyRow) return placeAll(opened.outline(), shape);
-  return placeSome(opened.outline(), application.refs(opened).rows(refs), shape);
+formats::PlacedRows placeRefs(const Application& application, const OpenOutline& opened,
+                              const std::vector<std::string>& refs, formats::Shape shape) {
+  if (refs.empty()) return formats::placeAll(opened.outline(), shape);
+  if (refs.size() == 1 && refs.front() == everyRow) return formats::placeAll(opened.outline(), shape);
+  return formats::placeSome(opened.outline(), application.refs(opened).rows(refs), shape);
 }
 
-PlacedRows placePath(const Application& application, const OpenOutline& opened, const std::string& path,
-                     Shape shape) {
-  if (path == everyRow) return placeAll(opened.outline(), shape);
-  return placeSome(opened.outline(), application.rowsAlong(opened, path), shape);
+formats::PlacedRows placePath(const Application& application, const OpenOutline& opened,
+                              const std::string& path, formats::Shape shape) {
+  if (path == everyRow) return formats::placeAll(opened.outline(), shape);
+  return formats::placeSome(opened.outline(), application.rowsAlong(opened, path), shape);
 }
 
-std::string render(const OutlineView& view, const Outline& outline, const PlacedRows& rows) {
+std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows) {
   std::string text;
   view.format->write(outline, rows, view.rowsOnly, text);
   if (view.format->isJson) return text;
   std::string json;
-  appendJsonString(json, text);
+  formats::appendJsonString(json, text);
   return json;
 }
 

@@ -3,17 +3,17 @@
 #include <string>
 #include <vector>
 
-#include "headless/app/application.h"
-#include "headless/formats/format.h"
+#include "formats/format.h"
 #include "headless/server/params.h"
+#include "headless/storage/application.h"
 
 namespace vell::headless {
 
 /// How rows of an outline are to be told: the params `format`, `shape` and `rows` that reading and observing
 /// share.
 struct OutlineView {
-  const Format* format;
-  Shape shape;
+  const formats::Format* format;
+  formats::Shape shape;
   bool rowsOnly;
 };
 
@@ -21,14 +21,14 @@ struct OutlineView {
 OutlineView viewParams(const Params& params);
 
 /// The rows of those references, every row where there are none. Throws Problem.
-PlacedRows placeRefs(const Application& application, const OpenOutline& opened,
-                     const std::vector<std::string>& refs, Shape shape);
+formats::PlacedRows placeRefs(const Application& application, const OpenOutline& opened,
+                              const std::vector<std::string>& refs, formats::Shape shape);
 
 /// The rows that the path selects. Throws Problem where it is not valid or selects a value.
-PlacedRows placePath(const Application& application, const OpenOutline& opened, const std::string& path,
-                     Shape shape);
+formats::PlacedRows placePath(const Application& application, const OpenOutline& opened,
+                              const std::string& path, formats::Shape shape);
 
 /// The JSON text of those rows: a value, or for text formats one string.
-std::string render(const OutlineView& view, const Outline& outline, const PlacedRows& rows);
+std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows);
 
 }  // namespace vell::headless

@@ -6,13 +6,13 @@
 #include <cstdio>
 #include <thread>
 
-#include "headless/app/files.h"
-#include "headless/app/paths.h"
-#include "headless/app/problem.h"
-#include "headless/evaluation/path_rows.h"
+#include "headless/editing/problem.h"
 #include "headless/server/handover.h"
 #include "headless/server/server.h"
 #include "headless/server/signals.h"
+#include "headless/storage/files.h"
+#include "headless/storage/path_rows.h"
+#include "headless/storage/paths.h"
 #include "platform/container.h"
 
 namespace vell::headless {

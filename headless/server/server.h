@@ -5,12 +5,12 @@
 #include <memory>
 #include <set>
 
-#include "headless/app/application.h"
 #include "headless/server/application_socket.h"
 #include "headless/server/client.h"
 #include "headless/server/dispatch.h"
 #include "headless/server/event_loop.h"
 #include "headless/server/subscriptions.h"
+#include "headless/storage/application.h"
 
 namespace vell::headless {
 

@@ -1,7 +1,7 @@
 #include "headless/server/shapes.h"
 
-#include "headless/app/paths.h"
 #include "headless/server/request.h"
+#include "headless/storage/paths.h"
 
 namespace vell::headless {
 namespace {

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "headless/app/application.h"
+#include "headless/storage/application.h"
 
 namespace vell::headless {
 

@@ -5,7 +5,7 @@
 
 #include <csignal>
 
-#include "headless/app/problem.h"
+#include "headless/editing/problem.h"
 
 namespace vell::headless {
 namespace {

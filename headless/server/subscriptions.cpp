@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "headless/app/uuid.h"
+#include "headless/editing/uuid.h"
 #include "headless/server/request.h"
 #include "headless/server/shapes.h"
 

@@ -8,8 +8,8 @@
 #include <string_view>
 #include <tuple>
 
-#include "headless/app/application.h"
 #include "headless/server/outline_view.h"
+#include "headless/storage/application.h"
 
 namespace vell::headless {
 

@@ -1,5 +1,5 @@
-#include "headless/app/files.h"
-#include "headless/app/untitled.h"
+#include "headless/storage/files.h"
+#include "headless/storage/untitled.h"
 #include "platform/container.h"
 #include "tests/headless/server_conversation.h"
 

@@ -1,4 +1,4 @@
-#include "headless/app/problem.h"
+#include "headless/editing/problem.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
 #include "headless/server/shapes.h"

@@ -1,4 +1,4 @@
-#include "headless/app/problem.h"
+#include "headless/editing/problem.h"
 #include "headless/server/methods.h"
 #include "headless/server/subscriptions.h"
 

@@ -1,5 +1,5 @@
-#include "headless/app/uuid.h"
-#include "headless/formats/format.h"
+#include "formats/format.h"
+#include "headless/editing/uuid.h"
 #include "headless/server/methods.h"
 #include "headless/server/outline_view.h"
 #include "headless/server/request.h"
@@ -9,10 +9,10 @@ namespace vell::headless::methods {
 namespace {
 
 /// What a file can be written in and read back from; `fallback` where none is named.
-const Format& fileFormatParam(const Params& params, std::string_view fallback) {
+const formats::Format& fileFormatParam(const Params& params, std::string_view fallback) {
   const std::string name = params.string("format").value_or(std::string(fallback));
   std::string names;
-  for (const Format& format : formats()) {
+  for (const formats::Format& format : formats::formats()) {
     if (format.read == nullptr) continue;
     if (format.name == name) return format;
     names.append(names.empty() ? "\"" : ", \"").append(format.name).append("\"");
@@ -53,10 +53,10 @@ std::string outlineNew(const Call& call) {
 }
 
 std::string outlineNewContent(const Call& call) {
-  const Format& format = fileFormatParam(call.params, "vell");
+  const formats::Format& format = fileFormatParam(call.params, "vell");
   Outline empty;
   empty.setPersistentId(newUuid());
-  empty.setCreated(currentTime());
+  empty.setCreated(document::currentTime());
   std::string text;
   format.write(empty, {}, false, text);
   return quote(text);

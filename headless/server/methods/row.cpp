@@ -1,16 +1,16 @@
 #include <nlohmann/json.hpp>
 
-#include "headless/app/transaction.h"
-#include "headless/change/arrange_rows.h"
-#include "headless/change/create_rows.h"
-#include "headless/change/result_json.h"
-#include "headless/change/update_rows.h"
-#include "headless/formats/format.h"
-#include "headless/formats/inline_text.h"
-#include "headless/formats/json_reader.h"
-#include "headless/formats/json_writer.h"
+#include "formats/format.h"
+#include "formats/inline_text.h"
+#include "formats/json_reader.h"
+#include "formats/json_writer.h"
+#include "headless/editing/arrange_rows.h"
+#include "headless/editing/create_rows.h"
+#include "headless/editing/result_json.h"
+#include "headless/editing/update_rows.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
+#include "headless/storage/transaction.h"
 #include "json/writer.h"
 
 namespace vell::headless::methods {
@@ -39,12 +39,12 @@ Destination newRowsDestination(const Call& call, const Transaction& transaction)
 std::optional<Text> textParam(const Params& params, std::string_view key) {
   const auto value = params.member(key);
   if (!value) return std::nullopt;
-  if (const auto markdown = value->string()) return parseInline(*markdown);
+  if (const auto markdown = value->string()) return formats::parseInline(*markdown);
   if (value->kind() != json::Kind::array)
     Params::fail(key, "a markdown string or an array of runs", describe(*value));
   try {
-    return readJsonRuns(json::toString(*value, json::Layout::compact));
-  } catch (const FormatError& error) {
+    return formats::readJsonRuns(json::toString(*value, json::Layout::compact));
+  } catch (const formats::FormatError& error) {
     Params::fail(key, "an array of runs {string, attrs?}", std::string("one that is none: ") + error.what());
   }
 }
@@ -77,7 +77,7 @@ std::string rowCreate(const Call& call) {
   const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call, transaction));
   transaction.commit();
   std::string result;
-  appendSessionRow(result, row);
+  formats::appendSessionRow(result, row);
   return result;
 }
 

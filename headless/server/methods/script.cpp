@@ -1,5 +1,5 @@
-#include "headless/app/problem.h"
-#include "headless/formats/json_writer.h"
+#include "formats/json_writer.h"
+#include "headless/editing/problem.h"
 #include "headless/script/script_engine.h"
 #include "headless/server/methods.h"
 #include "headless/server/shapes.h"
@@ -34,7 +34,7 @@ class Host : public ScriptHost {
     const Row* parent = row(call).parent();
     std::string text;
     if (parent == nullptr || parent->parent() == nullptr) return "null";
-    appendSessionRow(text, *parent);
+    formats::appendSessionRow(text, *parent);
     return text;
   }
 
@@ -42,7 +42,7 @@ class Host : public ScriptHost {
     std::string text = "[";
     for (const Row* child = row(call).firstChild(); child != nullptr; child = child->next()) {
       if (text.size() > 1) text += ',';
-      appendSessionRow(text, *child);
+      formats::appendSessionRow(text, *child);
     }
     return text + "]";
   }

@@ -1,0 +1,160 @@
+#include "document/outline.h"
+
+#include <array>
+#include <limits>
+#include <stdexcept>
+
+namespace vell::document {
+
+namespace {
+constexpr SessionId rowsPerChunk = 256;
+}
+
+struct Outline::Chunk {
+  std::array<Row, rowsPerChunk> rows;
+};
+
+Outline::Outline() {
+  root_ = create(RowType::root, {}, 0);
+  root_->inTree_ = true;
+}
+
+Outline::~Outline() = default;
+
+Row& Outline::slot(SessionId id) const {
+  return chunks_[(id - 1) / rowsPerChunk]->rows[(id - 1) % rowsPerChunk];
+}
+
+Row* Outline::find(SessionId id) {
+  if (id == 0 || id > lastId_) return nullptr;
+  Row& row = slot(id);
+  return row.inTree_ ? &row : nullptr;
+}
+
+const Row* Outline::find(SessionId id) const { return const_cast<Outline*>(this)->find(id); }
+
+Row* Outline::findPersistent(std::string_view id) { return persistentIds_.find(id); }
+
+const Row* Outline::findPersistent(std::string_view id) const { return persistentIds_.find(id); }
+
+Row& Outline::mutableRow(const Row& row) { return slot(row.id_); }
+
+Row* Outline::create(RowType type, Text text, Timestamp created) {
+  if (lastId_ == std::numeric_limits<SessionId>::max())
+    throw std::length_error("the outline has used up its row ids");
+  if (lastId_ % rowsPerChunk == 0) chunks_.push_back(std::make_unique<Chunk>());
+  Row& row = slot(++lastId_);
+  row.id_ = lastId_;
+  row.type_ = type;
+  row.text_ = std::move(text);
+  row.created_ = row.modified_ = created;
+  return &row;
+}
+
+void Outline::insert(Row& row, Row& parent, Row* before) {
+  row.parent_ = &parent;
+  row.next_ = before;
+  row.previous_ = before ? before->previous_ : parent.lastChild_;
+  (row.previous_ ? row.previous_->next_ : parent.firstChild_) = &row;
+  (before ? before->previous_ : parent.lastChild_) = &row;
+  if (parent.inTree_) enterTree(row);
+  structureChanged();
+}
+
+void Outline::remove(Row& row) {
+  Row& parent = *row.parent_;
+  (row.previous_ ? row.previous_->next_ : parent.firstChild_) = row.next_;
+  (row.next_ ? row.next_->previous_ : parent.lastChild_) = row.previous_;
+  row.parent_ = row.previous_ = row.next_ = nullptr;
+  if (row.inTree_) leaveTree(row);
+  structureChanged();
+}
+
+void Outline::enterTree(Row& top) {
+  for (const Row* at = &top; at; at = nextInOrder(at, &top)) {
+    Row& row = mutableRow(*at);
+    row.inTree_ = true;
+    ++rowCount_;
+    if (!row.persistentId_.empty() && !persistentIds_.insert(row)) row.persistentId_.clear();
+  }
+}
+
+void Outline::leaveTree(Row& top) {
+  for (const Row* at = &top; at; at = nextInOrder(at, &top)) {
+    Row& row = mutableRow(*at);
+    row.inTree_ = false;
+    --rowCount_;
+    if (!row.persistentId_.empty()) persistentIds_.erase(row);
+  }
+}
+
+void Outline::discard(Row& top) {
+  for (const Row* at = &top; at; at = nextInOrder(at, &top)) {
+    Row& row = mutableRow(*at);
+    row.text_ = Text();
+    row.attributes_ = Attributes();
+    row.persistentId_ = std::string();
+  }
+}
+
+void Outline::structureChanged() {
+  numbered_ = false;
+  ++revision_;
+}
+
+void Outline::setType(Row& row, RowType type) {
+  row.type_ = type;
+  if (numbered_ && row.inTree_) typesInOrder_[row.order_] = type;
+  ++revision_;
+}
+
+void Outline::setText(Row& row, Text text) {
+  row.text_ = std::move(text);
+  ++revision_;
+}
+
+void Outline::setAttributes(Row& row, Attributes attributes) {
+  row.attributes_ = std::move(attributes);
+  ++revision_;
+}
+
+void Outline::setPersistentId(Row& row, std::string_view id) {
+  if (row.inTree_ && !row.persistentId_.empty()) persistentIds_.erase(row);
+  row.persistentId_ = id;
+  if (row.inTree_ && !id.empty()) persistentIds_.insert(row);
+  ++revision_;
+}
+
+void Outline::setTimes(Row& row, Timestamp created, Timestamp modified) {
+  row.created_ = created;
+  row.modified_ = modified;
+  ++revision_;
+}
+
+void Outline::number() const {
+  if (numbered_) return;
+  rowsInOrder_.resize(rowCount_ + 1);
+  typesInOrder_.resize(rowCount_ + 1);
+  std::uint32_t order = 0;
+  const Row* row = root_;
+  while (row) {
+    rowsInOrder_[order] = row;
+    typesInOrder_[order] = row->type_;
+    row->order_ = order++;
+    row->level_ = row->parent_ ? row->parent_->level_ + 1 : 0;
+    row->index_ = row->previous_ ? row->previous_->index_ + 1 : 0;
+    if (row->firstChild_) {
+      row = row->firstChild_;
+      continue;
+    }
+    row->orderEnd_ = order;
+    while (row && !row->next_) {
+      row = row->parent_;
+      if (row) row->orderEnd_ = order;
+    }
+    if (row) row = row->next_;
+  }
+  numbered_ = true;
+}
+
+}  // namespace vell::document

@@ -1,0 +1,103 @@
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "document/row.h"
+#include "document/row_index.h"
+
+namespace vell::document {
+
+/// A document: a tree of rows below a root row, and what is known about the whole.
+///
+///   Outline outline;
+///   Row* milk = outline.create(RowType::task, Text("Milk"), currentTime());
+///   outline.insert(*milk, outline.root());           // last child of the root
+///   for (const Row* row = outline.root().firstChild(); row; row = nextInOrder(row, &outline.root())) …
+///
+/// These are the bare moves that readers use. What people and programs change afterwards goes through an
+/// Edit (headless/app/edit.h), which keeps the inverse of each move. Nothing here sets
+/// `modified`. Not safe for use by several threads at once, reading included (numbering is kept lazily).
+class Outline {
+ public:
+  Outline();
+  ~Outline();
+  Outline(const Outline&) = delete;
+  Outline& operator=(const Outline&) = delete;
+
+  /// The outline's own persistent id; empty until its file or the application gives one.
+  const std::string& persistentId() const { return persistentId_; }
+  void setPersistentId(std::string_view id) { persistentId_ = id; }
+  /// Document metadata ("title", "author", …) in the file's order.
+  const Attributes& frontMatter() const { return frontMatter_; }
+  void setFrontMatter(Attributes frontMatter) { frontMatter_ = std::move(frontMatter); }
+  Timestamp created() const { return created_; }
+  void setCreated(Timestamp time) { created_ = time; }
+
+  /// The root: type `root`, no text, session id 1, not counted as a row of the document.
+  Row& root() { return *root_; }
+  const Row& root() const { return *root_; }
+  /// Rows in the tree, without the root.
+  std::size_t rowCount() const { return rowCount_; }
+
+  /// The row of that session id if it is in the tree now (the root is), else null.
+  Row* find(SessionId id);
+  const Row* find(SessionId id) const;
+  /// The row in the tree that holds that persistent id, else null.
+  Row* findPersistent(std::string_view id);
+  const Row* findPersistent(std::string_view id) const;
+  /// The changeable form of a row of this outline.
+  Row& mutableRow(const Row& row);
+
+  /// A new row outside the tree; `modified` is `created`. Throws std::length_error when 2^32 ids are used up.
+  Row* create(RowType type, Text text, Timestamp created);
+  /// Puts a row (with the subtree it has) under `parent`, before that child or last. The row must be outside
+  /// the tree. Rows of it whose persistent id is in use lose it.
+  void insert(Row& row, Row& parent, Row* before = nullptr);
+  /// Takes a row with its subtree out of the tree. The rows stay alive for as long as the outline does.
+  void remove(Row& row);
+  /// Frees the content of a subtree that is outside the tree and will never come back.
+  void discard(Row& row);
+
+  void setType(Row& row, RowType type);
+  void setText(Row& row, Text text);
+  void setAttributes(Row& row, Attributes attributes);
+  /// "" removes it. The id must not be held by another row in the tree.
+  void setPersistentId(Row& row, std::string_view id);
+  void setTimes(Row& row, Timestamp created, Timestamp modified);
+
+  /// Makes Row::order(), orderEnd(), index() and level() valid, and the two lists below. Free when the
+  /// structure has not changed since.
+  void number() const;
+  /// All rows by their order, the root first; those below a row stand from its order() + 1 to its orderEnd().
+  const std::vector<const Row*>& rowsInOrder() const { return rowsInOrder_; }
+  /// Their types at the same places, so that a search for a type does not go through the rows themselves.
+  const std::vector<RowType>& typesInOrder() const { return typesInOrder_; }
+  /// Grows with every change of any kind.
+  std::uint64_t revision() const { return revision_; }
+
+ private:
+  struct Chunk;
+
+  Row& slot(SessionId id) const;
+  void enterTree(Row& top);
+  void leaveTree(Row& top);
+  void structureChanged();
+
+  std::string persistentId_;
+  Attributes frontMatter_;
+  Timestamp created_ = 0;
+  std::vector<std::unique_ptr<Chunk>> chunks_;
+  SessionId lastId_ = 0;
+  Row* root_;
+  std::size_t rowCount_ = 0;
+  RowIndex persistentIds_;  ///< of the rows in the tree
+  std::uint64_t revision_ = 0;
+  mutable bool numbered_ = false;
+  mutable std::vector<const Row*> rowsInOrder_;
+  mutable std::vector<RowType> typesInOrder_;
+};
+
+}  // namespace vell::document

@@ -1,0 +1,82 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "document/attributes.h"
+#include "document/row_type.h"
+#include "document/text.h"
+#include "document/timestamp.h"
+
+namespace vell::document {
+
+/// Names a row for the life of its outline; never given to a second row.
+using SessionId = std::uint32_t;
+
+/// One row, owned by its outline and changed through it only; its address is stable as long as the outline
+/// lives. A row taken out of the tree (and its subtree) keeps its content and ids so that it can be put back.
+class Row {
+ public:
+  Row() = default;
+  Row(const Row&) = delete;
+  Row& operator=(const Row&) = delete;
+
+  SessionId id() const { return id_; }
+  RowType type() const { return type_; }
+  const Text& text() const { return text_; }
+  const Attributes& attributes() const { return attributes_; }
+  /// Empty when the row has none.
+  const std::string& persistentId() const { return persistentId_; }
+  Timestamp created() const { return created_; }
+  Timestamp modified() const { return modified_; }
+
+  /// Null for the root and for the top of what was taken out of the tree.
+  const Row* parent() const { return parent_; }
+  const Row* firstChild() const { return firstChild_; }
+  const Row* lastChild() const { return lastChild_; }
+  const Row* next() const { return next_; }
+  const Row* previous() const { return previous_; }
+
+  // The numbers below hold after Outline::number() until the structure next changes.
+
+  /// Place in document order; the root is 0.
+  std::uint32_t order() const { return order_; }
+  /// One past the order of the last descendant: `a` contains `b` when a.order() < b.order() && b.order() <
+  /// a.orderEnd().
+  std::uint32_t orderEnd() const { return orderEnd_; }
+  /// Place among the siblings, from 0.
+  std::uint32_t index() const { return index_; }
+  /// Ancestors it has: the root is 0, top-level rows are 1.
+  std::uint32_t level() const { return level_; }
+
+ private:
+  friend class Outline;
+
+  // What walks over the tree read comes first: one cache line.
+  Row* parent_ = nullptr;
+  Row* firstChild_ = nullptr;
+  Row* lastChild_ = nullptr;
+  Row* next_ = nullptr;
+  Row* previous_ = nullptr;
+  SessionId id_ = 0;
+  mutable std::uint32_t order_ = 0;
+  mutable std::uint32_t orderEnd_ = 0;
+  mutable std::uint32_t index_ = 0;
+  mutable std::uint32_t level_ = 0;
+  RowType type_ = RowType::body;
+  bool inTree_ = false;
+  Attributes attributes_;
+  Text text_;
+  std::string persistentId_;
+  Timestamp created_ = 0;
+  Timestamp modified_ = 0;
+};
+
+/// The row after `row` in document order, not leaving the subtree of `top`; null at its end.
+const Row* nextInOrder(const Row* row, const Row* top);
+/// The row behind the whole subtree of `row`, not leaving the subtree of `top`.
+const Row* nextAfterSubtree(const Row* row, const Row* top);
+/// True if `ancestor` is above `row` (a row is not above itself). Works without numbering.
+bool isAncestor(const Row& ancestor, const Row& row);
+
+}  // namespace vell::document

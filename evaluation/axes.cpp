@@ -1,0 +1,181 @@
+#include "evaluation/axes.h"
+
+#include <algorithm>
+
+namespace vell::evaluation {
+namespace {
+
+using outline_path::Axis;
+
+bool isBefore(const Row* left, const Row* right) { return left->order() < right->order(); }
+
+bool contains(const Row& above, const Row& below) {
+  return above.order() < below.order() && below.order() < above.orderEnd();
+}
+
+void append(Rows& rows, Places places, const Outline& outline, TypeFilter filter) {
+  const Row* const* row = outline.rowsInOrder().data() + places.begin;
+  if (filter.passesAny()) {
+    rows.insert(rows.end(), row, row + (places.end - places.begin));
+    return;
+  }
+  // Writes every row and keeps those that pass, as types that come in no order cannot be foreseen.
+  const RowType* type = outline.typesInOrder().data() + places.begin;
+  std::size_t kept = rows.size();
+  rows.resize(kept + countIn(places, outline, filter));
+  for (; kept < rows.size(); ++row, ++type) {
+    rows[kept] = *row;
+    kept += *type == filter.type() ? 1 : 0;
+  }
+}
+
+/// Each row from each context.
+Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  Rows found;
+  for (const Row* context : contexts) {
+    walk(axis, *context, outline.root(), [&](const Row& row) {
+      if (filter.passes(row.type())) found.push_back(&row);
+      return true;
+    });
+  }
+  putInOrder(found, outline);
+  return found;
+}
+
+/// Leaves the contexts out that lie within an earlier one, whose descendants are among those of that one.
+Rows collectDescendants(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  Rows found;
+  std::size_t passed = 0;
+  for (const Row* context : contexts) {
+    if (context->order() < passed) continue;
+    append(found, *stretchOf(axis, *context, outline), outline, filter);
+    passed = context->orderEnd();
+  }
+  return found;
+}
+
+/// The way up from a context ends where that from the one before it has passed.
+Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  Rows found;
+  const Row* last = nullptr;
+  for (const Row* context : contexts) {
+    walk(axis, *context, outline.root(), [&](const Row& row) {
+      const bool hasPassed =
+          last != nullptr && (contains(row, *last) || (axis == Axis::ancestorOrSelf && &row == last));
+      if (!hasPassed && filter.passes(row.type())) found.push_back(&row);
+      return !hasPassed;
+    });
+    last = context;
+  }
+  putInOrder(found, outline);
+  return found;
+}
+
+Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  Rows parents;
+  for (const Row* context : contexts) {
+    const Row* parent = context->parent();
+    const bool isNew = parents.empty() || parents.back() != parent;
+    if (isNew && parent != nullptr && parent != &outline.root() && filter.passes(parent->type())) {
+      parents.push_back(parent);
+    }
+  }
+  putInOrder(parents, outline);
+  return parents;
+}
+
+/// Of the contexts below one parent the outermost reaches all siblings that any of them does.
+Rows collectSiblings(Axis axis, Rows contexts, const Outline& outline, TypeFilter filter) {
+  if (axis == Axis::precedingSibling) std::reverse(contexts.begin(), contexts.end());
+  std::vector<bool> isDone(outline.rowsInOrder().size());
+  Rows outermost;
+  for (const Row* context : contexts) {
+    if (context->parent() == nullptr || isDone[context->parent()->order()]) continue;
+    isDone[context->parent()->order()] = true;
+    outermost.push_back(context);
+  }
+  return collectEach(axis, outermost, outline, filter);
+}
+
+/// What follows any context follows the one whose subtree ends first.
+Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  const auto endsBefore = [](const Row* left, const Row* right) {
+    return left->orderEnd() < right->orderEnd();
+  };
+  const Row* first = *std::min_element(contexts.begin(), contexts.end(), endsBefore);
+  Rows found;
+  append(found, *stretchOf(Axis::following, *first, outline), outline, filter);
+  return found;
+}
+
+}  // namespace
+
+std::optional<Places> stretchOf(Axis axis, const Row& from, const Outline& outline) {
+  const bool isRoot = &from == &outline.root();
+  switch (axis) {
+    case Axis::descendant:
+    case Axis::descendantShortcut:
+      return Places{from.order() + std::size_t{1}, from.orderEnd()};
+    case Axis::descendantOrSelf:
+    case Axis::descendantOrSelfShortcut:
+      return Places{isRoot ? 1 : std::size_t{from.order()}, from.orderEnd()};
+    case Axis::following:
+      return Places{from.orderEnd(), outline.rowsInOrder().size()};
+    default:
+      return std::nullopt;
+  }
+}
+
+std::size_t countIn(Places places, const Outline& outline, TypeFilter filter) {
+  if (filter.passesAny()) return places.end - places.begin;
+  const RowType* types = outline.typesInOrder().data();
+  return static_cast<std::size_t>(std::count(types + places.begin, types + places.end, filter.type()));
+}
+
+void putInOrder(Rows& rows, const Outline& outline) {
+  const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
+  if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
+  constexpr std::size_t fewer = 64;
+  const auto& all = outline.rowsInOrder();
+  if (rows.size() < all.size() / fewer) {
+    std::sort(rows.begin(), rows.end(), isBefore);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return;
+  }
+  // Ticking them off on the list of all rows takes one pass.
+  std::vector<bool> ticked(all.size());
+  for (const Row* row : rows) ticked[row->order()] = true;
+  rows.clear();
+  for (std::size_t place = 0; place < all.size(); ++place) {
+    if (ticked[place]) rows.push_back(all[place]);
+  }
+}
+
+Rows rowsAlong(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+  if (contexts.empty()) return {};
+  switch (axis) {
+    case Axis::descendant:
+    case Axis::descendantShortcut:
+    case Axis::descendantOrSelf:
+    case Axis::descendantOrSelfShortcut:
+      return collectDescendants(axis, contexts, outline, filter);
+    case Axis::ancestor:
+    case Axis::ancestorOrSelf:
+      return collectAncestors(axis, contexts, outline, filter);
+    case Axis::parent:
+    case Axis::parentShortcut:
+      return collectParents(contexts, outline, filter);
+    case Axis::followingSibling:
+    case Axis::precedingSibling:
+      return collectSiblings(axis, contexts, outline, filter);
+    case Axis::following:
+      return collectFollowing(contexts, outline, filter);
+    case Axis::preceding:
+      // What precedes any context precedes the last.
+      return collectEach(axis, {contexts.back()}, outline, filter);
+    default:
+      return collectEach(axis, contexts, outline, filter);
+  }
+}
+
+}  // namespace vell::evaluation

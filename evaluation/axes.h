@@ -1,0 +1,93 @@
+#pragma once
+
+#include <optional>
+#include <vector>
+
+#include "evaluation/document.h"
+#include "evaluation/type_filter.h"
+#include "outline_path/words.h"
+
+namespace vell::evaluation {
+
+/// Rows in document order, none of them twice.
+using Rows = std::vector<const Row*>;
+
+/// Calls `visit(row)` for the rows along `axis` from `from`, the nearest first, until it returns false. The
+/// outline's root is on no axis. The outline must be numbered.
+template <typename Visit>
+void walk(outline_path::Axis axis, const Row& from, const Row& root, Visit visit) {
+  using outline_path::Axis;
+  const auto up = [&](const Row* row) {
+    while (row != nullptr && row != &root && visit(*row)) row = row->parent();
+  };
+  switch (axis) {
+    case Axis::self:
+    case Axis::selfShortcut:
+    case Axis::run:
+      if (&from != &root) visit(from);
+      return;
+    case Axis::parent:
+    case Axis::parentShortcut:
+      if (from.parent() != nullptr && from.parent() != &root) visit(*from.parent());
+      return;
+    case Axis::ancestor:
+      return up(from.parent());
+    case Axis::ancestorOrSelf:
+      return up(&from);
+    case Axis::child:
+      for (const Row* row = from.firstChild(); row != nullptr && visit(*row);) row = row->next();
+      return;
+    case Axis::descendantOrSelf:
+    case Axis::descendantOrSelfShortcut:
+      if (&from != &root && !visit(from)) return;
+      [[fallthrough]];
+    case Axis::descendant:
+    case Axis::descendantShortcut:
+      for (const Row* row = from.firstChild(); row != nullptr && visit(*row);) row = nextInOrder(row, &from);
+      return;
+    case Axis::following:
+      for (const Row* row = nextAfterSubtree(&from, &root); row != nullptr && visit(*row);) {
+        row = nextInOrder(row, &root);
+      }
+      return;
+    case Axis::followingSibling:
+      for (const Row* row = from.next(); row != nullptr && visit(*row);) row = row->next();
+      return;
+    case Axis::precedingSibling:
+      for (const Row* row = from.previous(); row != nullptr && visit(*row);) row = row->previous();
+      return;
+    case Axis::preceding: {
+      const auto before = [](const Row* row) {
+        if (row->previous() == nullptr) return row->parent();
+        row = row->previous();
+        while (row->lastChild() != nullptr) row = row->lastChild();
+        return row;
+      };
+      for (const Row* row = &from; row != nullptr && row != &root;) {
+        row = before(row);
+        const bool isAbove =
+            row == nullptr || (row->order() < from.order() && from.order() < row->orderEnd());
+        if (!isAbove && !visit(*row)) return;
+      }
+      return;
+    }
+  }
+}
+
+/// Places in Outline::rowsInOrder(), the end exclusive.
+struct Places {
+  std::size_t begin, end;
+};
+/// The places that make up an axis in document order, where one stretch does: below a row, or behind it.
+std::optional<Places> stretchOf(outline_path::Axis axis, const Row& from, const Outline& outline);
+/// How many rows of a stretch pass.
+std::size_t countIn(Places places, const Outline& outline, TypeFilter filter);
+
+/// All rows along `axis` from any of `contexts` that pass, in one pass over the rows that there are: no row
+/// is looked at for each context anew.
+Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter);
+
+/// Puts rows in document order, each once.
+void putInOrder(Rows& rows, const Outline& outline);
+
+}  // namespace vell::evaluation

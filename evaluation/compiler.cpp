@@ -1,0 +1,225 @@
+#include "evaluation/compiler.h"
+
+#include "evaluation/functions.h"
+#include "evaluation/pattern.h"
+#include "evaluation/relation.h"
+#include "evaluation/text_folding.h"
+
+namespace vell::evaluation {
+namespace {
+
+using namespace outline_path;
+
+using RowAttribute = outline_path::Attribute;
+
+constexpr std::string_view kRunType = "run";
+constexpr std::size_t kAll = static_cast<std::size_t>(-1);
+
+Value textValue(std::string_view text) { return text; }
+
+/// The row's identifier: the persistent one, or else that of the session.
+Value idOf(const Row& row) {
+  if (row.persistentId().empty()) return std::to_string(row.id());
+  return textValue(row.persistentId());
+}
+
+/// The text of a value that is the same for every row and is text.
+const std::string* constantText(const ValueExpression& value) {
+  if (const auto* literal = std::get_if<Literal>(&value.node)) return &literal->text;
+  if (const auto* unquoted = std::get_if<Unquoted>(&value.node)) return &unquoted->word;
+  return nullptr;
+}
+
+const std::string* storedAttribute(const ValueExpression& value) {
+  const auto* attribute = std::get_if<RowAttribute>(&value.node);
+  const bool isStored = attribute != nullptr && attribute->meta().kind == AttributeKind::other;
+  return isStored ? &attribute->name() : nullptr;
+}
+
+/// The commonest comparison, without making values of its sides.
+std::optional<Test> compileAttributeEquals(const Comparison& comparison) {
+  const std::string* name = storedAttribute(comparison.left);
+  const std::string* text = constantText(comparison.right);
+  if (name == nullptr || text == nullptr || comparison.relation != Relation{RelationOp::equal, {}})
+    return std::nullopt;
+  return [name, text](const Context& context) {
+    const std::string* value = context.attributes->find(*name);
+    return value != nullptr && *value == *text;
+  };
+}
+
+/// A pattern that is the same for every row is compiled once.
+std::optional<Test> compileMatches(const Comparison& comparison, const Getter& left) {
+  const std::string* text = constantText(comparison.right);
+  if (text == nullptr || comparison.relation.op != RelationOp::matches) return std::nullopt;
+  const auto& modifier = comparison.relation.modifier;
+  const bool ignoreCase = modifier && modifier->type == RelationModifierType::caseInsensitive;
+  return [left, pattern = Pattern(*text, ignoreCase)](const Context& context) {
+    std::string buffer;
+    const Value value = left(context);
+    return !isNothing(value) && pattern.isIn(textOf(value, buffer));
+  };
+}
+
+/// The path that is the only argument of a call.
+const PathExpression* pathOf(const FunctionCall& call) {
+  if (call.arguments().size() != 1) return nullptr;
+  const auto* argument = std::get_if<PathArgument>(&call.arguments().front().node);
+  return argument == nullptr ? nullptr : &*argument->path;
+}
+
+const PathExpression* countedPath(const ValueExpression& value) {
+  const auto* call = std::get_if<FunctionCall>(&value.node);
+  return call != nullptr && call->meta().kind == FunctionKind::count ? pathOf(*call) : nullptr;
+}
+
+/// A count that is compared with a number need not go further than one above it.
+std::size_t mostToCount(const Comparison& comparison) {
+  constexpr double kGreatest = 1e9;
+  const auto* number = std::get_if<double>(&comparison.right.node);
+  const bool comparesNumbers = comparison.relation.op >= RelationOp::equal && !comparison.relation.modifier;
+  if (!comparesNumbers || number == nullptr || *number < 0 || *number > kGreatest) return kAll;
+  return static_cast<std::size_t>(*number) + 1;
+}
+
+}  // namespace
+
+Test Compiler::compile(const PredicateExpression& predicate) const {
+  return std::visit([this](const auto& node) { return compileNode(node); }, predicate.node);
+}
+
+Getter Compiler::compile(const ValueExpression& value) const {
+  return std::visit([this](const auto& node) { return compileNode(node); }, value.node);
+}
+
+Test Compiler::compileNode(const ContainsText& node) const {
+  return [search = TextSearch(node.text)](const Context& context) { return search.isIn(context.text); };
+}
+
+Test Compiler::compileNode(const ContainsAttribute& node) const {
+  if (node.attribute.meta().kind != AttributeKind::other) return [](const Context&) { return true; };
+  return [name = &node.attribute.name()](const Context& context) {
+    return context.attributes->find(*name) != nullptr;
+  };
+}
+
+Test Compiler::compileNode(const Comparison& node) const {
+  if (auto test = compileAttributeEquals(node)) return *test;
+  const PathExpression* counted = countedPath(node.left);
+  const Getter left = counted != nullptr ? compileCount(*counted, mostToCount(node)) : compile(node.left);
+  if (auto test = compileMatches(node, left)) return *test;
+  return [left, right = compile(node.right), relation = &node.relation](const Context& context) {
+    return holds(left(context), *relation, right(context));
+  };
+}
+
+Test Compiler::compileNode(const Or& node) const {
+  return [left = compile(*node.left), right = compile(*node.right)](const Context& context) {
+    return left(context) || right(context);
+  };
+}
+
+Test Compiler::compileNode(const And& node) const {
+  return [left = compile(*node.left), right = compile(*node.right)](const Context& context) {
+    return left(context) && right(context);
+  };
+}
+
+Test Compiler::compileNode(const Not& node) const {
+  return [operand = compile(*node.operand)](const Context& context) { return !operand(context); };
+}
+
+Test Compiler::compileNode(const PredicateGroup& node) const { return compile(*node.inner); }
+
+Getter Compiler::compileNode(const Null&) const {
+  return [](const Context&) { return Value(); };
+}
+Getter Compiler::compileNode(bool truth) const {
+  return [truth](const Context&) { return Value(truth); };
+}
+Getter Compiler::compileNode(double number) const {
+  return [number](const Context&) { return Value(number); };
+}
+
+Getter Compiler::compileNode(const RowAttribute& attribute) const {
+  switch (attribute.meta().kind) {
+    case AttributeKind::id:
+      return [](const Context& context) { return idOf(*context.row); };
+    case AttributeKind::text:
+      return [](const Context& context) { return textValue(context.text); };
+    case AttributeKind::type:
+      return [](const Context& context) {
+        return textValue(context.isRun ? kRunType : name(context.row->type()));
+      };
+    case AttributeKind::other:
+      break;
+  }
+  return [name = &attribute.name()](const Context& context) {
+    const std::string* value = context.attributes->find(*name);
+    return value == nullptr ? Value() : textValue(*value);
+  };
+}
+
+Getter Compiler::compileNode(const Variable& variable) const {
+  throw EvaluationError("there is no variable $" + variable.name + " here");
+}
+Getter Compiler::compileNode(const Literal& literal) const {
+  return [text = &literal.text](const Context&) { return textValue(*text); };
+}
+Getter Compiler::compileNode(const Unquoted& unquoted) const {
+  return [text = &unquoted.word](const Context&) { return textValue(*text); };
+}
+
+Getter Compiler::compileNode(const Additive& node) const {
+  const double sign = node.op == AdditiveOp::add ? 1 : -1;
+  return [sign, left = compile(*node.left), right = compile(*node.right)](const Context& context) {
+    return Value(numberOf(left(context)) + sign * numberOf(right(context)));
+  };
+}
+
+Getter Compiler::compileNode(const Multiplicative& node) const {
+  const bool divides = node.op == MultiplicativeOp::divide;
+  return [divides, left = compile(*node.left), right = compile(*node.right)](const Context& context) {
+    const double first = numberOf(left(context));
+    const double second = numberOf(right(context));
+    return Value(divides ? first / second : first * second);
+  };
+}
+
+Getter Compiler::compileNode(const Unary& node) const {
+  return [operand = compile(*node.operand)](const Context& context) {
+    return Value(-numberOf(operand(context)));
+  };
+}
+
+Getter Compiler::compileNode(const ValueGroup& node) const { return compile(*node.inner); }
+
+Getter Compiler::compileNode(const PathArgument&) const {
+  throw EvaluationError("rows stand where a value is needed; only count() and boolean() take rows");
+}
+
+Getter Compiler::compileNode(const FunctionCall& call) const {
+  const FunctionKind kind = call.meta().kind;
+  const auto& arguments = call.arguments();
+  const PathExpression* path = pathOf(call);
+  if (kind == FunctionKind::count) {
+    if (path == nullptr) throw EvaluationError("count() takes one path, as in count(child::*)");
+    return compileCount(*path, kAll);
+  }
+  if (kind == FunctionKind::boolean && path != nullptr) {
+    return
+        [count = compileCount(*path, 1)](const Context& context) { return Value(truthOf(count(context))); };
+  }
+  std::vector<Getter> getters;
+  getters.reserve(arguments.size());
+  for (const ValueExpression& argument : arguments) getters.push_back(compile(argument));
+  if (auto function = compileFunction(call, getters)) return *function;
+  const bool isKnown = editor_ != nullptr && editor_->call(call.name(), outline_.root());
+  if (!isKnown) throw EvaluationError("there is no function " + call.name() + "() here");
+  if (!arguments.empty()) throw EvaluationError(call.name() + "() takes no argument");
+  return [editor = editor_, function = &call.name()](const Context& context) {
+    return *editor->call(*function, *context.row);
+  };
+}
+
+}  // namespace vell::evaluation

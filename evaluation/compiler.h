@@ -1,0 +1,61 @@
+#pragma once
+
+#include <functional>
+
+#include "evaluation/axes.h"
+#include "evaluation/context.h"
+#include "evaluation/editor_view.h"
+#include "evaluation/value.h"
+#include "outline_path/expression.h"
+
+namespace vell::evaluation {
+
+// An expression is first turned into functions that do as little as possible for each row. They refer to the
+// expression, the outline and the editor, which must outlive them.
+
+/// Whether a predicate holds.
+using Test = std::function<bool(const Context&)>;
+/// The value of an expression.
+using Getter = std::function<Value(const Context&)>;
+
+class Compiler {
+ public:
+  /// `editor` may be null: then there are no editor functions.
+  Compiler(const Outline& outline, const EditorView* editor) : outline_(outline), editor_(editor) {}
+
+  Test compile(const outline_path::PredicateExpression& predicate) const;
+  Getter compile(const outline_path::ValueExpression& value) const;
+  /// The rows that a path selects from a context row.
+  std::function<Rows(const Row&)> compile(const outline_path::PathExpression& path) const;
+  /// How many rows a path selects from a context row; of runs, where its last step yields runs. Where there
+  /// are more than `most` it may be any number from there.
+  Getter compileCount(const outline_path::PathExpression& path, std::size_t most) const;
+
+ private:
+  Test compileNode(const outline_path::ContainsText& node) const;
+  Test compileNode(const outline_path::ContainsAttribute& node) const;
+  Test compileNode(const outline_path::Comparison& node) const;
+  Test compileNode(const outline_path::Or& node) const;
+  Test compileNode(const outline_path::And& node) const;
+  Test compileNode(const outline_path::Not& node) const;
+  Test compileNode(const outline_path::PredicateGroup& node) const;
+
+  Getter compileNode(const outline_path::Null& node) const;
+  Getter compileNode(bool truth) const;
+  Getter compileNode(double number) const;
+  Getter compileNode(const outline_path::Attribute& attribute) const;
+  Getter compileNode(const outline_path::Variable& variable) const;
+  Getter compileNode(const outline_path::Literal& literal) const;
+  Getter compileNode(const outline_path::Unquoted& unquoted) const;
+  Getter compileNode(const outline_path::Additive& node) const;
+  Getter compileNode(const outline_path::Multiplicative& node) const;
+  Getter compileNode(const outline_path::Unary& node) const;
+  Getter compileNode(const outline_path::ValueGroup& node) const;
+  Getter compileNode(const outline_path::PathArgument& argument) const;
+  Getter compileNode(const outline_path::FunctionCall& call) const;
+
+  const Outline& outline_;
+  const EditorView* editor_;
+};
+
+}  // namespace vell::evaluation

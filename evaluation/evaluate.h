@@ -1,0 +1,23 @@
+#pragma once
+
+#include <variant>
+
+#include "evaluation/axes.h"
+#include "evaluation/editor_view.h"
+#include "evaluation/value.h"
+#include "outline_path/expression.h"
+
+namespace vell::evaluation {
+
+/// What an expression gives for an outline, with its root as the context: the rows that it selects, in
+/// document order and none twice, or a value. A value may point into the outline and the expression.
+/// Throws EvaluationError for what cannot be evaluated. `editor` may be null.
+using Evaluated = std::variant<Rows, Value>;
+Evaluated evaluate(const outline_path::Expression& expression, const Outline& outline,
+                   const EditorView* editor = nullptr);
+
+/// The same where only rows will do; throws EvaluationError for a value.
+Rows evaluateRows(const outline_path::Expression& expression, const Outline& outline,
+                  const EditorView* editor = nullptr);
+
+}  // namespace vell::evaluation

@@ -1,0 +1,153 @@
+#include "evaluation/functions.h"
+
+#include <cmath>
+
+#include "evaluation/text_folding.h"
+#include "outline_path/characters.h"
+
+namespace vell::evaluation {
+namespace {
+
+using outline_path::FunctionKind;
+
+Value truth(bool value) { return value; }
+Value number(std::size_t value) { return static_cast<double>(value); }
+
+bool isAlone(const Row& row) { return row.previous() == nullptr && row.next() == nullptr; }
+
+/// The next row of the same type among the siblings, in the direction of `next`.
+const Row* ofSameType(const Row& row, const Row* (Row::*next)() const) {
+  const Row* other = (row.*next)();
+  while (other != nullptr && other->type() != row.type()) other = (other->*next)();
+  return other;
+}
+
+std::size_t placeAmongSameType(const Row& row) {
+  std::size_t place = 1;
+  for (const Row* other = ofSameType(row, &Row::previous); other != nullptr;
+       other = ofSameType(*other, &Row::previous)) {
+    ++place;
+  }
+  return place;
+}
+
+/// Functions of the row alone.
+Value aboutRow(FunctionKind kind, const Row& row) {
+  switch (kind) {
+    case FunctionKind::root:
+      return truth(row.level() == 1);
+    case FunctionKind::parent:
+      return truth(row.firstChild() != nullptr);
+    case FunctionKind::leaf:
+      return truth(row.firstChild() == nullptr);
+    case FunctionKind::level:
+      return number(row.level());
+    case FunctionKind::firstChild:
+      return truth(row.previous() == nullptr);
+    case FunctionKind::lastChild:
+      return truth(row.next() == nullptr);
+    case FunctionKind::onlyChild:
+      return truth(isAlone(row));
+    case FunctionKind::firstOfType:
+      return truth(ofSameType(row, &Row::previous) == nullptr);
+    case FunctionKind::lastOfType:
+      return truth(ofSameType(row, &Row::next) == nullptr);
+    case FunctionKind::onlyOfType:
+      return truth(ofSameType(row, &Row::previous) == nullptr && ofSameType(row, &Row::next) == nullptr);
+    case FunctionKind::nthChild:
+      return number(row.index() + std::size_t{1});
+    case FunctionKind::nthOfType:
+      return number(placeAmongSameType(row));
+    default:
+      return {};
+  }
+}
+
+std::size_t charactersIn(std::string_view text) {
+  std::size_t count = 0;
+  for (const char c : text) count += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+  return count;
+}
+
+/// Where the first match of `wanted` in the text begins, or where the last one ends, in characters.
+Value placeOfMatches(std::string_view text, std::string_view wanted, bool atEnd) {
+  const std::string folded = foldCase(text);
+  const std::string term = foldCase(wanted);
+  const std::size_t found = atEnd ? folded.rfind(term) : folded.find(term);
+  if (found == std::string::npos) return {};
+  return number(charactersIn(std::string_view(folded).substr(0, atEnd ? found + term.size() : found)));
+}
+
+double rounded(FunctionKind kind, double value) {
+  if (kind == FunctionKind::floor) return std::floor(value);
+  if (kind == FunctionKind::ceil) return std::ceil(value);
+  return std::floor(value + 0.5);
+}
+
+struct Arity {
+  std::size_t least, most;
+};
+
+Arity arityOf(FunctionKind kind) {
+  switch (kind) {
+    case FunctionKind::round:
+    case FunctionKind::floor:
+    case FunctionKind::ceil:
+    case FunctionKind::boolean:
+    case FunctionKind::startOfMatches:
+    case FunctionKind::endOfMatches:
+      return {1, 1};
+    case FunctionKind::nthChild:
+    case FunctionKind::nthOfType:
+      return {0, 1};
+    default:
+      return {0, 0};
+  }
+}
+
+void checkArity(const outline_path::FunctionCall& call, Arity arity) {
+  const std::size_t given = call.arguments().size();
+  if (given >= arity.least && given <= arity.most) return;
+  const std::string wanted = arity.most == 0    ? "no argument"
+                             : arity.least == 0 ? "at most one argument"
+                                                : "one argument";
+  throw EvaluationError(call.name() + "() takes " + wanted + ", not " + std::to_string(given));
+}
+
+}  // namespace
+
+std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
+                                      const std::vector<Getter>& arguments) {
+  const FunctionKind kind = call.meta().kind;
+  if (kind == FunctionKind::other || kind == FunctionKind::count) return std::nullopt;
+  checkArity(call, arityOf(kind));
+  switch (kind) {
+    case FunctionKind::position:
+      return [](const Context& context) { return number(context.position); };
+    case FunctionKind::last:
+      return [](const Context& context) { return number(context.last); };
+    case FunctionKind::boolean:
+      return [get = arguments[0]](const Context& context) { return truth(truthOf(get(context))); };
+    case FunctionKind::round:
+    case FunctionKind::floor:
+    case FunctionKind::ceil:
+      return [kind, get = arguments[0]](const Context& context) -> Value {
+        return rounded(kind, numberOf(get(context)));
+      };
+    case FunctionKind::startOfMatches:
+    case FunctionKind::endOfMatches:
+      return [kind, get = arguments[0]](const Context& context) {
+        std::string buffer;
+        const Value wanted = get(context);
+        return placeOfMatches(context.text, textOf(wanted, buffer), kind == FunctionKind::endOfMatches);
+      };
+    default:
+      break;
+  }
+  if (arguments.empty()) return [kind](const Context& context) { return aboutRow(kind, *context.row); };
+  return [kind, get = arguments[0]](const Context& context) {
+    return truth(numberOf(aboutRow(kind, *context.row)) == numberOf(get(context)));
+  };
+}
+
+}  // namespace vell::evaluation

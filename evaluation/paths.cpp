@@ -1,0 +1,208 @@
+// Plans for paths: which rows a step takes from the rows of the step before.
+#include <algorithm>
+#include <memory>
+#include <optional>
+
+#include "evaluation/compiler.h"
+#include "evaluation/step_plan.h"
+
+namespace vell::evaluation {
+namespace {
+
+using namespace outline_path;
+
+constexpr std::size_t kAll = static_cast<std::size_t>(-1);
+
+/// A path, made ready to be followed from any row.
+class PathPlan {
+ public:
+  PathPlan(const Path& path, const Compiler& compiler, const Outline& outline)
+      : path_(path), outline_(outline), root_(outline.root()) {
+    for (const Step& step : path.steps()) steps_.emplace_back(step, compiler);
+    const auto isRun = [](const StepPlan& step) { return step.isRun(); };
+    hasRuns_ = std::any_of(steps_.begin(), steps_.end(), isRun);
+  }
+
+  Rows rows(const Row& context) const { return rowsUpTo(context, steps_.size()); }
+
+  /// How many rows or runs it selects; at least `most` where there are more.
+  double count(const Row& context, std::size_t most) const {
+    if (!hasRuns_) return static_cast<double>(countRows(context, most));
+    if (!steps_.back().isRun()) return static_cast<double>(rows(context).size());
+    double total = 0;
+    for (const Row* row : rowsUpTo(context, steps_.size() - 1))
+      total += static_cast<double>(steps_.back().countRuns(*row));
+    return total;
+  }
+
+ private:
+  const Row& start(const Row& context) const { return path_.absolute() ? root_ : context; }
+
+  Rows rowsUpTo(const Row& context, std::size_t steps) const {
+    Rows rows{&start(context)};
+    for (std::size_t i = 0; i < steps && !rows.empty(); ++i) rows = apply(steps_[i], rows);
+    return rows;
+  }
+
+  std::size_t countRows(const Row& context, std::size_t most) const {
+    // Each of the other shapes is one self step, or steps that leave one row at most: nothing is collected.
+    if (path_.meta().matchShape != MatchShape::general) return onlyRow(context) == nullptr ? 0 : 1;
+    if (steps_.size() != 1 || path_.meta().requiresContextPositions) return rows(context).size();
+    const StepPlan& step = steps_[0];
+    const auto stretch = stretchOf(step.axis(), start(context), outline_);
+    if (stretch && !step.hasPredicate()) return countIn(*stretch, outline_, step.filter());
+    std::size_t count = 0;
+    walk(step.axis(), start(context), root_, [&](const Row& row) {
+      count += step.accepts(row) ? 1 : 0;
+      return count < most;
+    });
+    return count;
+  }
+
+  /// The row that a path leads to whose steps leave one at most; null where there is none.
+  const Row* onlyRow(const Row& context) const {
+    const Row* row = &start(context);
+    for (std::size_t i = 0; i < steps_.size() && row != nullptr; ++i) {
+      const Rows found = fromOne(steps_[i], *row, 1);
+      row = found.empty() ? nullptr : found.front();
+    }
+    return row;
+  }
+
+  Rows apply(const StepPlan& step, const Rows& contexts) const {
+    if (step.isRun()) {
+      Rows rows = rowsAlong(Axis::self, contexts, outline_, TypeFilter(TypeTest::any));
+      std::erase_if(rows, [&](const Row* row) { return step.countRuns(*row) == 0; });
+      return rows;
+    }
+    const bool together =
+        contexts.size() > 1 && !step.asksForPositions() && (!step.slice() || sharesCandidates(step.axis()));
+    if (!together) return fromEach(step, contexts);
+    Rows rows = rowsAlong(step.axis(), contexts, outline_, step.filter());
+    step.keepAccepted(rows);
+    if (!step.slice()) return rows;
+    return slicesFromEach(step.axis(), contexts, std::move(rows), *step.slice(), outline_);
+  }
+
+  Rows fromEach(const StepPlan& step, const Rows& contexts) const {
+    Rows all;
+    for (const Row* context : contexts) {
+      const Rows taken = fromOne(step, *context, kAll);
+      all.insert(all.end(), taken.begin(), taken.end());
+      // Contexts that take the same rows again and again must not fill the memory.
+      if (all.size() > 2 * outline_.rowsInOrder().size()) putInOrder(all, outline_);
+    }
+    putInOrder(all, outline_);
+    return all;
+  }
+
+  /// What a step takes from one context, the nearest first; `most` of it where there is no slice.
+  Rows fromOne(const StepPlan& step, const Row& context, std::size_t most) const {
+    const auto& slice = step.slice();
+    Rows rows = candidates(step, context, slice ? neededFor(*slice) : most);
+    if (!slice) return rows;
+    const Places places = placesOf(*slice, rows.size());
+    return {rows.begin() + static_cast<std::ptrdiff_t>(places.begin),
+            rows.begin() + static_cast<std::ptrdiff_t>(places.end)};
+  }
+
+  /// The rows from one context that pass the step's filter, as many as are needed.
+  Rows candidates(const StepPlan& step, const Row& context, std::size_t most) const {
+    Rows rows;
+    if (most == 0) return rows;
+    const bool takesAll = most == kAll || step.asksForPositions();
+    if (takesAll && stretchOf(step.axis(), context, outline_)) {
+      rows = rowsAlong(step.axis(), {&context}, outline_, step.filter());
+      step.keepAccepted(rows);
+      return rows;
+    }
+    walk(step.axis(), context, root_, [&](const Row& row) {
+      const bool passes = step.asksForPositions() ? step.filter().passes(row.type()) : step.accepts(row);
+      if (passes) rows.push_back(&row);
+      return takesAll || rows.size() < most;
+    });
+    if (step.asksForPositions()) step.keepAccepted(rows);
+    return rows;
+  }
+
+  const Path& path_;
+  const Outline& outline_;
+  const Row& root_;
+  std::vector<StepPlan> steps_;
+  bool hasRuns_ = false;
+};
+
+bool isBefore(const Row* left, const Row* right) { return left->order() < right->order(); }
+
+using RowsOf = std::function<Rows(const Row&)>;
+using SetAlgorithm = void (*)(const Rows&, const Rows&, Rows&);
+
+void unite(const Rows& left, const Rows& right, Rows& out) {
+  std::set_union(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(out), isBefore);
+}
+void subtract(const Rows& left, const Rows& right, Rows& out) {
+  std::set_difference(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(out),
+                      isBefore);
+}
+void intersect(const Rows& left, const Rows& right, Rows& out) {
+  std::set_intersection(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(out),
+                        isBefore);
+}
+
+RowsOf combine(RowsOf left, RowsOf right, SetAlgorithm algorithm) {
+  return [left = std::move(left), right = std::move(right), algorithm](const Row& context) {
+    Rows out;
+    algorithm(left(context), right(context), out);
+    return out;
+  };
+}
+
+/// Whether the path selects the same rows from every context.
+bool isAbsolute(const PathExpression& expression) {
+  if (const auto* path = std::get_if<Path>(&expression.node)) return path->absolute();
+  if (const auto* node = std::get_if<PathGroup>(&expression.node)) return isAbsolute(*node->inner);
+  const auto both = [](const auto& node) { return isAbsolute(*node.left) && isAbsolute(*node.right); };
+  if (const auto* node = std::get_if<Union>(&expression.node)) return both(*node);
+  if (const auto* node = std::get_if<Except>(&expression.node)) return both(*node);
+  return both(std::get<Intersect>(expression.node));
+}
+
+std::shared_ptr<const PathPlan> plan(const Path& path, const Compiler& compiler, const Outline& outline) {
+  return std::make_shared<PathPlan>(path, compiler, outline);
+}
+
+}  // namespace
+
+RowsOf Compiler::compile(const PathExpression& expression) const {
+  const auto sides = [this](const auto& node, SetAlgorithm algorithm) {
+    return combine(compile(*node.left), compile(*node.right), algorithm);
+  };
+  if (const auto* node = std::get_if<PathGroup>(&expression.node)) return compile(*node->inner);
+  if (const auto* node = std::get_if<Union>(&expression.node)) return sides(*node, unite);
+  if (const auto* node = std::get_if<Except>(&expression.node)) return sides(*node, subtract);
+  if (const auto* node = std::get_if<Intersect>(&expression.node)) return sides(*node, intersect);
+  return [planned = plan(std::get<Path>(expression.node), *this, outline_)](const Row& context) {
+    return planned->rows(context);
+  };
+}
+
+Getter Compiler::compileCount(const PathExpression& expression, std::size_t most) const {
+  Getter count;
+  if (const auto* path = std::get_if<Path>(&expression.node)) {
+    count = [most, planned = plan(*path, *this, outline_)](const Context& context) {
+      return Value(planned->count(*context.row, most));
+    };
+  } else {
+    count = [rows = compile(expression)](const Context& context) {
+      return Value(static_cast<double>(rows(*context.row).size()));
+    };
+  }
+  if (!isAbsolute(expression)) return count;
+  // The same for every row: counted once.
+  return [count, known = std::make_shared<Value>()](const Context& context) {
+    if (isNothing(*known)) *known = count(context);
+    return *known;
+  };
+}
+
+}  // namespace vell::evaluation

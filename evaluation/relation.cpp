@@ -1,0 +1,138 @@
+#include "evaluation/relation.h"
+
+#include <cmath>
+#include <locale>
+#include <optional>
+
+#include "evaluation/document.h"
+#include "evaluation/pattern.h"
+#include "evaluation/text_folding.h"
+
+namespace vell::evaluation {
+namespace {
+
+using outline_path::Relation;
+using outline_path::RelationModifierType;
+using outline_path::RelationOp;
+
+template <typename T>
+bool ordered(const T& left, RelationOp op, const T& right) {
+  switch (op) {
+    case RelationOp::equal:
+      return left == right;
+    case RelationOp::notEqual:
+      return left != right;
+    case RelationOp::lessThan:
+      return left < right;
+    case RelationOp::lessThanOrEqual:
+      return left <= right;
+    case RelationOp::greaterThan:
+      return left > right;
+    case RelationOp::greaterThanOrEqual:
+      return left >= right;
+    default:
+      return false;
+  }
+}
+
+bool isTextual(RelationOp op) { return op <= RelationOp::matches; }
+
+bool numbersHold(double left, RelationOp op, double right) {
+  if (std::isnan(left) || std::isnan(right)) return op == RelationOp::notEqual;
+  return ordered(left, op, right);
+}
+
+std::optional<Timestamp> dateOf(std::string_view text) {
+  constexpr std::size_t kDateLength = 10;
+  if (text.size() == kDateLength) return document::parseTimestamp(std::string(text) + "T00:00Z");
+  return document::parseTimestamp(text);
+}
+
+bool datesHold(std::string_view left, RelationOp op, std::string_view right) {
+  const auto first = dateOf(left);
+  const auto second = dateOf(right);
+  if (!first || !second) return op == RelationOp::notEqual;
+  return ordered(*first, op, *second);
+}
+
+bool endsWith(std::string_view text, std::string_view end) {
+  return text.size() >= end.size() && text.substr(text.size() - end.size()) == end;
+}
+
+bool textHolds(std::string_view left, RelationOp op, std::string_view right) {
+  switch (op) {
+    case RelationOp::contains:
+      return left.find(right) != std::string_view::npos;
+    case RelationOp::beginsWith:
+      return left.substr(0, right.size()) == right;
+    case RelationOp::endsWith:
+      return endsWith(left, right);
+    default:
+      return ordered(left, op, right);
+  }
+}
+
+/// The user's own order of words; the plain one where the system does not know the user's locale.
+const std::collate<char>& collation() {
+  static const std::locale locale = [] {
+    try {
+      return std::locale("");
+    } catch (const std::runtime_error&) {
+      return std::locale::classic();
+    }
+  }();
+  return std::use_facet<std::collate<char>>(locale);
+}
+
+bool localeAwareHolds(const std::string& left, RelationOp op, const std::string& right) {
+  if (isTextual(op) || op == RelationOp::equal || op == RelationOp::notEqual)
+    return textHolds(left, op, right);
+  const char* first = left.data();
+  const char* second = right.data();
+  return ordered(collation().compare(first, first + left.size(), second, second + right.size()), op, 0);
+}
+
+bool modifiedTextHolds(std::string_view left, const Relation& relation, std::string_view right) {
+  const bool ignoreCase = relation.modifier->type == RelationModifierType::caseInsensitive;
+  const bool localeAware = relation.modifier->list.value_or(false);
+  if (relation.op == RelationOp::matches) return Pattern(right, ignoreCase).isIn(left);
+  std::string first = ignoreCase ? foldCase(left) : std::string(left);
+  std::string second = ignoreCase ? foldCase(right) : std::string(right);
+  if (!localeAware) return textHolds(first, relation.op, second);
+  return localeAwareHolds(foldAccents(first), relation.op, foldAccents(second));
+}
+
+bool plainHolds(const Value& left, RelationOp op, const Value& right) {
+  const auto either = [&](auto type) {
+    return std::holds_alternative<decltype(type)>(left) || std::holds_alternative<decltype(type)>(right);
+  };
+  if (!isTextual(op) && either(true)) return ordered(truthOf(left), op, truthOf(right));
+  if (!isTextual(op) && either(0.0)) return numbersHold(numberOf(left), op, numberOf(right));
+  std::string first, second;
+  const std::string_view text = textOf(left, first);
+  if (op == RelationOp::matches) return Pattern(textOf(right, second), false).isIn(text);
+  return textHolds(text, op, textOf(right, second));
+}
+
+}  // namespace
+
+bool holds(const Value& left, const Relation& relation, const Value& right) {
+  if (isNothing(left) || isNothing(right)) {
+    const bool same = isNothing(left) && isNothing(right);
+    return relation.op == RelationOp::equal ? same : relation.op == RelationOp::notEqual && !same;
+  }
+  if (!relation.modifier) return plainHolds(left, relation.op, right);
+  std::string first, second;
+  const std::string_view leftText = textOf(left, first);
+  const std::string_view rightText = textOf(right, second);
+  const bool compares = !isTextual(relation.op);
+  if (compares && relation.modifier->type == RelationModifierType::numericCompare) {
+    return numbersHold(numberOf(left), relation.op, numberOf(right));
+  }
+  if (compares && relation.modifier->type == RelationModifierType::dateCompare) {
+    return datesHold(leftText, relation.op, rightText);
+  }
+  return modifiedTextHolds(leftText, relation, rightText);
+}
+
+}  // namespace vell::evaluation

@@ -1,0 +1,48 @@
+#pragma once
+
+#include <algorithm>
+
+#include "evaluation/compiler.h"
+#include "evaluation/slices.h"
+#include "evaluation/text_folding.h"
+#include "evaluation/type_filter.h"
+
+namespace vell::evaluation {
+
+/// One step of a path, made ready to be taken. Refers to the step.
+class StepPlan {
+ public:
+  StepPlan(const outline_path::Step& step, const Compiler& compiler);
+
+  outline_path::Axis axis() const { return step_.axis(); }
+  bool isRun() const { return axis() == outline_path::Axis::run; }
+  const std::optional<outline_path::Slice>& slice() const { return step_.slice(); }
+  TypeFilter filter() const { return filter_; }
+  bool hasPredicate() const { return predicate_ != nullptr; }
+  /// Whether the predicate asks for positions; a slice alone takes what has passed.
+  bool asksForPositions() const { return asksForPositions_; }
+
+  /// Whether a row passes that no position is asked of.
+  bool accepts(const Row& row) const {
+    return filter_.passes(row.type()) && passesPredicate(Context::of(row));
+  }
+  /// Leaves those that pass the predicate of all candidates from one context, or from many where it does not
+  /// ask for positions.
+  void keepAccepted(Rows& rows) const;
+  /// How many runs of the row the step takes.
+  std::size_t countRuns(const Row& row) const;
+
+ private:
+  bool passesPredicate(const Context& context) const {
+    const auto isIn = [&](const TextSearch& term) { return term.isIn(context.text); };
+    return std::all_of(terms_.begin(), terms_.end(), isIn) && (!predicate_ || predicate_(context));
+  }
+
+  const outline_path::Step& step_;
+  TypeFilter filter_;
+  Test predicate_;                 ///< empty where there is none
+  std::vector<TextSearch> terms_;  ///< what to look for before the predicate is asked
+  bool asksForPositions_ = false;
+};
+
+}  // namespace vell::evaluation

@@ -1,0 +1,73 @@
+#include "evaluation/value.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <limits>
+
+#include "outline_path/numbers.h"
+
+namespace vell::evaluation {
+namespace {
+
+constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+
+std::string_view trimmed(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(" \t\n\v\f\r");
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(" \t\n\v\f\r") - first + 1);
+}
+
+bool isDecimal(std::string_view text) {
+  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
+  const std::size_t point = std::min(text.find('.'), text.size());
+  const std::string_view fraction = text.substr(std::min(point + 1, text.size()));
+  return point + fraction.size() > 0 &&
+         std::all_of(text.begin(), text.begin() + static_cast<long>(point), isDigit) &&
+         std::all_of(fraction.begin(), fraction.end(), isDigit);
+}
+
+std::string textOfNumber(double number) {
+  if (std::isnan(number)) return "NaN";
+  if (std::isinf(number)) return number < 0 ? "-Infinity" : "Infinity";
+  return (number < 0 ? "-" : "") + outline_path::textOf(std::abs(number));
+}
+
+}  // namespace
+
+double numberOf(std::string_view text) {
+  text = trimmed(text);
+  const bool negative = !text.empty() && text.front() == '-';
+  if (negative) text.remove_prefix(1);
+  if (!isDecimal(text)) return kNoNumber;
+  const double number = outline_path::numberOf(text);
+  return negative ? -number : number;
+}
+
+double numberOf(const Value& value) {
+  if (const auto* number = std::get_if<double>(&value)) return *number;
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth ? 1 : 0;
+  if (const auto* text = std::get_if<std::string_view>(&value)) return numberOf(*text);
+  if (const auto* text = std::get_if<std::string>(&value)) return numberOf(std::string_view(*text));
+  return kNoNumber;
+}
+
+bool truthOf(const Value& value) {
+  if (isNothing(value)) return false;
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth;
+  if (const auto* number = std::get_if<double>(&value)) return *number != 0 && !std::isnan(*number);
+  std::string buffer;
+  const std::string_view text = textOf(value, buffer);
+  return !text.empty() && text != "false";
+}
+
+std::string_view textOf(const Value& value, std::string& buffer) {
+  if (const auto* text = std::get_if<std::string_view>(&value)) return *text;
+  if (const auto* text = std::get_if<std::string>(&value)) return *text;
+  if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "true" : "false";
+  if (const auto* number = std::get_if<double>(&value)) return buffer = textOfNumber(*number);
+  return {};
+}
+
+}  // namespace vell::evaluation

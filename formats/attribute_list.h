@@ -1,0 +1,63 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "formats/document.h"
+
+namespace vell::formats {
+
+/// One item of a braced list: `#id`, `key=value`, `"any key"="any value"`. Quoted forms are JSON strings.
+struct ListItem {
+  std::string key;  ///< "#" for an id
+  std::string value;
+  bool quotedKey = false;
+};
+
+/// Reads a braced list of items that blanks separate: `{#milk type=task color="dark red"}`. At least one
+/// item.
+class AttributeListReader {
+ public:
+  /// `text` begins with "{".
+  explicit AttributeListReader(std::string_view text) : text_(text) {}
+
+  /// Calls `take(ListItem&&)` for each item. False where the text is no such list (items may have been
+  /// taken).
+  template <class Take>
+  bool read(Take&& take) {
+    if (!open()) return false;
+    do {
+      std::optional<ListItem> item = nextItem();
+      if (!item) return false;
+      take(std::move(*item));
+    } while (!close());
+    return true;
+  }
+  /// Bytes that the list took, its braces included.
+  std::size_t length() const { return at_; }
+
+ private:
+  bool open();
+  bool close();
+  void skipBlanks();
+  std::optional<ListItem> nextItem();
+  std::optional<std::string> word();
+  std::optional<std::string> quoted();
+
+  std::string_view text_;
+  std::size_t at_ = 0;
+};
+
+/// Appends `key=value`, quoting what must be; a key in `reserved` (a list like " type created ") is quoted
+/// too.
+void appendListItem(std::string& out, std::string_view key, std::string_view value,
+                    std::string_view reserved = {});
+/// Appends `#id`, with the id quoted where it must be.
+void appendListId(std::string& out, std::string_view id);
+
+/// Takes a JSON string literal off the front of `text` and decodes it; none, and nothing taken, where there
+/// is none.
+std::optional<std::string> takeJsonString(std::string_view& text);
+
+}  // namespace vell::formats

@@ -1,0 +1,61 @@
+#include "formats/format.h"
+
+#include <algorithm>
+#include <array>
+
+#include "formats/json_reader.h"
+#include "formats/json_writer.h"
+#include "formats/markdown_format.h"
+#include "formats/opml_format.h"
+#include "formats/txt_format.h"
+#include "formats/vell_format.h"
+
+namespace vell::formats {
+namespace {
+
+std::string lower(std::string_view text) {
+  std::string result(text);
+  for (char& c : result) {
+    if (c >= 'A' && c <= 'Z') c = static_cast<char>(c - 'A' + 'a');
+  }
+  return result;
+}
+
+}  // namespace
+
+FormatError::FormatError(const std::string& fault, std::size_t line, std::size_t offset)
+    : std::runtime_error("line " + std::to_string(line) + " (byte " + std::to_string(offset) +
+                         "): " + fault) {}
+
+std::span<const Format> formats() {
+  // clang-format off
+  static const std::array table = {
+      Format{"session",  {},                 nullptr,      writeSession,  true},
+      Format{"json",     {"json"},           readJson,     writeJson,     true},
+      Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, false},
+      Format{"vell",     {"vell"},           readVell,     writeVell,     false},
+      Format{"opml",     {"opml"},           readOpml,     writeOpml,     false},
+      Format{"txt",      {"txt"},            readTxt,      writeTxt,      false},
+  };
+  // clang-format on
+  return table;
+}
+
+const Format* formatNamed(std::string_view name) {
+  for (const Format& format : formats()) {
+    if (format.name == name) return &format;
+  }
+  return nullptr;
+}
+
+const Format* formatForFile(std::string_view path) {
+  const std::size_t dot = path.find_last_of("./");
+  if (dot == std::string_view::npos || path[dot] != '.') return nullptr;
+  const std::string extension = lower(path.substr(dot + 1));
+  for (const Format& format : formats()) {
+    if (std::count(format.extensions.begin(), format.extensions.end(), extension) > 0) return &format;
+  }
+  return nullptr;
+}
+
+}  // namespace vell::formats

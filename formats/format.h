@@ -1,0 +1,50 @@
+#pragma once
+
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "formats/placed_row.h"
+
+namespace vell::formats {
+
+/// A text that is not of its format. `what()` names the line, the byte offset and the fault.
+class FormatError : public std::runtime_error {
+ public:
+  /// Lines count from 1, bytes from 0.
+  FormatError(const std::string& fault, std::size_t line, std::size_t offset);
+};
+
+struct ReadOptions {
+  /// The time of everything that the text gives no time for: when the file was last changed, or now.
+  Timestamp time = 0;
+};
+
+/// Fills an empty outline. Throws FormatError; the outline is then of no use.
+using Reader = void (*)(std::string_view text, const ReadOptions& options, Outline& outline);
+/// Appends the document, or with `rowsOnly` the rows without what surrounds them.
+using Writer = void (*)(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly,
+                        std::string& out);
+
+struct Format {
+  std::string_view name;
+  std::vector<std::string_view> extensions;  ///< lower case, without the dot, the usual one first
+  Reader read;                               ///< null where the format is only written
+  Writer write;
+  bool isJson;  ///< what is written is a JSON value; else it is text
+};
+
+/// Every format, in the order in which they are told to people:
+///   const Format* format = formatForFile(path);        // by extension
+///   format->read(bytes, {mtime}, outline);
+///   std::string answer;
+///   formatNamed("session")->write(outline, placeAll(outline), false, answer);
+std::span<const Format> formats();
+/// Null where there is none of that name.
+const Format* formatNamed(std::string_view name);
+/// By the file name's extension, letter case ignored; null where it is none of ours.
+const Format* formatForFile(std::string_view path);
+
+}  // namespace vell::formats

@@ -1,0 +1,42 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "formats/document.h"
+
+namespace vell::formats {
+
+// What the reader and the writer of inline markdown must agree on.
+
+/// ASCII punctuation: what a backslash takes its meaning from.
+bool isPunctuation(char c);
+bool isBlank(char c);
+/// ASCII letters and digits, and every byte of a character beyond ASCII.
+bool isWordByte(char c);
+bool isControl(char c);
+
+/// Without the blanks at its ends.
+std::string_view trim(std::string_view text);
+std::string_view trimEnd(std::string_view text);
+
+/// Whether a run of marks can begin or end a style, by what stands beside it.
+struct Flanks {
+  bool canOpen;
+  bool canClose;
+};
+Flanks flanksOf(std::string_view source, std::size_t at, std::size_t length);
+
+/// How often the character at `at` is repeated from there on.
+std::size_t runLength(std::string_view source, std::size_t at);
+
+/// The style of a mark: "**" and "__" strong, "*" and "_" em, "~~" s, "==" mark.
+Attributes styleOf(std::string_view mark);
+/// The mark that is written for a style's key; empty where it has none.
+std::string_view markOf(std::string_view key);
+
+/// Decodes a numeric character reference at the front (`&#10;`, `&#xA;`); bytes taken, 0 where there is none.
+std::size_t decodeReference(std::string_view source, std::string& out);
+void appendReference(std::string& out, char c);
+
+}  // namespace vell::formats

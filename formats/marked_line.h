@@ -1,0 +1,41 @@
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "formats/row_trailer.h"
+#include "formats/tree_builder.h"
+
+namespace vell::formats {
+
+// What .vell and markdown share in how a row becomes a line.
+
+/// The attribute that the mark of a row of that type can tell: `done` of a task ("true"), `language` of a
+/// code row, `level` of a heading. Empty for other types.
+std::string_view leadKey(RowType type);
+/// Gives a row that attribute, first in order, unless it has one already.
+void setLead(RowContent& row, std::string_view value);
+/// The value of the lead attribute where the mark can stand for it, that is where it is the row's first; else
+/// null.
+const std::string* leadValue(const Row& row);
+
+/// What the trailer of a row has to tell; without the first attribute where the mark tells it.
+RowTrailer trailerOf(const Row& row, bool leadIsMarked);
+
+/// True if the row can stand as lines between fences: plain text without control characters but line feeds
+/// and tabs.
+bool canBeFenced(const Row& row);
+/// True if it can stand behind an opening fence.
+bool isFenceInfo(std::string_view text);
+/// A fence longer than any that stands in the text.
+std::string fenceFor(std::string_view text);
+
+/// Length of the opening fence ("```", "~~~~", …) that the line begins with; 0 if it opens none.
+std::size_t openingFence(std::string_view line);
+/// True if the line ends the block that `opening` (a run of fence characters) began.
+bool isClosingFence(std::string_view line, std::string_view opening);
+
+/// Bytes of an ordinal with its dot or parenthesis ("12." or "12)") at the front; 0 where there is none.
+std::size_t ordinalLength(std::string_view text);
+
+}  // namespace vell::formats

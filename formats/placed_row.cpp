@@ -1,0 +1,38 @@
+#include "formats/placed_row.h"
+
+#include <algorithm>
+
+namespace vell::formats {
+
+PlacedRows placeAll(const Outline& outline, Shape shape) {
+  PlacedRows placed;
+  placed.reserve(outline.rowCount());
+  outline.number();
+  const Row* root = &outline.root();
+  for (const Row* row = root->firstChild(); row; row = nextInOrder(row, root)) {
+    placed.push_back({row, shape == Shape::tree ? row->level() - 1 : 0});
+  }
+  return placed;
+}
+
+PlacedRows placeSome(const Outline& outline, const std::vector<const Row*>& rows, Shape shape) {
+  outline.number();
+  PlacedRows placed;
+  placed.reserve(rows.size());
+  for (const Row* row : rows) placed.push_back({row, 0});
+  std::sort(placed.begin(), placed.end(), [](const PlacedRow& left, const PlacedRow& right) {
+    return left.row->order() < right.row->order();
+  });
+  const auto same = [](const PlacedRow& left, const PlacedRow& right) { return left.row == right.row; };
+  placed.erase(std::unique(placed.begin(), placed.end(), same), placed.end());
+  if (shape == Shape::flat) return placed;
+  std::vector<std::uint32_t> openUntil;
+  for (PlacedRow& entry : placed) {
+    while (!openUntil.empty() && openUntil.back() <= entry.row->order()) openUntil.pop_back();
+    entry.depth = static_cast<std::uint32_t>(openUntil.size());
+    openUntil.push_back(entry.row->orderEnd());
+  }
+  return placed;
+}
+
+}  // namespace vell::formats

@@ -1,0 +1,39 @@
+#include "formats/source_text.h"
+
+#include <algorithm>
+
+#include "formats/format.h"
+#include "formats/utf8.h"
+
+namespace vell::formats {
+std::string_view checkedSource(std::string_view text) {
+  const std::size_t invalid = firstInvalidUtf8(text);
+  if (invalid != std::string_view::npos) {
+    throw FormatError("not valid UTF-8; save the file as UTF-8", lineOf(text, invalid), invalid);
+  }
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  return text;
+}
+
+std::size_t lineOf(std::string_view text, std::size_t offset) {
+  const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(offset, text.size()));
+  return static_cast<std::size_t>(std::count(text.begin(), end, '\n')) + 1;
+}
+
+bool Lines::next() {
+  if (end_ >= text_.size()) return false;
+  offset_ = end_;
+  const std::size_t feed = std::min(text_.find('\n', offset_), text_.size());
+  line_ = text_.substr(offset_, feed - offset_);
+  if (line_.ends_with('\r')) line_.remove_suffix(1);
+  end_ = feed + 1;
+  ++number_;
+  return true;
+}
+
+void Lines::unread() {
+  end_ = offset_;
+  --number_;
+}
+
+}  // namespace vell::formats

@@ -1,0 +1,42 @@
+#include "headless/commands/block.h"
+
+namespace vell::headless {
+namespace {
+
+/// What can be folded away: children that are not collapsed, or those of the focused row.
+const Row* lastSeenBelow(const Editor& editor, const Row& top) {
+  const Row* row = &top;
+  while (row->lastChild() != nullptr && !editor.isCollapsed(*row)) row = row->lastChild();
+  return row;
+}
+
+}  // namespace
+
+std::vector<const Row*> selectedBlock(Transaction& transaction) {
+  std::vector<const Row*> tops;
+  for (const Row* row : transaction.editor().selectedRows())
+    if (tops.empty() || !isAncestor(*tops.back(), *row)) tops.push_back(row);
+  return tops;
+}
+
+std::vector<const Row*> movableBlock(Transaction& transaction) {
+  std::vector<const Row*> block = selectedBlock(transaction);
+  for (const Row* row : block)
+    if (row->parent() != block.front()->parent()) return {};
+  return block;
+}
+
+const Row* seenAbove(const Editor& editor, const Row& row) {
+  const Row& top = editor.focused();
+  if (&row == &top) return nullptr;
+  if (row.previous() != nullptr) return lastSeenBelow(editor, *row.previous());
+  return row.parent() == &top ? nullptr : row.parent();
+}
+
+const Row* seenBelow(const Editor& editor, const Row& row) {
+  const Row& top = editor.focused();
+  const bool isOpen = &row == &top || !editor.isCollapsed(row);
+  return isOpen ? nextInOrder(&row, &top) : nextAfterSubtree(&row, &top);
+}
+
+}  // namespace vell::headless

@@ -1,0 +1,42 @@
+#include "headless/editing/create_rows.h"
+
+#include "formats/markdown_format.h"
+#include "headless/editing/copy_rows.h"
+#include "headless/editing/problem.h"
+
+namespace vell::headless {
+namespace {
+
+std::string_view withoutLineEnd(std::string_view line) {
+  if (line.ends_with('\n')) line.remove_suffix(1);
+  if (line.ends_with('\r')) line.remove_suffix(1);
+  return line;
+}
+
+}  // namespace
+
+std::vector<const Row*> createRows(Edit& edit, std::string_view markdown, const Destination& destination) {
+  Outline read;
+  formats::readMarkdownRows(markdown, {edit.now()}, read);
+  std::vector<const Row*> created;
+  created.reserve(read.rowCount());
+  for (const Row* row = read.root().firstChild(); row; row = row->next()) {
+    Row& copy = copyRow(edit, *row, PersistentIds::taken, created);
+    edit.insert(copy, *destination.parent, destination.before);
+  }
+  return created;
+}
+
+const Row& createRow(Edit& edit, std::string_view markdown, const Destination& destination) {
+  const std::string_view line = withoutLineEnd(markdown);
+  if (line.find_first_of("\r\n") != std::string_view::npos) {
+    throw Problem("The markdown of one row must be a single line; use row.createMany for several rows");
+  }
+  const std::vector<const Row*> created = createRows(edit, line, destination);
+  if (!created.empty()) return *created.front();
+  Row& blank = edit.make({});
+  edit.insert(blank, *destination.parent, destination.before);
+  return blank;
+}
+
+}  // namespace vell::headless

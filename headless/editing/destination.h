@@ -1,0 +1,34 @@
+#pragma once
+
+#include <functional>
+#include <optional>
+#include <string>
+
+#include "headless/document.h"
+
+namespace vell::headless {
+
+/// Where rows are to be put, as it was asked for: before or after a sibling, or else below a parent.
+struct DestinationRequest {
+  const Row* parent = nullptr;  ///< null: the root
+  std::optional<std::string>
+      position;  ///< among the parent's children: "start", "end" (as if none) or an index from 0
+  const Row* before = nullptr;
+  const Row* after = nullptr;
+};
+
+/// Where rows are put: below `parent`, before that child or last.
+struct Destination {
+  const Row* parent;
+  const Row* before;
+};
+
+using RowFilter = std::function<bool(const Row&)>;
+
+/// Positions count only the children that `stays` accepts. Throws Problem where the request makes no sense:
+/// beside the root, before and after at once, a position that is none or too far.
+Destination resolve(
+    const Outline& outline, const DestinationRequest& request,
+    const RowFilter& stays = [](const Row&) { return true; });
+
+}  // namespace vell::headless

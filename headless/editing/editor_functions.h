@@ -1,0 +1,29 @@
+#pragma once
+
+#include <unordered_set>
+
+#include "evaluation/editor_view.h"
+#include "headless/editing/editor.h"
+
+namespace vell::headless {
+
+/// The functions of an editor: its focus, folds and selection as they were when this was made. Nothing is
+/// filtered or dragged without a screen.
+class EditorFunctions : public evaluation::EditorView {
+ public:
+  /// Both must outlive this.
+  EditorFunctions(const Outline& outline, const Editor& editor);
+  std::optional<evaluation::Value> call(std::string_view function, const Row& row) const override;
+
+ private:
+  bool isInFocus(const Row& row) const;
+  evaluation::Value focusedLevel(const Row& row) const;
+  evaluation::Value selection(const Row& row) const;
+
+  const Editor& editor_;
+  const Row& focused_;
+  std::unordered_set<const Row*> selected_;
+  std::unordered_set<const Row*> aboveSelected_;
+};
+
+}  // namespace vell::headless

@@ -1,0 +1,223 @@
+#include "headless/storage/application.h"
+
+#include <algorithm>
+#include <filesystem>
+#include <system_error>
+
+#include "headless/editing/problem.h"
+#include "headless/editing/uuid.h"
+#include "headless/storage/paths.h"
+#include "headless/storage/untitled.h"
+
+namespace vell::headless {
+namespace {
+
+constexpr std::chrono::milliseconds followPace{1000};
+
+}  // namespace
+
+Application::Application(Scheduler& scheduler, std::unique_ptr<PathEvaluator> paths,
+                         ApplicationSettings settings)
+    : scheduler_(scheduler),
+      version_(std::move(settings.version)),
+      untitledDirectory_(settings.container + "/Untitled"),
+      closedDirectory_(settings.container + "/Closed"),
+      rescueDirectory_(settings.container + "/Rescued"),
+      identifiers_(settings.container),
+      paths_(std::move(paths)),
+      saver_(scheduler, std::move(settings.report), *this) {
+  followFiles();
+}
+
+Application::~Application() { scheduler_.cancel(filesTimer_); }
+
+OpenOutline& Application::open(const std::string& path) {
+  const std::string standard = standardisedPath(path);
+  if (OpenOutline* already = findByPath(standard)) {
+    bringToFront(*already);
+    return *already;
+  }
+  removeAbandoned(standard);
+  return add(OpenOutline::read(standard));
+}
+
+OpenOutline& Application::newUntitled() {
+  makePrivateDirectory(untitledDirectory_);
+  auto opened = OpenOutline::create(freeUntitledPath(untitledDirectory_));
+  opened->setUntitled();
+  opened->outline().setPersistentId(newUuid());
+  saver_.flush(*opened);
+  return add(std::move(opened));
+}
+
+void Application::reopenUntitled() {
+  for (const std::string& path : untitledFiles(untitledDirectory_)) {
+    try {
+      removeAbandoned(path);
+      auto opened = OpenOutline::read(path);
+      opened->setUntitled();
+      identify(*opened);
+      outlines_.push_back(std::move(opened));
+    } catch (const Problem& problem) {
+      saver_.report(problem.what());
+    }
+  }
+}
+
+OpenOutline& Application::add(std::unique_ptr<OpenOutline> opened) {
+  identify(*opened);
+  outlines_.insert(outlines_.begin(), std::move(opened));
+  if (listener_ != nullptr) listener_->listChanged();
+  return *outlines_.front();
+}
+
+/// Gives the outline the id under which it stays known, also where its file cannot hold one. A copy of a file
+/// that is open holds the same id: the copy gets one of its own.
+void Application::identify(OpenOutline& opened) {
+  std::string id = opened.persistentId();
+  if (id.empty()) id = identifiers_.identifierOf(opened.storagePath());
+  if (id.empty() || findByPersistentId(id) != nullptr) id = newUuid();
+  if (id != opened.persistentId()) opened.identify(id);
+  if (!opened.isUntitled()) remember(opened, opened.storagePath());
+}
+
+/// The index only helps to find files again: what cannot be written there keeps nobody from anything.
+void Application::remember(const OpenOutline& opened, const std::string& path) {
+  try {
+    identifiers_.put(opened.persistentId(), path);
+  } catch (const std::system_error& error) {
+    saver_.report(std::string("Cannot keep persistent ids: ") + error.what());
+  }
+}
+
+void Application::bringToFront(const OpenOutline& outline) {
+  if (outlines_.front().get() == &outline) return;
+  const auto found = std::find_if(outlines_.begin(), outlines_.end(),
+                                  [&](const auto& candidate) { return candidate.get() == &outline; });
+  std::rotate(outlines_.begin(), found, std::next(found));
+  if (listener_ != nullptr) listener_->listChanged();
+}
+
+void Application::saveAs(OpenOutline& outline, const std::string& path) {
+  if (path.empty() || path.front() != '/')
+    throw Problem("Cannot save as \"" + path + "\": the path is not absolute");
+  const std::string standard = standardisedPath(path);
+  if (findByPath(standard) != nullptr) throw Problem("File already exists: " + standard);
+  const bool ours = isKeptByUs(outline);
+  const std::string former = outline.storagePath();
+  saver_.saveAs(outline, standard);
+  if (ours) removeFile(former);
+  moved(outline);
+}
+
+/// In the container, where people do not look for their outlines.
+bool Application::isKeptByUs(const OpenOutline& outline) const {
+  return outline.isUntitled() ||
+         std::filesystem::path(outline.storagePath()).parent_path() == closedDirectory_;
+}
+
+void Application::close(OpenOutline& outline, bool discard) {
+  if (!discard) saver_.flush(outline);
+  if (!discard && outline.isDirty()) throw Problem(saver_.fault(outline) + ". The outline stays open");
+  saver_.forget(outline);
+  if (discard && isKeptByUs(outline)) removeFile(outline.storagePath());
+  if (!discard && outline.isUntitled()) setAside(outline);
+  if (listener_ != nullptr) listener_->outlineClosing(outline);
+  const auto found = std::find_if(outlines_.begin(), outlines_.end(),
+                                  [&](const auto& candidate) { return candidate.get() == &outline; });
+  outlines_.erase(found);
+  if (listener_ != nullptr) listener_->listChanged();
+}
+
+/// What was never given a name is not lost by closing it: "id:" and its persistent id open it again.
+void Application::setAside(const OpenOutline& outline) {
+  if (outline.outline().rowCount() == 0) return removeFile(outline.storagePath());
+  makePrivateDirectory(closedDirectory_);
+  const std::string path = freeUntitledPath(closedDirectory_);
+  std::filesystem::rename(outline.storagePath(), path);
+  remember(outline, path);
+}
+
+bool Application::saveAll() {
+  bool all = true;
+  for (const auto& outline : outlines_) {
+    saver_.flush(*outline);
+    all = (!outline->isDirty() || rescue(*outline)) && all;
+  }
+  return all;
+}
+
+bool Application::rescue(OpenOutline& outline) {
+  try {
+    makePrivateDirectory(rescueDirectory_);
+    const std::string path =
+        rescueDirectory_ + "/" + newUuid().substr(0, 8) + " " + fileName(outline.storagePath());
+    saver_.saveCopy(outline, path);
+    saver_.report("What could not be saved as " + outline.storagePath() + " is in " + path);
+    return true;
+  } catch (const Problem& problem) {
+    saver_.report(problem.what());
+    return false;
+  }
+}
+
+/// Whoever observes sees what other programs write, although nobody asks for it.
+void Application::followFiles() {
+  for (const auto& outline : outlines_) saver_.refresh(*outline);
+  filesTimer_ = scheduler_.after(followPace, [this] { followFiles(); });
+}
+
+OpenOutline* Application::findByPath(const std::string& path) const {
+  const std::string standard = standardisedPath(path);
+  for (const auto& outline : outlines_)
+    if (outline->storagePath() == standard) return outline.get();
+  const std::string resolved = resolvedPath(standard);
+  for (const auto& outline : outlines_)
+    if (resolvedPath(outline->storagePath()) == resolved) return outline.get();
+  return nullptr;
+}
+
+OpenOutline* Application::findByPersistentId(const std::string& id) const {
+  for (const auto& outline : outlines_)
+    if (outline->persistentId() == id) return outline.get();
+  return nullptr;
+}
+
+OpenOutline& Application::outline(const std::optional<std::string>& persistentId) {
+  if (!persistentId) return frontmost();
+  if (OpenOutline* found = findByPersistentId(*persistentId)) return current(*found);
+  throw Problem("No open outline has the persistent id \"" + *persistentId + "\"");
+}
+
+OpenOutline& Application::outlineOfEditor(const std::optional<std::string>& editorId) {
+  if (!editorId) return frontmost();
+  for (const auto& outline : outlines_)
+    if (outline->editor().id() == *editorId) return current(*outline);
+  throw Problem("No editor has the id \"" + *editorId + "\"");
+}
+
+OpenOutline& Application::frontmost() {
+  if (outlines_.empty()) throw Problem("No outline is open");
+  return current(*outlines_.front());
+}
+
+OpenOutline& Application::current(OpenOutline& opened) {
+  saver_.refresh(opened);
+  return opened;
+}
+
+void Application::reloaded(OpenOutline& opened) {
+  if (listener_ != nullptr) listener_->outlineChanged(opened);
+}
+
+void Application::moved(OpenOutline& opened) {
+  remember(opened, opened.storagePath());
+  if (listener_ != nullptr) listener_->listChanged();
+}
+
+void Application::changed(OpenOutline& opened) {
+  saver_.changed(opened);
+  if (listener_ != nullptr) listener_->outlineChanged(opened);
+}
+
+}  // namespace vell::headless

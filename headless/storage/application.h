@@ -1,0 +1,115 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "headless/storage/open_outline.h"
+#include "headless/storage/row_refs.h"
+#include "headless/storage/saver.h"
+#include "platform/identifier_index.h"
+
+namespace vell::headless {
+
+/// Hears of what happens to the open outlines. Called on the application's thread.
+class ApplicationListener {
+ public:
+  virtual ~ApplicationListener() = default;
+  /// Rows changed, or what a reference such as "@selection" leads to.
+  virtual void outlineChanged(OpenOutline& opened) = 0;
+  virtual void outlineClosing(OpenOutline& opened) = 0;
+  /// The list of open outlines, their order or a summary changed.
+  virtual void listChanged() = 0;
+};
+
+/// Where the application keeps things, and what it relies on.
+struct ApplicationSettings {
+  /// The directory for what outlasts a run; it must exist.
+  std::string container;
+  /// Takes lines for people; standard error.
+  Saver::Report report;
+  /// What the application calls itself to scripts.
+  std::string version = "dev";
+};
+
+/// What is open, frontmost first, and how it is found by what clients call it. One outline per file, one
+/// editor per outline. Not safe for use by several threads.
+class Application : private SaverListener {
+ public:
+  /// The scheduler must outlive the application.
+  Application(Scheduler& scheduler, std::unique_ptr<PathEvaluator> paths, ApplicationSettings settings);
+
+  ~Application() override;
+
+  /// Opens the file, or finds it open, and brings it to front. Throws Problem.
+  OpenOutline& open(const std::string& path);
+  /// Opens an outline that has no file of the user's and brings it to front. It is kept in the container.
+  OpenOutline& newUntitled();
+  /// Opens the untitled outlines of earlier runs, behind what is open.
+  void reopenUntitled();
+  void bringToFront(const OpenOutline& outline);
+  /// Keeps the outline in a new file from now on, in the format of its name; "Untitled" files are removed,
+  /// others stay. Throws Problem, also where there is a file at `path`.
+  void saveAs(OpenOutline& outline, const std::string& path);
+  /// Closes what is saved. Where something is not: `discard` drops it, with the file of an untitled outline;
+  /// else it is saved first, an untitled outline in the container, from where its persistent id opens it
+  /// again.
+  void close(OpenOutline& outline, bool discard);
+  /// Brings everything to disk; what cannot be saved in its place goes into the container. False where even
+  /// that failed.
+  bool saveAll();
+
+  const std::vector<std::unique_ptr<OpenOutline>>& outlines() const { return outlines_; }
+  /// Null where none is open.
+  OpenOutline* findByPath(const std::string& path) const;
+  OpenOutline* findByPersistentId(const std::string& id) const;
+
+  /// The outline of that persistent id, the frontmost one where none is given, as its file is now. Throws
+  /// Problem.
+  OpenOutline& outline(const std::optional<std::string>& persistentId);
+  /// The outline whose editor has that id, the frontmost one where none is given. Throws Problem.
+  OpenOutline& outlineOfEditor(const std::optional<std::string>& editorId);
+  /// Finds rows of an open outline by what clients call them.
+  RowRefs refs(const OpenOutline& opened) const { return RowRefs(opened, *paths_); }
+  /// The rows that the path selects. Throws Problem where it is not valid or selects a value.
+  std::vector<const Row*> rowsAlong(const OpenOutline& opened, const std::string& path) const {
+    return paths_->rows(opened, path);
+  }
+
+  const std::string& version() const { return version_; }
+  /// A line for people.
+  void report(const std::string& line) const { saver_.report(line); }
+
+  /// To be told of every change of rows or editor: saves it and passes it on.
+  void changed(OpenOutline& opened);
+  /// The listener must outlive the application or be removed.
+  void setListener(ApplicationListener* listener) { listener_ = listener; }
+
+ private:
+  void reloaded(OpenOutline& opened) override;
+  void moved(OpenOutline& opened) override;
+  bool isKeptByUs(const OpenOutline& outline) const;
+  OpenOutline& frontmost();
+  void followFiles();
+  OpenOutline& current(OpenOutline& opened);
+  void identify(OpenOutline& opened);
+  void remember(const OpenOutline& opened, const std::string& path);
+  OpenOutline& add(std::unique_ptr<OpenOutline> opened);
+  void setAside(const OpenOutline& outline);
+  bool rescue(OpenOutline& outline);
+
+  Scheduler& scheduler_;
+  Scheduler::Timer filesTimer_{};
+  std::string version_;
+  std::string untitledDirectory_;
+  std::string closedDirectory_;
+  std::string rescueDirectory_;
+  platform::IdentifierIndex identifiers_;
+  std::unique_ptr<PathEvaluator> paths_;
+  std::vector<std::unique_ptr<OpenOutline>> outlines_;
+  ApplicationListener* listener_ = nullptr;
+  Saver saver_;
+};
+
+}  // namespace vell::headless

@@ -1,0 +1,79 @@
+#include "headless/storage/disk_writer.h"
+
+#include "headless/editing/problem.h"
+
+namespace vell::headless {
+namespace {
+
+SaveResult carryOut(const SaveJob& job) {
+  try {
+    const auto stamp = replaceExpected(job.path, job.bytes, job.expected);
+    if (!stamp) return {SaveResult::Kind::conflict, {}, {}};
+    return {SaveResult::Kind::saved, *stamp, {}};
+  } catch (const std::exception& failure) {
+    return {SaveResult::Kind::failed, {}, failure.what()};
+  }
+}
+
+}  // namespace
+
+DiskWriter::DiskWriter(Scheduler& scheduler)
+    : scheduler_(scheduler), self_(std::make_shared<DiskWriter*>(this)), thread_([this] { work(); }) {}
+
+DiskWriter::~DiskWriter() {
+  {
+    const std::lock_guard lock(mutex_);
+    ending_ = true;
+  }
+  changed_.notify_all();
+  thread_.join();
+  *self_ = nullptr;
+}
+
+void DiskWriter::write(SaveJob job, Done done) {
+  {
+    const std::lock_guard lock(mutex_);
+    queued_.push_back({std::move(job), std::move(done)});
+  }
+  changed_.notify_all();
+}
+
+void DiskWriter::drain() {
+  {
+    std::unique_lock lock(mutex_);
+    changed_.wait(lock, [this] { return queued_.empty() && !busy_; });
+  }
+  runDone();
+}
+
+void DiskWriter::work() {
+  std::unique_lock lock(mutex_);
+  for (;;) {
+    changed_.wait(lock, [this] { return ending_ || !queued_.empty(); });
+    if (queued_.empty()) return;
+    Entry entry = std::move(queued_.front());
+    queued_.pop_front();
+    busy_ = true;
+    lock.unlock();
+    entry.result = carryOut(entry.job);
+    entry.job.bytes = {};
+    lock.lock();
+    busy_ = false;
+    finished_.push_back(std::move(entry));
+    changed_.notify_all();
+    scheduler_.post([self = self_] {
+      if (*self != nullptr) (*self)->runDone();
+    });
+  }
+}
+
+void DiskWriter::runDone() {
+  std::deque<Entry> finished;
+  {
+    const std::lock_guard lock(mutex_);
+    finished.swap(finished_);
+  }
+  for (const Entry& entry : finished) entry.done(entry.result);
+}
+
+}  // namespace vell::headless

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <condition_variable>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <mutex>
+#include <string>
+#include <thread>
+
+#include "headless/storage/files.h"
+#include "headless/storage/scheduler.h"
+
+namespace vell::headless {
+
+/// What to put in the place of which file, provided that it still looks as expected.
+struct SaveJob {
+  std::string path;
+  std::string bytes;
+  FileStamp expected;
+};
+
+struct SaveResult {
+  /// `conflict`: the file is not as expected and was left alone. `failed`: `fault` says why.
+  enum class Kind { saved, conflict, failed };
+  Kind kind;
+  FileStamp stamp;
+  std::string fault;
+};
+
+/// Waits for the disk on a thread of its own, one job after another. Destruction finishes what is queued.
+class DiskWriter {
+ public:
+  using Done = std::function<void(const SaveResult&)>;
+
+  explicit DiskWriter(Scheduler& scheduler);
+  ~DiskWriter();
+
+  /// `done` is called on the application's thread.
+  void write(SaveJob job, Done done);
+  /// Returns once every job is carried out and its `done` has been called.
+  void drain();
+
+ private:
+  struct Entry {
+    SaveJob job;
+    Done done;
+    SaveResult result{};
+  };
+
+  void work();
+  void runDone();
+
+  Scheduler& scheduler_;
+  std::mutex mutex_;
+  std::condition_variable changed_;
+  std::deque<Entry> queued_;
+  std::deque<Entry> finished_;
+  bool busy_ = false;
+  bool ending_ = false;
+  std::shared_ptr<DiskWriter*> self_;  // empty once destroyed, for tasks posted before
+  std::thread thread_;
+};
+
+}  // namespace vell::headless

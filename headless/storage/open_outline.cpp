@@ -1,0 +1,124 @@
+#include "headless/storage/open_outline.h"
+
+#include <filesystem>
+
+#include "headless/editing/problem.h"
+#include "headless/storage/paths.h"
+
+namespace vell::headless {
+namespace {
+
+std::string readableExtensions() {
+  std::string list;
+  for (const formats::Format& format : formats::formats()) {
+    if (format.read == nullptr) continue;
+    for (const std::string_view extension : format.extensions)
+      list.append(list.empty() ? "." : ", .").append(extension);
+  }
+  return list;
+}
+
+void decode(const formats::Format& format, const FileContent& content, const std::string& path,
+            Outline& outline) {
+  try {
+    format.read(content.bytes, {static_cast<Timestamp>(content.stamp.seconds) * 1000}, outline);
+  } catch (const formats::FormatError& error) {
+    throw Problem("Cannot open " + path + ": " + error.what());
+  }
+}
+
+void removeRows(Outline& outline) {
+  while (const Row* first = outline.root().firstChild()) {
+    Row& row = outline.mutableRow(*first);
+    outline.remove(row);
+    outline.discard(row);
+  }
+}
+
+}  // namespace
+
+const formats::Format& fileFormat(const std::string& path) {
+  const formats::Format* format = formats::formatForFile(path);
+  if (format != nullptr && format->read != nullptr) return *format;
+  throw Problem("Cannot keep an outline in " + path + ": outlines are files named " + readableExtensions());
+}
+
+std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
+  const FileContent content = readFile(path);
+  const formats::Format& format = fileFormat(path);
+  auto outline = std::make_unique<Outline>();
+  decode(format, content, path, *outline);
+  return std::make_unique<OpenOutline>(std::move(outline), format, path, content.stamp,
+                                       hashOf(content.bytes));
+}
+
+std::unique_ptr<OpenOutline> OpenOutline::create(const std::string& path) {
+  auto outline = std::make_unique<Outline>();
+  outline->setCreated(document::currentTime());
+  return std::make_unique<OpenOutline>(std::move(outline), fileFormat(path), path, FileStamp(), 0);
+}
+
+OpenOutline::OpenOutline(std::unique_ptr<Outline> outline, const formats::Format& format, std::string path,
+                         FileStamp stamp, std::size_t contentHash)
+    : outline_(std::move(outline)),
+      format_(&format),
+      path_(std::move(path)),
+      stamp_(stamp),
+      savedRevision_(outline_->revision()),
+      contentHash_(contentHash),
+      editor_(*outline_),
+      history_(*outline_, editor_) {}
+
+std::string OpenOutline::displayName() const {
+  return untitled_ ? std::filesystem::path(path_).stem().string() : fileName(path_);
+}
+
+void OpenOutline::markSaved(std::uint64_t revision, FileStamp stamp, std::size_t contentHash) {
+  savedRevision_ = revision;
+  stamp_ = stamp;
+  contentHash_ = contentHash;
+}
+
+bool OpenOutline::acceptTouch() {
+  try {
+    const FileContent content = readFile(path_);
+    if (hashOf(content.bytes) != contentHash_) return false;
+    stamp_ = content.stamp;
+    return true;
+  } catch (const Problem&) {
+    return false;
+  }
+}
+
+void OpenOutline::identify(const std::string& persistentId) {
+  const bool dirty = isDirty();
+  outline_->setPersistentId(persistentId);
+  if (!dirty) savedRevision_ = outline_->revision();
+}
+
+void OpenOutline::moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash) {
+  path_ = path;
+  format_ = &fileFormat(path);
+  untitled_ = false;
+  markSaved(outline_->revision(), stamp, contentHash);
+}
+
+bool OpenOutline::reload() {
+  try {
+    const FileContent content = readFile(path_);
+    Outline trial;
+    decode(*format_, content, path_, trial);
+    const std::string id = persistentId();
+    history_.clear();
+    removeRows(*outline_);
+    outline_->setFrontMatter({});
+    decode(*format_, content, path_, *outline_);
+    outline_->setPersistentId(id);
+    markSaved(outline_->revision(), content.stamp, hashOf(content.bytes));
+    return true;
+  } catch (const Problem&) {
+    return false;
+  }
+}
+
+}  // namespace vell::headless

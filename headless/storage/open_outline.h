@@ -1,0 +1,73 @@
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "formats/format.h"
+#include "headless/document.h"
+#include "headless/editing/editor.h"
+#include "headless/editing/history.h"
+#include "headless/storage/files.h"
+
+namespace vell::headless {
+
+/// The format that files of that name are in. Throws Problem where outlines are not kept in such files.
+const formats::Format& fileFormat(const std::string& path);
+
+/// An outline that is open: its rows, the file that keeps them and the editor that shows them.
+class OpenOutline {
+ public:
+  /// Reads the file at that standardised path. Throws Problem where it cannot be read or is of no known
+  /// format.
+  static std::unique_ptr<OpenOutline> read(const std::string& path);
+  /// A new outline without rows that will be kept at `path`; nothing is written yet.
+  static std::unique_ptr<OpenOutline> create(const std::string& path);
+
+  OpenOutline(std::unique_ptr<Outline> outline, const formats::Format& format, std::string path,
+              FileStamp stamp, std::size_t contentHash);
+
+  Outline& outline() { return *outline_; }
+  const Outline& outline() const { return *outline_; }
+  Editor& editor() { return editor_; }
+  const Editor& editor() const { return editor_; }
+  History& history() { return history_; }
+
+  const std::string& persistentId() const { return outline_->persistentId(); }
+  std::string displayName() const;
+  const formats::Format& format() const { return *format_; }
+
+  /// Where its rows are kept: the user's file, or the container while the outline is untitled.
+  const std::string& storagePath() const { return path_; }
+  /// The user has no file of it.
+  bool isUntitled() const { return untitled_; }
+  void setUntitled() { untitled_ = true; }
+
+  /// The file as it was last read or written by us.
+  const FileStamp& stamp() const { return stamp_; }
+  /// The file lacks changes, or was never written.
+  bool isDirty() const { return outline_->revision() != savedRevision_ || stamp_ == FileStamp(); }
+  /// The file holds that revision, as content of that hash.
+  void markSaved(std::uint64_t revision, FileStamp stamp, std::size_t contentHash);
+  /// Takes the file's new stamp over where its content is still what we last read or wrote; else false.
+  bool acceptTouch();
+  /// Gives the outline an id that its file may not hold; no change that would have to be saved.
+  void identify(const std::string& persistentId);
+  /// Is kept in another file from now on, in the format of its name; the file holds all of it.
+  void moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash);
+  /// Takes its rows from the file as it is now, under ids that were never used before; nothing of before can
+  /// be taken back. False, with nothing changed, where the file cannot be read.
+  bool reload();
+
+ private:
+  std::unique_ptr<Outline> outline_;
+  const formats::Format* format_;
+  std::string path_;
+  bool untitled_ = false;
+  FileStamp stamp_;
+  std::uint64_t savedRevision_;
+  std::size_t contentHash_;
+  Editor editor_;
+  History history_;
+};
+
+}  // namespace vell::headless

@@ -1,0 +1,60 @@
+#include "headless/storage/paths.h"
+
+#include <algorithm>
+#include <filesystem>
+
+namespace vell::headless {
+namespace {
+
+bool standsInUrl(char c) {
+  constexpr std::string_view others = "-._~!$&'()*+,;=:@/";
+  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
+         others.find(c) != std::string_view::npos;
+}
+
+}  // namespace
+
+std::string standardisedPath(const std::string& path) {
+  std::string text = std::filesystem::absolute(path).lexically_normal().string();
+  while (text.size() > 1 && text.back() == '/') text.pop_back();
+  if (text.compare(0, 2, "//") == 0) text.erase(0, 1);
+  return text;
+}
+
+std::string resolvedPath(const std::string& path) {
+  namespace fs = std::filesystem;
+  constexpr int mostLinks = 40;
+  std::error_code error;
+  fs::path resolved = fs::weakly_canonical(path, error);
+  // A link to a file that is not there leads to it all the same.
+  for (int links = 0; links < mostLinks && !error && fs::is_symlink(resolved, error); ++links)
+    resolved = fs::weakly_canonical(resolved.parent_path() / fs::read_symlink(resolved, error), error);
+  return error && error != std::errc::no_such_file_or_directory ? path : resolved.string();
+}
+
+std::string fileUrl(std::string_view path) {
+  std::string url = "file://";
+  for (const char c : path) {
+    if (standsInUrl(c)) {
+      url += c;
+      continue;
+    }
+    const auto byte = static_cast<unsigned char>(c);
+    url += '%';
+    url += "0123456789ABCDEF"[byte >> 4U];
+    url += "0123456789ABCDEF"[byte & 15U];
+  }
+  return url;
+}
+
+std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
+std::string fileExtension(const std::string& path) {
+  std::string extension = std::filesystem::path(path).extension().string();
+  extension.erase(0, 1);
+  std::transform(extension.begin(), extension.end(), extension.begin(),
+                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
+  return extension;
+}
+
+}  // namespace vell::headless

@@ -1,0 +1,330 @@
+#include <gtest/gtest.h>
+
+#include <filesystem>
+#include <fstream>
+
+#include "formats/inline_text.h"
+#include "formats/json_text.h"
+#include "formats/source_text.h"
+#include "tests/formats/support.h"
+
+namespace vell::formats {
+namespace {
+
+std::string runsOf(std::string_view markdown) {
+  std::string runs;
+  appendJsonRuns(runs, parseInline(markdown));
+  return runs;
+}
+
+struct InlineCase {
+  const char* source;
+  const char* runs;
+  const char* written;  ///< null: as the source
+};
+
+const InlineCase inlineCases[] = {
+    // Plain text keeps what only looks like markup.
+    {"", "[]", nullptr},
+    {"a * b ** c _ d == e", R"([{"string":"a * b ** c _ d == e"}])", nullptr},
+    {"snake_case [note] & (x) 2*3", R"([{"string":"snake_case [note] & (x) 2*3"}])",
+     R"(snake_case [note] & (x) 2\*3)"},
+    {R"(\*a\* \\ \q)", R"([{"string":"*a* \\ \\q"}])", R"(\*a\* \\ \\q)"},
+    {"**open _only", R"([{"string":"**open _only"}])", R"(\*\*open \_only)"},
+    {"a&#10;b&#x41;&#32;", R"([{"string":"a\nbA "}])", "a&#10;bA&#32;"},
+    {"&amp; &#; &#xD800; &#99999999;", R"([{"string":"&amp; &#; &#xD800; &#99999999;"}])",
+     R"(&amp; \&#; \&#xD800; \&#99999999;)"},
+    // Each mark.
+    {"**b** _i_ ~~s~~ ==m== `c`",
+     R"([{"string":"b","attrs":{"strong":""}},{"string":" "},{"string":"i","attrs":{"em":""}},{"string":" "},)"
+     R"({"string":"s","attrs":{"s":""}},{"string":" "},{"string":"m","attrs":{"mark":""}},{"string":" "},)"
+     R"({"string":"c","attrs":{"code":""}}])",
+     nullptr},
+    {"*i* __b__", R"([{"string":"i","attrs":{"em":""}},{"string":" "},{"string":"b","attrs":{"strong":""}}])",
+     "_i_ **b**"},
+    {"``a`b`` ` `` `",
+     R"([{"string":"a`b","attrs":{"code":""}},{"string":" "},{"string":"``","attrs":{"code":""}}])",
+     "``a`b`` ``` `` ```"},
+    // Marks within marks, and marks that cross.
+    {"***x***", R"([{"string":"x","attrs":{"em":"","strong":""}}])", "**_x_**"},
+    {"**a _b_ c**",
+     R"([{"string":"a ","attrs":{"strong":""}},{"string":"b","attrs":{"em":"","strong":""}},)"
+     R"({"string":" c","attrs":{"strong":""}}])",
+     nullptr},
+    {"**a _b** c_", R"([{"string":"a _b","attrs":{"strong":""}},{"string":" c_"}])", R"(**a \_b** c\_)"},
+    // Links and lists of attributes.
+    {"[**a** b](http://x/y_(z)w)",
+     R"([{"string":"a","attrs":{"a":"http://x/y_(z)w","strong":""}},{"string":" b","attrs":{"a":"http://x/y_(z)w"}}])",
+     R"([**a** b]{a="http://x/y_(z)w"})"},
+    {"[a](<b c> \"t\")", R"([{"string":"a","attrs":{"a":"b c","title":"t"}}])", R"([a]{a="b c" title=t})"},
+    {"H[2]{base=sub}O", R"([{"string":"H"},{"string":"2","attrs":{"base":"sub"}},{"string":"O"}])", nullptr},
+    {"[a](u){k=\"v w\"}", R"([{"string":"a","attrs":{"a":"u","k":"v w"}}])", nullptr},
+    {"[a]{#x} [b]{} [](u) ](u) x", R"([{"string":"[a]{#x} [b]{} [](u) ](u) x"}])",
+     R"([a\]{#x} [b\]{} [\](u) \](u) x)"},
+    // Where marks cannot tell the style apart, brackets do.
+    {"[ a ]{strong=\"\"}", R"([{"string":" a ","attrs":{"strong":""}}])", nullptr},
+    {"[a]{em=\"\"}b", R"([{"string":"a","attrs":{"em":""}},{"string":"b"}])", nullptr},
+};
+
+TEST(InlineMarkdown, ReadsAndWrites) {
+  for (const InlineCase& row : inlineCases) {
+    EXPECT_EQ(runsOf(row.source), row.runs) << row.source;
+    std::string written;
+    appendInline(written, parseInline(row.source));
+    EXPECT_EQ(written, row.written ? row.written : row.source);
+  }
+}
+
+TEST(InlineMarkdown, TakesLinearTimeAndBoundedDepth) {
+  for (const char* piece : {"[", "](", "](((", "]{a=\"", "**a ", "`", "_a*b~~", "[a](u ", "]{a=b "}) {
+    std::string source;
+    for (int count = 0; count < 10'000; ++count) source += piece;
+    std::string written;
+    appendInline(written, parseInline(source));
+    EXPECT_EQ(parseInline(written), parseInline(source)) << piece;
+  }
+}
+
+/// One line a row: indentation by depth, then "type|text|id|attributes".
+std::string outlineOf(std::string_view format, std::string_view text) {
+  Outline outline;
+  readAs(format, text, outline);
+  std::string out;
+  for (const PlacedRow& placed : placeAll(outline)) {
+    out += std::string(placed.depth, '.') + std::string(name(placed.row->type())) + "|";
+    appendJsonString(out, placed.row->text().string());
+    out += placed.row->persistentId();
+    for (const Attribute& entry : placed.row->attributes()) out += " " + entry.key + "=" + entry.value;
+    out += "\n";
+  }
+  return out;
+}
+
+struct ReadCase {
+  const char* format;
+  const char* text;
+  const char* rows;
+};
+
+const ReadCase readCases[] = {
+    // Markdown: marks.
+    {"markdown", "a\n# h #x\n- u\n* u\n+ u\n1. o\n2) o\n- [ ] t\n* [X] t\n> q\n> [!NOTE] n\n***\n<br>\n",
+     "body|\"a\"\nheading|\"h #x\"\n.unordered|\"u\"\n.unordered|\"u\"\n.unordered|\"u\"\n.ordered|\"o\"\n"
+     ".ordered|\"o\"\n.task|\"t\"\n.task|\"t\" done=true\n.quote|\"q\"\n.note|\"n\"\n.hr|\"\"\n.body|\"\"\n"},
+    {"markdown", "#x\n-x\n1.x\n[ ] x\n####### x\n\\# x\n1\\. x\n--\n",
+     "body|\"#x\"\nbody|\"-x\"\nbody|\"1.x\"\nbody|\"[ ] x\"\nbody|\"####### x\"\nbody|\"# x\"\nbody|\"1. "
+     "x\"\n"
+     "body|\"--\"\n"},
+    // Trailers.
+    {"markdown",
+     "a {#p type=task color=red}\nb {done}\n- {#q}\nc{#d}\n{x=\"} {\"}\ne \\{k=v}\nf {type=zebra}\r\n",
+     "task|\"a\"p color=red\nbody|\"b {done}\"\nunordered|\"\"q\nbody|\"c{#d}\"\nbody|\"\" x=} {\n"
+     "body|\"e {k=v}\"\nbody|\"f\" type=zebra\n"},
+    {"markdown", "a {#p}\nb {#p}\n", "body|\"a\"p\nbody|\"b\"\n"},
+    // Nesting by indentation (a tab reaches the next multiple of four) and by headings.
+    {"markdown", "- a\n  - b\n\t- c\n    text\n - d\n",
+     "unordered|\"a\"\n.unordered|\"b\"\n..unordered|\"c\"\n..body|\"text\"\n.unordered|\"d\"\n"},
+    {"markdown", "# A\n## B\nx\n### C\n# D\n",
+     "heading|\"A\"\n.heading|\"B\"\n..body|\"x\"\n..heading|\"C\"\nheading|\"D\"\n"},
+    {"markdown", "## A\n#### B\n# C\n", "heading|\"A\" level=2\n.heading|\"B\" level=4\nheading|\"C\"\n"},
+    {"markdown", "# A {type=heading}\nx\n- i\n\t# in\n\ty\nz\n",
+     "heading|\"A\"\nbody|\"x\"\nunordered|\"i\"\n.heading|\"in\"\n..body|\"y\"\nbody|\"z\"\n"},
+    // Code.
+    {"markdown", "- a\n  ```c++ {#p k=v}\n  x\n    y\n\n  ```\n~~~\n```\n~~~\n",
+     "unordered|\"a\"\n.code|\"x\\n  y\\n\"p language=c++ k=v\ncode|\"```\"\n"},
+    {"markdown", "```\nnot closed", "code|\"not closed\"\n"},
+    // Front matter, and a rule that is none.
+    {"markdown", "---\nid: doc\n---\na\n", "body|\"a\"\n"},
+    {"markdown", "---\na\n---\n", "hr|\"\"\nbody|\"a\"\nhr|\"\"\n"},
+    {"markdown", "\xEF\xBB\xBF# a", "heading|\"a\"\n"},
+    // .vell: without a header too.
+    {"vell", "# h\n\t[x] t {#p done=no}\n\n\t\t// n\n1. o\n> q\n---\n\\---\n\\\n{k=v}\na {type=note}\n",
+     "heading|\"h\"\n.task|\"t\"p "
+     "done=no\n..note|\"n\"\nordered|\"o\"\nquote|\"q\"\nhr|\"\"\nbody|\"---\"\nbody|\"\"\n"
+     "body|\"\" k=v\nnote|\"a\"\n"},
+    // Plain text: tabs that cannot be depth are text.
+    {"txt", "a\n\tb\n\t\t\tc\n\n d", "body|\"a\"\n.body|\"b\"\n..body|\"\\tc\"\nbody|\"\"\nbody|\" d\"\n"},
+    // OPML from other programs.
+    {"opml",
+     "<opml><body><outline text='a' url=\"u\"><outline/></outline><outline text='&lt;b'/></body></opml>",
+     "body|\"a\" url=u\n.body|\"\"\nbody|\"<b\"\n"},
+    {"opml", "<opml><body><outline text='new' vell-text='_old_'/></body></opml>", "body|\"new\"\n"},
+    // JSON: session answers, unknown members and any order of members are fine.
+    {"json",
+     R"([{"children":[{"text":"b"}],"id":7,"persistentId":"p","more":[{"rows":[1]}],"text":[{"string":"a"}]}])",
+     "body|\"a\"p\n.body|\"b\"\n"},
+    {"json", R"({"rows":[]})", ""},
+};
+
+TEST(Formats, ReadRows) {
+  for (const ReadCase& row : readCases) EXPECT_EQ(outlineOf(row.format, row.text), row.rows) << row.text;
+}
+
+const ReadCase brokenCases[] = {
+    {"vell", "a\n\t\tb\n", "line 2 (byte 2): indented by 2 tabs, but the row before allows at most 1"},
+    {"vell", "vell 2\n", "line 1 (byte 0): this file is in a newer form of the format (\"vell 2\")"},
+    {"vell", "vell 1\nnonsense\n",
+     "line 2 (byte 7): expected \"key: value\" or an empty line to end the header"},
+    {"vell", "a {created=today}\n", "line 1 (byte 0): \"today\" is not a time like 2026-01-31T12:00:00Z"},
+    {"vell", "a\n```\nb\n", "line 2 (byte 2): this block of code is not closed"},
+    {"markdown", "a\n\xC3(\n", "line 2 (byte 2): not valid UTF-8; save the file as UTF-8"},
+    {"txt", "\xED\xA0\x80", "line 1 (byte 0): not valid UTF-8; save the file as UTF-8"},
+    {"opml", "<opml>\n<body>\n<outline></body></opml>", "line 3 (byte 25): Start-end tags mismatch"},
+    {"opml", "<html/>", "line 1 (byte 0): not OPML: there is no <opml> element"},
+    {"json", "{\"rows\":[\n{\"type\":\"zebra\"}]}", "line 2 (byte 25): there is no row type \"zebra\""},
+    {"json", "[{\"text\":7}]", "line 1 (byte 11): \"text\" should be an array, not a number"},
+    {"json", "[1]", "line 1 (byte 3): expected a row, not a number"},
+    {"json", "[",
+     "line 1 (byte 1): syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
+     "literal"},
+};
+
+TEST(Formats, RefuseWithPlaceAndFault) {
+  for (const ReadCase& row : brokenCases) {
+    try {
+      outlineOf(row.format, row.text);
+      ADD_FAILURE() << "accepted: " << row.text;
+    } catch (const FormatError& error) {
+      EXPECT_STREQ(error.what(), row.rows);
+    }
+  }
+}
+
+struct ConvertCase {
+  const char* from;
+  const char* text;
+  const char* to;
+  const char* written;
+};
+
+const ConvertCase convertCases[] = {
+    // Headings gather what is below them; one that may not says so and indents.
+    {"vell", "# A\n\tx\n\t# B\n\t\ty\n# C\n", "markdown", "# A\n\nx\n\n## B\n\ny\n\n# C\n"},
+    {"vell", "# A\n\tx\ny\n", "markdown", "# A {type=heading}\n\n\tx\n\ny\n"},
+    {"vell", "# A {level=3}\n\t# B\n# C {level=2}\n", "markdown", "### A {type=heading}\n\n\t# B\n\n## C\n"},
+    {"vell",
+     "# 1\n\t# 2\n\t\t# 3\n\t\t\t# 4\n\t\t\t\t# 5\n\t\t\t\t\t# 6\n\t\t\t\t\t\t# 7\n\t\t\t\t\t\t\t# 8\n",
+     "markdown",
+     "# 1\n\n## 2\n\n### 3\n\n#### 4\n\n##### 5\n\n###### 6\n\n###### 7 {type=heading}\n\n\t###### 8 "
+     "{type=heading}\n"},
+    // Lists stay tight and count; quotes side by side are one block.
+    {"vell", "1. a\n\t1. b\n1. c\n- d\n1. e\n> q\n> r\n", "markdown",
+     "1. a\n\t1. b\n2. c\n- d\n1. e\n\n> q\n> r\n"},
+    {"vell", "---\n---\n", "markdown", "***\n\n---\n"},
+    {"vell", "\\\na\\&\nb&#10;c\n\\- d\n> \\[!NOTE] e\n", "markdown",
+     "<br>\n\na&\n\nb&#10;c\n\n\\- d\n\n> \\[!NOTE] e\n"},
+    {"vell", "- [ ] a\n- [x] b\n", "markdown", "- \\[ ] a\n- \\[x] b\n"},
+    // Signs of their own for done, language and level only where the attribute comes first.
+    {"markdown", "- [x] a\n- [x] b {k=v done=true}\n- [ ] c {done=no}\n", "vell",
+     "[x] a\n[x] b {k=v done=true}\n[ ] c {done=no}\n"},
+    {"markdown", "~~~c++ {k=v language=d}\n```\n~~~\n", "vell", "```` {k=v language=d}\n```\n````\n"},
+    // What the front matter holds, and what only looks like our own keys.
+    {"markdown", "---\nid: d\nt:\n  - a\n  - b\n\"id\": x\ne: \"a\\nb\"\nu: http://x\n---\n", "markdown",
+     "---\nid: d\nt:\n  - a\n  - b\n\"id\": x\ne: \"a\\nb\"\nu: http://x\n---\n"},
+    {"vell", "vell 1\nid: d\ncreated: 2026-01-02T03:04:05Z\nt: T\n\na {created=2026-02-02T00:00:00Z}\n",
+     "json",
+     R"({"id":"d","created":"2026-01-02T03:04:05Z","frontMatter":{"t":"T"},"rows":[{"type":"body",)"
+     R"("text":[{"string":"a"}],"created":"2026-02-02T00:00:00Z","modified":"2026-02-02T00:00:00Z"}]})"},
+    {"vell", "vell 1\ncreated: 2026-01-02T03:04:05Z\nodd key: <&>\n\n[x] **a** \"b\" {#p}\n\tb {text=t}\n",
+     "opml",
+     "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<opml version=\"2.0\">\n  <head>\n"
+     "    <vell-created>2026-01-02T03:04:05Z</vell-created>\n"
+     "    <vell-frontMatter>{&quot;odd key&quot;:&quot;&lt;&amp;&gt;&quot;}</vell-frontMatter>\n  </head>\n  "
+     "<body>\n"
+     "\t\t<outline text=\"a &quot;b&quot;\" vell-type=\"task\" vell-id=\"p\" vell-text=\"**a** "
+     "&quot;b&quot;\" "
+     "done=\"true\">\n\t\t\t<outline text=\"b\" vell-attributes=\"{&quot;text&quot;:&quot;t&quot;}\"/>\n"
+     "\t\t</outline>\n  </body>\n</opml>\n"},
+};
+
+TEST(Formats, Convert) {
+  for (const ConvertCase& row : convertCases) {
+    Outline outline;
+    readAs(row.from, row.text, outline);
+    const bool rowsOnly = std::string_view(row.to) == "vell";  // its header would tell the time of reading
+    EXPECT_EQ(writeAll(row.to, outline, rowsOnly), row.written) << row.text;
+  }
+}
+
+std::string contentOf(const std::filesystem::path& file) {
+  std::ifstream stream(file, std::ios::binary);
+  return {std::istreambuf_iterator<char>(stream), {}};
+}
+
+/// The examples in docs/formats.md are what the formats are: each whole file in it is written as it stands.
+TEST(Formats, DocumentedExamplesStandAsTheyAreWritten) {
+  const std::string guide = contentOf(std::filesystem::path(VELL_SAMPLES) / "../docs/formats.md");
+  Lines lines(guide);
+  int checked = 0;
+  while (lines.next()) {
+    if (!lines.line().starts_with("```")) continue;
+    const bool isMarkdown = lines.line() == "```markdown";
+    std::string example;
+    while (lines.next() && lines.line() != "```") example.append(lines.line()).append("\n");
+    const char* format = isMarkdown ? "markdown" : example.starts_with("vell 1\n") ? "vell" : nullptr;
+    if (!format) continue;
+    Outline outline;
+    readAs(format, example, outline);
+    EXPECT_EQ(writeAll(format, outline), example);
+    ++checked;
+  }
+  EXPECT_EQ(checked, 2);
+}
+
+TEST(Formats, SamplesStandAsTheyAreWritten) {
+  std::size_t count = 0;
+  for (const auto& file : std::filesystem::directory_iterator(VELL_SAMPLES)) {
+    const Format* format = formatForFile(file.path().string());
+    ASSERT_TRUE(format) << file.path();
+    const std::string text = contentOf(file.path());
+    Outline outline;
+    readAs(format->name, text, outline);
+    EXPECT_EQ(writeAll(format->name, outline), text) << file.path();
+    ++count;
+  }
+  EXPECT_GE(count, 4u);
+}
+
+class Writing : public testing::Test {
+ protected:
+  Writing() {
+    readAs("markdown", "---\nid: d\ntitle: T\n---\n# A {#a}\n- b\n\t- **c** d\n\t- e {k=v}\n# F\n", outline);
+  }
+  std::string write(const char* format, std::initializer_list<SessionId> ids, Shape shape, bool rowsOnly) {
+    std::vector<const Row*> rows;
+    for (const SessionId id : ids) rows.push_back(outline.find(id));
+    std::string out;
+    formatNamed(format)->write(outline, placeSome(outline, rows, shape), rowsOnly, out);
+    return out;
+  }
+  Outline outline;
+};
+
+TEST_F(Writing, SessionAndJsonShapes) {
+  EXPECT_EQ(write("session", {4}, Shape::tree, false),
+            R"({"persistentId":"d","created":"2026-09-21T14:13:20Z","frontMatter":{"title":"T"},"rows":[)"
+            R"({"id":4,"type":"unordered","text":[{"string":"c","attrs":{"strong":""}},{"string":" d"}],)"
+            R"("created":"2026-09-21T14:13:20Z","modified":"2026-09-21T14:13:20Z"}]})");
+  EXPECT_EQ(write("json", {2}, Shape::tree, true),
+            R"([{"id":"a","type":"heading","text":[{"string":"A"}],"created":"2026-09-21T14:13:20Z",)"
+            R"("modified":"2026-09-21T14:13:20Z"}])");
+}
+
+TEST_F(Writing, ChosenRowsHangBelowTheNearestChosenAncestor) {
+  EXPECT_EQ(write("txt", {5, 2, 6, 5}, Shape::tree, true), "A\n\te\nF\n");
+  EXPECT_EQ(write("txt", {4, 3, 2}, Shape::flat, true), "A\nb\nc d\n");
+  EXPECT_EQ(write("markdown", {3, 5}, Shape::tree, true), "- b\n\t- e {k=v}\n");
+  EXPECT_EQ(write("markdown", {6}, Shape::tree, false), "---\nid: d\ntitle: T\n---\n\n# F\n");
+  EXPECT_EQ(write("session", {}, Shape::tree, true), "[]");
+}
+
+TEST(Formats, AreFoundByNameAndFile) {
+  EXPECT_EQ(formatNamed("zebra"), nullptr);
+  const std::pair<const char*, const char*> files[] = {
+      {"a/b.MD", "markdown"}, {"x.markdown", "markdown"}, {"x.tar.Vell", "vell"}, {"x.opml", "opml"}};
+  for (const auto& [path, name] : files) EXPECT_EQ(formatForFile(path)->name, name);
+  for (const char* path : {"a.md/b", "vell", "x.html", ""}) EXPECT_EQ(formatForFile(path), nullptr) << path;
+}
+
+}  // namespace
+}  // namespace vell::formats

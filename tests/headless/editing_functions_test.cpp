@@ -1,0 +1,55 @@
+#include <gtest/gtest.h>
+
+#include "headless/editing/editor.h"
+#include "headless/editing/editor_functions.h"
+#include "tests/evaluation/support.h"
+
+namespace vell::headless {
+namespace {
+
+constexpr const char* kOutline = R"(
+heading A
+  task b @done=true @n=3
+    note c @n=12
+  task d @due=2024-01-02T10:00:00Z @who=Ana
+  hr e
+heading F @who=ana
+  heading G
+    task h @done=false @n=abc
+  body Éclair @who=Éva
+body j
+)";
+
+struct Selection {
+  const char* path;
+  const char* rows;
+};
+
+TEST(EditorFunctions, AnswerForTheRowsOfAnOutline) {
+  const auto outline = evaluation::outlineOf(kOutline);
+  Editor editor(*outline);
+  const Row& heading = *outline->root().firstChild();
+  editor.focus(heading);
+  editor.setCollapsed(*heading.firstChild(), true);
+  editor.select(*heading.firstChild(), *heading.firstChild());
+  const EditorFunctions functions(*outline, editor);
+  const Selection rows[] = {
+      {"//* focused-root() = true", "A"},
+      {"//* focused-branch() = true", "A b c d e"},
+      {"//* focused-level() = 2", "c"},
+      {"//* focused-level() > 1000", "F G h Éclair j"},
+      {"//* expanded() = true", "A F G"},
+      {"//heading collapsed() = true or @n = 3", ""},
+      {"//task collapsed() = true", "b d h"},
+      {"//* filter-match() = true or filter-match-ancestor() = true", ""},
+      {"//* selection() = \"caret\"", "b"},
+      {"//* selection-ancestor() = true", "A"},
+      {"//* selection-descendant() = true", "c"},
+      {"//* drop-indicator() = \"on\"", ""},
+  };
+  for (const Selection& row : rows)
+    EXPECT_EQ(evaluation::selected(*outline, row.path, &functions), row.rows) << row.path;
+}
+
+}  // namespace
+}  // namespace vell::headless
