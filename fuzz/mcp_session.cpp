@@ -6,7 +6,7 @@
 #include "mcp/line_splitter.h"
 #include "mcp/mcp_server.h"
 #include "mcp/parameters.h"
-#include "mcp/value_text.h"
+#include "mcp/value.h"
 
 namespace {
 

@@ -1,12 +1,10 @@
-#include "mcp/argument_faults.h"
-
 #include <algorithm>
 #include <cmath>
 #include <vector>
 
+#include "mcp/argument_validator.h"
 #include "mcp/phrases.h"
 #include "mcp/schema.h"
-#include "mcp/value_text.h"
 
 namespace vell::mcp {
 

@@ -7,9 +7,6 @@
 #include <valijson/schema_parser.hpp>
 #include <valijson/validator.hpp>
 
-#include "mcp/argument_faults.h"
-#include "mcp/value_text.h"
-
 namespace vell::mcp {
 
 namespace {

@@ -1,7 +1,7 @@
 #include "mcp/mcp_server.h"
 
 #include "mcp/params.h"
-#include "mcp/tool_name.h"
+#include "mcp/tool_registry.h"
 
 namespace vell::mcp {
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "mcp/logger.h"
-#include "mcp/resource_registry.h"
+#include "mcp/resource.h"
 #include "mcp/server.h"
 #include "mcp/server_info.h"
 #include "mcp/tool_registry.h"

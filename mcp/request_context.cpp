@@ -1,6 +1,5 @@
 #include "mcp/request_context.h"
 
-#include "mcp/message.h"
 #include "mcp/server.h"
 
 namespace vell::mcp {

@@ -6,10 +6,7 @@
 #include <string>
 
 #include "mcp/logger.h"
-#include "mcp/mcp_error.h"
-#include "mcp/request_id.h"
-#include "mcp/value.h"
-#include "mcp/value_text.h"
+#include "mcp/message.h"
 
 namespace vell::mcp {
 

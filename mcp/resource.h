@@ -4,8 +4,11 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <string_view>
 #include <utility>
+#include <vector>
 
+#include "mcp/change_notice.h"
 #include "mcp/request_context.h"
 #include "mcp/uri_template.h"
 #include "mcp/value.h"
@@ -53,5 +56,41 @@ class ResourceRead {
 using ResourceReadPtr = std::shared_ptr<ResourceRead>;
 /// Answers the read, now or later; what it throws fails it.
 using ResourceReader = std::function<void(const ResourceReadPtr& read)>;
+
+/// The resources and resource templates in the order in which they were added.
+class ResourceRegistry {
+ public:
+  /// Takes the place of a resource of the same URI.
+  void add(std::string uri, ResourceDescription description, ResourceReader reader);
+  void addTemplate(std::string uriTemplate, ResourceDescription description, ResourceReader reader);
+  /// False where there is none of that URI.
+  bool remove(std::string_view uri);
+
+  /// The reader for a URI with the template's variables: the resource of that URI, else the first template
+  /// that fits.
+  std::optional<std::pair<ResourceReader, UriTemplate::Variables>> find(const std::string& uri) const;
+
+  Value list() const;
+  Value listTemplates() const;
+  bool empty() const { return resources_.empty() && templates_.empty(); }
+
+  ChangeNotice& notice() { return notice_; }
+
+ private:
+  struct Resource {
+    std::string uri;
+    ResourceDescription description;
+    ResourceReader reader;
+  };
+  struct Template {
+    UriTemplate uri;
+    ResourceDescription description;
+    ResourceReader reader;
+  };
+
+  std::vector<Resource> resources_;
+  std::vector<Template> templates_;
+  ChangeNotice notice_;
+};
 
 }  // namespace vell::mcp

@@ -1,21 +1,52 @@
 #include "mcp/stdio_transport.h"
 
+#include <fcntl.h>
+
 #include <array>
 #include <asio/buffer.hpp>
 #include <asio/io_context.hpp>
 #include <asio/posix/stream_descriptor.hpp>
+#include <cerrno>
 #include <vector>
 
-#include "mcp/descriptor_flags.h"
 #include "mcp/line_splitter.h"
 
 namespace vell::mcp {
 
+namespace {
+
+int checked(int result) {
+  if (result == -1) throw std::system_error(errno, std::generic_category());
+  return result;
+}
+
+/// Makes a descriptor non-blocking for as long as this lives.
+class NonBlocking {
+ public:
+  /// Throws std::system_error.
+  explicit NonBlocking(int descriptor)
+      : descriptor_(descriptor), flags_(checked(::fcntl(descriptor, F_GETFL))) {
+    checked(::fcntl(descriptor_, F_SETFL, flags_ | O_NONBLOCK));
+  }
+  ~NonBlocking() { ::fcntl(descriptor_, F_SETFL, flags_); }
+  NonBlocking(const NonBlocking&) = delete;
+  NonBlocking& operator=(const NonBlocking&) = delete;
+
+ private:
+  int descriptor_;
+  int flags_;
+};
+
+/// Another descriptor of the same file, closed on exec. Throws std::system_error.
+int duplicate(int descriptor) { return checked(::fcntl(descriptor, F_DUPFD_CLOEXEC, 0)); }
+
 /// asio's errors of the operating system as those of the standard library.
-static std::error_code standardError(std::error_code error) {
+std::error_code standardError(std::error_code error) {
   const bool system = error.category() == asio::error::get_system_category();
   return system ? std::error_code(error.value(), std::generic_category()) : error;
 }
+
+}  // namespace
 
 /// What lives from connect to disconnect; the loop's callbacks share it.
 class StdioTransport::Connection : public std::enable_shared_from_this<Connection> {

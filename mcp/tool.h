@@ -33,9 +33,26 @@ struct ToolDefinition {
   Value toValue() const;
 };
 
+/// Content blocks, tagged by `type`.
+namespace content {
+
+Value text(std::string text);
+/// Appends the same block for a text that is written as a JSON string.
+void appendText(const ValueWriter& writeText, std::string& out);
+/// `data` holds raw bytes; they travel in base64.
+Value image(const std::string& data, const std::string& mimeType);
+Value audio(const std::string& data, const std::string& mimeType);
+Value resource(Value contents);
+Value resourceLink(Value::Object reference);
+
+/// Throws DecodeError for a block of another type.
+void check(const Value& block);
+
+}  // namespace content
+
 /// The outcome of a call, a failure that the model can read included.
 struct CallToolResult {
-  std::vector<Value> content;  // content blocks, see content.h
+  std::vector<Value> content;  // content blocks
   std::optional<Value> structuredContent = {};
   bool isError = false;
 

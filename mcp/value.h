@@ -6,6 +6,7 @@
 #include <functional>
 #include <map>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <variant>
@@ -76,6 +77,33 @@ class Value {
  private:
   std::variant<bool, std::int64_t, double, std::string, Data, Array, Object, std::nullptr_t> content_;
 };
+
+/// A text that is not one JSON value; `what()` says where and why.
+class DecodeError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Levels of nesting beyond which a text is refused.
+inline constexpr int maxDepth = 1000;
+
+/// Numbers without fraction or exponent that fit become integers, all others doubles. The last of repeated
+/// keys counts. Throws DecodeError.
+Value decode(std::string_view text);
+
+/// Compact JSON on one line, keys in byte order. Text that is not UTF-8 comes out with U+FFFD in place of
+/// each bad byte; a number that is not finite as null.
+std::string encode(const Value& value);
+void encode(const Value& value, std::string& out);
+
+/// Appends a value as compact JSON: large ones are written once, where they go out.
+using ValueWriter = std::function<void(std::string& out)>;
+
+/// The text as a JSON string with its quotes, in one pass over it.
+void encodeString(std::string_view text, std::string& out);
+
+/// The bytes in base64, padded.
+std::string base64(std::string_view bytes);
 
 }  // namespace vell::mcp
 

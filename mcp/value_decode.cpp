@@ -4,7 +4,7 @@
 #include <nlohmann/json.hpp>
 #include <optional>
 
-#include "mcp/value_text.h"
+#include "mcp/value.h"
 
 namespace vell::mcp {
 

@@ -8,9 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "mcp/base64.h"
 #include "mcp/utf8.h"
-#include "mcp/value_text.h"
+#include "mcp/value.h"
 
 namespace vell::mcp {
 

@@ -7,7 +7,7 @@
 
 #include "ipc/methods/row.h"
 #include "mcp/parameters.h"
-#include "mcp/value_text.h"
+#include "mcp/value.h"
 
 /// How the tools' arguments look where their record's field does not say so; see mcp/parameters.h.
 namespace vell::tools {

@@ -10,7 +10,7 @@
 
 #include "mcp/mcp_server.h"
 #include "mcp/schema.h"
-#include "mcp/value_text.h"
+#include "mcp/value.h"
 
 namespace vell::mcp {
 

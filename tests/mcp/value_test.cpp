@@ -3,9 +3,9 @@
 #include <cmath>
 #include <unordered_set>
 
-#include "mcp/content.h"
 #include "mcp/message.h"
-#include "mcp/tool_name.h"
+#include "mcp/tool.h"
+#include "mcp/tool_registry.h"
 #include "mcp/uri_template.h"
 #include "tests/mcp/support.h"
 

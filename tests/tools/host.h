@@ -11,7 +11,7 @@
 #include <utility>
 
 #include "mcp/line_splitter.h"
-#include "mcp/value_text.h"
+#include "mcp/value.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
 #include "tools/serve.h"
