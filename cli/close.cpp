@@ -15,14 +15,13 @@ void closeOutline(const Arguments& arguments, Console& console) {
   callAndPrint(closing, arguments, console);
 }
 
-constexpr const Option* options[] = {&outlineOption, &discard, &prettyOption};
-constexpr Example examples[] = {{"close outline", "The frontmost outline, saved first:"}};
-constexpr Command outline{.name = "outline", .options = options, .examples = examples, .run = closeOutline};
-
-constexpr const Command* subcommands[] = {&outline};
+const Command outline{.name = "outline",
+                      .options = {&outlineOption, &discard, &prettyOption},
+                      .examples = {{"close outline", "The frontmost outline, saved first:"}},
+                      .run = closeOutline};
 
 }  // namespace
 
-const Command closeCommand{.name = "close", .abstract = "Close outline.", .subcommands = subcommands};
+const Command closeCommand{.name = "close", .abstract = "Close outline.", .subcommands = {&outline}};
 
 }  // namespace vell::cli

@@ -1,13 +1,17 @@
 #pragma once
 
 #include <span>
+#include <stdexcept>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace vell::cli {
 
 class Arguments;
 class Console;
+
+using ArgumentList = std::vector<std::string>;
 
 /// How many values follow an option: none (a flag); one, the option given at most once; one at each of
 /// its repetitions; or all up to the next option.
@@ -45,15 +49,41 @@ struct Command {
   std::string_view name;
   std::string_view abstract{};
   std::string_view discussion{};
-  std::span<const Option* const> options{};
-  std::span<const Command* const> subcommands{};
-  std::span<const Example> examples{};
+  std::vector<const Option*> options{};
+  std::vector<const Command*> subcommands{};
+  std::vector<Example> examples{};
   /// Sections printed behind the generated ones, laid out as they stand.
   std::string_view appendix{};
-  /// Looks at the process arguments as typed before they are parsed. Throws UsageError.
-  void (*check)(std::span<const std::string> typed) = nullptr;
+  /// The option that plain arguments are written behind before the command line is parsed.
+  const Option* plainArguments = nullptr;
+  /// Why the command line as typed cannot be run; empty when it can.
+  std::string (*check)(const ArgumentList& typed) = nullptr;
   /// Throws UsageError before any connection is made, anything else when the command fails.
   void (*run)(const Arguments& arguments, Console& console) = nullptr;
 };
+
+/// A command line that cannot be run as it stands; reported together with the command's usage.
+class UsageError : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
+
+/// Options that every command understands.
+inline constexpr Option helpOption{
+    .name = "--help", .shortName = "-h", .help = "Show help information.", .takes = Takes::nothing};
+inline constexpr Option versionOption{
+    .name = "--version", .help = "Show the version.", .takes = Takes::nothing};
+
+/// The command's options that are typed with dashes, and those that every command has.
+std::vector<const Option*> namedOptions(const Command& command);
+
+/// A command and the words that lead to it, beginning with the root's name.
+struct TreeEntry {
+  const Command* command;
+  std::string path;
+};
+
+/// The command and everything below it, each before its subcommands.
+std::vector<TreeEntry> wholeTree(const Command& root);
 
 }  // namespace vell::cli

@@ -1,9 +1,9 @@
 #include "cli/completion.h"
 
-#include "cli/arguments.h"
 #include "cli/commands.h"
 #include "cli/console.h"
 #include "cli/help.h"
+#include "cli/parser.h"
 
 namespace vell::cli {
 

@@ -1,17 +1,6 @@
 #include "cli/completion_words.h"
 
-#include "cli/scanner.h"
-
 namespace vell::cli {
-
-std::vector<const Option*> namedOptions(const Command& command) {
-  std::vector<const Option*> named;
-  for (const Option* option : command.options) {
-    if (!option->positional()) named.push_back(option);
-  }
-  named.insert(named.end(), {&versionOption, &helpOption});
-  return named;
-}
 
 std::string offeredValues(const Option& option) {
   if (option.value == "row-ref" || option.value == "row-refs") return "@selection @focused";

@@ -2,16 +2,11 @@
 
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "cli/command.h"
-#include "cli/tree.h"
 
 // What the completion scripts of all shells are made of.
 namespace vell::cli {
-
-/// The command's options that are typed with dashes, and those that every command has.
-std::vector<const Option*> namedOptions(const Command& command);
 
 /// The values worth offering for an option, separated by blanks; files are not among them.
 std::string offeredValues(const Option& option);

@@ -2,12 +2,28 @@
 
 #include <cstddef>
 #include <memory>
+#include <stdexcept>
 #include <string_view>
 
 #include "cli/background_writer.h"
 #include "json/sink.h"
 
 namespace vell::cli {
+
+/// What a run leaves behind for the shell.
+enum ExitStatus : int {
+  success = 0,
+  failure = 1,
+  usage = 64,
+  /// The reader of standard output went away: as if the signal for it had ended the run.
+  closedPipe = 141,
+};
+
+/// Nobody reads standard output any more; the run ends without a word.
+class ClosedOutput : public std::runtime_error {
+ public:
+  ClosedOutput() : std::runtime_error("The reader of standard output has gone.") {}
+};
 
 /// Buffered bytes on their way to a descriptor that someone else owns.
 class Output : public json::Sink {

@@ -40,14 +40,13 @@ void createRow(const Arguments& arguments, Console& console) {
   callAndPrint(creation, arguments, console);
 }
 
-constexpr const Option* rowOptions[] = {&outlineOption, &parent, &position,    &before,
-                                        &after,         &text,   &prettyOption};
-constexpr Example rowExamples[] = {
-    {"create row --text 'Call **Ada**'", "A row at the end of the frontmost outline:"},
-    {"create row --parent 12 --position start --text '- [ ] Buy milk'",
-     "A task as the first child of row 12:"},
-};
-constexpr Command row{.name = "row", .options = rowOptions, .examples = rowExamples, .run = createRow};
+const Command row{
+    .name = "row",
+    .options = {&outlineOption, &parent, &position, &before, &after, &text, &prettyOption},
+    .examples = {{"create row --text 'Call **Ada**'", "A row at the end of the frontmost outline:"},
+                 {"create row --parent 12 --position start --text '- [ ] Buy milk'",
+                  "A task as the first child of row 12:"}},
+    .run = createRow};
 
 // Rows from a file.
 
@@ -65,23 +64,19 @@ void createRows(const Arguments& arguments, Console& console) {
   callAndPrint(creation, arguments, console);
 }
 
-constexpr const Option* rowsOptions[] = {&file,   &outlineOption, &parent,      &position,
-                                         &before, &after,         &prettyOption};
-constexpr Example rowsExamples[] = {
-    {"create rows -f notes.md --parent @selection", "A markdown file as children of the selected row:"},
-    {"create rows --file - --before 12", "What a pipe delivers, in front of row 12:"},
-};
-constexpr Command rows{.name = "rows",
-                       .abstract = "Create row hierarchy from Vell-flavored markdown.",
-                       .options = rowsOptions,
-                       .examples = rowsExamples,
-                       .run = createRows};
-
-constexpr const Command* subcommands[] = {&createOutlineCommand, &row, &rows};
+const Command rows{
+    .name = "rows",
+    .abstract = "Create row hierarchy from Vell-flavored markdown.",
+    .options = {&file, &outlineOption, &parent, &position, &before, &after, &prettyOption},
+    .examples = {{"create rows -f notes.md --parent @selection",
+                  "A markdown file as children of the selected row:"},
+                 {"create rows --file - --before 12", "What a pipe delivers, in front of row 12:"}},
+    .run = createRows};
 
 }  // namespace
 
-const Command createCommand{
-    .name = "create", .abstract = "Create outline, row, rows.", .subcommands = subcommands};
+const Command createCommand{.name = "create",
+                            .abstract = "Create outline, row, rows.",
+                            .subcommands = {&createOutlineCommand, &row, &rows}};
 
 }  // namespace vell::cli

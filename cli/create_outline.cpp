@@ -1,6 +1,5 @@
 #include "cli/create_outline.h"
 
-#include "cli/errors.h"
 #include "cli/global_options.h"
 #include "ipc/methods/outline.h"
 #include "ipc/reconnecting_client.h"
@@ -40,12 +39,6 @@ void createOutline(const Arguments& arguments, Console& console) {
   callAndPrint(ipc::OutlineNew{.format = arguments.value(format).value_or("vell")}, arguments, console);
 }
 
-constexpr const Option* options[] = {&path, &format, &prettyOption};
-constexpr Example examples[] = {
-    {"create outline", "An untitled outline, saved later or never:"},
-    {"create outline ~/notes/groceries.md", "A new markdown file, opened:"},
-};
-
 }  // namespace
 
 const Command createOutlineCommand{
@@ -55,8 +48,9 @@ const Command createOutlineCommand{
         "With no path: opens an Untitled outline in Vell (no file on disk). With a path: writes a new empty "
         "outline to that path and opens it. --format wins; else inferred from the path's extension; else "
         "txt.",
-    .options = options,
-    .examples = examples,
+    .options = {&path, &format, &prettyOption},
+    .examples = {{"create outline", "An untitled outline, saved later or never:"},
+                 {"create outline ~/notes/groceries.md", "A new markdown file, opened:"}},
     .run = createOutline,
 };
 

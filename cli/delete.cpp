@@ -11,21 +11,15 @@ void deleteRows(const Arguments& arguments, Console& console) {
   callAndPrint(deletion, arguments, console);
 }
 
-constexpr const Option* options[] = {&rowsArgument, &outlineOption, &prettyOption};
-constexpr Example examples[] = {
-    {"delete rows 12 14", "Two rows and everything below them:"},
-    {"delete rows '//task @done'", "All finished tasks:"},
-};
-constexpr Command rows{.name = "rows",
-                       .abstract = "Delete rows + descendants.",
-                       .options = options,
-                       .examples = examples,
-                       .run = deleteRows};
-
-constexpr const Command* subcommands[] = {&rows};
+const Command rows{.name = "rows",
+                   .abstract = "Delete rows + descendants.",
+                   .options = {&rowsArgument, &outlineOption, &prettyOption},
+                   .examples = {{"delete rows 12 14", "Two rows and everything below them:"},
+                                {"delete rows '//task @done'", "All finished tasks:"}},
+                   .run = deleteRows};
 
 }  // namespace
 
-const Command deleteCommand{.name = "delete", .abstract = "Delete rows.", .subcommands = subcommands};
+const Command deleteCommand{.name = "delete", .abstract = "Delete rows.", .subcommands = {&rows}};
 
 }  // namespace vell::cli

@@ -24,11 +24,7 @@ void evaluateScript(const Arguments& arguments, Console& console) {
   callAndPrint(evaluation, arguments, console);
 }
 
-constexpr const Option* scriptOptions[] = {&file, &input, &prettyOption};
-constexpr Example scriptExamples[] = {
-    {"evaluate script -f count.js --input task", "A script that is given a word:"},
-};
-constexpr Command script{
+const Command script{
     .name = "script",
     .abstract = "Evaluate JavaScript in Vell's extension context.",
     .discussion =
@@ -37,8 +33,8 @@ constexpr Command script{
         "The app API hangs off the `vell` global. Full type surface: "
         "Vell.app/Contents/Resources/scripting/vell.d.ts (`.d.ts` — translate to JS at the call site.)\n\n"
         "Example:\n  (() => vell.frontmostOutlineEditor?.selection?.word)()",
-    .options = scriptOptions,
-    .examples = scriptExamples,
+    .options = {&file, &input, &prettyOption},
+    .examples = {{"evaluate script -f count.js --input task", "A script that is given a word:"}},
     .run = evaluateScript,
 };
 
@@ -61,23 +57,18 @@ void evaluateCommands(const Arguments& arguments, Console& console) {
   callAndPrint(performance, arguments, console);
 }
 
-constexpr const Option* commandsOptions[] = {&ids, &editor, &prettyOption};
-constexpr Example commandsExamples[] = {
-    {"evaluate commands row:toggle-done row:block-move-up", "Two commands, one after the other:"},
-};
-constexpr Command commands{.name = "commands",
-                           .abstract =
-                               "Perform one or more named editor commands. Use `vell get commands` to list "
-                               "available commands.",
-                           .options = commandsOptions,
-                           .examples = commandsExamples,
-                           .run = evaluateCommands};
-
-constexpr const Command* subcommands[] = {&script, &commands};
+const Command commands{.name = "commands",
+                       .abstract =
+                           "Perform one or more named editor commands. Use `vell get commands` to list "
+                           "available commands.",
+                       .options = {&ids, &editor, &prettyOption},
+                       .examples = {{"evaluate commands row:toggle-done row:block-move-up",
+                                     "Two commands, one after the other:"}},
+                       .run = evaluateCommands};
 
 }  // namespace
 
 const Command evaluateCommand{
-    .name = "evaluate", .abstract = "Evaluate script, commands.", .subcommands = subcommands};
+    .name = "evaluate", .abstract = "Evaluate script, commands.", .subcommands = {&script, &commands}};
 
 }  // namespace vell::cli

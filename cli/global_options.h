@@ -2,8 +2,8 @@
 
 #include <string_view>
 
-#include "cli/arguments.h"
 #include "cli/console.h"
+#include "cli/parser.h"
 #include "ipc/vell_client.h"
 #include "json/document.h"
 

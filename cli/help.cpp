@@ -2,7 +2,6 @@
 
 #include <algorithm>
 
-#include "cli/scanner.h"
 #include "cli/wrap.h"
 
 namespace vell::cli {
@@ -68,11 +67,9 @@ std::string overview(const Command& command) {
 
 std::string optionTable(const Command& command, bool positional) {
   Table table;
-  for (const Option* option : command.options) {
+  for (const Option* option : positional ? command.options : namedOptions(command)) {
     if (option->positional() == positional) table.row(optionLabel(*option), option->help);
   }
-  if (positional) return table.text();
-  for (const Option* option : {&versionOption, &helpOption}) table.row(optionLabel(*option), option->help);
   return table.text();
 }
 
@@ -137,11 +134,10 @@ std::string helpScreen(const Command& command, const std::string& path) {
   return screen;
 }
 
-std::string usageReport(const Selection& selection, std::string_view message) {
+std::string usageReport(const Command& command, const std::string& path, std::string_view message) {
   std::string report = "Error: " + std::string(message) + "\n";
-  report += usageLines(*selection.command, selection.path, "Usage: ");
-  report += "See '" + selection.path + " --help' for more information.\n";
-  return report;
+  report += usageLines(command, path, "Usage: ");
+  return report + "See '" + path + " --help' for more information.\n";
 }
 
 }  // namespace vell::cli

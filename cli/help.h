@@ -3,7 +3,6 @@
 #include <string>
 
 #include "cli/command.h"
-#include "cli/selection.h"
 
 namespace vell::cli {
 
@@ -17,6 +16,6 @@ std::string usageLines(const Command& command, const std::string& path, std::str
 std::string helpScreen(const Command& command, const std::string& path);
 
 /// What standard error says of a command line that cannot be run.
-std::string usageReport(const Selection& selection, std::string_view message);
+std::string usageReport(const Command& command, const std::string& path, std::string_view message);
 
 }  // namespace vell::cli

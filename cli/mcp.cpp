@@ -8,17 +8,13 @@ namespace {
 
 void serve(const Arguments&, Console&) { tools::serveMCP(outlines::cliVersion()); }
 
-constexpr const Option* options[] = {&prettyOption};
-constexpr Example examples[] = {
-    {"mcp", "What an MCP host is told to start; it ends with its standard input:"},
-};
-
 }  // namespace
 
-const Command mcpCommand{.name = "mcp",
-                         .abstract = "MCP Server on stdio.",
-                         .options = options,
-                         .examples = examples,
-                         .run = serve};
+const Command mcpCommand{
+    .name = "mcp",
+    .abstract = "MCP Server on stdio.",
+    .options = {&prettyOption},
+    .examples = {{"mcp", "What an MCP host is told to start; it ends with its standard input:"}},
+    .run = serve};
 
 }  // namespace vell::cli

@@ -1,5 +1,4 @@
 #include "cli/commands.h"
-#include "cli/errors.h"
 #include "cli/global_options.h"
 #include "cli/row_options.h"
 
@@ -32,18 +31,15 @@ void moveRows(const Arguments& arguments, Console& console) {
   callAndPrint(move, arguments, console);
 }
 
-constexpr const Option* options[] = {&rowsArgument,  &to,          &position, &before, &after,
-                                     &outlineOption, &prettyOption};
-constexpr Example examples[] = {
-    {"move rows 12 14 --to 3 --position start", "Two rows become the first children of row 3:"},
-    {"move rows --before 20", "The selected row goes in front of row 20:"},
-};
-constexpr Command rows{.name = "rows", .options = options, .examples = examples, .run = moveRows};
-
-constexpr const Command* subcommands[] = {&rows};
+const Command rows{
+    .name = "rows",
+    .options = {&rowsArgument, &to, &position, &before, &after, &outlineOption, &prettyOption},
+    .examples = {{"move rows 12 14 --to 3 --position start", "Two rows become the first children of row 3:"},
+                 {"move rows --before 20", "The selected row goes in front of row 20:"}},
+    .run = moveRows};
 
 }  // namespace
 
-const Command moveCommand{.name = "move", .abstract = "Move rows.", .subcommands = subcommands};
+const Command moveCommand{.name = "move", .abstract = "Move rows.", .subcommands = {&rows}};
 
 }  // namespace vell::cli

@@ -1,6 +1,5 @@
 #include "ipc/methods/observe.h"
 #include "cli/commands.h"
-#include "cli/errors.h"
 #include "cli/outline_read.h"
 #include "cli/reader_watch.h"
 #include "json/writer.h"
@@ -90,16 +89,11 @@ STREAM
      "subscriptionId":"..."}
 )";
 
-constexpr const Option* rowsOptions[] = {&pathArgument, &pathOption,   &outlineOption,
-                                         &shapeOption,  &outputOption, &prettyOption};
-constexpr Example rowsExamples[] = {
-    {"observe outline rows //task --shape flat", "Every task, again whenever one changes:"},
-};
-constexpr Command rows{
+const Command rows{
     .name = "rows",
     .abstract = "Stream rows (only) matching the given outline path.",
-    .options = rowsOptions,
-    .examples = rowsExamples,
+    .options = {&pathArgument, &pathOption, &outlineOption, &shapeOption, &outputOption, &prettyOption},
+    .examples = {{"observe outline rows //task --shape flat", "Every task, again whenever one changes:"}},
     .appendix = rowsStream,
     .run =
         [](const Arguments& arguments, Console& console) {
@@ -116,30 +110,24 @@ STREAM
      "outline":"6FJq2aTk","subscriptionId":"..."}
 )";
 
-constexpr const Option* outlineOptions[] = {&pathOption, &outlineOption, &shapeOption, &outputOption,
-                                            &prettyOption};
-constexpr const Command* outlineCommands[] = {&rows};
-constexpr Example outlineExamples[] = {
-    {"observe outline", "The frontmost outline, again whenever it changes:"},
-    {"observe outline //heading -o markdown", "The headings as markdown (the same as with --path):"},
-};
-constexpr Command outline{
+const Command outline{
     .name = "outline",
     .abstract = "Stream outline with rows matching the given path.",
     .discussion =
         "Initial snapshot + debounced re-evaluation when outline changes. Changes fire only when the matched "
         "rows/shape actually changes. See `vell observe --help` for the wrapper shape and stream lifecycle.",
-    .options = outlineOptions,
-    .subcommands = outlineCommands,
-    .examples = outlineExamples,
+    .options = {&pathOption, &outlineOption, &shapeOption, &outputOption, &prettyOption},
+    .subcommands = {&rows},
+    .examples = {{"observe outline", "The frontmost outline, again whenever it changes:"},
+                 {"observe outline //heading -o markdown",
+                  "The headings as markdown (the same as with --path):"}},
     .appendix = outlineStream,
+    .plainArguments = &pathOption,
     .run =
         [](const Arguments& arguments, Console& console) {
           streamOutline({arguments, console}, false, console);
         },
 };
-
-constexpr const Command* subcommands[] = {&outline};
 
 }  // namespace
 
@@ -157,7 +145,7 @@ const Command observeCommand{
         "`outlineClosed` (the observed outline was closed), `appQuitting` (Vell is terminating). Ctrl-C / "
         "SIGTERM end "
         "the stream with a bare EOF — no terminator is emitted.",
-    .subcommands = subcommands,
+    .subcommands = {&outline},
 };
 
 }  // namespace vell::cli

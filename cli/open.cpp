@@ -2,7 +2,6 @@
 #include <cstdlib>
 
 #include "cli/commands.h"
-#include "cli/errors.h"
 #include "cli/global_options.h"
 #include "ipc/reconnecting_client.h"
 #include "outlines/opening.h"
@@ -39,17 +38,16 @@ void openOutline(const Arguments& arguments, Console& console) {
   GlobalOptions(arguments, console).print(outline.result());
 }
 
-constexpr const Option* options[] = {&path, &timeout, &prettyOption};
-constexpr Example examples[] = {
-    {"open outline ~/notes/groceries.vell", "A file, starting Vell when it is not running:"},
-    {"open outline id:6FJq2a --timeout 20", "An outline by its persistent id, wherever its file lies:"},
-};
-constexpr Command outline{.name = "outline", .options = options, .examples = examples, .run = openOutline};
-
-constexpr const Command* subcommands[] = {&outline};
+const Command outline{
+    .name = "outline",
+    .options = {&path, &timeout, &prettyOption},
+    .examples = {{"open outline ~/notes/groceries.vell", "A file, starting Vell when it is not running:"},
+                 {"open outline id:6FJq2a --timeout 20",
+                  "An outline by its persistent id, wherever its file lies:"}},
+    .run = openOutline};
 
 }  // namespace
 
-const Command openCommand{.name = "open", .abstract = "Open outline.", .subcommands = subcommands};
+const Command openCommand{.name = "open", .abstract = "Open outline.", .subcommands = {&outline}};
 
 }  // namespace vell::cli

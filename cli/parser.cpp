@@ -1,153 +1,189 @@
 #include "cli/parser.h"
 
-#include <CLI/CLI.hpp>
 #include <algorithm>
 
-#include "cli/errors.h"
 #include "cli/help.h"
-#include "cli/scanner.h"
 #include "cli/suggest.h"
 
 namespace vell::cli {
 namespace {
 
-/// The names under which an option stands in the library's tables. Positional arguments are options there
-/// too: which token is one has been decided before, with rules that the library does not know.
-std::string libraryName(const Option& option) {
-  return option.positional() ? "--argument-" + std::string(option.name) : std::string(option.name);
+constexpr std::string_view helpWord = "help";
+constexpr std::string_view terminator = "--";
+
+using Words = std::span<const std::string>;
+
+/// An option as typed, or a plain argument, which has one value and no name.
+struct Token {
+  std::string name;
+  std::vector<std::string> values;
+};
+
+const Option* findOption(const Command& command, std::string_view name) {
+  for (const Option* option : namedOptions(command)) {
+    if (option->name == name || option->shortName == name) return option;
+  }
+  return nullptr;
 }
 
-[[noreturn]] void refuseOption(const Token& token, const Command& command) {
-  std::string hint = didYouMean(token.name, command);
-  const bool takesArguments = std::any_of(command.options.begin(), command.options.end(),
-                                          [](const Option* option) { return option->positional(); });
-  if (hint.empty() && takesArguments) hint = " Arguments that begin with '-' go behind '--'.";
-  throw UsageError("Unknown option '" + std::string(token.name) + "'." + hint);
+/// Splits `--name=value`, `-nvalue` and `-n=value`.
+Token splitAttached(const std::string& word) {
+  const std::size_t end = word.starts_with("--") ? word.find('=') : 2;
+  if (end >= word.size()) return {word, {}};
+  return {word.substr(0, end), {word.substr(end + (word[end] == '=' ? 1 : 0))}};
 }
 
-/// Hands the tokens of a command line to the library as pairs of a name and one value.
-class Pairs {
+std::size_t followingValues(const Option& option, Words rest) {
+  if (option.takes == Takes::nothing) return 0;
+  if (option.takes != Takes::list) return std::min<std::size_t>(rest.size(), 1);
+  return static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isOptionToken) - rest.begin());
+}
+
+class Parser {
  public:
-  explicit Pairs(const Command& command) : command_(command) {}
+  explicit Parser(const Command& root) : line_{&root, std::string(root.name), Action::run, {}, {}} {}
 
-  std::vector<std::string> take(std::span<const std::string> arguments) {
-    while (!arguments.empty()) {
-      const Token token = scan(command_, arguments);
-      arguments = arguments.subspan(token.size());
-      if (token.kind == Token::Kind::terminator) break;
-      token.kind == Token::Kind::option ? takeOption(token) : takeArgument(std::string(token.name));
-    }
-    for (const std::string& argument : arguments) takeArgument(argument);
-    return std::move(pairs_);
+  CommandLine parse(const ArgumentList& words) {
+    split(words);
+    if (line_.fault.empty() && line_.command->check != nullptr) refuse(line_.command->check(words));
+    for (const Token& token : tokens_) token.name.empty() ? giveArgument(token) : giveOption(token);
+    for (const Option* option : line_.command->options) check(*option);
+    const bool isGroup = line_.command->run == nullptr;
+    if (isGroup && line_.fault.empty() && line_.action == Action::run) line_.action = Action::help;
+    return std::move(line_);
   }
 
  private:
-  void add(const Option& option, std::string value) {
-    pairs_.push_back(libraryName(option));
-    pairs_.push_back(std::move(value));
-  }
-
-  void takeOption(const Token& token) {
-    if (token.option == nullptr) refuseOption(token, command_);
-    const Option& option = *token.option;
-    if (option.takes == Takes::nothing) {
-      if (token.attached) throw UsageError("The option '" + std::string(option.name) + "' takes no value.");
-      pairs_.push_back(libraryName(option));
-      return;
+  /// Finds the command, and splits what else is there into tokens, as the options of the command say that is
+  /// reached so far.
+  void split(Words words) {
+    if (!words.empty() && words.front() == helpWord) {
+      line_.action = Action::help;
+      words = words.subspan(1);
     }
-    if (token.attached) add(option, std::string(*token.attached));
-    for (const std::string& value : token.values) add(option, value);
-    const bool missing = !token.attached && token.values.empty() && option.takes != Takes::list;
-    if (missing) throw UsageError("Missing value for '" + optionLabel(option) + "'.");
-  }
-
-  void takeArgument(std::string argument) {
-    for (const Option* option : command_.options) {
-      if (!option->positional()) continue;
-      if (!option->repeats() && std::find(filled_.begin(), filled_.end(), option) != filled_.end()) continue;
-      filled_.push_back(option);
-      return add(*option, std::move(argument));
+    while (!words.empty() && words.front() != terminator) {
+      const std::string& word = words.front();
+      words = words.subspan(1);
+      if (isOptionToken(word)) {
+        words = words.subspan(takeOption(word, words));
+      } else if (line_.command->subcommands.empty()) {
+        tokens_.push_back({{}, {word}});
+      } else if (!descend(word)) {
+        return refuseCommand(word);
+      }
     }
-    throw UsageError("Unexpected argument '" + argument + "'.");
+    for (const std::string& word : words.subspan(words.empty() ? 0 : 1)) tokens_.push_back({{}, {word}});
   }
 
-  const Command& command_;
-  std::vector<std::string> pairs_;
-  std::vector<const Option*> filled_;
+  bool descend(const std::string& word) {
+    for (const Command* next : line_.command->subcommands) {
+      if (next->name != word) continue;
+      line_.command = next;
+      line_.path += " " + word;
+      return true;
+    }
+    return false;
+  }
+
+  /// Returns how many of the words behind the option are its values.
+  std::size_t takeOption(const std::string& word, Words rest) {
+    Token token = splitAttached(word);
+    const Option* option = findOption(*line_.command, token.name);
+    if (option == &helpOption) line_.action = Action::help;
+    if (option == &versionOption && line_.action == Action::run) line_.action = Action::version;
+    const bool takesMore = option != nullptr && token.values.empty();
+    const std::size_t count = takesMore ? followingValues(*option, rest) : 0;
+    token.values.insert(token.values.end(), rest.begin(), rest.begin() + static_cast<std::ptrdiff_t>(count));
+    tokens_.push_back(std::move(token));
+    return count;
+  }
+
+  void giveOption(const Token& token) {
+    const Option* option = findOption(*line_.command, token.name);
+    if (option == nullptr) return refuseOption(token.name);
+    const bool empty = token.values.empty();
+    if (option->takes == Takes::nothing && !empty) {
+      refuse("The option '" + token.name + "' takes no value.");
+    } else if (empty && (option->takes == Takes::one || option->takes == Takes::each)) {
+      refuse("Missing value for '" + optionLabel(*option) + "'.");
+    }
+    line_.arguments.add(*option, token.values);
+  }
+
+  void giveArgument(const Token& token) {
+    for (const Option* option : line_.command->options) {
+      if (!option->positional() || (!option->repeats() && line_.arguments.has(*option))) continue;
+      return line_.arguments.add(*option, token.values);
+    }
+    refuse("Unexpected argument '" + token.values.front() + "'.");
+  }
+
+  void check(const Option& option) {
+    const auto values = line_.arguments.values(option);
+    for (const std::string& value : values) checkChoice(option, value);
+    if (option.takes == Takes::one && values.size() > 1) {
+      refuse("The option '" + std::string(option.name) + "' can be given only once.");
+    }
+    if (!option.required || !values.empty()) return;
+    refuse(option.missing.empty() ? "Missing required '" + optionLabel(option) + "'."
+                                  : std::string(option.missing));
+  }
+
+  void checkChoice(const Option& option, const std::string& value) {
+    const auto& choices = option.choices;
+    if (choices.empty() || std::find(choices.begin(), choices.end(), value) != choices.end()) return;
+    std::string fault =
+        "The value '" + value + "' is invalid for '" + optionLabel(option) + "'. Choose one of ";
+    for (const std::string_view choice : choices) {
+      if (choice != choices.front()) fault += choice == choices.back() ? " or " : ", ";
+      fault += choice;
+    }
+    refuse(fault + ".");
+  }
+
+  void refuseCommand(const std::string& word) {
+    if (line_.action == Action::help) line_.action = Action::run;
+    refuse("Unknown command '" + word + "'." + didYouMean(word, *line_.command));
+  }
+
+  void refuseOption(const std::string& name) {
+    std::string hint = didYouMean(name, *line_.command);
+    const auto& options = line_.command->options;
+    const bool takesArguments = std::any_of(options.begin(), options.end(),
+                                            [](const Option* option) { return option->positional(); });
+    if (hint.empty() && takesArguments) hint = " Arguments that begin with '-' go behind '--'.";
+    refuse("Unknown option '" + name + "'." + hint);
+  }
+
+  /// Keeps the first fault.
+  void refuse(const std::string& fault) {
+    if (line_.fault.empty()) line_.fault = fault;
+  }
+
+  CommandLine line_;
+  std::vector<Token> tokens_;
 };
-
-std::string choiceFault(const Option& option, const std::string& value) {
-  if (std::find(option.choices.begin(), option.choices.end(), value) != option.choices.end()) return {};
-  std::string fault =
-      "The value '" + value + "' is invalid for '" + optionLabel(option) + "'. Choose one of ";
-  for (const std::string_view choice : option.choices) {
-    if (choice != option.choices.front()) fault += choice == option.choices.back() ? " or " : ", ";
-    fault += choice;
-  }
-  throw UsageError(fault + ".");
-}
-
-CLI::Option* declare(CLI::App& app, const Option& option) {
-  if (option.takes == Takes::nothing) return app.add_flag(libraryName(option));
-  CLI::Option* declared = app.add_option(libraryName(option));
-  // More values than one are counted here afterwards: the library would split "[a,b]" into two.
-  declared->multi_option_policy(CLI::MultiOptionPolicy::TakeAll)->expected(1, -1);
-  if (!option.choices.empty()) {
-    declared->check([&option](const std::string& value) { return choiceFault(option, value); });
-  }
-  return declared;
-}
-
-[[noreturn]] void refuseAbsence(const Option& option) {
-  if (!option.missing.empty()) throw UsageError(std::string(option.missing));
-  throw UsageError("Missing required '" + optionLabel(option) + "'.");
-}
-
-void collect(const Option& option, const CLI::Option& declared, Arguments& arguments) {
-  if (declared.empty()) return;
-  const bool once = option.takes == Takes::one;
-  if (once && declared.count() > 1) {
-    throw UsageError("The option '" + std::string(option.name) + "' can be given only once.");
-  }
-  arguments.add(option, option.takes == Takes::nothing ? std::vector<std::string>{} : declared.results());
-}
-
-Arguments parseWith(const Command& command, std::vector<std::string> pairs) {
-  Arguments arguments;
-  // Setting the library up takes longer than all else in a run, so it is spared where nothing was given.
-  if (pairs.empty()) return arguments;
-  CLI::App app;
-  app.set_help_flag();
-  std::vector<const CLI::Option*> declared;
-  for (const Option* option : command.options) declared.push_back(declare(app, *option));
-  std::reverse(pairs.begin(), pairs.end());  // the library takes its arguments from the back
-  app.parse(std::move(pairs));
-  for (std::size_t i = 0; i < declared.size(); ++i) collect(*command.options[i], *declared[i], arguments);
-  return arguments;
-}
-
-void requireAll(const Command& command, const Arguments& arguments) {
-  for (const Option* option : command.options) {
-    if (option->required && arguments.values(*option).empty()) refuseAbsence(*option);
-  }
-}
 
 }  // namespace
 
-Arguments parse(const Selection& selection, const ArgumentList& typed) {
-  const Command& command = *selection.command;
-  if (selection.unknown) {
-    throw UsageError("Unknown command '" + *selection.unknown + "'." +
-                     didYouMean(*selection.unknown, command));
-  }
-  if (command.check != nullptr) command.check(typed);
-  try {
-    Arguments arguments = parseWith(command, Pairs(command).take(selection.rest));
-    requireAll(command, arguments);
-    return arguments;
-  } catch (const CLI::ParseError& error) {
-    throw UsageError(error.what());
-  }
+void Arguments::add(const Option& option, const std::vector<std::string>& values) {
+  auto& all = given_[&option];
+  all.insert(all.end(), values.begin(), values.end());
 }
+
+std::optional<std::string> Arguments::value(const Option& option) const {
+  const auto all = values(option);
+  if (all.empty()) return std::nullopt;
+  return all.front();
+}
+
+std::vector<std::string> Arguments::values(const Option& option) const {
+  const auto given = given_.find(&option);
+  return given == given_.end() ? std::vector<std::string>{} : given->second;
+}
+
+bool isOptionToken(const std::string& word) { return word.size() > 1 && word.front() == '-'; }
+
+CommandLine parse(const Command& root, const ArgumentList& words) { return Parser(root).parse(words); }
 
 }  // namespace vell::cli

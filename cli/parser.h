@@ -1,13 +1,48 @@
 #pragma once
 
-#include "cli/arguments.h"
-#include "cli/row_refs.h"
-#include "cli/selection.h"
+#include <map>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cli/command.h"
 
 namespace vell::cli {
 
-/// Reads what a selection left of the command line with the options of its command.
-/// `typed` is the whole command line before any rewriting. Throws UsageError.
-Arguments parse(const Selection& selection, const ArgumentList& typed);
+/// What one command line gives to the options of its command.
+class Arguments {
+ public:
+  void add(const Option& option, const std::vector<std::string>& values);
+
+  /// Whether the option was named, with or without values.
+  bool has(const Option& option) const { return given_.contains(&option); }
+  /// The value of an option that takes one.
+  std::optional<std::string> value(const Option& option) const;
+  /// All values in the order given; empty when there are none.
+  std::vector<std::string> values(const Option& option) const;
+
+ private:
+  std::map<const Option*, std::vector<std::string>> given_;
+};
+
+enum class Action { run, help, version };
+
+/// What a command line asks for.
+struct CommandLine {
+  const Command* command;
+  /// The words that lead to the command: "vell get outline".
+  std::string path;
+  Action action = Action::run;
+  Arguments arguments;
+  /// The first thing that keeps the command from running; empty when it can.
+  std::string fault;
+};
+
+/// Whether a word names an option: it begins with "-" and is more than that.
+bool isOptionToken(const std::string& word);
+
+/// Follows the command names down from `root`, options standing anywhere between them, and gives every other
+/// word to the options of the command found.
+CommandLine parse(const Command& root, const ArgumentList& words);
 
 }  // namespace vell::cli

@@ -7,8 +7,6 @@
 #include <cerrno>
 #include <system_error>
 
-#include "cli/errors.h"
-
 namespace vell::cli {
 namespace {
 

@@ -1,6 +1,5 @@
 #include "cli/row_options.h"
 
-#include "cli/errors.h"
 #include "json/document.h"
 #include "json/error.h"
 

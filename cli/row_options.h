@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "cli/arguments.h"
+#include "cli/parser.h"
 #include "cli/shared_options.h"
 #include "ipc/methods/row.h"
 

@@ -4,8 +4,6 @@
 #include <numeric>
 #include <vector>
 
-#include "cli/scanner.h"
-
 namespace vell::cli {
 namespace {
 
@@ -48,10 +46,7 @@ std::string_view nearest(std::string_view word, std::span<const std::string_view
 std::string didYouMean(std::string_view word, const Command& command) {
   std::vector<std::string_view> candidates;
   if (word.starts_with('-')) {
-    for (const Option* option : command.options) {
-      if (!option->positional()) candidates.push_back(option->name);
-    }
-    candidates.insert(candidates.end(), {helpOption.name, versionOption.name});
+    for (const Option* option : namedOptions(command)) candidates.push_back(option->name);
   } else {
     for (const Command* next : command.subcommands) candidates.push_back(next->name);
   }

@@ -1,5 +1,4 @@
 #include "cli/commands.h"
-#include "cli/errors.h"
 #include "cli/global_options.h"
 #include "cli/row_options.h"
 #include "ipc/methods/editor.h"
@@ -63,17 +62,14 @@ void updateRows(const Arguments& arguments, Console& console) {
   callAndPrint(update, arguments, console);
 }
 
-constexpr const Option* rowsOptions[] = {&rowsArgument, &outlineOption, &text,  &append,       &prepend,
-                                         &type,         &attr,          &unset, &persistentId, &prettyOption};
-constexpr Example rowsExamples[] = {
-    {"update rows //task --attr color=red --unset done", "Every task turns red and open again:"},
-    {"update rows 12 --text '- [x] Buy **oat** milk'", "A new text for row 12:"},
-};
-constexpr Command rows{.name = "rows",
-                       .discussion = "The same updates apply to every referenced row.",
-                       .options = rowsOptions,
-                       .examples = rowsExamples,
-                       .run = updateRows};
+const Command rows{
+    .name = "rows",
+    .discussion = "The same updates apply to every referenced row.",
+    .options = {&rowsArgument, &outlineOption, &text, &append, &prepend, &type, &attr, &unset, &persistentId,
+                &prettyOption},
+    .examples = {{"update rows //task --attr color=red --unset done", "Every task turns red and open again:"},
+                 {"update rows 12 --text '- [x] Buy **oat** milk'", "A new text for row 12:"}},
+    .run = updateRows};
 
 // The editor.
 
@@ -108,19 +104,16 @@ void updateEditor(const Arguments& arguments, Console& console) {
   callAndPrint(update, arguments, console);
 }
 
-constexpr const Option* editorOptions[] = {&focus,    &select,        &selectHead,  &expand,
-                                           &collapse, &outlineOption, &prettyOption};
-constexpr Example editorExamples[] = {
-    {"update editor --focus 12 --collapse 14 15", "Into row 12, with two of its rows folded:"},
-    {"update editor --select '//heading[0]'", "The caret to the first heading:"},
-};
-constexpr Command editor{
-    .name = "editor", .options = editorOptions, .examples = editorExamples, .run = updateEditor};
-
-constexpr const Command* subcommands[] = {&editor, &rows};
+const Command editor{
+    .name = "editor",
+    .options = {&focus, &select, &selectHead, &expand, &collapse, &outlineOption, &prettyOption},
+    .examples = {{"update editor --focus 12 --collapse 14 15", "Into row 12, with two of its rows folded:"},
+                 {"update editor --select '//heading[0]'", "The caret to the first heading:"}},
+    .run = updateEditor};
 
 }  // namespace
 
-const Command updateCommand{.name = "update", .abstract = "Update editor, rows.", .subcommands = subcommands};
+const Command updateCommand{
+    .name = "update", .abstract = "Update editor, rows.", .subcommands = {&editor, &rows}};
 
 }  // namespace vell::cli

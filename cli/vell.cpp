@@ -3,23 +3,7 @@
 #include "cli/orientation.h"
 
 namespace vell::cli {
-namespace {
-
-constexpr const Command* subcommands[] = {
-    &openCommand,   &closeCommand, &getCommand,    &observeCommand,  &createCommand,
-    &updateCommand, &moveCommand,  &deleteCommand, &evaluateCommand, &mcpCommand,
-};
-
-constexpr const Option* options[] = {&completionOption};
-
-constexpr Example examples[] = {
-    {"open outline ~/notes/groceries.vell", "Open a file, starting Vell when it is not running:"},
-    {"get outline -o markdown", "Read the frontmost outline as markdown:"},
-    {"create row --text '- [ ] Buy milk'", "Add a task to it:"},
-    {"update rows //task --attr color=red", "Colour all its tasks:"},
-};
-
-}  // namespace
+namespace {}  // namespace
 
 const Command vellCommand{
     .name = "vell",
@@ -27,9 +11,14 @@ const Command vellCommand{
     .discussion =
         "Open, get, and update Vell.app editors and outlines. Commands default to the frontmost editor and "
         "its outline. IMPORTANT: Use `man vell` for high level orientation.",
-    .options = options,
-    .subcommands = subcommands,
-    .examples = examples,
+    .options = {&completionOption},
+    .subcommands = {&openCommand, &closeCommand, &getCommand, &observeCommand, &createCommand, &updateCommand,
+                    &moveCommand, &deleteCommand, &evaluateCommand, &mcpCommand},
+    .examples = {{"open outline ~/notes/groceries.vell",
+                  "Open a file, starting Vell when it is not running:"},
+                 {"get outline -o markdown", "Read the frontmost outline as markdown:"},
+                 {"create row --text '- [ ] Buy milk'", "Add a task to it:"},
+                 {"update rows //task --attr color=red", "Colour all its tasks:"}},
     .appendix = orientation,
     .run = runRoot,
 };

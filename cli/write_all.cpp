@@ -6,7 +6,7 @@
 #include <cerrno>
 #include <system_error>
 
-#include "cli/errors.h"
+#include "cli/console.h"
 
 namespace vell::cli {
 

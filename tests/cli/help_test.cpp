@@ -6,7 +6,6 @@
 
 #include "cli/commands.h"
 #include "cli/completion.h"
-#include "cli/tree.h"
 #include "cli/wrap.h"
 #include "tests/cli/run.h"
 #include "tests/support/temporary_directory.h"

@@ -1,4 +1,4 @@
-#include "cli/row_refs.h"
+#include "cli/entry.h"
 
 #include <gtest/gtest.h>
 
@@ -58,13 +58,13 @@ TEST(RowRefs, AreCollectedBehindTheOptionThatTakesThem) {
       {"get outline --refs rows 2", "get outline --refs rows 2"},
   };
   for (const auto& [typed, rewritten] : cases) {
-    EXPECT_EQ(preprocessOutlineRefs(words(typed)), words(rewritten)) << typed;
+    EXPECT_EQ(Vell::preprocessOutlineRefs(words(typed)), words(rewritten)) << typed;
   }
 }
 
 TEST(RowRefs, OptionSpansCoverTheirValues) {
   const ArgumentList arguments = words("x --a 1 --m 1 - 2 --f - -- --a");
-  const ArgumentList one{"--a"}, many{"--m"};
+  const OptionNames one{"--a"}, many{"--m"};
   const std::optional<std::size_t> ends[] = {{}, 3, {}, 7, {}, {}, {}, 8, {}, {}, 11, {}};
   for (std::size_t i = 0; i < std::size(ends); ++i) {
     EXPECT_EQ(optionSpan(i, arguments, one, many), ends[i]) << "at " << i;

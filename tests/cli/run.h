@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "cli/row_refs.h"
+#include "cli/command.h"
 
 namespace vell::cli {
 

@@ -80,6 +80,7 @@ TEST(UsageErrors, NameTheFaultAndTheWayOut) {
        "opml or "
        "txt.",
        "vell get outline"},
+      {"move --to rows 3", "Missing value for '--to <row-ref>'.", "vell move rows"},
       {"get outline --shape", "Missing value for '--shape <shape>'.", "vell get outline"},
       {"get outline --shape round",
        "The value 'round' is invalid for '--shape <shape>'. Choose one of tree or flat.", "vell get outline"},

@@ -1,4 +1,4 @@
-#include "cli/tree.h"
+#include "cli/command.h"
 
 namespace vell::cli {
 namespace {
@@ -10,6 +10,15 @@ void append(std::vector<TreeEntry>& entries, const Command& command, const std::
 }
 
 }  // namespace
+
+std::vector<const Option*> namedOptions(const Command& command) {
+  std::vector<const Option*> named;
+  for (const Option* option : command.options) {
+    if (!option->positional()) named.push_back(option);
+  }
+  named.insert(named.end(), {&versionOption, &helpOption});
+  return named;
+}
 
 std::vector<TreeEntry> wholeTree(const Command& root) {
   std::vector<TreeEntry> entries;
