@@ -2,7 +2,7 @@
 
 #include <string>
 
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::cli {
 

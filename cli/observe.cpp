@@ -2,7 +2,7 @@
 #include "cli/commands.h"
 #include "cli/outline_read.h"
 #include "cli/reader_watch.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::cli {
 namespace {

@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "ipc/methods/outline.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::cli {
 namespace {

@@ -4,7 +4,7 @@
 #include <cstdlib>
 
 #include "json/error.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   using namespace vell::json;

@@ -2,7 +2,7 @@
 
 #include "ipc/message.h"
 #include "json/error.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::ipc {
 

@@ -1,6 +1,6 @@
 #include "ipc/vell_ipc.h"
 
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::ipc {
 

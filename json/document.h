@@ -31,7 +31,7 @@ class Node {
 
  private:
   friend class Document;
-  friend class Writer;
+  friend class Reprinter;
   Node(const Index& index, std::uint32_t token) : index_(&index), token_(token) {}
 
   const Index* index_;

@@ -1,7 +1,7 @@
 #include "headless/server/params.h"
 
 #include "headless/server/rpc_error.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::headless {
 namespace {

@@ -3,7 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "json/error.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::headless {
 namespace {

@@ -1,7 +1,7 @@
 #include "ipc/methods/row.h"
 
 #include "ipc/methods/params.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::ipc {
 

@@ -4,7 +4,7 @@
 #include "ipc/methods/outline_summary.h"
 #include "ipc/notification.h"
 #include "ipc/vell_client.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
 

@@ -5,7 +5,7 @@
 #include <random>
 
 #include "json/error.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::json {
 namespace {

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "json/error.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::json {
 namespace {

@@ -11,7 +11,7 @@
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
 #include "headless/storage/transaction.h"
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 namespace vell::headless::methods {
 namespace {

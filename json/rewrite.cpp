@@ -1,4 +1,4 @@
-#include "json/writer.h"
+#include "json/rewrite.h"
 
 #include <algorithm>
 #include <cstring>
@@ -14,9 +14,9 @@ enum class Quotes { plain, escaped };
 
 /// Walks the tokens with a stack of its own: depth costs memory, never the call stack. The place to write to
 /// travels through the functions, since in memory it would be stored and loaded for each piece.
-class Writer {
+class Reprinter {
  public:
-  Writer(const Node& value, Layout layout, Quotes quotes, Sink& sink)
+  Reprinter(const Node& value, Layout layout, Quotes quotes, Sink& sink)
       : index_(*value.index_),
         order_(index_),
         indented_(layout == Layout::indented),
@@ -201,9 +201,11 @@ class StringSink : public Sink {
 
 }  // namespace
 
-void write(const Node& value, Layout layout, Sink& sink) { Writer(value, layout, Quotes::plain, sink).run(); }
+void write(const Node& value, Layout layout, Sink& sink) {
+  Reprinter(value, layout, Quotes::plain, sink).run();
+}
 
-void writeMeaning(const Node& value, Sink& sink) { Writer::meaning(value, sink); }
+void writeMeaning(const Node& value, Sink& sink) { Reprinter::meaning(value, sink); }
 
 std::string toString(const Node& value, Layout layout) {
   std::string text;
@@ -216,7 +218,7 @@ std::string toString(const Node& value, Layout layout) {
 void appendQuoted(const Node& value, std::string& out) {
   out += '"';
   StringSink sink(out);
-  Writer(value, Layout::compact, Quotes::escaped, sink).run();
+  Reprinter(value, Layout::compact, Quotes::escaped, sink).run();
   sink.finish();
   out += '"';
 }
