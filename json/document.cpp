@@ -1,6 +1,8 @@
 #include "json/document.h"
 
 #include <charconv>
+#include <cmath>
+#include <cstdlib>
 
 #include "json/strings.h"
 
@@ -48,6 +50,15 @@ std::optional<Node> Node::find(std::string_view key) const {
   return found;
 }
 
+std::vector<Member> Node::members() const {
+  std::vector<Member> members;
+  if (kind() != Kind::object) return members;
+  for (std::uint32_t key = token_ + 1; key < index_->end(token_); key = index_->next(key + 1)) {
+    members.push_back({decoded(*index_, key), Node(*index_, key + 1)});
+  }
+  return members;
+}
+
 std::vector<Node> Node::elements() const {
   std::vector<Node> nodes;
   if (kind() != Kind::array) return nodes;
@@ -62,6 +73,11 @@ std::optional<std::string> Node::string() const {
   return decoded(*index_, token_);
 }
 
+std::optional<bool> Node::boolean() const {
+  if (kind() != Kind::boolean) return std::nullopt;
+  return index_->first(token_) == 't';
+}
+
 std::optional<std::int64_t> Node::integer() const {
   if (kind() != Kind::number) return std::nullopt;
   const std::string_view text = index_->scalar(token_);
@@ -69,6 +85,12 @@ std::optional<std::int64_t> Node::integer() const {
   const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), number);
   if (error != std::errc() || end != text.data() + text.size()) return std::nullopt;
   return number;
+}
+
+std::optional<double> Node::number() const {
+  if (kind() != Kind::number) return std::nullopt;
+  const double number = std::strtod(std::string(index_->scalar(token_)).c_str(), nullptr);
+  return std::isfinite(number) ? std::optional(number) : std::nullopt;
 }
 
 }  // namespace vell::json

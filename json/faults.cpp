@@ -16,20 +16,6 @@ std::size_t sequenceLength(unsigned char lead) {
   return 0;
 }
 
-/// The length of the well-formed UTF-8 sequence at the offset (Unicode, table 3-7), 0 where there is none.
-std::size_t characterLength(std::string_view text, std::size_t offset) {
-  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[offset + i]); };
-  const std::size_t length = sequenceLength(byte(0));
-  if (length == 0 || offset + length > text.size()) return 0;
-  for (std::size_t i = 1; i < length; ++i) {
-    if ((byte(i) & 0xC0) != 0x80) return 0;
-  }
-  const bool overlong = (byte(0) == 0xE0 && byte(1) < 0xA0) || (byte(0) == 0xF0 && byte(1) < 0x90);
-  const bool surrogate = byte(0) == 0xED && byte(1) > 0x9F;
-  const bool tooLarge = byte(0) == 0xF4 && byte(1) > 0x8F;
-  return overlong || surrogate || tooLarge ? 0 : length;
-}
-
 std::string hexByte(char byte) {
   char text[16];
   std::snprintf(text, sizeof text, "byte 0x%02X", static_cast<unsigned>(static_cast<unsigned char>(byte)));
@@ -45,6 +31,19 @@ void throwIfNotUtf8(std::string_view text) {
 }
 
 }  // namespace
+
+std::size_t characterLength(std::string_view text, std::size_t offset) {
+  const auto byte = [&](std::size_t i) { return static_cast<unsigned char>(text[offset + i]); };
+  const std::size_t length = sequenceLength(byte(0));
+  if (length == 0 || offset + length > text.size()) return 0;
+  for (std::size_t i = 1; i < length; ++i) {
+    if ((byte(i) & 0xC0) != 0x80) return 0;
+  }
+  const bool overlong = (byte(0) == 0xE0 && byte(1) < 0xA0) || (byte(0) == 0xF0 && byte(1) < 0x90);
+  const bool surrogate = byte(0) == 0xED && byte(1) > 0x9F;
+  const bool tooLarge = byte(0) == 0xF4 && byte(1) > 0x8F;
+  return overlong || surrogate || tooLarge ? 0 : length;
+}
 
 void throwTextFault(std::string_view text) {
   throwIfNotUtf8(text);

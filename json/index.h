@@ -26,7 +26,8 @@ class Index {
 
   std::string_view text() const { return text_.view(); }
 
-  /// The first byte of a token.
+  /// The offset of a token's first byte.
+  std::size_t begin(std::uint32_t token) const { return entries_[2 * std::size_t{token}] & ~mark; }
   char first(std::uint32_t token) const { return text_.data()[begin(token)]; }
   bool isContainer(std::uint32_t token) const { return (entries_[2 * std::size_t{token} + 1] & mark) != 0; }
   /// The token behind a container's end.
@@ -48,7 +49,6 @@ class Index {
   static constexpr std::uint32_t mark = std::uint32_t{1} << 31;
 
  private:
-  std::size_t begin(std::uint32_t token) const { return entries_[2 * std::size_t{token}] & ~mark; }
   std::size_t endEntry(std::uint32_t token) const { return entries_[2 * std::size_t{token} + 1] & ~mark; }
   std::string_view slice(std::size_t begin, std::size_t end) const {
     return {text_.data() + begin, end - begin};

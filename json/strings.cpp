@@ -1,10 +1,13 @@
 #include "json/strings.h"
 
+#include <simdjson.h>
+
 #include <algorithm>
 #include <cstdint>
 #include <cstdio>
 
 #include "json/error.h"
+#include "json/faults.h"
 
 namespace vell::json {
 namespace {
@@ -95,7 +98,47 @@ void appendCharacter(std::uint32_t code, std::string& out) {
   }
 }
 
+bool needsEscape(char c) { return static_cast<unsigned char>(c) < 0x20 || c == '"' || c == '\\'; }
+
+/// `text` is UTF-8.
+void appendEscaped(std::string_view text, std::string& out) {
+  std::size_t plain = 0;
+  for (std::size_t at = 0; at < text.size(); ++at) {
+    if (!needsEscape(text[at])) continue;
+    out.append(text, plain, at - plain);
+    appendCharacter(static_cast<unsigned char>(text[at]), out);
+    plain = at + 1;
+  }
+  out.append(text, plain, text.size() - plain);
+}
+
+std::string withoutBadBytes(std::string_view text) {
+  std::string valid;
+  while (!text.empty()) {
+    const std::size_t length = characterLength(text, 0);
+    valid.append(length == 0 ? "\xEF\xBF\xBD" : text.substr(0, length));
+    text.remove_prefix(std::max<std::size_t>(length, 1));
+  }
+  return valid;
+}
+
 }  // namespace
+
+void appendString(std::string_view text, std::string& out) {
+  out += '"';
+  if (simdjson::validate_utf8(text.data(), text.size())) {
+    appendEscaped(text, out);
+  } else {
+    appendEscaped(withoutBadBytes(text), out);
+  }
+  out += '"';
+}
+
+std::string quoted(std::string_view text) {
+  std::string literal;
+  appendString(text, literal);
+  return literal;
+}
 
 void checkEscapes(std::string_view text, std::size_t begin, std::size_t end) {
   for (std::size_t at = begin; (at = text.find('\\', at)) < end; at += 2) {

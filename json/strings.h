@@ -8,6 +8,10 @@
 
 namespace vell::json {
 
+/// Appends a text as a JSON string, its quotes included. Each byte that is not UTF-8 becomes U+FFFD.
+void appendString(std::string_view text, std::string& out);
+std::string quoted(std::string_view text);
+
 /// Checks the escapes of the string whose bytes stand in text[begin, end). Throws ParseError.
 void checkEscapes(std::string_view text, std::size_t begin, std::size_t end);
 

@@ -167,23 +167,5 @@ TEST(Quoted, IsTheCompactTextAsAString) {
   EXPECT_EQ(quoted, R"("{\"a\":1,\"b\":\"\\\"\"}")");
 }
 
-TEST(Node, FindsAndReadsValues) {
-  const Document document{
-      Text(R"({"a":1,"s":"x\u00e9\ud800","n":-9223372036854775808,"f":1.0,"big":9223372036854775808,)"
-           R"("list":[[1],"b",null],"a":true})")};
-  const Node root = document.root();
-  EXPECT_EQ(root.find("a")->kind(), Kind::boolean);
-  EXPECT_EQ(root.find("s")->string(), "xé\xEF\xBF\xBD");
-  EXPECT_EQ(root.find("n")->integer(), INT64_MIN);
-  EXPECT_EQ(root.find("f")->integer(), std::nullopt);
-  EXPECT_EQ(root.find("big")->integer(), std::nullopt);
-  EXPECT_FALSE(root.find("missing").has_value());
-  const auto list = root.find("list")->elements();
-  ASSERT_EQ(list.size(), 3u);
-  EXPECT_EQ(list[0].kind(), Kind::array);
-  EXPECT_EQ(list[1].string(), "b");
-  EXPECT_EQ(list[2].kind(), Kind::null);
-}
-
 }  // namespace
 }  // namespace vell::json
