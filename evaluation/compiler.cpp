@@ -3,7 +3,7 @@
 #include "evaluation/functions.h"
 #include "evaluation/pattern.h"
 #include "evaluation/relation.h"
-#include "evaluation/text_folding.h"
+#include "text/folding.h"
 
 namespace vell::evaluation {
 namespace {
@@ -93,7 +93,7 @@ Getter Compiler::compile(const ValueExpression& value) const {
 }
 
 Test Compiler::compileNode(const ContainsText& node) const {
-  return [search = TextSearch(node.text)](const Context& context) { return search.isIn(context.text); };
+  return [search = text::TextSearch(node.text)](const Context& context) { return search.isIn(context.text); };
 }
 
 Test Compiler::compileNode(const ContainsAttribute& node) const {

@@ -2,8 +2,8 @@
 
 #include <cmath>
 
-#include "evaluation/text_folding.h"
 #include "outline_path/characters.h"
+#include "text/folding.h"
 
 namespace vell::evaluation {
 namespace {
@@ -71,8 +71,8 @@ std::size_t charactersIn(std::string_view text) {
 
 /// Where the first match of `wanted` in the text begins, or where the last one ends, in characters.
 Value placeOfMatches(std::string_view text, std::string_view wanted, bool atEnd) {
-  const std::string folded = foldCase(text);
-  const std::string term = foldCase(wanted);
+  const std::string folded = text::foldCase(text);
+  const std::string term = text::foldCase(wanted);
   const std::size_t found = atEnd ? folded.rfind(term) : folded.find(term);
   if (found == std::string::npos) return {};
   return number(charactersIn(std::string_view(folded).substr(0, atEnd ? found + term.size() : found)));

@@ -6,7 +6,7 @@
 
 #include "evaluation/document.h"
 #include "evaluation/pattern.h"
-#include "evaluation/text_folding.h"
+#include "text/folding.h"
 
 namespace vell::evaluation {
 namespace {
@@ -96,10 +96,10 @@ bool modifiedTextHolds(std::string_view left, const Relation& relation, std::str
   const bool ignoreCase = relation.modifier->type == RelationModifierType::caseInsensitive;
   const bool localeAware = relation.modifier->list.value_or(false);
   if (relation.op == RelationOp::matches) return Pattern(right, ignoreCase).isIn(left);
-  std::string first = ignoreCase ? foldCase(left) : std::string(left);
-  std::string second = ignoreCase ? foldCase(right) : std::string(right);
+  std::string first = ignoreCase ? text::foldCase(left) : std::string(left);
+  std::string second = ignoreCase ? text::foldCase(right) : std::string(right);
   if (!localeAware) return textHolds(first, relation.op, second);
-  return localeAwareHolds(foldAccents(first), relation.op, foldAccents(second));
+  return localeAwareHolds(text::foldAccents(first), relation.op, text::foldAccents(second));
 }
 
 bool plainHolds(const Value& left, RelationOp op, const Value& right) {

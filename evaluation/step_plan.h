@@ -4,8 +4,8 @@
 
 #include "evaluation/compiler.h"
 #include "evaluation/slices.h"
-#include "evaluation/text_folding.h"
 #include "evaluation/type_filter.h"
+#include "text/folding.h"
 
 namespace vell::evaluation {
 
@@ -34,14 +34,14 @@ class StepPlan {
 
  private:
   bool passesPredicate(const Context& context) const {
-    const auto isIn = [&](const TextSearch& term) { return term.isIn(context.text); };
+    const auto isIn = [&](const text::TextSearch& term) { return term.isIn(context.text); };
     return std::all_of(terms_.begin(), terms_.end(), isIn) && (!predicate_ || predicate_(context));
   }
 
   const outline_path::Step& step_;
   TypeFilter filter_;
-  Test predicate_;                 ///< empty where there is none
-  std::vector<TextSearch> terms_;  ///< what to look for before the predicate is asked
+  Test predicate_;                       ///< empty where there is none
+  std::vector<text::TextSearch> terms_;  ///< what to look for before the predicate is asked
   bool asksForPositions_ = false;
 };
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 
 #include "formats/json_text.h"
-#include "formats/utf8.h"
+#include "text/utf8.h"
 
 namespace vell::formats {
 namespace {
@@ -43,11 +43,11 @@ std::optional<std::uint32_t> hexDigits(std::string_view text) {
 std::size_t decodeUnicode(std::string_view text, std::string& out) {
   const auto first = hexDigits(text);
   if (!first || (*first >= 0xDC00 && *first <= 0xDFFF)) return 0;
-  if (*first < 0xD800 || *first > 0xDBFF) return appendUtf8(out, *first), 4;
+  if (*first < 0xD800 || *first > 0xDBFF) return text::appendUtf8(out, *first), 4;
   if (text.substr(4, 2) != "\\u") return 0;
   const auto second = hexDigits(text.substr(6));
   if (!second || *second < 0xDC00 || *second > 0xDFFF) return 0;
-  appendUtf8(out, 0x10000 + ((*first - 0xD800) << 10) + (*second - 0xDC00));
+  text::appendUtf8(out, 0x10000 + ((*first - 0xD800) << 10) + (*second - 0xDC00));
   return 10;
 }
 

@@ -9,6 +9,8 @@
 #include "formats/opml_format.h"
 #include "formats/txt_format.h"
 #include "formats/vell_format.h"
+#include "text/lines.h"
+#include "text/utf8.h"
 
 namespace vell::formats {
 namespace {
@@ -26,6 +28,14 @@ std::string lower(std::string_view text) {
 FormatError::FormatError(const std::string& fault, std::size_t line, std::size_t offset)
     : std::runtime_error("line " + std::to_string(line) + " (byte " + std::to_string(offset) +
                          "): " + fault) {}
+
+std::string_view checkedSource(std::string_view text) {
+  if (const auto invalid = text::findInvalidUtf8(text)) {
+    throw FormatError("not valid UTF-8; save the file as UTF-8", text::lineNumber(text, *invalid), *invalid);
+  }
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  return text;
+}
 
 std::span<const Format> formats() {
   // clang-format off

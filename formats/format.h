@@ -36,6 +36,9 @@ struct Format {
   bool isJson;  ///< what is written is a JSON value; else it is text
 };
 
+/// `text` without a byte order mark. Throws FormatError where it is not UTF-8.
+std::string_view checkedSource(std::string_view text);
+
 /// Every format, in the order in which they are told to people:
 ///   const Format* format = formatForFile(path);        // by extension
 ///   format->read(bytes, {mtime}, outline);

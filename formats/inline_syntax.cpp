@@ -3,7 +3,7 @@
 #include <array>
 #include <cstdint>
 
-#include "formats/utf8.h"
+#include "text/utf8.h"
 
 namespace vell::formats {
 namespace {
@@ -86,7 +86,7 @@ std::size_t decodeReference(std::string_view source, std::string& out) {
   const bool isSurrogate = value >= 0xD800 && value <= 0xDFFF;
   if (at == digitsFrom || at >= source.size() || source[at] != ';' || value > 0x10FFFF || isSurrogate)
     return 0;
-  appendUtf8(out, value);
+  text::appendUtf8(out, value);
   return at + 1;
 }
 

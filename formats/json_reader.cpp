@@ -3,8 +3,8 @@
 #include <nlohmann/json.hpp>
 #include <vector>
 
-#include "formats/source_text.h"
 #include "formats/tree_builder.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 namespace {
@@ -86,7 +86,7 @@ class JsonReader {
  private:
   [[noreturn]] void fail(const std::string& fault) const {
     const auto offset = static_cast<std::size_t>(reached_ - text_.data());
-    throw FormatError(fault, lineOf(text_, offset), offset);
+    throw FormatError(fault, text::lineNumber(text_, offset), offset);
   }
   [[noreturn]] void mismatch(std::string_view expected, std::string_view found) const;
   bool value(std::string_view found);

@@ -6,7 +6,7 @@
 #include "formats/inline_text.h"
 #include "formats/markdown_format.h"
 #include "formats/marked_line.h"
-#include "formats/source_text.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 namespace {
@@ -87,7 +87,7 @@ class MarkdownReader {
   void readCode(RowContent& row, std::string_view content, Indent indent);
   std::size_t readMarked(RowContent& row, std::string_view content, bool typeIsTold, std::size_t columns);
 
-  Lines lines_;
+  text::Lines lines_;
   Timestamp time_;
   Outline& outline_;
   TreeBuilder builder_;
@@ -100,7 +100,7 @@ bool endsFrontMatter(std::string_view line) { return line == "---" || line == ".
 /// Without an end, or with lines that are no header, the first line is a rule like any other.
 void MarkdownReader::readFrontMatter() {
   DocumentHeader header(false);
-  Lines lines = lines_;
+  text::Lines lines = lines_;
   if (!lines.next() || trimEnd(lines.line()) != "---") return;
   while (lines.next()) {
     if (endsFrontMatter(trimEnd(lines.line()))) {

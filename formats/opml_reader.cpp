@@ -3,8 +3,8 @@
 #include "formats/inline_text.h"
 #include "formats/json_reader.h"
 #include "formats/opml_format.h"
-#include "formats/source_text.h"
 #include "formats/tree_builder.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 namespace {
@@ -26,7 +26,7 @@ class OpmlReader {
   Timestamp time(const char* text, pugi::xml_node element) const;
   [[noreturn]] void fail(const std::string& fault, std::ptrdiff_t offset) const {
     const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
-    throw FormatError(fault, lineOf(text_, at), at);
+    throw FormatError(fault, text::lineNumber(text_, at), at);
   }
 
   std::string_view text_;

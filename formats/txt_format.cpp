@@ -2,15 +2,15 @@
 
 #include <algorithm>
 
-#include "formats/source_text.h"
 #include "formats/tree_builder.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 
 void readTxt(std::string_view text, const ReadOptions& options, Outline& outline) {
   outline.setCreated(options.time);
   TreeBuilder builder(outline);
-  Lines lines(checkedSource(text));
+  text::Lines lines(checkedSource(text));
   while (lines.next()) {
     std::string_view line = lines.line();
     std::size_t depth = 0;

@@ -4,8 +4,8 @@
 #include "formats/inline_syntax.h"
 #include "formats/inline_text.h"
 #include "formats/marked_line.h"
-#include "formats/source_text.h"
 #include "formats/vell_format.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 namespace {
@@ -33,7 +33,7 @@ class VellReader {
     throw FormatError(fault, lines_.number(), lines_.offset());
   }
 
-  Lines lines_;
+  text::Lines lines_;
   Timestamp time_;
   Outline& outline_;
   TreeBuilder builder_;

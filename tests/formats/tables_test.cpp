@@ -5,8 +5,8 @@
 
 #include "formats/inline_text.h"
 #include "formats/json_text.h"
-#include "formats/source_text.h"
 #include "tests/formats/support.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 namespace {
@@ -254,7 +254,7 @@ std::string contentOf(const std::filesystem::path& file) {
 /// The examples in docs/formats.md are what the formats are: each whole file in it is written as it stands.
 TEST(Formats, DocumentedExamplesStandAsTheyAreWritten) {
   const std::string guide = contentOf(std::filesystem::path(VELL_SAMPLES) / "../docs/formats.md");
-  Lines lines(guide);
+  text::Lines lines(guide);
   int checked = 0;
   while (lines.next()) {
     if (!lines.line().starts_with("```")) continue;

@@ -3,13 +3,10 @@
 #include <cstddef>
 #include <string_view>
 
-namespace vell::formats {
-
-/// `text` without a byte order mark. Throws FormatError where it is not UTF-8.
-std::string_view checkedSource(std::string_view text);
+namespace vell::text {
 
 /// Number of the line that holds the byte, from 1.
-std::size_t lineOf(std::string_view text, std::size_t offset);
+std::size_t lineNumber(std::string_view text, std::size_t offset);
 
 /// Takes a text apart at its line feeds; a carriage return before one goes with it.
 class Lines {
@@ -34,4 +31,4 @@ class Lines {
   std::size_t end_ = 0;
 };
 
-}  // namespace vell::formats
+}  // namespace vell::text

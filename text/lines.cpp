@@ -1,21 +1,10 @@
-#include "formats/source_text.h"
+#include "text/lines.h"
 
 #include <algorithm>
 
-#include "formats/format.h"
-#include "formats/utf8.h"
+namespace vell::text {
 
-namespace vell::formats {
-std::string_view checkedSource(std::string_view text) {
-  const std::size_t invalid = firstInvalidUtf8(text);
-  if (invalid != std::string_view::npos) {
-    throw FormatError("not valid UTF-8; save the file as UTF-8", lineOf(text, invalid), invalid);
-  }
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
-  return text;
-}
-
-std::size_t lineOf(std::string_view text, std::size_t offset) {
+std::size_t lineNumber(std::string_view text, std::size_t offset) {
   const auto end = text.begin() + static_cast<std::ptrdiff_t>(std::min(offset, text.size()));
   return static_cast<std::size_t>(std::count(text.begin(), end, '\n')) + 1;
 }
@@ -36,4 +25,4 @@ void Lines::unread() {
   --number_;
 }
 
-}  // namespace vell::formats
+}  // namespace vell::text

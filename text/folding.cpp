@@ -1,16 +1,11 @@
-#include "evaluation/text_folding.h"
+#include "text/folding.h"
 
 #include <algorithm>
-#include <array>
-#include <cstring>
 
-#include "outline_path/characters.h"
+#include "text/utf8.h"
 
-namespace vell::evaluation {
+namespace vell::text {
 namespace {
-
-using outline_path::appendUtf8;
-using outline_path::firstCodePoint;
 
 // The letters U+00C0 to U+017F without accents; "." for those that are no accented letter.
 constexpr std::string_view kWithoutAccents =
@@ -40,10 +35,6 @@ char32_t lower(char32_t c) {
   return c;
 }
 
-bool isAscii(std::string_view text) {
-  return std::none_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) >= 0x80; });
-}
-
 bool isCombiningAccent(char32_t c) { return c >= 0x300 && c <= 0x36F; }
 
 template <typename Change>
@@ -51,9 +42,9 @@ std::string changed(std::string_view text, Change change) {
   std::string out;
   out.reserve(text.size());
   while (!text.empty()) {
-    const auto point = firstCodePoint(text);
+    const CodePoint point = firstCodePoint(text);
     if (const char32_t c = change(point.value); c != 0) appendUtf8(out, c);
-    text.remove_prefix(std::min(point.length, text.size()));
+    text.remove_prefix(point.length);
   }
   return out;
 }
@@ -98,4 +89,4 @@ bool TextSearch::isInAscii(std::string_view text) const {
   return false;
 }
 
-}  // namespace vell::evaluation
+}  // namespace vell::text

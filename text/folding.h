@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-namespace vell::evaluation {
+namespace vell::text {
 
 /// Letters without their case: ASCII, Latin, Greek and Cyrillic; what has no case stays.
 std::string foldCase(std::string_view text);
@@ -24,4 +24,4 @@ class TextSearch {
   bool isAscii_;
 };
 
-}  // namespace vell::evaluation
+}  // namespace vell::text
