@@ -6,9 +6,6 @@
 
 namespace vell::json {
 
-/// The length of the well-formed UTF-8 sequence at the offset (Unicode, table 3-7), 0 where there is none.
-std::size_t characterLength(std::string_view text, std::size_t offset);
-
 /// Finds by a slow second look what is wrong with the bytes of a text that the tokenizer refused: not UTF-8,
 /// a control character in a string, a string without an end, or nothing but blanks. Throws ParseError.
 [[noreturn]] void throwTextFault(std::string_view text);

@@ -7,7 +7,7 @@
 #include <cstdio>
 
 #include "json/error.h"
-#include "json/faults.h"
+#include "text/utf8.h"
 
 namespace vell::json {
 namespace {
@@ -32,26 +32,6 @@ std::uint32_t codeUnit(std::string_view digits) {
 bool isHighSurrogate(std::uint32_t unit) { return unit >= 0xD800 && unit <= 0xDBFF; }
 bool isLowSurrogate(std::uint32_t unit) { return unit >= 0xDC00 && unit <= 0xDFFF; }
 bool isSurrogate(std::uint32_t code) { return code >= 0xD800 && code <= 0xDFFF; }
-
-template <typename Put>
-void putUtf8(std::uint32_t code, const Put& put) {
-  if (code < 0x80) return put(code);
-  if (code < 0x800) {
-    put(0xC0 | code >> 6);
-  } else if (code < 0x10000) {
-    put(0xE0 | code >> 12);
-    put(0x80 | (code >> 6 & 0x3F));
-  } else {
-    put(0xF0 | code >> 18);
-    put(0x80 | (code >> 12 & 0x3F));
-    put(0x80 | (code >> 6 & 0x3F));
-  }
-  put(0x80 | (code & 0x3F));
-}
-
-void appendUtf8(std::uint32_t code, std::string& out) {
-  putUtf8(code, [&](std::uint32_t byte) { out.push_back(static_cast<char>(byte)); });
-}
 
 std::uint32_t withoutSurrogate(std::uint32_t code) { return isSurrogate(code) ? 0xFFFD : code; }
 
@@ -94,7 +74,7 @@ void appendCharacter(std::uint32_t code, std::string& out) {
     std::snprintf(escape, sizeof escape, "\\u%04x", static_cast<unsigned>(code));
     out.append(escape);
   } else {
-    appendUtf8(code, out);
+    text::appendUtf8(out, code);
   }
 }
 
@@ -112,16 +92,6 @@ void appendEscaped(std::string_view text, std::string& out) {
   out.append(text, plain, text.size() - plain);
 }
 
-std::string withoutBadBytes(std::string_view text) {
-  std::string valid;
-  while (!text.empty()) {
-    const std::size_t length = characterLength(text, 0);
-    valid.append(length == 0 ? "\xEF\xBF\xBD" : text.substr(0, length));
-    text.remove_prefix(std::max<std::size_t>(length, 1));
-  }
-  return valid;
-}
-
 }  // namespace
 
 void appendString(std::string_view text, std::string& out) {
@@ -129,7 +99,7 @@ void appendString(std::string_view text, std::string& out) {
   if (simdjson::validate_utf8(text.data(), text.size())) {
     appendEscaped(text, out);
   } else {
-    appendEscaped(withoutBadBytes(text), out);
+    appendEscaped(text::replaceInvalidUtf8(text), out);
   }
   out += '"';
 }
@@ -156,7 +126,7 @@ void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& o
   walk(
       raw, [&](std::string_view plain) { out.append(plain); },
       [&](std::uint32_t code) {
-        appendUtf8(treatment == LoneSurrogate::replaced ? withoutSurrogate(code) : code, out);
+        text::appendUtf8(out, treatment == LoneSurrogate::replaced ? withoutSurrogate(code) : code);
       });
 }
 
@@ -164,9 +134,9 @@ void writeDecoded(std::string_view raw, Sink& out) {
   walk(
       raw, [&](std::string_view plain) { out.write(plain); },
       [&](std::uint32_t code) {
-        char* at = out.at();
-        putUtf8(withoutSurrogate(code), [&](std::uint32_t byte) { *at++ = static_cast<char>(byte); });
-        out.moveTo(at);
+        std::string character;
+        text::appendUtf8(character, withoutSurrogate(code));
+        out.write(character);
       });
 }
 
