@@ -5,6 +5,7 @@
 #include "mcp/argument_validator.h"
 #include "mcp/phrases.h"
 #include "mcp/schema.h"
+#include "text/edit_distance.h"
 
 namespace vell::mcp {
 
@@ -95,8 +96,9 @@ std::string repair(const Value& schema, const Value& value) {
 }
 
 std::string suggestion(const std::string& name, const std::vector<std::string>& candidates) {
-  const auto near = nearest(name, candidates);
-  return near ? "; did you mean '" + *near + "'?" : "";
+  const std::vector<std::string_view> words(candidates.begin(), candidates.end());
+  const std::string_view near = text::nearest(name, words);
+  return near.empty() ? "" : "; did you mean '" + std::string(near) + "'?";
 }
 
 std::vector<std::string> textsOf(const Value* array) {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "mcp/utf8.h"
+#include "text/utf8.h"
 
 namespace vell::mcp {
 
@@ -19,7 +19,7 @@ bool isAllowed(std::string_view character) {
 std::vector<std::string_view> charactersOf(std::string_view text) {
   std::vector<std::string_view> characters;
   while (!text.empty()) {
-    const std::size_t length = utf8Length(text);
+    const std::size_t length = text::utf8Length(text);
     characters.push_back(text.substr(0, length ? length : 1));
     text.remove_prefix(characters.back().size());
   }

@@ -8,8 +8,8 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "mcp/utf8.h"
 #include "mcp/value.h"
+#include "text/utf8.h"
 
 namespace vell::mcp {
 
@@ -86,16 +86,6 @@ class Piece {
   char bytes_[size + stride * longestForm];
 };
 
-std::string repaired(std::string_view text) {
-  std::string valid;
-  while (!text.empty()) {
-    const std::size_t length = utf8Length(text);
-    valid.append(length == 0 ? "\xEF\xBF\xBD" : text.substr(0, length));
-    text.remove_prefix(std::max<std::size_t>(length, 1));
-  }
-  return valid;
-}
-
 struct Encoder {
   std::string& out;
 
@@ -133,7 +123,8 @@ struct Encoder {
 }  // namespace
 
 void encodeString(std::string_view text, std::string& out) {
-  if (!simdjson::validate_utf8(text.data(), text.size())) return encodeString(repaired(text), out);
+  if (!simdjson::validate_utf8(text.data(), text.size()))
+    return encodeString(text::replaceInvalidUtf8(text), out);
   out.reserve(out.size() + text.size() + text.size() / 4 + 2);
   out += '"';
   Piece piece(out);
