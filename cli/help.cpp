@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "cli/wrap.h"
+#include "text/display_width.h"
 
 namespace vell::cli {
 namespace {
@@ -36,7 +37,7 @@ class Table {
   void row(std::string_view name, std::string_view explanation) {
     std::string line(margin, ' ');
     line += name;
-    std::size_t column = width(line);
+    std::size_t column = text::displayWidth(line);
     if (column + 2 > explanationColumn && !explanation.empty()) {
       line += '\n';
       column = 0;
@@ -107,7 +108,7 @@ std::string usageLines(const Command& command, const std::string& path, std::str
     text.append(prefix).append(path).append(" ");
     std::string forms;
     for (const Option* option : command.options) forms += usageForm(*option) + " ";
-    appendWrapped(text, forms, prefix.size() + 2 * margin, width(text));
+    appendWrapped(text, forms, prefix.size() + 2 * margin, text::displayWidth(text));
     text += '\n';
   }
   if (!command.subcommands.empty()) {

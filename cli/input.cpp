@@ -1,7 +1,6 @@
 #include "cli/input.h"
 
 #include <fcntl.h>
-#include <simdjson.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -9,6 +8,7 @@
 #include <system_error>
 
 #include "platform/descriptor.h"
+#include "text/utf8.h"
 
 namespace vell::cli {
 namespace {
@@ -48,7 +48,7 @@ std::string readFile(const std::string& path) {
 
 std::string readInput(const std::string& path, Console& console) {
   std::string text = path == "-" ? readStandardInput(console) : readFile(path);
-  if (!simdjson::validate_utf8(text)) throw std::runtime_error("Input is not valid UTF-8.");
+  if (text::findInvalidUtf8(text)) throw std::runtime_error("Input is not valid UTF-8.");
   return text;
 }
 

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "text/display_width.h"
+
 namespace vell::cli {
 namespace {
 
@@ -22,7 +24,7 @@ void appendLine(std::string& out, std::string_view line, std::size_t indent, std
   while (!line.empty()) {
     const std::string_view word = takeUntil(line, ' ');
     if (word.empty()) continue;
-    const bool fits = column + (first ? 0 : 1) + width(word) <= screenWidth;
+    const bool fits = column + (first ? 0 : 1) + text::displayWidth(word) <= screenWidth;
     if (!first && !fits) {
       startLine(out, indent);
       column = indent;
@@ -31,17 +33,12 @@ void appendLine(std::string& out, std::string_view line, std::size_t indent, std
       ++column;
     }
     out += word;
-    column += width(word);
+    column += text::displayWidth(word);
     first = false;
   }
 }
 
 }  // namespace
-
-std::size_t width(std::string_view text) {
-  return static_cast<std::size_t>(std::count_if(
-      text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0) != 0x80; }));
-}
 
 void appendWrapped(std::string& out, std::string_view text, std::size_t indent, std::size_t column) {
   bool first = true;

@@ -8,9 +8,6 @@ namespace vell::cli {
 
 inline constexpr std::size_t screenWidth = 80;
 
-/// Characters that a text in UTF-8 takes on the screen.
-std::size_t width(std::string_view text);
-
 /// Appends the text with every line indented by `indent` spaces and broken at blanks before `screenWidth`.
 /// Lines of the text stay lines; one that is indented itself keeps its indentation, also where it is
 /// continued. The first line goes on where `out` stands, which is column `column`.

@@ -9,6 +9,7 @@
 #include "cli/wrap.h"
 #include "tests/cli/run.h"
 #include "tests/support/temporary_directory.h"
+#include "text/display_width.h"
 
 namespace vell::cli {
 namespace {
@@ -26,7 +27,7 @@ TEST(Help, OfEveryCommandFitsTheScreenAndIsReachedInEveryWay) {
         << line;
     std::istringstream lines(help.out);
     for (std::string text; std::getline(lines, text);)
-      EXPECT_LE(width(text), screenWidth) << line << ": " << text;
+      EXPECT_LE(text::displayWidth(text), screenWidth) << line << ": " << text;
     for (const std::string& form : {line + " -h", "help " + line}) {
       EXPECT_EQ(run(form).out, help.out) << form;
     }
