@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
+
+#include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
@@ -30,58 +31,10 @@ bool isBeyondAsciiOf(std::uint8_t wanted, char32_t value) {
   return within(kNameStart, value) || (wanted == kInName && within(kNameRest, value));
 }
 
-/// The length of the sequence that `lead` begins, 0 where no sequence may begin with it.
-std::size_t sequenceLength(unsigned char lead) {
-  if (lead < 0x80) return 1;
-  if (lead >= 0xC2 && lead <= 0xDF) return 2;
-  if (lead >= 0xE0 && lead <= 0xEF) return 3;
-  if (lead >= 0xF0 && lead <= 0xF4) return 4;
-  return 0;
-}
-
-bool isValidSequence(std::string_view sequence) {
-  for (const char c : sequence.substr(1)) {
-    if ((static_cast<unsigned char>(c) & 0xC0) != 0x80) return false;
-  }
-  const char32_t value = firstCodePoint(sequence).value;
-  if (sequence.size() == 3) return value >= 0x800 && (value < 0xD800 || value > 0xDFFF);
-  if (sequence.size() == 4) return value >= 0x10000 && value <= 0x10FFFF;
-  return true;
-}
-
-template <typename Block>
-bool isAsciiBlock(const char* begin) {
-  Block block;
-  std::memcpy(&block, begin, sizeof block);
-  return (block & static_cast<Block>(0x8080808080808080U)) == 0;
-}
-
-/// The whole text in blocks; the last one may overlap the one before.
-bool isAscii(std::string_view text) {
-  const char* end = text.data() + text.size();
-  if (text.size() < 4)
-    return std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; });
-  if (text.size() < 8)
-    return isAsciiBlock<std::uint32_t>(text.data()) && isAsciiBlock<std::uint32_t>(end - 4);
-  for (const char* at = text.data(); end - at > 8; at += 8) {
-    if (!isAsciiBlock<std::uint64_t>(at)) return false;
-  }
-  return isAsciiBlock<std::uint64_t>(end - 8);
-}
-
 }  // namespace
 
-CodePoint firstCodePoint(std::string_view text) {
-  const auto lead = static_cast<unsigned char>(text.front());
-  const std::size_t length = std::max<std::size_t>(sequenceLength(lead), 1);
-  if (length == 1) return {lead, 1};
-  char32_t value = lead & (0xFFU >> (length + 1));
-  for (const char c : text.substr(1, length - 1)) value = value << 6 | (static_cast<unsigned char>(c) & 0x3F);
-  return {value, length};
-}
-
 std::size_t lengthBeyondAscii(std::uint8_t wanted, std::string_view text) {
-  const CodePoint point = firstCodePoint(text);
+  const text::CodePoint point = text::firstCodePoint(text);
   return isBeyondAsciiOf(wanted, point.value) ? point.length : 0;
 }
 
@@ -90,17 +43,6 @@ bool isNumber(std::string_view word) {
   if (digitsEnd == word.begin()) return false;
   if (digitsEnd == word.end()) return true;
   return *digitsEnd == '.' && digitsEnd + 1 != word.end() && std::all_of(digitsEnd + 1, word.end(), isDigit);
-}
-
-std::optional<std::size_t> invalidUtf8(std::string_view text) {
-  if (isAscii(text)) return std::nullopt;
-  for (std::size_t at = 0; at < text.size();) {
-    const std::size_t length = sequenceLength(static_cast<unsigned char>(text[at]));
-    if (length == 0 || length > text.size() - at) return at;
-    if (length > 1 && !isValidSequence(text.substr(at, length))) return at;
-    at += length;
-  }
-  return std::nullopt;
 }
 
 }  // namespace vell::outline_path

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <string_view>
 
 // The character classes of the language, over UTF-8 text that is known to be valid.
@@ -90,35 +89,5 @@ inline std::size_t nameLength(std::string_view text) {
 
 /// Whether `word` is decimal digits with an optional fraction.
 bool isNumber(std::string_view word);
-
-/// The offset of the first byte that is not part of a valid UTF-8 sequence.
-std::optional<std::size_t> invalidUtf8(std::string_view text);
-/// The code point at the beginning of `text`, which is valid UTF-8 and not empty, and its length in bytes.
-struct CodePoint {
-  char32_t value;
-  std::size_t length;
-};
-CodePoint firstCodePoint(std::string_view text);
-/// Appends `value` as UTF-8.
-template <typename String>
-void appendUtf8(String& out, char32_t value) {
-  const auto put = [&](char32_t byte) { out.push_back(static_cast<char>(byte)); };
-  const auto tail = [&](int shift) { put(0x80 | (value >> shift & 0x3F)); };
-  if (value < 0x80) {
-    put(value);
-  } else if (value < 0x800) {
-    put(0xC0 | value >> 6);
-    tail(0);
-  } else if (value < 0x10000) {
-    put(0xE0 | value >> 12);
-    tail(6);
-    tail(0);
-  } else {
-    put(0xF0 | value >> 18);
-    tail(12);
-    tail(6);
-    tail(0);
-  }
-}
 
 }  // namespace vell::outline_path

@@ -3,9 +3,10 @@
 #include <array>
 
 #include "outline_path/characters.h"
-#include "outline_path/display_width.h"
 #include "outline_path/hints.h"
 #include "outline_path/parse_context.h"
+#include "text/display_width.h"
+#include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
@@ -65,7 +66,7 @@ Line lineAt(std::string_view text, std::size_t index) {
 
 std::string placeOf(const Line& line, std::string_view text) {
   std::size_t column = 1;
-  for (std::size_t at = 0; at < line.index; ++column) at += firstCodePoint(line.text.substr(at)).length;
+  for (std::size_t at = 0; at < line.index; ++column) at += text::firstCodePoint(line.text.substr(at)).length;
   const std::string place = "column " + std::to_string(column);
   const bool isOneLine = text.find('\n') == std::string_view::npos;
   return isOneLine ? place : "line " + std::to_string(line.number) + ", " + place;
@@ -76,8 +77,8 @@ std::string found(std::string_view rest) {
   if (rest.front() == '\n' || rest.front() == '\r') return "line end";
   if (isBlank(rest.front())) return "blank";
   const std::size_t word = wordLength(rest);
-  std::size_t length = word == 0 ? firstCodePoint(rest).length : 0;
-  while (length < word && length < kFoundShown) length += firstCodePoint(rest.substr(length)).length;
+  std::size_t length = word == 0 ? text::firstCodePoint(rest).length : 0;
+  while (length < word && length < kFoundShown) length += text::firstCodePoint(rest.substr(length)).length;
   return '"' + std::string(rest.substr(0, length)) + (length < word ? "…\"" : "\"");
 }
 
@@ -116,10 +117,10 @@ std::string message(const Diagnostic& diagnostic, std::string_view text) {
 
 /// The line, cut to the neighbourhood of the error where it is long, and the caret below.
 std::string picture(const Line& line) {
-  const DisplayText before = displayText(line.text.substr(0, line.index));
-  const DisplayText after = displayText(line.text.substr(line.index));
-  const DisplayText left = lastColumns(before, kContext);
-  const DisplayText right = firstColumns(after, kContext);
+  const text::DisplayText before = text::displayText(line.text.substr(0, line.index));
+  const text::DisplayText after = text::displayText(line.text.substr(line.index));
+  const text::DisplayText left = text::lastColumns(before, kContext);
+  const text::DisplayText right = text::firstColumns(after, kContext);
   return "  " + left.text + right.text + "\n  " + std::string(left.width, ' ') + "^\n";
 }
 

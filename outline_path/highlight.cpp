@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "outline_path/characters.h"
+#include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
@@ -37,7 +38,7 @@ std::optional<SyntaxClass> classOf(std::string_view label) {
 }
 
 HighlightedRange errorRange(std::string_view text, std::size_t index) {
-  const std::size_t length = index < text.size() ? firstCodePoint(text.substr(index)).length : 0;
+  const std::size_t length = index < text.size() ? text::firstCodePoint(text.substr(index)).length : 0;
   return {index, std::min(index + length, text.size()), SyntaxClass::outlinePathError};
 }
 

@@ -1,14 +1,13 @@
 #include "outline_path/hints.h"
 
 #include <algorithm>
-#include <numeric>
-#include <optional>
 #include <vector>
 
 #include "outline_path/characters.h"
 #include "outline_path/lookahead.h"
 #include "outline_path/operators.h"
 #include "outline_path/words.h"
+#include "text/edit_distance.h"
 
 namespace vell::outline_path {
 namespace {
@@ -39,43 +38,19 @@ struct Place {
   static bool isWordByte(char c) { return static_cast<unsigned char>(c) >= 0x80 || wordLength({&c, 1}) == 1; }
 };
 
-std::size_t editDistance(std::string_view left, std::string_view right) {
-  std::vector<std::size_t> row(right.size() + 1);
-  std::iota(row.begin(), row.end(), 0U);
-  for (std::size_t i = 0; i < left.size(); ++i) {
-    std::size_t diagonal = row[0];
-    row[0] = i + 1;
-    for (std::size_t j = 0; j < right.size(); ++j) {
-      const std::size_t replaced = diagonal + (left[i] == right[j] ? 0 : 1);
-      diagonal = row[j + 1];
-      row[j + 1] = std::min({replaced, diagonal + 1, row[j] + 1});
-    }
-  }
-  return row.back();
-}
-
-constexpr std::size_t kLongestWord = 32;
-
 /// The one of `words` that `word` is most like, if it is like any.
 template <typename Words>
-std::optional<std::string_view> nearest(std::string_view word, const Words& words) {
-  std::optional<std::string_view> best;
-  if (word.size() < 3 || word.size() > kLongestWord) return best;
-  std::size_t least = word.size() < 4 ? 2 : 3;
-  for (const auto entry : words) {
-    const std::string_view candidate = spelling(entry);
-    const std::size_t distance = editDistance(word, candidate);
-    if (distance < least) {
-      least = distance;
-      best = candidate;
-    }
-  }
-  return best;
+std::string_view nearest(std::string_view word, const Words& words) {
+  constexpr std::size_t kShortestWord = 3;
+  if (word.size() < kShortestWord) return {};
+  std::vector<std::string_view> candidates;
+  for (const auto entry : words) candidates.push_back(spelling(entry));
+  return text::nearest(word, candidates);
 }
 
-std::string didYouMean(std::string_view word, std::string_view what, std::optional<std::string_view> nearby) {
+std::string didYouMean(std::string_view word, std::string_view what, std::string_view nearby) {
   const std::string unknown = "\"" + std::string(word) + "\" is no " + std::string(what);
-  return nearby ? unknown + "; did you mean \"" + std::string(*nearby) + "\"?" : std::string();
+  return nearby.empty() ? "" : unknown + "; did you mean \"" + std::string(nearby) + "\"?";
 }
 
 // Each of these looks for one habit and returns the sentence for it, or nothing.

@@ -5,6 +5,7 @@
 #include "outline_path/tracing.h"
 #include "outline_path/tree_of.h"
 #include "outline_path/unwatched.h"
+#include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
@@ -78,7 +79,7 @@ ParseResult parseValid(std::string_view text, ParseOptions options, TraceContext
 
 template <template <typename> class Control>
 ParseResult parseAny(std::string_view text, ParseOptions options, TraceContext* trace) {
-  const auto invalid = invalidUtf8(text);
+  const auto invalid = text::findInvalidUtf8(text);
   if (!invalid) return parseValid<Control>(text, options, trace);
   ParseResult result = parseValid<Control>(text.substr(0, *invalid), options, trace);
   result.error = Diagnostic{Diagnostic::Kind::invalidUtf8, *invalid, {}};
@@ -97,7 +98,7 @@ ParseResult parseTraced(TraceContext& trace, ParseOptions options) {
 
 std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options) {
   Expectations expectations;
-  if (invalidUtf8(text) || probe(text, options, expectations)) return {};
+  if (text::findInvalidUtf8(text) || probe(text, options, expectations)) return {};
   return expectations.furthest() == text.size() ? expectations.all() : std::vector<Expected>();
 }
 

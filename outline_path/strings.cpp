@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "outline_path/characters.h"
+#include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
@@ -31,7 +32,8 @@ std::size_t decodeEscape(std::string_view text, std::string& out) {
   }
   const char32_t unit = codeUnit(text.substr(2));
   const bool isPair = unit >= 0xD800 && unit < 0xDC00;
-  appendUtf8(out, isPair ? 0x10000 + ((unit - 0xD800) << 10) + (codeUnit(text.substr(8)) - 0xDC00) : unit);
+  text::appendUtf8(out,
+                   isPair ? 0x10000 + ((unit - 0xD800) << 10) + (codeUnit(text.substr(8)) - 0xDC00) : unit);
   return isPair ? 12 : 6;
 }
 
