@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "platform/executable.h"
+#include "platform/process.h"
 
 namespace vell::outlines {
 

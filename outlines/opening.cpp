@@ -8,8 +8,8 @@
 #include "ipc/vell_ipc.h"
 #include "outlines/location.h"
 #include "outlines/open_error.h"
-#include "platform/find_by_identifier.h"
-#include "platform/open_file.h"
+#include "platform/files.h"
+#include "platform/process.h"
 
 namespace vell::outlines {
 

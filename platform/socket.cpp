@@ -1,17 +1,8 @@
 #include "platform/socket.h"
 
-#include <fcntl.h>
-
 #include <cstring>
 
 namespace vell::platform {
-
-// The two ways to write without a signal: per write, or once per socket.
-#ifdef MSG_NOSIGNAL
-static constexpr int writeFlags = MSG_NOSIGNAL;
-#else
-static constexpr int writeFlags = 0;
-#endif
 
 std::optional<sockaddr_un> socketAddress(const std::string& path) {
   if (path.size() + 1 > socketPathLimit) return std::nullopt;
@@ -29,18 +20,6 @@ Descriptor openStreamSocket() {
 
 int connectSocket(int socket, const sockaddr_un& address) {
   return ::connect(socket, reinterpret_cast<const sockaddr*>(&address), sizeof address);
-}
-
-ssize_t writeSocket(int socket, const char* data, std::size_t size) {
-  return ::send(socket, data, size, writeFlags);
-}
-
-void prepareSocket(int socket) {
-  ::fcntl(socket, F_SETFD, FD_CLOEXEC);
-#ifdef SO_NOSIGPIPE
-  const int on = 1;
-  ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
-#endif
 }
 
 }  // namespace vell::platform

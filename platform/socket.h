@@ -32,4 +32,8 @@ ssize_t writeSocket(int socket, const char* data, std::size_t size);
 /// Makes an accepted socket close on exec and, where the system wants it said once, free of signals.
 void prepareSocket(int socket);
 
+/// Whether the process at the other end of a connected socket runs as the same user as this one. False where
+/// the system cannot tell.
+bool peerIsCurrentUser(int socket);
+
 }  // namespace vell::platform

@@ -6,7 +6,6 @@
 #include <cerrno>
 
 #include "headless/server/request.h"
-#include "platform/peer.h"
 #include "platform/socket.h"
 
 namespace vell::headless {

@@ -13,7 +13,7 @@
 #include "headless/editing/uuid.h"
 #include "headless/storage/paths.h"
 #include "platform/descriptor.h"
-#include "platform/swap_files.h"
+#include "platform/files.h"
 
 namespace vell::headless {
 namespace {

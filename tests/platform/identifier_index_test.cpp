@@ -4,7 +4,7 @@
 
 #include <thread>
 
-#include "platform/find_by_identifier.h"
+#include "platform/files.h"
 #include "tests/support/temporary_directory.h"
 
 namespace vell::platform {

@@ -1,4 +1,4 @@
-#include "platform/portable/start_detached.h"
+#include "platform/process.h"
 
 #include <fcntl.h>
 #include <sys/resource.h>
@@ -9,9 +9,11 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <filesystem>
 #include <stdexcept>
 
 #include "platform/descriptor.h"
+#include "platform/property_list.h"
 
 namespace vell::platform {
 
@@ -21,15 +23,16 @@ namespace {
 
 constexpr int reportDescriptor = 3;
 
-void forgetSignals() {
+void resetSignals() {
   for (int signal = 1; signal < NSIG; ++signal) ::signal(signal, SIG_DFL);
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
 }
 
-/// Leaves /dev/null as the three standard descriptors and the report, which ends with a successful exec.
-void forgetDescriptors(int report, int highest) {
+/// Points the three standard descriptors to /dev/null and closes all others but the report, which a
+/// successful exec closes.
+void replaceDescriptors(int report, int highest) {
   ::dup2(report, reportDescriptor);
   ::fcntl(reportDescriptor, F_SETFD, FD_CLOEXEC);
   const int nothing = ::open("/dev/null", O_RDWR);
@@ -37,9 +40,9 @@ void forgetDescriptors(int report, int highest) {
   for (int fd = reportDescriptor + 1; fd < highest; ++fd) ::close(fd);
 }
 
-[[noreturn]] void become(const char* executable, char* const* arguments, int report, int highest) {
-  forgetSignals();
-  forgetDescriptors(report, highest);
+[[noreturn]] void execute(const char* executable, char* const* arguments, int report, int highest) {
+  resetSignals();
+  replaceDescriptors(report, highest);
   ::execv(executable, arguments);
   const int error = errno;
   ::_exit(::write(reportDescriptor, &error, sizeof error) == sizeof error ? 127 : 126);
@@ -51,7 +54,7 @@ pid_t forkOrphan(const char* executable, char* const* arguments, int report, int
   if (child != 0) return child;
   ::setsid();
   const pid_t grandchild = ::fork();
-  if (grandchild == 0) become(executable, arguments, report, highest);
+  if (grandchild == 0) execute(executable, arguments, report, highest);
   ::_exit(grandchild < 0 ? errno : 0);
 }
 
@@ -66,8 +69,8 @@ int highestDescriptor() {
   throw std::runtime_error("cannot start " + executable + ": " + std::strerror(error));
 }
 
-}  // namespace
-
+/// Starts the executable with one argument in a session of its own, without this process's descriptors,
+/// signal settings or terminal; nobody has to wait for it.
 void startDetached(const std::string& executable, const std::string& argument) {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) fail(executable, errno);
@@ -84,6 +87,24 @@ void startDetached(const std::string& executable, const std::string& argument) {
   if (WIFEXITED(status) && WEXITSTATUS(status) != 0) fail(executable, WEXITSTATUS(status));
   int error = 0;
   if (::read(report.get(), &error, sizeof error) == sizeof error) fail(executable, error);
+}
+
+}  // namespace
+
+std::optional<std::string> executablePath() {
+  std::error_code error;
+  const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
+  if (error) return std::nullopt;
+  return path.string();
+}
+
+void openFileWithApplication(const std::string& file, const std::string& bundle) {
+  const std::string list = bundle + "/Contents/Info.plist";
+  const auto info = readPropertyListStrings(list);
+  if (!info) throw std::runtime_error("cannot read " + list);
+  const auto executable = info->find("CFBundleExecutable");
+  if (executable == info->end()) throw std::runtime_error(list + " names no CFBundleExecutable");
+  startDetached(bundle + "/Contents/MacOS/" + executable->second, file);
 }
 
 }  // namespace vell::platform

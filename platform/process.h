@@ -1,8 +1,12 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 namespace vell::platform {
+
+/// The running executable's path, symbolic links possibly unresolved; none where the system does not tell.
+std::optional<std::string> executablePath();
 
 /// Asks the system to open the file with the application bundle, starting it where it does not run.
 /// Returns when the application was asked, not when the file is open. Throws std::runtime_error that says

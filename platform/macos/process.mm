@@ -1,10 +1,22 @@
-#include "platform/open_file.h"
+#include "platform/process.h"
 
 #import <AppKit/AppKit.h>
+#include <mach-o/dyld.h>
 
+#include <cstdint>
+#include <cstring>
 #include <stdexcept>
 
 namespace vell::platform {
+
+std::optional<std::string> executablePath() {
+  std::uint32_t size = 0;
+  _NSGetExecutablePath(nullptr, &size);
+  std::string path(size, '\0');
+  if (_NSGetExecutablePath(path.data(), &size) != 0) return std::nullopt;
+  path.resize(std::strlen(path.c_str()));
+  return path;
+}
 
 static NSURL* fileURL(const std::string& path, BOOL isDirectory) {
   return [NSURL fileURLWithFileSystemRepresentation:path.c_str() isDirectory:isDirectory relativeToURL:nil];

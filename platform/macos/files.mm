@@ -1,8 +1,13 @@
-#include "platform/find_by_identifier.h"
+#include "platform/files.h"
 
 #import <Foundation/Foundation.h>
+#include <stdio.h>  // the system's own header declares renamex_np
 
 namespace vell::platform {
+
+bool swapFiles(const std::string& one, const std::string& other) {
+  return renamex_np(one.c_str(), other.c_str(), RENAME_SWAP) == 0;
+}
 
 static NSMetadataQuery* queryFor(const std::string& identifier, NSOperationQueue* queue) {
   NSMetadataQuery* query = [[NSMetadataQuery alloc] init];

@@ -1,4 +1,4 @@
-#include "platform/open_file.h"
+#include "platform/process.h"
 
 #include <gmock/gmock.h>
 #include <sys/wait.h>
