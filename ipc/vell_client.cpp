@@ -52,11 +52,7 @@ json::Text VellClient::readLine(LineFraming& arrived) {
 }
 
 void VellClient::writeAll(std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = platform::writeSocket(socket_.get(), bytes.data(), bytes.size());
-    if (count < 0) throw ClientError::writeFailed(errno);
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
+  if (!platform::writeAll(socket_.get(), bytes, platform::writeSocket)) throw ClientError::writeFailed(errno);
 }
 
 }  // namespace vell::ipc

@@ -7,7 +7,6 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <string_view>
 
 #include "outlines/open_error.h"
 #include "platform/descriptor.h"
@@ -28,16 +27,6 @@ std::string newContent(ipc::Application& application, const std::string& format)
   throw OpenError("outline.newContent did not return a string payload");
 }
 
-/// 0, or the error number.
-int writeAll(int fd, std::string_view content) {
-  while (!content.empty()) {
-    const ssize_t count = ::write(fd, content.data(), content.size());
-    if (count < 0) return errno;
-    content.remove_prefix(static_cast<std::size_t>(count));
-  }
-  return 0;
-}
-
 [[noreturn]] void failToWrite(const std::string& path, int error) {
   throw OpenError("Cannot write " + path + ": " + std::strerror(error));
 }
@@ -49,8 +38,8 @@ void writeNewFile(const std::string& path, const std::string& content) {
   const platform::Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!file && errno == EEXIST) failAsExisting(path);
   if (!file) failToWrite(path, errno);
-  const int error = writeAll(file.get(), content);
-  if (error == 0) return;
+  if (platform::writeAll(file.get(), content)) return;
+  const int error = errno;
   ::unlink(path.c_str());
   failToWrite(path, error);
 }

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <sys/types.h>
+
+#include <cstddef>
+#include <string_view>
+
 namespace vell::platform {
 
 /// Owns a file descriptor and closes it; -1 owns nothing.
@@ -20,5 +25,14 @@ class Descriptor {
  private:
   int fd_;
 };
+
+/// Writes like write(2), goes on after interruptions and waits where the descriptor does not block. Returns
+/// how many bytes went, or -1 with errno set.
+ssize_t writeSome(int descriptor, const char* data, std::size_t size);
+
+/// Writes all of the bytes with `write`, which is `writeSome` or, for sockets, `writeSocket`. False, with
+/// errno set, as soon as that fails.
+bool writeAll(int descriptor, std::string_view bytes,
+              ssize_t (*write)(int descriptor, const char* data, std::size_t size) = writeSome);
 
 }  // namespace vell::platform

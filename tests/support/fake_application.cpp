@@ -77,11 +77,7 @@ bool FakeApplication::answer(int client, std::string& pending) {
       requests_.push_back(request);
     }
     const Reply reply = script_(request);
-    for (std::size_t sent = 0; sent < reply.bytes.size();) {
-      const ssize_t n = platform::writeSocket(client, reply.bytes.data() + sent, reply.bytes.size() - sent);
-      if (n < 0) return false;
-      sent += static_cast<std::size_t>(n);
-    }
+    if (!platform::writeAll(client, reply.bytes, platform::writeSocket)) return false;
     if (reply.close) return false;
   }
   return true;
