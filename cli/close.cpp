@@ -1,7 +1,7 @@
 #include "cli/commands.h"
 #include "cli/global_options.h"
 #include "cli/shared_options.h"
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 namespace {

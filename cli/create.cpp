@@ -3,7 +3,7 @@
 #include "cli/global_options.h"
 #include "cli/input.h"
 #include "cli/shared_options.h"
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 namespace {

@@ -1,7 +1,7 @@
 #include "cli/create_outline.h"
 
 #include "cli/global_options.h"
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 #include "ipc/reconnecting_client.h"
 #include "outlines/creation.h"
 #include "outlines/location.h"

@@ -1,7 +1,7 @@
-#include "ipc/methods/evaluate.h"
 #include "cli/commands.h"
 #include "cli/global_options.h"
 #include "cli/input.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 namespace {

@@ -2,9 +2,7 @@
 
 #include "cli/commands.h"
 #include "cli/outline_read.h"
-#include "ipc/methods/editor.h"
-#include "ipc/methods/evaluate.h"
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 namespace {

@@ -29,7 +29,7 @@ class GlobalOptions {
   Console& console_;
 };
 
-/// Sends one of the records of ipc/methods on a connection of its own and prints the answer.
+/// Sends one of the records of ipc/methods.h on a connection of its own and prints the answer.
 template <class Record>
 void callAndPrint(const Record& record, const Arguments& arguments, Console& console) {
   ipc::VellClient client;

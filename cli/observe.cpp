@@ -1,7 +1,7 @@
-#include "ipc/methods/observe.h"
 #include "cli/commands.h"
 #include "cli/outline_read.h"
 #include "cli/reader_watch.h"
+#include "ipc/methods.h"
 #include "json/rewrite.h"
 
 namespace vell::cli {

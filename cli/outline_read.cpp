@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 #include "json/rewrite.h"
 
 namespace vell::cli {

@@ -7,7 +7,7 @@
 
 #include "cli/parser.h"
 #include "cli/shared_options.h"
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 

@@ -1,8 +1,7 @@
 #include "cli/commands.h"
 #include "cli/global_options.h"
 #include "cli/row_options.h"
-#include "ipc/methods/editor.h"
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 namespace {

@@ -16,7 +16,7 @@ class Application {
   /// sends none.
   virtual Answer request(std::string_view method, const std::string& params) = 0;
 
-  /// The same for one of the records of ipc/methods.
+  /// The same for one of the records of ipc/methods.h.
   template <class Record>
   Answer request(const Record& record) {
     return request(Record::method, record.toJson());

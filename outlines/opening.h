@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "ipc/application.h"
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 
 // Opening outlines, whether the application runs or not. What opens answers with the application's outline
 // summary and throws OpenError, or what the application's connection throws.

@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "ipc/methods/outline_summary.h"
+#include "ipc/outline_summary.h"
 
 namespace vell::outlines {
 

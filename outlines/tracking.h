@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "ipc/methods/outline_summary.h"
+#include "ipc/outline_summary.h"
 
 namespace vell::outlines {
 

@@ -32,7 +32,7 @@ class ApplicationLink {
 
   /// `params` is JSON text; empty sends none. The handler is called once, never before this returns.
   Ticket call(std::string method, std::string params, OutcomeHandler handler);
-  /// The same for one of the records of ipc/methods.
+  /// The same for one of the records of ipc/methods.h.
   template <class Record>
   Ticket call(const Record& record, OutcomeHandler handler) {
     return call(Record::method, record.toJson(), std::move(handler));

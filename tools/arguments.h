@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 #include "mcp/parameters.h"
 #include "mcp/value.h"
 

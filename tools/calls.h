@@ -25,7 +25,7 @@ std::string textOf(const std::exception_ptr& failure);
 void forward(const Services& services, std::string method, std::string params, const mcp::ToolCallPtr& call,
              WhenNotRunning whenNotRunning = WhenNotRunning::error);
 
-/// The same for one of the records of ipc/methods.
+/// The same for one of the records of ipc/methods.h.
 template <class Record>
 void forward(const Services& services, const Record& record, const mcp::ToolCallPtr& call,
              WhenNotRunning whenNotRunning = WhenNotRunning::error) {

@@ -3,9 +3,9 @@
 #include <utility>
 
 #include "ipc/message.h"
-#include "ipc/methods/observe.h"
-#include "ipc/methods/outline_summary.h"
+#include "ipc/methods.h"
 #include "ipc/notification.h"
+#include "ipc/outline_summary.h"
 
 namespace vell::tools {
 

@@ -4,8 +4,8 @@
 #include <stdexcept>
 #include <variant>
 
-#include "ipc/methods/outline.h"
-#include "ipc/methods/outline_summary.h"
+#include "ipc/methods.h"
+#include "ipc/outline_summary.h"
 #include "outlines/opening.h"
 
 namespace vell::tools {

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 #include "outlines/creation.h"
 #include "outlines/location.h"
 #include "tools/arguments.h"

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ipc/methods/evaluate.h"
+#include "ipc/methods.h"
 #include "tools/declared_tool.h"
 
 namespace vell::tools {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ipc/methods/editor.h"
+#include "ipc/methods.h"
 #include "tools/declared_tool.h"
 
 namespace vell::tools {

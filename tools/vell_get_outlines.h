@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 #include "tools/declared_tool.h"
 
 namespace vell::tools {

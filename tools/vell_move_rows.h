@@ -1,6 +1,6 @@
 #pragma once
 
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 #include "tools/arguments.h"
 #include "tools/declared_tool.h"
 

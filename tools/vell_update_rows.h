@@ -2,7 +2,7 @@
 
 #include <stdexcept>
 
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 #include "tools/arguments.h"
 #include "tools/declared_tool.h"
 

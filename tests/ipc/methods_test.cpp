@@ -1,11 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "ipc/methods/editor.h"
-#include "ipc/methods/evaluate.h"
-#include "ipc/methods/observe.h"
-#include "ipc/methods/outline.h"
-#include "ipc/methods/params.h"
-#include "ipc/methods/row.h"
+#include "ipc/methods.h"
 
 namespace vell::ipc {
 namespace {

@@ -1,8 +1,8 @@
 #include <gmock/gmock.h>
 
-#include "ipc/methods/observe.h"
-#include "ipc/methods/outline_summary.h"
+#include "ipc/methods.h"
 #include "ipc/notification.h"
+#include "ipc/outline_summary.h"
 #include "ipc/vell_client.h"
 #include "json/rewrite.h"
 #include "tests/support/fake_application.h"

@@ -2,7 +2,7 @@
 
 #include <gmock/gmock.h>
 
-#include "ipc/methods/outline.h"
+#include "ipc/methods.h"
 #include "ipc/vell_ipc.h"
 #include "json/error.h"
 #include "tests/support/fake_application.h"

@@ -1,4 +1,4 @@
-#include "ipc/methods/outline_summary.h"
+#include "ipc/outline_summary.h"
 
 namespace vell::ipc {
 
