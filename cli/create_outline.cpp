@@ -2,7 +2,7 @@
 
 #include "cli/global_options.h"
 #include "ipc/methods.h"
-#include "ipc/reconnecting_client.h"
+#include "ipc/vell_client.h"
 #include "outlines/creation.h"
 #include "outlines/location.h"
 

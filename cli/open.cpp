@@ -3,7 +3,7 @@
 
 #include "cli/commands.h"
 #include "cli/global_options.h"
-#include "ipc/reconnecting_client.h"
+#include "ipc/vell_client.h"
 #include "outlines/opening.h"
 
 namespace vell::cli {

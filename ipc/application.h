@@ -3,7 +3,7 @@
 #include <string>
 #include <string_view>
 
-#include "ipc/answer.h"
+#include "ipc/message.h"
 
 namespace vell::ipc {
 

@@ -1,16 +1,25 @@
 #include "ipc/vell_client.h"
 
+#include <fcntl.h>
 #include <unistd.h>
 
 #include <cerrno>
 
-#include "ipc/connect.h"
 #include "ipc/message.h"
-#include "ipc/notification.h"
 #include "platform/container.h"
 #include "platform/socket.h"
 
 namespace vell::ipc {
+
+platform::Descriptor connectToApplication(const std::string& socketPath, bool blocking) {
+  platform::Descriptor socket = platform::openStreamSocket();
+  if (!socket) throw ClientError::socketCreate(errno);
+  const auto address = platform::socketAddress(socketPath);
+  if (!address) throw ClientError::pathTooLong(socketPath);
+  if (!blocking) ::fcntl(socket.get(), F_SETFL, O_NONBLOCK);
+  if (platform::connectSocket(socket.get(), *address) == 0) return socket;
+  throw ClientError::connect(errno, socketPath);
+}
 
 std::string VellClient::resolveSocketPath() { return platform::applicationSocketPath(); }
 
@@ -53,6 +62,16 @@ json::Text VellClient::readLine(LineFraming& arrived) {
 
 void VellClient::writeAll(std::string_view bytes) {
   if (!platform::writeAll(socket_.get(), bytes, platform::writeSocket)) throw ClientError::writeFailed(errno);
+}
+
+Answer ReconnectingClient::request(std::string_view method, const std::string& params) {
+  try {
+    if (!client_) client_.emplace();
+    return client_->request(method, params);
+  } catch (const ClientError& error) {
+    if (error.endsConnection()) client_.reset();
+    throw;
+  }
 }
 
 }  // namespace vell::ipc

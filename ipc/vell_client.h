@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -11,6 +12,10 @@
 #include "platform/descriptor.h"
 
 namespace vell::ipc {
+
+/// A descriptor connected to the application's socket. One that does not block is there at once, or the
+/// error's code is EAGAIN where the application has more callers waiting than it accepts. Throws ClientError.
+platform::Descriptor connectToApplication(const std::string& socketPath, bool blocking = true);
 
 /// One open connection to the application, for one user at a time; its owner's destroying it closes it.
 /// Everything here throws ClientError, and json::ParseError where the application sends what is not JSON.
@@ -44,6 +49,17 @@ class VellClient : public Application {
  private:
   platform::Descriptor socket_;
   std::int64_t nextId_ = 1;
+};
+
+/// A connection made when first needed and made anew after a transport failure, for commands that wait while
+/// the application starts. Nothing is retried: the call that meets the failure throws it.
+class ReconnectingClient : public Application {
+ public:
+  using Application::request;
+  Answer request(std::string_view method, const std::string& params) override;
+
+ private:
+  std::optional<VellClient> client_;
 };
 
 }  // namespace vell::ipc

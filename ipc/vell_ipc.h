@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "ipc/reconnecting_client.h"
+#include "ipc/vell_client.h"
 
 namespace vell::ipc {
 

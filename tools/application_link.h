@@ -9,7 +9,7 @@
 #include <string>
 #include <variant>
 
-#include "ipc/answer.h"
+#include "ipc/message.h"
 #include "json/text.h"
 #include "tools/application_connection.h"
 

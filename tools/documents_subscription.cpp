@@ -4,7 +4,6 @@
 
 #include "ipc/message.h"
 #include "ipc/methods.h"
-#include "ipc/notification.h"
 #include "ipc/outline_summary.h"
 
 namespace vell::tools {

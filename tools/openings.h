@@ -7,8 +7,8 @@
 #include <memory>
 #include <string>
 
-#include "ipc/answer.h"
 #include "ipc/application.h"
+#include "ipc/message.h"
 #include "outlines/opening.h"
 #include "tools/application_link.h"
 

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
+#include "ipc/message.h"
 #include "ipc/methods.h"
-#include "ipc/notification.h"
 #include "ipc/outline_summary.h"
 #include "ipc/vell_client.h"
 #include "json/rewrite.h"
