@@ -1,6 +1,6 @@
 #pragma once
 
-#include "headless/storage/transaction.h"
+#include "headless/editing/transaction.h"
 
 /// What the commands do, declared here for their table. Each returns false where it declined to act.
 namespace vell::headless::actions {

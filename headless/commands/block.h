@@ -2,7 +2,7 @@
 
 #include <vector>
 
-#include "headless/storage/transaction.h"
+#include "headless/editing/transaction.h"
 
 namespace vell::headless {
 

@@ -3,7 +3,7 @@
 #include <span>
 #include <string_view>
 
-#include "headless/storage/transaction.h"
+#include "headless/editing/transaction.h"
 
 namespace vell::headless {
 

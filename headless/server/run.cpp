@@ -6,12 +6,12 @@
 #include <cstdio>
 #include <thread>
 
+#include "headless/editing/path_rows.h"
 #include "headless/editing/problem.h"
 #include "headless/server/handover.h"
 #include "headless/server/server.h"
 #include "headless/server/signals.h"
 #include "headless/storage/files.h"
-#include "headless/storage/path_rows.h"
 #include "headless/storage/paths.h"
 #include "platform/container.h"
 

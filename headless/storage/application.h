@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
+#include "headless/editing/row_refs.h"
 #include "headless/storage/open_outline.h"
-#include "headless/storage/row_refs.h"
 #include "headless/storage/saver.h"
 #include "platform/identifier_index.h"
 

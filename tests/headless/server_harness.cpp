@@ -8,9 +8,9 @@
 #include <array>
 #include <chrono>
 
+#include "headless/editing/path_rows.h"
 #include "headless/server/request.h"
 #include "headless/storage/application.h"
-#include "headless/storage/path_rows.h"
 #include "platform/container.h"
 
 namespace vell::headless {

@@ -1,8 +1,8 @@
 #include "headless/commands/command.h"
 
+#include "headless/editing/transaction.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
-#include "headless/storage/transaction.h"
 
 namespace vell::headless::methods {
 namespace {

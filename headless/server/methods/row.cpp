@@ -7,10 +7,10 @@
 #include "headless/editing/arrange_rows.h"
 #include "headless/editing/create_rows.h"
 #include "headless/editing/result_json.h"
+#include "headless/editing/transaction.h"
 #include "headless/editing/update_rows.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
-#include "headless/storage/transaction.h"
 #include "json/rewrite.h"
 
 namespace vell::headless::methods {

@@ -1,4 +1,4 @@
-#include "headless/storage/path_rows.h"
+#include "headless/editing/path_rows.h"
 
 #include "evaluation/evaluate.h"
 #include "headless/editing/editor_functions.h"

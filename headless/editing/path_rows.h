@@ -1,6 +1,6 @@
 #pragma once
 
-#include "headless/storage/row_refs.h"
+#include "headless/editing/row_refs.h"
 
 namespace vell::headless {
 

@@ -1,4 +1,4 @@
-#include "headless/storage/row_refs.h"
+#include "headless/editing/row_refs.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,4 +1,4 @@
-#include "headless/storage/transaction.h"
+#include "headless/editing/transaction.h"
 
 #include <unordered_set>
 #include <utility>
