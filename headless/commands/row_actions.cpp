@@ -66,7 +66,7 @@ bool duplicate(Transaction& transaction) {
 
 bool deleteSelected(Transaction& transaction) {
   const auto block = selectedBlock(transaction);
-  transaction.leave(block);
+  transaction.deselect(block);
   for (const Row* row : block) transaction.edit().remove(*row);
   return !block.empty();
 }

@@ -3,12 +3,15 @@
 #include <algorithm>
 #include <charconv>
 
+#include "evaluation/evaluate.h"
+#include "headless/editing/editor_functions.h"
 #include "headless/editing/problem.h"
+#include "outline_path/parse.h"
 
 namespace vell::headless {
 namespace {
 
-bool isPath(const std::string& ref) { return !ref.empty() && ref.front() == '/'; }
+bool isPath(const std::string& ref) { return ref.starts_with('/'); }
 
 bool isSessionId(const std::string& ref) {
   return !ref.empty() && std::all_of(ref.begin(), ref.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -28,6 +31,17 @@ const Row* findSession(const Outline& outline, const std::string& digits) {
 
 }  // namespace
 
+std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor, std::string_view path) {
+  const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
+  if (parsed.error) throw Problem(outline_path::render(*parsed.error, path));
+  const EditorFunctions functions(outline, editor);
+  try {
+    return evaluation::evaluateRows(*parsed.expression, outline, &functions);
+  } catch (const evaluation::EvaluationError& error) {
+    throw Problem("The path " + std::string(path) + " cannot be evaluated: " + error.what());
+  }
+}
+
 std::vector<const Row*> RowRefs::rows(const std::vector<std::string>& refs) const {
   std::vector<const Row*> found;
   for (const std::string& ref : refs) {
@@ -35,7 +49,7 @@ std::vector<const Row*> RowRefs::rows(const std::vector<std::string>& refs) cons
       found.push_back(&named(ref));
       continue;
     }
-    const auto matches = paths_.rows(opened_, ref);
+    const auto matches = selectRows(outline_, editor_, ref);
     found.insert(found.end(), matches.begin(), matches.end());
   }
   return found;
@@ -43,25 +57,22 @@ std::vector<const Row*> RowRefs::rows(const std::vector<std::string>& refs) cons
 
 const Row& RowRefs::row(const std::string& ref) const {
   if (!isPath(ref)) return named(ref);
-  const auto matches = paths_.rows(opened_, ref);
-  if (matches.empty())
-    throw Problem("The path " + ref + " selects no row of \"" + opened_.displayName() + "\"");
+  const auto matches = selectRows(outline_, editor_, ref);
+  if (matches.empty()) throw Problem("The path " + ref + " selects no row of \"" + name_ + "\"");
   return *matches.front();
 }
 
 const Row& RowRefs::named(const std::string& ref) const {
-  const Outline& outline = opened_.outline();
-  if (ref == "@focused") return opened_.editor().focused();
+  if (ref == "@focused") return editor_.focused();
   if (ref == "@selection") {
-    if (outline.rowCount() == 0)
-      throw Problem("Nothing is selected: \"" + opened_.displayName() + "\" has no rows");
-    return opened_.editor().head();
+    if (outline_.rowCount() == 0) throw Problem("Nothing is selected: \"" + name_ + "\" has no rows");
+    return editor_.head();
   }
   const bool session = isSessionId(ref);
-  const Row* row = session ? findSession(outline, ref) : outline.findPersistent(ref);
+  const Row* row = session ? findSession(outline_, ref) : outline_.findPersistent(ref);
   if (row != nullptr) return *row;
-  throw Problem("No row of \"" + opened_.displayName() + "\" has the " +
-                (session ? "session" : "persistent") + " id " + (session ? ref : "\"" + ref + "\"") +
+  throw Problem("No row of \"" + name_ + "\" has the " +
+                (session ? "session id " + ref : "persistent id \"" + ref + "\"") +
                 (looksLikePath(ref) ? " (a path begins with \"/\")" : ""));
 }
 

@@ -4,35 +4,33 @@
 #include <string_view>
 #include <vector>
 
-#include "headless/storage/open_outline.h"
+#include "headless/editing/editor.h"
 
 namespace vell::headless {
 
-/// Answers row references that begin with "/". Implemented where paths are evaluated.
-class PathEvaluator {
- public:
-  virtual ~PathEvaluator() = default;
-  /// The rows that the path selects, in document order. Throws Problem for a path that is not valid or
-  /// selects a value instead of rows.
-  virtual std::vector<const Row*> rows(const OpenOutline& opened, std::string_view path) const = 0;
-};
+/// The rows that the outline path selects, in document order. The editor answers the functions that ask for
+/// focus, folds and selection. Throws Problem for a path that is not valid or selects a value.
+std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor, std::string_view path);
 
-/// Finds the rows that a client calls by session id, persistent id, path, "@selection" or "@focused". Throws
-/// Problem for what names nothing.
+/// Finds the rows that a client calls by session id, persistent id, outline path, "@selection" or "@focused".
+/// Throws Problem for a reference that names nothing.
 class RowRefs {
  public:
-  RowRefs(const OpenOutline& opened, const PathEvaluator& paths) : opened_(opened), paths_(paths) {}
+  /// `name` is what messages call the outline.
+  RowRefs(const Outline& outline, const Editor& editor, std::string name)
+      : outline_(outline), editor_(editor), name_(std::move(name)) {}
 
   /// The rows of all references in their order; a path may add several or none.
   std::vector<const Row*> rows(const std::vector<std::string>& refs) const;
-  /// A path must select something; its first row is taken.
+  /// The row of one reference; of a path, the first that it selects.
   const Row& row(const std::string& ref) const;
 
  private:
   const Row& named(const std::string& ref) const;
 
-  const OpenOutline& opened_;
-  const PathEvaluator& paths_;
+  const Outline& outline_;
+  const Editor& editor_;
+  std::string name_;
 };
 
 }  // namespace vell::headless

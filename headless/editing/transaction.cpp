@@ -8,7 +8,7 @@ namespace {
 
 using RowSet = std::unordered_set<const Row*>;
 
-bool stands(const RowSet& leaving, const Row& row) {
+bool stays(const RowSet& leaving, const Row& row) {
   for (const Row* at = &row; at != nullptr; at = at->parent())
     if (leaving.count(at) != 0) return false;
   return true;
@@ -28,46 +28,45 @@ const Row& nearest(const RowSet& leaving, const Row& row) {
 
 }  // namespace
 
-Transaction::Transaction(Application& application, OpenOutline& opened)
-    : application_(application),
-      opened_(opened),
-      edit_(opened.outline(), document::currentTime()),
-      before_(opened.editor().place()) {}
+Transaction::Transaction(Outline& outline, Editor& editor, History& history, std::function<void()> committed)
+    : editor_(editor),
+      history_(history),
+      edit_(outline, document::currentTime()),
+      before_(editor.place()),
+      committed_(std::move(committed)) {}
 
 Transaction::~Transaction() {
-  if (committed_) return;
+  if (!open_) return;
   edit_.rollBack();
-  opened_.editor().restore(before_);
+  editor_.restore(before_);
 }
 
-void Transaction::leave(const std::vector<const Row*>& rows) {
+void Transaction::deselect(const std::vector<const Row*>& rows) {
   const RowSet leaving(rows.begin(), rows.end());
-  const Row& head = editor().head();
+  const Row& head = editor_.head();
   if (head.parent() == nullptr || leaving.count(&outline().root()) != 0 ||
-      (stands(leaving, head) && stands(leaving, editor().anchor())))
+      (stays(leaving, head) && stays(leaving, editor_.anchor())))
     return;
-  const Row& next = stands(leaving, head) ? head : nearest(leaving, head);
-  editor().select(next, next);
+  const Row& next = stays(leaving, head) ? head : nearest(leaving, head);
+  editor_.select(next, next);
 }
 
 bool Transaction::undo() {
   closeStep();
-  return opened_.history().undo();
+  return history_.undo();
 }
 
 bool Transaction::redo() {
   closeStep();
-  return opened_.history().redo();
+  return history_.redo();
 }
 
 void Transaction::commit() {
   closeStep();
-  committed_ = true;
-  application_.changed(opened_);
+  open_ = false;
+  committed_();
 }
 
-void Transaction::closeStep() {
-  opened_.history().record(edit_, std::exchange(before_, opened_.editor().place()));
-}
+void Transaction::closeStep() { history_.record(edit_, std::exchange(before_, editor_.place())); }
 
 }  // namespace vell::headless

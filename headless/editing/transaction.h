@@ -1,44 +1,45 @@
 #pragma once
 
+#include <functional>
 #include <vector>
 
 #include "headless/editing/edit.h"
-#include "headless/storage/application.h"
+#include "headless/editing/editor.h"
+#include "headless/editing/history.h"
 
 namespace vell::headless {
 
-/// The changes of one call to one outline: all of them or, unless committed, none; one step to undo.
+/// The changes of one call to one outline: all of them or, unless committed, none; one undo step.
 class Transaction {
  public:
-  /// Both must outlive the transaction.
-  Transaction(Application& application, OpenOutline& opened);
+  /// `committed` is called once the changes are kept. The references must outlive the transaction.
+  Transaction(Outline& outline, Editor& editor, History& history, std::function<void()> committed);
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
 
-  const Outline& outline() const { return opened_.outline(); }
-  Editor& editor() { return opened_.editor(); }
+  const Outline& outline() const { return edit_.outline(); }
+  Editor& editor() { return editor_; }
   Edit& edit() { return edit_; }
-  RowRefs refs() const { return application_.refs(opened_); }
 
-  /// Moves the selection off rows that are about to be removed, to what is nearest.
-  void leave(const std::vector<const Row*>& rows);
+  /// Moves the selection off rows that are about to be removed, to the nearest row that stays.
+  void deselect(const std::vector<const Row*>& rows);
 
-  /// Takes back the step before this transaction, after closing what was changed so far as a step of its own.
+  /// Closes the changes so far as an undo step of their own, then undoes the step before or redoes the next.
   bool undo();
   bool redo();
 
-  /// Keeps the changes, has them saved and tells whoever observes.
   void commit();
 
  private:
   void closeStep();
 
-  Application& application_;
-  OpenOutline& opened_;
+  Editor& editor_;
+  History& history_;
   Edit edit_;
   EditorPlace before_;
-  bool committed_ = false;
+  std::function<void()> committed_;
+  bool open_ = true;
 };
 
 }  // namespace vell::headless

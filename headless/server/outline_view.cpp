@@ -26,17 +26,16 @@ OutlineView viewParams(const Params& params) {
           params.flag("rows", false)};
 }
 
-formats::PlacedRows placeRefs(const Application& application, const OpenOutline& opened,
-                              const std::vector<std::string>& refs, formats::Shape shape) {
+formats::PlacedRows placeRefs(const OpenOutline& opened, const std::vector<std::string>& refs,
+                              formats::Shape shape) {
   if (refs.empty()) return formats::placeAll(opened.outline(), shape);
   if (refs.size() == 1 && refs.front() == everyRow) return formats::placeAll(opened.outline(), shape);
-  return formats::placeSome(opened.outline(), application.refs(opened).rows(refs), shape);
+  return formats::placeSome(opened.outline(), opened.refs().rows(refs), shape);
 }
 
-formats::PlacedRows placePath(const Application& application, const OpenOutline& opened,
-                              const std::string& path, formats::Shape shape) {
+formats::PlacedRows placePath(const OpenOutline& opened, const std::string& path, formats::Shape shape) {
   if (path == everyRow) return formats::placeAll(opened.outline(), shape);
-  return formats::placeSome(opened.outline(), application.rowsAlong(opened, path), shape);
+  return formats::placeSome(opened.outline(), selectRows(opened.outline(), opened.editor(), path), shape);
 }
 
 std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows) {

@@ -21,12 +21,11 @@ struct OutlineView {
 OutlineView viewParams(const Params& params);
 
 /// The rows of those references, every row where there are none. Throws Problem.
-formats::PlacedRows placeRefs(const Application& application, const OpenOutline& opened,
-                              const std::vector<std::string>& refs, formats::Shape shape);
+formats::PlacedRows placeRefs(const OpenOutline& opened, const std::vector<std::string>& refs,
+                              formats::Shape shape);
 
 /// The rows that the path selects. Throws Problem where it is not valid or selects a value.
-formats::PlacedRows placePath(const Application& application, const OpenOutline& opened,
-                              const std::string& path, formats::Shape shape);
+formats::PlacedRows placePath(const OpenOutline& opened, const std::string& path, formats::Shape shape);
 
 /// The JSON text of those rows: a value, or for text formats one string.
 std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows);

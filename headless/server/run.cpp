@@ -6,7 +6,6 @@
 #include <cstdio>
 #include <thread>
 
-#include "headless/editing/path_rows.h"
 #include "headless/editing/problem.h"
 #include "headless/server/handover.h"
 #include "headless/server/server.h"
@@ -52,8 +51,7 @@ int serve(ApplicationSocket socket, const std::vector<std::string>& paths, const
   const QuitSignals signals;
   raiseDescriptorLimit();
   EventLoop loop;
-  Application application(loop, std::make_unique<PathRows>(),
-                          {platform::containerDirectory(), warn, version});
+  Application application(loop, {platform::containerDirectory(), warn, version});
   openFiles(application, paths);
   application.reopenUntitled();
   Server server(loop, application, socket.descriptor());

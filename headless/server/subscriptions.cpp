@@ -33,7 +33,7 @@ Subscriptions::~Subscriptions() {
 
 std::string Subscriptions::observeOutline(std::uint64_t client, OpenOutline& opened, const std::string& path,
                                           const OutlineView& view) {
-  placePath(application_, opened, path, view.shape);
+  placePath(opened, path, view.shape);
   return add(client, {&opened, path, view});
 }
 
@@ -118,7 +118,7 @@ std::string Subscriptions::render(const Subject& subject) const {
   const OpenOutline& opened = *subject.opened;
   try {
     return headless::render(subject.view, opened.outline(),
-                            placePath(application_, opened, subject.path, subject.view.shape));
+                            placePath(opened, subject.path, subject.view.shape));
   } catch (const std::exception& failure) {
     application_.report("Observing " + subject.path + ": " + failure.what());
     return {};

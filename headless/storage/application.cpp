@@ -16,15 +16,13 @@ constexpr std::chrono::milliseconds followPace{1000};
 
 }  // namespace
 
-Application::Application(Scheduler& scheduler, std::unique_ptr<PathEvaluator> paths,
-                         ApplicationSettings settings)
+Application::Application(Scheduler& scheduler, ApplicationSettings settings)
     : scheduler_(scheduler),
       version_(std::move(settings.version)),
       untitledDirectory_(settings.container + "/Untitled"),
       closedDirectory_(settings.container + "/Closed"),
       rescueDirectory_(settings.container + "/Rescued"),
       identifiers_(settings.container),
-      paths_(std::move(paths)),
       saver_(scheduler, std::move(settings.report), *this) {
   followFiles();
 }
@@ -213,6 +211,10 @@ void Application::reloaded(OpenOutline& opened) {
 void Application::moved(OpenOutline& opened) {
   remember(opened, opened.storagePath());
   if (listener_ != nullptr) listener_->listChanged();
+}
+
+Transaction Application::begin(OpenOutline& opened) {
+  return {opened.outline(), opened.editor(), opened.history(), [this, &opened] { changed(opened); }};
 }
 
 void Application::changed(OpenOutline& opened) {

@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "headless/editing/row_refs.h"
+#include "headless/editing/transaction.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/saver.h"
 #include "platform/identifier_index.h"
@@ -38,7 +38,7 @@ struct ApplicationSettings {
 class Application : private SaverListener {
  public:
   /// The scheduler must outlive the application.
-  Application(Scheduler& scheduler, std::unique_ptr<PathEvaluator> paths, ApplicationSettings settings);
+  Application(Scheduler& scheduler, ApplicationSettings settings);
 
   ~Application() override;
 
@@ -70,18 +70,14 @@ class Application : private SaverListener {
   OpenOutline& outline(const std::optional<std::string>& persistentId);
   /// The outline whose editor has that id, the frontmost one where none is given. Throws Problem.
   OpenOutline& outlineOfEditor(const std::optional<std::string>& editorId);
-  /// Finds rows of an open outline by what clients call them.
-  RowRefs refs(const OpenOutline& opened) const { return RowRefs(opened, *paths_); }
-  /// The rows that the path selects. Throws Problem where it is not valid or selects a value.
-  std::vector<const Row*> rowsAlong(const OpenOutline& opened, const std::string& path) const {
-    return paths_->rows(opened, path);
-  }
 
   const std::string& version() const { return version_; }
   /// A line for people.
   void report(const std::string& line) const { saver_.report(line); }
 
-  /// To be told of every change of rows or editor: saves it and passes it on.
+  /// Changes to the rows of an open outline; `changed` follows when they are committed.
+  Transaction begin(OpenOutline& opened);
+  /// Saves changes of rows and notifies the listener; called after every change of rows or editor.
   void changed(OpenOutline& opened);
   /// The listener must outlive the application or be removed.
   void setListener(ApplicationListener* listener) { listener_ = listener; }
@@ -106,7 +102,6 @@ class Application : private SaverListener {
   std::string closedDirectory_;
   std::string rescueDirectory_;
   platform::IdentifierIndex identifiers_;
-  std::unique_ptr<PathEvaluator> paths_;
   std::vector<std::unique_ptr<OpenOutline>> outlines_;
   ApplicationListener* listener_ = nullptr;
   Saver saver_;

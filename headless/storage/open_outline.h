@@ -7,6 +7,7 @@
 #include "headless/document.h"
 #include "headless/editing/editor.h"
 #include "headless/editing/history.h"
+#include "headless/editing/row_refs.h"
 #include "headless/storage/files.h"
 
 namespace vell::headless {
@@ -31,6 +32,8 @@ class OpenOutline {
   Editor& editor() { return editor_; }
   const Editor& editor() const { return editor_; }
   History& history() { return history_; }
+  /// Finds its rows by what clients call them.
+  RowRefs refs() const { return {*outline_, editor_, displayName()}; }
 
   const std::string& persistentId() const { return outline_->persistentId(); }
   std::string displayName() const;

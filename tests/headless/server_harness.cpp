@@ -8,7 +8,6 @@
 #include <array>
 #include <chrono>
 
-#include "headless/editing/path_rows.h"
 #include "headless/server/request.h"
 #include "headless/storage/application.h"
 #include "platform/container.h"
@@ -20,8 +19,7 @@ constexpr int patience = 10'000;
 
 void serveUntil(int quit, const std::string& socketPath, ServerLimits limits) {
   EventLoop loop;
-  Application application(loop, std::make_unique<PathRows>(),
-                          {platform::containerDirectory(), [](const std::string&) {}, "1.2"});
+  Application application(loop, {platform::containerDirectory(), [](const std::string&) {}, "1.2"});
   auto socket = ApplicationSocket::claim(socketPath);
   Server server(loop, application, socket->descriptor(), limits);
   loop.watch(quit, POLLIN, [&](short) { loop.stop(); });

@@ -1,6 +1,5 @@
 #include "headless/commands/command.h"
 
-#include "headless/editing/transaction.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
 
@@ -32,7 +31,8 @@ std::string commandList(const Call&) {
 
 std::string commandPerform(const Call& call) {
   const auto found = commandsParam(call.params);
-  Transaction transaction(call.application, call.application.outlineOfEditor(call.params.string("editor")));
+  Transaction transaction =
+      call.application.begin(call.application.outlineOfEditor(call.params.string("editor")));
   std::string text = "[";
   for (const Command* command : found) {
     if (text.size() > 1) text += ',';

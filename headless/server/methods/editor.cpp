@@ -32,7 +32,7 @@ std::string editorList(const Call& call) {
 std::string editorUpdate(const Call& call) {
   const Params& params = call.params;
   OpenOutline& opened = call.application.outline(params.string("outline"));
-  const RowRefs refs = call.application.refs(opened);
+  const RowRefs refs = opened.refs();
   // Everything is found before anything moves.
   const Row* focus = optionalRow(refs, params, "focus");
   const auto expand = refs.rows(params.strings("expand"));

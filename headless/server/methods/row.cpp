@@ -7,7 +7,6 @@
 #include "headless/editing/arrange_rows.h"
 #include "headless/editing/create_rows.h"
 #include "headless/editing/result_json.h"
-#include "headless/editing/transaction.h"
 #include "headless/editing/update_rows.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
@@ -32,8 +31,8 @@ DestinationRequest destinationParams(const Params& params, const RowRefs& refs, 
   return {rowParam(params, refs, parentKey), params.stringOrInteger("position"), before, after};
 }
 
-Destination newRowsDestination(const Call& call, const Transaction& transaction) {
-  return resolve(transaction.outline(), destinationParams(call.params, transaction.refs(), "parent"));
+Destination newRowsDestination(const Params& params, const OpenOutline& opened) {
+  return resolve(opened.outline(), destinationParams(params, opened.refs(), "parent"));
 }
 
 std::optional<Text> textParam(const Params& params, std::string_view key) {
@@ -73,8 +72,9 @@ RowUpdate updateParams(const Params& params) {
 
 std::string rowCreate(const Call& call) {
   const std::string markdown = call.params.requiredString("markdown");
-  Transaction transaction(call.application, outlineParam(call));
-  const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call, transaction));
+  OpenOutline& opened = outlineParam(call);
+  Transaction transaction = call.application.begin(opened);
+  const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call.params, opened));
   transaction.commit();
   std::string result;
   formats::appendSessionRow(result, row);
@@ -83,8 +83,9 @@ std::string rowCreate(const Call& call) {
 
 std::string rowCreateMany(const Call& call) {
   const std::string markdown = call.params.requiredString("markdown");
-  Transaction transaction(call.application, outlineParam(call));
-  const auto rows = createRows(transaction.edit(), markdown, newRowsDestination(call, transaction));
+  OpenOutline& opened = outlineParam(call);
+  Transaction transaction = call.application.begin(opened);
+  const auto rows = createRows(transaction.edit(), markdown, newRowsDestination(call.params, opened));
   transaction.commit();
   std::string result;
   appendRows(result, rows);
@@ -94,8 +95,9 @@ std::string rowCreateMany(const Call& call) {
 std::string rowUpdate(const Call& call) {
   const auto refs = call.params.requiredStrings("rows");
   const RowUpdate update = updateParams(call.params);
-  Transaction transaction(call.application, outlineParam(call));
-  const auto updated = updateRows(transaction.edit(), transaction.refs().rows(refs), update);
+  OpenOutline& opened = outlineParam(call);
+  Transaction transaction = call.application.begin(opened);
+  const auto updated = updateRows(transaction.edit(), opened.refs().rows(refs), update);
   transaction.commit();
   std::string result;
   appendUpdatedRows(result, updated);
@@ -104,11 +106,12 @@ std::string rowUpdate(const Call& call) {
 
 std::string rowMove(const Call& call) {
   const auto refs = call.params.requiredStrings("rows");
-  Transaction transaction(call.application, outlineParam(call));
-  const DestinationRequest request = destinationParams(call.params, transaction.refs(), "to");
+  OpenOutline& opened = outlineParam(call);
+  Transaction transaction = call.application.begin(opened);
+  const DestinationRequest request = destinationParams(call.params, opened.refs(), "to");
   if (request.parent == nullptr && request.before == nullptr && request.after == nullptr)
     Params::fail("to", "a row reference (or before, or after)", "nothing");
-  const auto rows = moveRows(transaction.edit(), transaction.refs().rows(refs), request);
+  const auto rows = moveRows(transaction.edit(), opened.refs().rows(refs), request);
   transaction.commit();
   std::string result;
   appendRows(result, rows);
@@ -117,9 +120,10 @@ std::string rowMove(const Call& call) {
 
 std::string rowDelete(const Call& call) {
   const auto refs = call.params.requiredStrings("rows");
-  Transaction transaction(call.application, outlineParam(call));
-  const auto rows = transaction.refs().rows(refs);
-  transaction.leave(rows);
+  OpenOutline& opened = outlineParam(call);
+  Transaction transaction = call.application.begin(opened);
+  const auto rows = opened.refs().rows(refs);
+  transaction.deselect(rows);
   const std::size_t deleted = deleteRows(transaction.edit(), rows);
   transaction.commit();
   return R"({"deleted":)" + std::to_string(deleted) + "}";

@@ -27,7 +27,7 @@ class Host : public ScriptHost {
  private:
   static const Row& row(const Call& call) {
     OpenOutline& opened = call.application.outline(call.params.string("outline"));
-    return call.application.refs(opened).row(*call.params.stringOrInteger("row"));
+    return opened.refs().row(*call.params.stringOrInteger("row"));
   }
 
   static std::string parent(const Call& call) {
