@@ -1,6 +1,6 @@
 #include "headless/commands/actions.h"
 #include "headless/commands/block.h"
-#include "headless/editing/copy_rows.h"
+#include "headless/editing/create_rows.h"
 
 namespace vell::headless::actions {
 namespace {

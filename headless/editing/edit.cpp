@@ -9,46 +9,42 @@ PlaceBefore placeOf(Outline& outline, Row& row) {
   return {&row, parent, next};
 }
 
-/// Changes one thing to what the move holds, which then holds what was.
-class Swap {
- public:
-  explicit Swap(Outline& outline) : outline_(outline) {}
+ContentBefore contentOf(Row& row) {
+  return {&row, row.type(), row.text(), row.attributes(), row.persistentId(), row.modified()};
+}
 
-  void operator()(PlaceBefore& move) const {
-    const PlaceBefore now = placeOf(outline_, *move.row);
-    if (now.parent != nullptr) outline_.remove(*move.row);
-    if (move.parent != nullptr) outline_.insert(*move.row, *move.parent, move.next);
-    move.parent = now.parent;
-    move.next = now.next;
-  }
-  void operator()(TypeBefore& move) const {
-    const RowType now = move.row->type();
-    outline_.setType(*move.row, std::exchange(move.type, now));
-  }
-  void operator()(TextBefore& move) const {
-    Text now = move.row->text();
-    outline_.setText(*move.row, std::exchange(move.text, std::move(now)));
-  }
-  void operator()(AttributesBefore& move) const {
-    Attributes now = move.row->attributes();
-    outline_.setAttributes(*move.row, std::exchange(move.attributes, std::move(now)));
-  }
-  void operator()(PersistentIdBefore& move) const {
-    const std::string now = move.row->persistentId();
-    outline_.setPersistentId(*move.row, std::exchange(move.id, now));
-  }
-  void operator()(TimesBefore& move) const {
-    const Timestamp created = move.row->created();
-    const Timestamp modified = move.row->modified();
-    outline_.setTimes(*move.row, std::exchange(move.created, created),
-                      std::exchange(move.modified, modified));
-  }
+/// Swaps what a change holds with the present state.
+struct Swap {
+  Outline& outline;
 
- private:
-  Outline& outline_;
+  void operator()(PlaceBefore& change) const {
+    const PlaceBefore now = placeOf(outline, *change.row);
+    if (now.parent != nullptr) outline.remove(*change.row);
+    if (change.parent != nullptr) outline.insert(*change.row, *change.parent, change.next);
+    change.parent = now.parent;
+    change.next = now.next;
+  }
+  void operator()(ContentBefore& change) const {
+    Row& row = *change.row;
+    ContentBefore now = contentOf(row);
+    outline.setType(row, change.type);
+    outline.setText(row, std::move(change.text));
+    outline.setAttributes(row, std::move(change.attributes));
+    outline.setPersistentId(row, change.persistentId);
+    outline.setTimes(row, row.created(), change.modified);
+    change = std::move(now);
+  }
 };
 
 }  // namespace
+
+void undo(Outline& outline, std::vector<Change>& changes) {
+  for (auto change = changes.rbegin(); change != changes.rend(); ++change) std::visit(Swap{outline}, *change);
+}
+
+void redo(Outline& outline, std::vector<Change>& changes) {
+  for (Change& change : changes) std::visit(Swap{outline}, change);
+}
 
 Row& Edit::make(NewRow content) {
   release(content.persistentId);
@@ -60,13 +56,13 @@ Row& Edit::make(NewRow content) {
 
 void Edit::insert(Row& row, const Row& parent, const Row* before) {
   place(row, parent, before);
-  std::get<PlaceBefore>(moves_.back()).creates = true;
+  std::get<PlaceBefore>(changes_.back()).creates = true;
 }
 
 void Edit::place(const Row& row, const Row& parent, const Row* before) {
   if (before == &row) before = row.next();
   Row& moved = outline_.mutableRow(row);
-  moves_.emplace_back(placeOf(outline_, moved));
+  changes_.emplace_back(placeOf(outline_, moved));
   if (row.parent() != nullptr) outline_.remove(moved);
   outline_.insert(moved, outline_.mutableRow(parent),
                   before != nullptr ? &outline_.mutableRow(*before) : nullptr);
@@ -74,62 +70,48 @@ void Edit::place(const Row& row, const Row& parent, const Row* before) {
 
 void Edit::remove(const Row& row) {
   Row& removed = outline_.mutableRow(row);
-  moves_.emplace_back(placeOf(outline_, removed));
+  changes_.emplace_back(placeOf(outline_, removed));
   outline_.remove(removed);
 }
 
 void Edit::setType(const Row& row, RowType type) {
   if (row.type() == type) return;
   if (!carriesText(type)) setText(row, Text());
-  touch(row);
-  moves_.emplace_back(TypeBefore{&outline_.mutableRow(row), row.type()});
-  outline_.setType(outline_.mutableRow(row), type);
+  outline_.setType(recordContent(row), type);
 }
 
 void Edit::setText(const Row& row, Text text) {
-  if (row.text() == text) return;
-  touch(row);
-  moves_.emplace_back(TextBefore{&outline_.mutableRow(row), row.text()});
-  outline_.setText(outline_.mutableRow(row), std::move(text));
+  if (row.text() != text) outline_.setText(recordContent(row), std::move(text));
 }
 
 void Edit::setAttributes(const Row& row, Attributes attributes) {
-  if (row.attributes() == attributes) return;
-  touch(row);
-  moves_.emplace_back(AttributesBefore{&outline_.mutableRow(row), row.attributes()});
-  outline_.setAttributes(outline_.mutableRow(row), std::move(attributes));
+  if (row.attributes() != attributes) outline_.setAttributes(recordContent(row), std::move(attributes));
 }
 
 void Edit::setPersistentId(const Row& row, std::string_view id) {
   if (row.persistentId() == id) return;
   release(id);
-  touch(row);
-  moves_.emplace_back(PersistentIdBefore{&outline_.mutableRow(row), row.persistentId()});
-  outline_.setPersistentId(outline_.mutableRow(row), id);
+  outline_.setPersistentId(recordContent(row), id);
 }
 
+/// Takes the persistent id off the row that holds it.
 void Edit::release(std::string_view persistentId) {
   if (persistentId.empty()) return;
   if (const Row* holder = outline_.findPersistent(persistentId)) setPersistentId(*holder, "");
 }
 
-void Edit::touch(const Row& row) {
-  if (row.modified() == now_) return;
-  moves_.emplace_back(TimesBefore{&outline_.mutableRow(row), row.created(), row.modified()});
-  outline_.setTimes(outline_.mutableRow(row), row.created(), now_);
+/// Records the row's content before a change to it and sets its time. Changes in a row share one record.
+Row& Edit::recordContent(const Row& changed) {
+  Row& row = outline_.mutableRow(changed);
+  const auto* last = changes_.empty() ? nullptr : std::get_if<ContentBefore>(&changes_.back());
+  if (last == nullptr || last->row != &row) changes_.emplace_back(contentOf(row));
+  outline_.setTimes(row, row.created(), now_);
+  return row;
 }
 
 void Edit::rollBack() {
-  std::vector<Move> moves = take();
-  swapBack(outline_, moves);
-}
-
-void swapBack(Outline& outline, std::vector<Move>& moves) {
-  for (auto move = moves.rbegin(); move != moves.rend(); ++move) std::visit(Swap(outline), *move);
-}
-
-void swapForth(Outline& outline, std::vector<Move>& moves) {
-  for (Move& move : moves) std::visit(Swap(outline), move);
+  std::vector<Change> changes = take();
+  undo(outline_, changes);
 }
 
 bool carriesText(RowType type) { return type != RowType::hr; }

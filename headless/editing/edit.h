@@ -10,36 +10,27 @@
 
 namespace vell::headless {
 
-/// What one move changed, as it was before; swapped with what is, it takes the move back or makes it again.
+// Undo records: the former state of what one change replaced. Undo and redo swap it with the present state.
+
 struct PlaceBefore {
   Row* row;
   Row* parent;  ///< null: outside the tree
   Row* next;    ///< null: last child
   bool creates = false;
 };
-struct TypeBefore {
+struct ContentBefore {
   Row* row;
   RowType type;
-};
-struct TextBefore {
-  Row* row;
   Text text;
-};
-struct AttributesBefore {
-  Row* row;
   Attributes attributes;
-};
-struct PersistentIdBefore {
-  Row* row;
-  std::string id;
-};
-struct TimesBefore {
-  Row* row;
-  Timestamp created;
+  std::string persistentId;
   Timestamp modified;
 };
-using Move =
-    std::variant<PlaceBefore, TypeBefore, TextBefore, AttributesBefore, PersistentIdBefore, TimesBefore>;
+using Change = std::variant<PlaceBefore, ContentBefore>;
+
+/// Undoes the changes, the last one first; or makes undone changes again.
+void undo(Outline& outline, std::vector<Change>& changes);
+void redo(Outline& outline, std::vector<Change>& changes);
 
 struct NewRow {
   RowType type = RowType::body;
@@ -48,8 +39,8 @@ struct NewRow {
   std::string persistentId{};
 };
 
-/// Every change of rows that people and programs make goes through here, so that it can be taken back. Sets
-/// `modified` where a row's own content changes. Rows are of the outline that the edit was made for.
+/// Changes rows of one outline and records each change for undo. Sets `modified` where a row's own content
+/// changes.
 class Edit {
  public:
   Edit(Outline& outline, Timestamp now) : outline_(outline), now_(now) {}
@@ -73,24 +64,21 @@ class Edit {
   void setAttributes(const Row& row, Attributes attributes);
   /// "" removes it; another row that holds it loses it.
   void setPersistentId(const Row& row, std::string_view id);
-  bool empty() const { return moves_.empty(); }
-  /// The moves made since the last call, in their order.
-  std::vector<Move> take() { return std::exchange(moves_, {}); }
-  /// Takes back what was not taken.
+
+  bool empty() const { return changes_.empty(); }
+  /// The changes since the last call, in their order.
+  std::vector<Change> take() { return std::exchange(changes_, {}); }
+  /// Undoes the changes that were not taken.
   void rollBack();
 
  private:
-  void touch(const Row& row);
+  Row& recordContent(const Row& row);
   void release(std::string_view persistentId);
 
   Outline& outline_;
   Timestamp now_;
-  std::vector<Move> moves_;
+  std::vector<Change> changes_;
 };
-
-/// Takes the moves back, or makes them again if they were taken back.
-void swapBack(Outline& outline, std::vector<Move>& moves);
-void swapForth(Outline& outline, std::vector<Move>& moves);
 
 /// Whether rows of that type have text.
 bool carriesText(RowType type);

@@ -4,16 +4,16 @@ namespace vell::headless {
 
 void History::record(Edit& edit, EditorPlace before) {
   if (edit.empty()) return;
-  for (const Step& step : undone_) discardCreated(step);
-  undone_.clear();
-  if (group_ == Group::open) return extend(done_.back(), edit);
-  done_.push_back({edit.take(), std::move(before), editor_.place()});
-  if (done_.size() > limit) done_.pop_front();
+  for (const Step& step : redoSteps_) discardCreated(step);
+  redoSteps_.clear();
+  if (group_ == Group::open) return extend(undoSteps_.back(), edit);
+  undoSteps_.push_back({edit.take(), std::move(before), editor_.place()});
+  if (undoSteps_.size() > limit) undoSteps_.pop_front();
   if (group_ == Group::empty) group_ = Group::open;
 }
 
 void History::extend(Step& step, Edit& edit) {
-  for (Move& move : edit.take()) step.moves.push_back(std::move(move));
+  for (Change& change : edit.take()) step.changes.push_back(std::move(change));
   step.after = editor_.place();
 }
 
@@ -25,34 +25,34 @@ void History::cutGroup() {
 
 bool History::undo() {
   cutGroup();
-  if (done_.empty()) return false;
-  undone_.push_back(std::move(done_.back()));
-  done_.pop_back();
-  swapBack(outline_, undone_.back().moves);
-  editor_.restore(undone_.back().before);
+  if (undoSteps_.empty()) return false;
+  redoSteps_.push_back(std::move(undoSteps_.back()));
+  undoSteps_.pop_back();
+  headless::undo(outline_, redoSteps_.back().changes);
+  editor_.restore(redoSteps_.back().before);
   return true;
 }
 
 bool History::redo() {
   cutGroup();
-  if (undone_.empty()) return false;
-  done_.push_back(std::move(undone_.back()));
-  undone_.pop_back();
-  swapForth(outline_, done_.back().moves);
-  editor_.restore(done_.back().after);
+  if (redoSteps_.empty()) return false;
+  undoSteps_.push_back(std::move(redoSteps_.back()));
+  redoSteps_.pop_back();
+  headless::redo(outline_, undoSteps_.back().changes);
+  editor_.restore(undoSteps_.back().after);
   return true;
 }
 
 void History::clear() {
-  done_.clear();
-  undone_.clear();
+  undoSteps_.clear();
+  redoSteps_.clear();
   cutGroup();
 }
 
-/// Rows made by a step that was taken back will never be seen again.
+/// Frees the rows that an undone step had created: nothing can bring them back.
 void History::discardCreated(const Step& step) {
-  for (const Move& move : step.moves) {
-    const auto* place = std::get_if<PlaceBefore>(&move);
+  for (const Change& change : step.changes) {
+    const auto* place = std::get_if<PlaceBefore>(&change);
     if (place != nullptr && place->creates) outline_.discard(*place->row);
   }
 }

@@ -8,21 +8,20 @@
 
 namespace vell::headless {
 
-/// What was done to an outline and can be taken back, a step at a time.
+/// The undo and redo steps of one outline.
 class History {
  public:
   History(Outline& outline, Editor& editor) : outline_(outline), editor_(editor) {}
 
-  /// Keeps the edit's moves as one step, with where the editor stood before; nothing where there are none.
-  /// What was taken back before can no longer be made again.
+  /// Takes the edit's changes as one step, together with the editor's place before them. Drops the steps that
+  /// could be redone. Without changes it does nothing.
   void record(Edit& edit, EditorPlace before);
-  /// False where there is nothing to take back or to make again.
+  /// False where there is nothing to undo or redo.
   bool undo();
   bool redo();
   void clear();
 
-  /// Edits recorded from now on until `endGroup` are one step, cut where something is taken back or made
-  /// again.
+  /// Edits recorded from now on until `endGroup` are one step; undo and redo begin a new one.
   void beginGroup();
   void endGroup() { group_ = Group::none; }
 
@@ -30,7 +29,7 @@ class History {
   enum class Group { none, empty, open };
 
   struct Step {
-    std::vector<Move> moves;
+    std::vector<Change> changes;
     EditorPlace before;
     EditorPlace after;
   };
@@ -39,13 +38,13 @@ class History {
   void extend(Step& step, Edit& edit);
   void cutGroup();
 
-  /// Steps beyond this cannot be taken back.
+  /// Steps that can be undone; older ones are dropped.
   static constexpr std::size_t limit = 1000;
 
   Outline& outline_;
   Editor& editor_;
-  std::deque<Step> done_;
-  std::vector<Step> undone_;
+  std::deque<Step> undoSteps_;
+  std::vector<Step> redoSteps_;
   Group group_ = Group::none;
 };
 

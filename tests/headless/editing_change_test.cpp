@@ -259,10 +259,10 @@ void check(const ChangeCase& row) {
   }
   const std::string changed = bench.text();
   EXPECT_EQ(changed, row.after);
-  std::vector<Move> moves = bench.edit.take();
-  swapBack(bench.outline, moves);
+  std::vector<Change> changes = bench.edit.take();
+  undo(bench.outline, changes);
   EXPECT_EQ(bench.text(), start);
-  swapForth(bench.outline, moves);
+  redo(bench.outline, changes);
   EXPECT_EQ(bench.text(), changed);
 }
 
