@@ -27,7 +27,7 @@ VellClient::VellClient(const std::string& socketPath) : socket_(connectToApplica
 
 Answer VellClient::request(std::string_view method, const std::string& params) {
   writeAll(requestLine(nextId_++, method, params));
-  LineFraming arrived;
+  json::LineFraming arrived;
   for (;;) {
     if (auto answer = Answer::parse(readLine(arrived))) return std::move(*answer);
   }
@@ -39,7 +39,7 @@ std::string VellClient::call(std::string_view method, const std::string& params)
 
 void VellClient::subscribe(std::string_view method, const std::string& params, const EventHandler& onEvent) {
   writeAll(requestLine(nextId_++, method, params));
-  LineFraming arrived;
+  json::LineFraming arrived;
   for (;;) {
     const auto event = Notification::parse(readLine(arrived));
     if (!event) continue;
@@ -48,10 +48,10 @@ void VellClient::subscribe(std::string_view method, const std::string& params, c
   }
 }
 
-json::Text VellClient::readLine(LineFraming& arrived) {
+json::Text VellClient::readLine(json::LineFraming& arrived) {
   for (;;) {
     if (auto line = arrived.next()) return std::move(*line);
-    const LineFraming::Room room = arrived.room();
+    const json::LineFraming::Room room = arrived.room();
     const ssize_t count = ::read(socket_.get(), room.data, room.size);
     if (count <= 0) break;
     arrived.commit(static_cast<std::size_t>(count));

@@ -8,7 +8,7 @@
 
 #include "ipc/application.h"
 #include "ipc/client_error.h"
-#include "ipc/line_framing.h"
+#include "json/line_framing.h"
 #include "platform/descriptor.h"
 
 namespace vell::ipc {
@@ -43,7 +43,7 @@ class VellClient : public Application {
   }
 
   /// The next line. What arrived behind it stays in `arrived`, which lives for one call or subscription.
-  json::Text readLine(LineFraming& arrived);
+  json::Text readLine(json::LineFraming& arrived);
   void writeAll(std::string_view bytes);
 
  private:

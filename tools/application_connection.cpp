@@ -84,7 +84,7 @@ void ApplicationConnection::receive() {
 
 // An answer mostly comes sooner than the system puts this process to sleep and wakes it again: that takes
 // longer than all of the work on both sides.
-std::optional<std::size_t> ApplicationConnection::readSoon(const ipc::LineFraming::Room& room) {
+std::optional<std::size_t> ApplicationConnection::readSoon(const json::LineFraming::Room& room) {
   static constexpr std::chrono::microseconds longest{50};
   const auto end = std::chrono::steady_clock::now() + longest;
   auto count = readNow(room);
@@ -95,7 +95,7 @@ std::optional<std::size_t> ApplicationConnection::readSoon(const ipc::LineFramin
   return count;
 }
 
-std::optional<std::size_t> ApplicationConnection::readNow(const ipc::LineFraming::Room& room) {
+std::optional<std::size_t> ApplicationConnection::readNow(const json::LineFraming::Room& room) {
   std::error_code error;
   const std::size_t count = socket_.read_some(asio::buffer(room.data, room.size), error);
   if (error == asio::error::would_block) return std::nullopt;

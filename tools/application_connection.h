@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "ipc/client_error.h"
-#include "ipc/line_framing.h"
+#include "json/line_framing.h"
 #include "json/text.h"
 #include "platform/descriptor.h"
 
@@ -46,9 +46,9 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   /// Takes in what has come, and what comes at once; the loop watches for the rest.
   void receive();
   /// How many bytes were read, 0 at the end of the connection; none where none have come.
-  std::optional<std::size_t> readNow(const ipc::LineFraming::Room& room);
+  std::optional<std::size_t> readNow(const json::LineFraming::Room& room);
   /// The same, but waits for some microseconds, awake.
-  std::optional<std::size_t> readSoon(const ipc::LineFraming::Room& room);
+  std::optional<std::size_t> readSoon(const json::LineFraming::Room& room);
   void watch();
   void takeIn(std::size_t count);
   void finish();
@@ -58,7 +58,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   asio::steady_timer retry_;
   std::string socketPath_;
   Handler handler_;
-  ipc::LineFraming arrived_;
+  json::LineFraming arrived_;
   std::string writing_;  // handed to the loop, untouched until it is written
   std::string waiting_;
   bool asked_ = false;     // whether something was sent since the last line came

@@ -1,9 +1,9 @@
-#include "ipc/line_framing.h"
+#include "json/line_framing.h"
 
 #include <algorithm>
 #include <utility>
 
-namespace vell::ipc {
+namespace vell::json {
 
 static constexpr std::size_t smallestRead = 4096;
 static constexpr std::size_t largestRead = 1 << 20;
@@ -19,7 +19,7 @@ void LineFraming::feed(std::string_view bytes) {
   bytes_.append(bytes);
 }
 
-std::optional<json::Text> LineFraming::next() {
+std::optional<Text> LineFraming::next() {
   const std::size_t lineFeed = bytes_.view().find('\n', scanned_);
   if (lineFeed == std::string_view::npos) {
     scanned_ = bytes_.size();
@@ -28,22 +28,22 @@ std::optional<json::Text> LineFraming::next() {
   return take(lineFeed);
 }
 
-std::optional<json::Text> LineFraming::finish() {
+std::optional<Text> LineFraming::finish() {
   if (start_ == bytes_.size()) return std::nullopt;
   return take(bytes_.size());
 }
 
-// Whichever is shorter, the line or what lies behind it, is copied; the other keeps its bytes where they are.
-json::Text LineFraming::take(std::size_t end) {
+// Copies the line or what lies behind it, whichever is shorter; the other keeps its bytes.
+Text LineFraming::take(std::size_t end) {
   const std::size_t behind = std::min(end + 1, bytes_.size());
   const std::string_view line = bytes_.view().substr(start_, end - start_);
   const std::string_view rest = bytes_.view().substr(behind);
   if (start_ > 0 || line.size() < rest.size()) {
     start_ = scanned_ = behind;
-    return json::Text(line);
+    return Text(line);
   }
-  json::Text kept = rest.empty() ? json::Text() : json::Text(rest);
-  json::Text whole = std::exchange(bytes_, std::move(kept));
+  Text kept = rest.empty() ? Text() : Text(rest);
+  Text whole = std::exchange(bytes_, std::move(kept));
   whole.truncate(end);
   start_ = scanned_ = 0;
   return whole;
@@ -51,9 +51,9 @@ json::Text LineFraming::take(std::size_t end) {
 
 void LineFraming::dropTaken() {
   if (start_ == 0) return;
-  bytes_ = json::Text(bytes_.view().substr(start_));
+  bytes_ = Text(bytes_.view().substr(start_));
   scanned_ -= start_;
   start_ = 0;
 }
 
-}  // namespace vell::ipc
+}  // namespace vell::json

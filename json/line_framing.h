@@ -6,9 +6,9 @@
 
 #include "json/text.h"
 
-namespace vell::ipc {
+namespace vell::json {
 
-/// Splits a stream of bytes into lines. It knows no descriptor: whoever reads puts the bytes in, either
+/// Splits a stream of bytes into lines, each of which holds one JSON text. The caller reads the bytes, either
 /// straight into `room()` or through `feed`, and takes the lines out. Linear in the bytes, whatever the
 /// length of the lines and however they arrive.
 class LineFraming {
@@ -25,17 +25,19 @@ class LineFraming {
   void feed(std::string_view bytes);
 
   /// The next whole line without its line feed; none until more bytes arrive.
-  std::optional<json::Text> next();
+  std::optional<Text> next();
   /// At the end of the stream, after `next` gave none: the bytes behind the last line feed, if any.
-  std::optional<json::Text> finish();
+  std::optional<Text> finish();
+  /// How many bytes no line was made of yet.
+  std::size_t pending() const { return bytes_.size() - start_; }
 
  private:
-  json::Text take(std::size_t end);
+  Text take(std::size_t end);
   void dropTaken();
 
-  json::Text bytes_;
+  Text bytes_;
   std::size_t start_ = 0;    // where the line that is arriving begins
   std::size_t scanned_ = 0;  // no line feed lies between `start_` and here
 };
 
-}  // namespace vell::ipc
+}  // namespace vell::json

@@ -1,4 +1,4 @@
-#include "ipc/line_framing.h"
+#include "json/line_framing.h"
 
 #include <gmock/gmock.h>
 
@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-namespace vell::ipc {
+namespace vell::json {
 namespace {
 
 struct Case {
@@ -59,6 +59,7 @@ TEST(LineFraming, SplitsHoweverTheBytesArrive) {
     EXPECT_EQ(fedLines, row.lines) << row.name;
     EXPECT_EQ(bytewiseLines, row.lines) << row.name << ", byte by byte";
     for (LineFraming* framing : {&fed, &bytewise}) {
+      EXPECT_EQ(framing->pending(), row.leftover.size()) << row.name;
       const auto leftover = framing->finish();
       EXPECT_EQ(leftover ? leftover->view() : "", row.leftover) << row.name;
       EXPECT_FALSE(framing->finish()) << row.name;
@@ -85,4 +86,4 @@ TEST(LineFraming, ReadsGrowWithTheLineAndAreSmallAgainBehindIt) {
 }
 
 }  // namespace
-}  // namespace vell::ipc
+}  // namespace vell::json
