@@ -1,7 +1,7 @@
 #include "cli/row_options.h"
 
-#include "json/document.h"
 #include "json/error.h"
+#include "json/rewrite.h"
 
 namespace vell::cli {
 namespace {
@@ -13,12 +13,13 @@ std::string_view trimmed(std::string_view text) {
   return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
-bool isJsonArray(std::string_view text) {
-  if (!text.starts_with('[')) return false;
+/// The styled runs that the text is a JSON array of; none for other texts.
+std::optional<ipc::StyledRuns> styledRuns(std::string_view text) {
+  if (!text.starts_with('[')) return std::nullopt;
   try {
-    return json::Document(json::Text(text)).root().kind() == json::Kind::array;
+    return ipc::StyledRuns{json::rewrite(text, json::Layout::compact)};
   } catch (const json::ParseError&) {
-    return false;
+    return std::nullopt;
   }
 }
 
@@ -43,8 +44,7 @@ std::optional<Attributes> parseAttrs(const std::vector<std::string>& set,
 }
 
 ipc::RowText parseTextInput(const std::string& value) {
-  const std::string_view text = trimmed(value);
-  if (isJsonArray(text)) return ipc::StyledRuns{std::string(text)};
+  if (auto runs = styledRuns(trimmed(value))) return std::move(*runs);
   return value;
 }
 

@@ -3,6 +3,7 @@
 #include "ipc/client_error.h"
 #include "json/error.h"
 #include "json/rewrite.h"
+#include "json/writer.h"
 
 namespace vell::ipc {
 
@@ -47,10 +48,12 @@ std::unique_ptr<json::Document> parseEvent(json::Text line) {
 }  // namespace
 
 std::string requestLine(std::int64_t id, std::string_view method, std::string_view params) {
-  std::string line = R"({"id":)" + std::to_string(id) + R"(,"jsonrpc":"2.0","method":")";
-  line.append(method).append("\"");
-  if (!params.empty()) line.append(R"(,"params":)").append(params);
-  return line.append("}\n");
+  std::string line;
+  json::Writer writer(line);
+  writer.beginObject().member("id", id).member("jsonrpc", "2.0").member("method", method);
+  if (!params.empty()) writer.key("params").raw(params);
+  writer.endObject();
+  return line += '\n';
 }
 
 std::optional<Answer> Answer::parse(json::Text line) {
@@ -62,7 +65,7 @@ std::optional<Answer> Answer::parse(json::Text line) {
   throwIfError(*message);
   if (!message->root().find("id")) return std::nullopt;
   if (const auto result = message->root().find("result")) return Answer(std::move(message), *result);
-  auto null = std::make_unique<json::Document>(json::Text("null"));
+  auto null = std::make_unique<json::Document>("null");
   const json::Node root = null->root();
   return Answer(std::move(null), root);
 }

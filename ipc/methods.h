@@ -136,7 +136,7 @@ struct RowCreateMany {
   std::string toJson() const;
 };
 
-/// The text of a JSON array of styled runs, `[{"string": …, "attrs": …}]`.
+/// A JSON array of styled runs, `[{"attrs":…,"string":…}]`: compact text with sorted keys.
 struct StyledRuns {
   std::string json;
 };
@@ -152,8 +152,8 @@ struct RowUpdate {
   std::optional<RowText> append = {};
   std::optional<RowText> prepend = {};
   std::optional<std::string> type = {};
-  std::optional<std::map<std::string, std::optional<std::string>>> attributes =
-      {};                                        // without a value: removed
+  /// An attribute without a value is removed.
+  std::optional<std::map<std::string, std::optional<std::string>>> attributes = {};
   std::optional<std::string> persistentId = {};  // for exactly one row
   std::string toJson() const;
 };

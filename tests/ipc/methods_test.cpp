@@ -7,7 +7,7 @@ namespace {
 
 const RowUpdate update{.rows = {"1", "@focused"},
                        .text = "**x**",
-                       .append = StyledRuns{R"([ {"string": "y", "attrs": {"em": ""}} ])"},
+                       .append = StyledRuns{R"([{"attrs":{"em":""},"string":"y"}])"},
                        .prepend = "",
                        .attributes = {{{"color", "red"}, {"due", std::nullopt}}}};
 
