@@ -30,7 +30,7 @@ class Node {
  public:
   Kind kind() const;
   /// Bytes from the start of the text to the value.
-  std::size_t offset() const { return index_->begin(token_); }
+  std::size_t offset() const { return index_->begin(entry_); }
 
   /// An object's member of that name, the last one where the name is repeated.
   std::optional<Node> find(std::string_view key) const;
@@ -50,10 +50,10 @@ class Node {
  private:
   friend class Document;
   friend class Reprinter;
-  Node(const Index& index, std::uint32_t token) : index_(&index), token_(token) {}
+  Node(const Index& index, std::uint32_t entry) : index_(&index), entry_(entry) {}
 
   const Index* index_;
-  std::uint32_t token_;
+  std::uint32_t entry_;
 };
 
 /// A member of an object.
@@ -62,7 +62,7 @@ struct Member {
   Node value;
 };
 
-/// A JSON text and the index of its tokens: no tree is built, values stay slices of the text.
+/// A JSON text and its index: no tree is built, values stay slices of the text.
 class Document {
  public:
   /// Checks the whole text. Throws ParseError.

@@ -26,7 +26,7 @@ std::uint64_t prefixOf(std::string_view key) {
 class Sorter {
  public:
   Sorter(const Index& index, std::uint32_t object) : index_(index) {
-    for (std::uint32_t key = object + 1; key < index.end(object); key = index.next(key + 1)) {
+    for (std::uint32_t key = object + 1; key < index.containerEnd(object); key = index.next(key + 1)) {
       members_.push_back({meaningOf(key), key});
     }
     std::stable_sort(members_.begin(), members_.end(),
@@ -37,14 +37,14 @@ class Sorter {
   void append(std::vector<std::uint32_t>& keys) const {
     for (std::size_t i = 0; i < members_.size(); ++i) {
       if (i + 1 < members_.size() && members_[i].key == members_[i + 1].key) continue;
-      keys.push_back(members_[i].token);
+      keys.push_back(members_[i].entry);
     }
   }
 
  private:
   struct Member {
     std::string_view key;
-    std::uint32_t token;
+    std::uint32_t entry;
   };
 
   std::string_view meaningOf(std::uint32_t key) {
@@ -73,7 +73,7 @@ void MemberOrder::append(std::uint32_t object, std::vector<std::uint32_t>& keys)
 bool MemberOrder::gather(std::uint32_t object) {
   count_ = 0;
   hash_ = 0;
-  const std::uint32_t end = index_.end(object);
+  const std::uint32_t end = index_.containerEnd(object);
   for (std::uint32_t key = object + 1; key < end; key = index_.next(key + 1)) {
     if (count_ == mostKnown || index_.hasEscapes(key)) return false;
     const std::uint64_t prefix = prefixOf(index_.rawString(key));

@@ -12,7 +12,7 @@ namespace vell::json {
 /// Escaped: the text is the inside of a string.
 enum class Quotes { plain, escaped };
 
-/// Walks the tokens with a stack of its own: depth costs memory, never the call stack. The place to write to
+/// Walks the entries with a stack of its own: depth costs memory, never the call stack. The place to write to
 /// travels through the functions, since in memory it would be stored and loaded for each piece.
 class Reprinter {
  public:
@@ -22,12 +22,12 @@ class Reprinter {
         indented_(layout == Layout::indented),
         escaped_(quotes == Quotes::escaped),
         out_(sink) {
-    begin(out_.at(), value.token_);
+    begin(out_.at(), value.entry_);
   }
 
   static void meaning(const Node& string, Sink& sink) {
-    const std::string_view raw = string.index_->rawString(string.token_);
-    string.index_->hasEscapes(string.token_) ? writeDecoded(raw, sink) : sink.write(raw);
+    const std::string_view raw = string.index_->rawString(string.entry_);
+    string.index_->hasEscapes(string.entry_) ? writeDecoded(raw, sink) : sink.write(raw);
   }
 
   void run() {
@@ -37,7 +37,7 @@ class Reprinter {
  private:
   struct Container {
     bool isObject;
-    std::size_t first;  // of an object, places in keys_; of an array, tokens
+    std::size_t first;  // of an object, places in keys_; of an array, entries
     std::size_t next;
     std::size_t end;
   };
@@ -60,25 +60,25 @@ class Reprinter {
     Container& array = open_.back();
     while (array.next != array.end) {
       at = lead(at, array);
-      const auto token = static_cast<std::uint32_t>(array.next);
-      array.next = index_.next(token);
-      if (index_.isContainer(token)) return begin(at, token);
-      at = plain(at, token);
+      const auto entry = static_cast<std::uint32_t>(array.next);
+      array.next = index_.next(entry);
+      if (index_.isContainer(entry)) return begin(at, entry);
+      at = plain(at, entry);
     }
     close(at, array, ']');
   }
 
-  void begin(char* at, std::uint32_t token) {
-    if (!index_.isContainer(token)) {
-      plain(at, token);
-    } else if (index_.first(token) == '{') {
+  void begin(char* at, std::uint32_t entry) {
+    if (!index_.isContainer(entry)) {
+      plain(at, entry);
+    } else if (index_.firstByte(entry) == '{') {
       put(at, '{');
       const std::size_t first = keys_.size();
-      order_.append(token, keys_);
+      order_.append(entry, keys_);
       open_.push_back({true, first, first, keys_.size()});
     } else {
       put(at, '[');
-      open_.push_back({false, token + 1, token + 1, index_.end(token)});
+      open_.push_back({false, entry + 1, entry + 1, index_.containerEnd(entry)});
     }
   }
 
@@ -124,25 +124,25 @@ class Reprinter {
   }
 
   /// Writes a value that is no container.
-  char* plain(char* at, std::uint32_t token) {
-    return index_.first(token) == '"' ? string(at, token) : copy(at, index_.scalar(token));
+  char* plain(char* at, std::uint32_t entry) {
+    return index_.firstByte(entry) == '"' ? string(at, entry) : copy(at, index_.scalar(entry));
   }
 
-  char* string(char* at, std::uint32_t token) {
-    if (escaped_) return escapedString(at, token);
-    if (!index_.hasEscapes(token)) return copy(at, index_.quotedString(token));
+  char* string(char* at, std::uint32_t entry) {
+    if (escaped_) return escapedString(at, entry);
+    if (!index_.hasEscapes(entry)) return copy(at, index_.quotedString(entry));
     scratch_.assign(1, '"');
-    appendNormalized(index_.rawString(token), scratch_);
+    appendNormalized(index_.rawString(entry), scratch_);
     scratch_.push_back('"');
     out_.write(scratch_);
     return out_.at();
   }
 
-  char* escapedString(char* at, std::uint32_t token) {
+  char* escapedString(char* at, std::uint32_t entry) {
     at = escapedQuote(at);
-    if (!index_.hasEscapes(token)) return escapedQuote(copy(at, index_.rawString(token)));
+    if (!index_.hasEscapes(entry)) return escapedQuote(copy(at, index_.rawString(entry)));
     scratch_.clear();
-    appendNormalized(index_.rawString(token), scratch_);
+    appendNormalized(index_.rawString(entry), scratch_);
     for (const char byte : scratch_) {
       if (byte == '"' || byte == '\\') at = put(at, '\\');
       at = put(at, byte);

@@ -11,8 +11,8 @@
 
 namespace vell::json {
 
-/// Appends one JSON text without blanks to a string. Members stand in the order in which they are written: the
-/// caller sorts them. Commas come of themselves; whether brackets match and each key has a value is not
+/// Appends one JSON text without blanks to a string. Members stand in the order in which they are written:
+/// the caller sorts them. Commas come of themselves; whether brackets match and each key has a value is not
 /// checked.
 class Writer {
  public:

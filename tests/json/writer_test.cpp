@@ -22,9 +22,8 @@ TEST(Writer, PutsCommasBetweenMembersAndElements) {
   writer.key("names").array(std::vector<std::string>{"p", "q"});
   writer.memberIfAny("left out", std::optional<int>()).memberIfAny("kept", std::optional(false));
   writer.member("null", std::optional<int>()).member("last", std::int64_t{INT64_MIN}).endObject();
-  EXPECT_EQ(out,
-            R"(line {"empty":{},"list":[1,[],{"a":"b"},null,{"x":[]},true],"names":["p","q"],)"
-            R"("kept":false,"null":null,"last":-9223372036854775808})");
+  EXPECT_EQ(out, R"(line {"empty":{},"list":[1,[],{"a":"b"},null,{"x":[]},true],"names":["p","q"],)"
+                 R"("kept":false,"null":null,"last":-9223372036854775808})");
 }
 
 TEST(Writer, EscapesStrings) {
@@ -53,9 +52,9 @@ TEST(Writer, WritesDoublesThatReadBackTheSame) {
     double number;
     const char* text;
   } rows[] = {
-      {0.0, "0.0"},       {-0.0, "-0.0"},        {1.0, "1.0"},   {1000.0, "1000.0"},
-      {0.1, "0.1"},       {-2.5e-7, "-2.5e-07"}, {1e100, "1e+100"}, {0.30000000000000004, "0.30000000000000004"},
-      {NAN, "null"},      {-INFINITY, "null"},
+      {0.0, "0.0"},  {-0.0, "-0.0"},        {1.0, "1.0"},      {1000.0, "1000.0"},
+      {0.1, "0.1"},  {-2.5e-7, "-2.5e-07"}, {1e100, "1e+100"}, {0.30000000000000004, "0.30000000000000004"},
+      {NAN, "null"}, {-INFINITY, "null"},
   };
   for (const auto& row : rows) {
     std::string text;
