@@ -9,12 +9,7 @@
 namespace vell::bench {
 namespace {
 
-struct Result {
-  double seconds;
-  double peakBytes;
-};
-
-Result measure(Table& table, std::size_t megabytes, int rounds) {
+void measure(Table& table, std::size_t megabytes, int rounds) {
   const Stage stage;
   const std::string answer = stage.path("answer");
   const double bytes = static_cast<double>(writeOutline(answer, megabytes * 1'000'000));
@@ -33,20 +28,18 @@ Result measure(Table& table, std::size_t megabytes, int rounds) {
                               {"nlohmann-json", process({program("nlohmann_rewrite"), answer}), 2},
                               {"cp", process({"cp", answer, stage.path("copy")})}},
                              rounds);
-  const std::string work = "get outline, " + std::to_string(megabytes) + " MB, keys unsorted";
-  table.add({work, times[0], "jq -S", times[1], atLeast(15)});
+  const std::string work = "get outline, " + std::to_string(megabytes) + " MB, keys shuffled";
+  table.add({work, times[0], "jq -S", times[1], atLeast(10)});
   table.add({work, times[0], "nlohmann-json parse and dump", times[2], {}});
-  table.add({work, times[0], "cp of the answer", times[3], atMost(4)});
+  table.add({work, times[0], "cp of the answer", times[3], atMost(7)});
   table.add({"  its peak memory", peak, "size of the answer (peak memory)", bytes, atMost(2.5), Unit::bytes});
-  return {times[0], peak};
 }
 
 }  // namespace
 
 void getOutline(Table& table) {
-  const Result small = measure(table, 20, 15);
-  const Result large = measure(table, 100, 7);
-  table.add({"get outline, 100 MB", large.seconds, "20 MB", small.seconds, atMost(5.2)});
+  measure(table, 20, 15);
+  measure(table, 100, 7);
 }
 
 }  // namespace vell::bench
