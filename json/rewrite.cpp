@@ -2,12 +2,49 @@
 
 #include <algorithm>
 #include <cstring>
+#include <deque>
+#include <string_view>
+#include <utility>
 #include <vector>
 
-#include "json/member_order.h"
 #include "json/strings.h"
 
 namespace vell::json {
+namespace {
+
+/// Puts the members of objects in the byte order of their keys.
+class KeySorter {
+ public:
+  explicit KeySorter(const Index& index) : index_(index) {}
+
+  /// Appends the keys of an object's members in their order; of repeated keys only the last.
+  void append(std::uint32_t object, std::vector<std::uint32_t>& sorted) {
+    keys_.clear();
+    decoded_.clear();
+    for (std::uint32_t key = object + 1; key < index_.containerEnd(object); key = index_.next(key + 1)) {
+      keys_.push_back({textOf(key), key});
+    }
+    std::sort(keys_.begin(), keys_.end());
+    for (std::size_t i = 0; i < keys_.size(); ++i) {
+      const bool comesAgain = i + 1 < keys_.size() && keys_[i].first == keys_[i + 1].first;
+      if (!comesAgain) sorted.push_back(keys_[i].second);
+    }
+  }
+
+ private:
+  std::string_view textOf(std::uint32_t key) {
+    const std::string_view raw = index_.rawString(key);
+    if (!index_.hasEscapes(key)) return raw;
+    appendDecoded(raw, LoneSurrogate::kept, decoded_.emplace_back());
+    return decoded_.back();
+  }
+
+  const Index& index_;
+  std::vector<std::pair<std::string_view, std::uint32_t>> keys_;  // of the object at hand: text, entry
+  std::deque<std::string> decoded_;                               // the texts of keys with escapes
+};
+
+}  // namespace
 
 /// Escaped: the text is the inside of a string.
 enum class Quotes { plain, escaped };
@@ -18,7 +55,7 @@ class Reprinter {
  public:
   Reprinter(const Node& value, Layout layout, Quotes quotes, Sink& sink)
       : index_(*value.index_),
-        order_(index_),
+        sorter_(index_),
         indented_(layout == Layout::indented),
         escaped_(quotes == Quotes::escaped),
         out_(sink) {
@@ -74,7 +111,7 @@ class Reprinter {
     } else if (index_.firstByte(entry) == '{') {
       put(at, '{');
       const std::size_t first = keys_.size();
-      order_.append(entry, keys_);
+      sorter_.append(entry, keys_);
       open_.push_back({true, first, first, keys_.size()});
     } else {
       put(at, '[');
@@ -171,7 +208,7 @@ class Reprinter {
   }
 
   const Index& index_;
-  MemberOrder order_;
+  KeySorter sorter_;
   const bool indented_;
   const bool escaped_;
   Sink& out_;
