@@ -7,13 +7,13 @@
 
 namespace vell::ipc {
 
-/// Something that can call the application: a connection of one's own, or the one that a process shares.
+/// Something that can call the application: a connection of one's own, or the one that `vell mcp` shares.
 class Application {
  public:
   virtual ~Application() = default;
 
   /// Sends one request and waits for its answer, however long it takes. `params` is JSON text; empty
-  /// sends none.
+  /// sends none. Throws ClientError, and json::ParseError where the application sends what is not JSON.
   virtual Answer request(std::string_view method, const std::string& params) = 0;
 
   /// The same for one of the records of ipc/methods.h.

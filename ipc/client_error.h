@@ -35,4 +35,12 @@ class ClientError : public std::runtime_error {
   std::int64_t code_;
 };
 
+/// A call over the shared connection of `vell mcp` that failed; its text is the underlying error's.
+class VellIPCError : public std::runtime_error {
+ public:
+  explicit VellIPCError(const ClientError& error) : std::runtime_error(error.what()), underlying(error) {}
+
+  const ClientError underlying;
+};
+
 }  // namespace vell::ipc

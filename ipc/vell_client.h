@@ -13,11 +13,11 @@
 
 namespace vell::ipc {
 
-/// A descriptor connected to the application's socket. One that does not block is there at once, or the
-/// error's code is EAGAIN where the application has more callers waiting than it accepts. Throws ClientError.
+/// Connects a descriptor, blocking or not, to the application's socket. Throws ClientError; without blocking
+/// its code is EAGAIN while the application has more callers waiting than it accepts.
 platform::Descriptor connectToApplication(const std::string& socketPath, bool blocking = true);
 
-/// One open connection to the application, for one user at a time; its owner's destroying it closes it.
+/// One open connection to the application, for one user at a time; closed when it is destroyed.
 /// Everything here throws ClientError, and json::ParseError where the application sends what is not JSON.
 class VellClient : public Application {
  public:

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <thread>
 
-#include "ipc/vell_ipc.h"
+#include "ipc/client_error.h"
 #include "outlines/location.h"
 #include "outlines/open_error.h"
 #include "platform/files.h"
@@ -40,8 +40,6 @@ std::optional<ipc::Answer> find(ipc::Application& application, const Record& whe
     if (persistentIdOf(answer)) return answer;
   } catch (const ipc::ClientError& error) {
     throwUnlessNotOpen(error);
-  } catch (const ipc::VellIPCError& error) {
-    throwUnlessNotOpen(error.underlying);
   }
   return std::nullopt;
 }

@@ -18,27 +18,20 @@ struct OutlineResource {
   std::string persistentId;
 };
 
-/// Whoever shows the open outlines: the MCP server's resources.
-class OutlineBoard {
- public:
-  virtual ~OutlineBoard() = default;
-  /// Takes resources away, then adds others: one change, never empty. A renamed outline is in both lists.
-  virtual void change(const std::vector<std::string>& removedURIs,
-                      const std::vector<OutlineResource>& added) = 0;
-  virtual void frontmostChanged() = 0;
+/// What became different between two states of the open outlines. A renamed outline is removed and added.
+struct OutlineChanges {
+  std::vector<std::string> removedURIs;
+  std::vector<OutlineResource> added;
+  bool frontmost = false;
 };
 
-/// Keeps a board equal to the outlines that are open in the application.
+/// Remembers which outlines are open in the application.
 class OutlineTracker {
  public:
-  /// The board must outlive the tracker.
-  explicit OutlineTracker(OutlineBoard& board) : board_(board) {}
-
-  /// Takes in the open outlines, frontmost first, and tells the board what changed, if anything did.
-  void reconcile(const std::vector<ipc::OutlineSummary>& open);
+  /// Takes the outlines that are open now, frontmost first. Returns what changed.
+  OutlineChanges reconcile(const std::vector<ipc::OutlineSummary>& open);
 
  private:
-  OutlineBoard& board_;
   std::map<std::string, std::string> registered_;  // names by URI
   std::optional<std::string> lastFrontmostPid_;
 };

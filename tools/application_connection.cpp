@@ -1,6 +1,5 @@
 #include "tools/application_connection.h"
 
-#include <fcntl.h>
 #include <sys/socket.h>
 
 #include <asio/buffer.hpp>
@@ -12,7 +11,7 @@
 #include <thread>
 #include <utility>
 
-#include "platform/socket.h"
+#include "ipc/vell_client.h"
 
 namespace vell::tools {
 
@@ -31,16 +30,14 @@ ApplicationConnection::ApplicationConnection(asio::io_context& loop, std::string
 
 void ApplicationConnection::connect() {
   if (!open_) return;
-  platform::Descriptor descriptor = platform::openStreamSocket();
-  if (!descriptor) return end(ClientError::socketCreate(errno));
-  const auto address = platform::socketAddress(socketPath_);
-  if (!address) return end(ClientError::pathTooLong(socketPath_));
-  ::fcntl(descriptor.get(), F_SETFL, O_NONBLOCK);
-  if (platform::connectSocket(descriptor.get(), *address) == 0) return connected(std::move(descriptor));
-  if (errno != EAGAIN && errno != EINTR) return end(ClientError::connect(errno, socketPath_));
-  // The application has more callers waiting than it takes in: a busy one, not one that is gone.
-  retry_.expires_after(std::chrono::milliseconds(20));
-  retry_.async_wait([self = shared_from_this()](std::error_code) { self->connect(); });
+  try {
+    connected(ipc::connectToApplication(socketPath_, /*blocking=*/false));
+  } catch (const ClientError& error) {
+    if (error.code() != EAGAIN) return end(error);
+    // The application has more callers waiting than it accepts: it is busy and not gone.
+    retry_.expires_after(std::chrono::milliseconds(20));
+    retry_.async_wait([self = shared_from_this()](std::error_code) { self->connect(); });
+  }
 }
 
 void ApplicationConnection::connected(platform::Descriptor descriptor) {
@@ -55,7 +52,7 @@ void ApplicationConnection::send(std::string_view bytes) {
   asked_ = true;
   if (!socket_.is_open()) return;
   if (writing_.empty()) write();
-  if (!takesIn_) asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
+  if (!processing_) asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
 }
 
 void ApplicationConnection::write() {
@@ -78,7 +75,7 @@ void ApplicationConnection::receive() {
   const auto count = asked_ ? readSoon(room) : readNow(room);
   if (!count) return watch();
   if (*count == 0) return finish();
-  takeIn(*count);
+  processLines(*count);
   asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
 }
 
@@ -111,8 +108,8 @@ void ApplicationConnection::watch() {
   });
 }
 
-void ApplicationConnection::takeIn(std::size_t count) {
-  takesIn_ = true;
+void ApplicationConnection::processLines(std::size_t count) {
+  processing_ = true;
   arrived_.commit(count);
   while (open_) {
     auto line = arrived_.next();
@@ -120,8 +117,8 @@ void ApplicationConnection::takeIn(std::size_t count) {
     asked_ = false;
     handler_.onLine(std::move(*line));
   }
-  if (open_) handler_.onLinesTakenIn();
-  takesIn_ = false;
+  if (open_) handler_.onLinesProcessed();
+  processing_ = false;
 }
 
 void ApplicationConnection::finish() {
@@ -143,7 +140,7 @@ void ApplicationConnection::close() {
 }
 
 bool ApplicationConnection::peerIsGone() {
-  if (!socket_.is_open() || takesIn_) return false;
+  if (!socket_.is_open() || processing_) return false;
   char byte;
   const ssize_t count = ::recv(socket_.native_handle(), &byte, 1, MSG_PEEK | MSG_DONTWAIT);
   return count == 0 || (count < 0 && errno != EAGAIN && errno != EINTR);

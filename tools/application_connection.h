@@ -23,7 +23,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
     /// For each line, the last one also where it has no line feed.
     std::function<void(json::Text line)> onLine;
     /// After the last of the lines that came together.
-    std::function<void()> onLinesTakenIn = [] {};
+    std::function<void()> onLinesProcessed = [] {};
     /// Called once, last, unless the connection was closed from here: it could not be made, or has ended.
     std::function<void(const ipc::ClientError& error)> onEnd;
   };
@@ -36,21 +36,21 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
 
   void send(std::string_view bytes);
   void close();
-  /// Whether the application has left although the loop has not come round to saying so.
+  /// Whether the application has left, also where the loop has not told yet.
   bool peerIsGone();
 
  private:
   void connect();
   void connected(platform::Descriptor descriptor);
   void write();
-  /// Takes in what has come, and what comes at once; the loop watches for the rest.
+  /// Processes what has come, and what comes at once; the loop watches for the rest.
   void receive();
   /// How many bytes were read, 0 at the end of the connection; none where none have come.
   std::optional<std::size_t> readNow(const json::LineFraming::Room& room);
   /// The same, but waits for some microseconds, awake.
   std::optional<std::size_t> readSoon(const json::LineFraming::Room& room);
   void watch();
-  void takeIn(std::size_t count);
+  void processLines(std::size_t count);
   void finish();
   void end(const ipc::ClientError& error);
 
@@ -61,9 +61,9 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   json::LineFraming arrived_;
   std::string writing_;  // handed to the loop, untouched until it is written
   std::string waiting_;
-  bool asked_ = false;     // whether something was sent since the last line came
-  bool takesIn_ = false;   // whether lines are being handed over, so that the peer was there just now
-  bool watching_ = false;  // whether the loop will say when there is something to read
+  bool asked_ = false;       // whether something was sent since the last line came
+  bool processing_ = false;  // whether lines are being handed over, so that the peer was there just now
+  bool watching_ = false;    // whether the loop will say when there is something to read
   bool open_ = true;
 };
 

@@ -3,6 +3,7 @@
 #include <cstdint>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "ipc/methods.h"
@@ -67,6 +68,23 @@ struct McpTextInput {
 /// The field of a record's place.
 inline auto inPlace(std::optional<std::string> ipc::RowPlace::*field) {
   return [field](auto& record) -> std::optional<std::string>& { return record.place.*field; };
+}
+
+/// Adds where new rows go: the outline and the place in it. `siblingRef` says what names a sibling.
+template <class Record>
+mcp::Parameters<Record> withPlace(mcp::Parameters<Record> parameters, const std::string& siblingRef) {
+  const std::string behind =
+      " this sibling row (" + siblingRef + "). Takes precedence over `parent`+`position`.";
+  return std::move(parameters)
+      .optional("outline", &Record::outline, "Optional outline persistent id (default: frontmost).")
+      .optional("parent", inPlace(&ipc::RowPlace::parent),
+                "Optional parent row id (row ref: session id, persistent id, `@selection`, or `@focused`). "
+                "Defaults to the outline root.")
+      .template optional<Position>(
+          "position", inPlace(&ipc::RowPlace::position),
+          "Where among the parent's children: `start`, `end` (default), or an integer index.")
+      .optional("before", inPlace(&ipc::RowPlace::before), "Insert before" + behind)
+      .optional("after", inPlace(&ipc::RowPlace::after), "Insert after" + behind);
 }
 
 }  // namespace vell::tools

@@ -10,8 +10,8 @@ namespace vell::tools {
 static bool meansNotRunning(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
-  } catch (const ipc::ClientError& error) {
-    return error.meansNotRunning();
+  } catch (const ipc::VellIPCError& error) {
+    return error.underlying.meansNotRunning();
   } catch (const std::exception&) {
     return false;
   }
@@ -39,8 +39,7 @@ void forward(const Services& services, std::string method, std::string params, c
   const auto ticket = services.application.call(
       std::move(method), std::move(params),
       [call, whenNotRunning](const Outcome& outcome) { answer(call, outcome, whenNotRunning); });
-  call->request().onCancelled(
-      [&application = services.application, ticket] { application.withdraw(ticket); });
+  call->request().onCancelled([&application = services.application, ticket] { application.cancel(ticket); });
 }
 
 void open(const Services& services, Openings::Work work, const mcp::ToolCallPtr& call) {

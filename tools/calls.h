@@ -4,15 +4,15 @@
 #include <string>
 
 #include "mcp/tool.h"
-#include "tools/application_link.h"
 #include "tools/openings.h"
+#include "tools/vell_ipc.h"
 
 /// The two ways in which a tool gets its answer from the application.
 namespace vell::tools {
 
 /// What tools and resources work with.
 struct Services {
-  ApplicationLink& application;
+  VellIPC& application;
   Openings& openings;
 };
 

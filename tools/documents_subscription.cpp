@@ -9,8 +9,8 @@
 namespace vell::tools {
 
 DocumentsSubscription::DocumentsSubscription(asio::io_context& loop, std::string socketPath,
-                                             outlines::OutlineBoard& board)
-    : loop_(loop), socketPath_(std::move(socketPath)), tracker_(board), retry_(loop) {}
+                                             ChangeHandler onChange)
+    : loop_(loop), socketPath_(std::move(socketPath)), onChange_(std::move(onChange)), retry_(loop) {}
 
 void DocumentsSubscription::start() {
   using ipc::DocumentsObserve;
@@ -25,7 +25,7 @@ void DocumentsSubscription::stop() {
   if (const auto connection = std::exchange(connection_, nullptr)) connection->close();
 }
 
-// Whatever comes that cannot be understood ends this subscription; the next one starts afresh.
+// A line that cannot be understood ends this subscription; the next one begins with a whole list.
 void DocumentsSubscription::onLine(json::Text line) {
   try {
     const auto event = ipc::Notification::parse(std::move(line));
@@ -33,7 +33,7 @@ void DocumentsSubscription::onLine(json::Text line) {
     if (event->closesSubscription()) return onEnd();
     const auto data = event->params().find("data");
     if (!data) return;
-    tracker_.reconcile(ipc::decodeOutlineSummaries(*data));
+    reconcile(ipc::decodeOutlineSummaries(*data));
     delay_.reset();
   } catch (const std::exception&) {
     onEnd();
@@ -42,7 +42,7 @@ void DocumentsSubscription::onLine(json::Text line) {
 
 void DocumentsSubscription::onEnd() {
   stop();
-  tracker_.reconcile({});
+  reconcile({});
   retry_.expires_after(delay_.next());
   retry_.async_wait([this](std::error_code cancelled) {
     if (!cancelled) start();

@@ -2,20 +2,23 @@
 
 #include <asio/io_context.hpp>
 #include <asio/steady_timer.hpp>
+#include <functional>
 #include <memory>
 #include <string>
+#include <vector>
 
 #include "outlines/tracking.h"
 #include "tools/application_connection.h"
 
 namespace vell::tools {
 
-/// Follows which outlines are open in the application and keeps a board equal to them, on a connection of its
-/// own. While the application is away nothing is open, and it asks again and again, ever more slowly.
+/// Follows which outlines are open in the application, on a connection of its own. While the application is
+/// away no outline is open, and it asks again and again, ever more slowly.
 class DocumentsSubscription {
  public:
-  /// The board must outlive the subscription.
-  DocumentsSubscription(asio::io_context& loop, std::string socketPath, outlines::OutlineBoard& board);
+  using ChangeHandler = std::function<void(const outlines::OutlineChanges& changes)>;
+
+  DocumentsSubscription(asio::io_context& loop, std::string socketPath, ChangeHandler onChange);
   ~DocumentsSubscription() { stop(); }
   DocumentsSubscription(const DocumentsSubscription&) = delete;
   DocumentsSubscription& operator=(const DocumentsSubscription&) = delete;
@@ -26,9 +29,11 @@ class DocumentsSubscription {
  private:
   void onLine(json::Text line);
   void onEnd();
+  void reconcile(const std::vector<ipc::OutlineSummary>& open) { onChange_(tracker_.reconcile(open)); }
 
   asio::io_context& loop_;
   std::string socketPath_;
+  ChangeHandler onChange_;
   outlines::OutlineTracker tracker_;
   outlines::RetryDelay delay_;
   asio::steady_timer retry_;

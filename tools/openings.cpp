@@ -12,10 +12,10 @@
 
 namespace vell::tools {
 
-/// What the loop and the worker share; the worker's thread keeps it alive. Handlers stay with the loop.
+/// What the loop and the worker share; the worker's thread keeps it alive.
 class Openings::Shared : public ipc::Application, public std::enable_shared_from_this<Shared> {
  public:
-  Shared(asio::io_context& loop, ApplicationLink& link) : loop_(&loop), link_(link) {}
+  Shared(asio::io_context& loop, VellIPC& application) : application_(application), loop_(&loop) {}
 
   // On the loop.
   void add(Ticket ticket, Work work, Handler handler);
@@ -35,13 +35,23 @@ class Openings::Shared : public ipc::Application, public std::enable_shared_from
   std::optional<Job> nextJob();
   Outcome perform(const Job& job);
   void throwIfCancelled(Ticket ticket);
-  void tellOfWaiting(Ticket ticket, double waited, double timeout);
+  void reportWaiting(Ticket ticket, double waited, double timeout);
+  void callForWorker(Ticket ticket, const std::string& method, const std::string& params);
   void answerWorker(Outcome outcome);
   /// Runs the action on the loop, unless that has ended.
   void post(std::function<void()> action);
   void done(Ticket ticket, Outcome outcome);
 
-  std::map<Ticket, Handler> handlers_;  // the loop's own
+  // Used on the loop only.
+  VellIPC& application_;
+  std::map<Ticket, Handler> handlers_;
+  struct Call {
+    Ticket opening;
+    VellIPC::Ticket ticket;
+  };
+  std::optional<Call> call_;  // the one that the worker waits for
+
+  Ticket current_ = 0;  // used on the worker only: the opening that it performs
 
   std::mutex mutex_;  // guards what follows
   std::condition_variable changed_;
@@ -50,9 +60,11 @@ class Openings::Shared : public ipc::Application, public std::enable_shared_from
   std::set<Ticket> cancelled_;
   std::optional<Outcome> answer_;  // to the worker's call
   bool started_ = false;
-
-  ApplicationLink& link_;  // used on the loop only
 };
+
+static std::exception_ptr cancelled() {
+  return std::make_exception_ptr(std::runtime_error("The opening was cancelled"));
+}
 
 void Openings::Shared::add(Ticket ticket, Work work, Handler handler) {
   handlers_.emplace(ticket, std::move(handler));
@@ -64,8 +76,13 @@ void Openings::Shared::add(Ticket ticket, Work work, Handler handler) {
 
 void Openings::Shared::cancel(Ticket ticket) {
   if (handlers_.erase(ticket) == 0) return;
-  const std::lock_guard<std::mutex> lock(mutex_);
-  cancelled_.insert(ticket);
+  {
+    const std::lock_guard<std::mutex> lock(mutex_);
+    cancelled_.insert(ticket);
+  }
+  if (!call_ || call_->opening != ticket) return;
+  application_.cancel(std::exchange(call_, std::nullopt)->ticket);
+  answerWorker(cancelled());
 }
 
 void Openings::Shared::stop() {
@@ -95,8 +112,9 @@ Outcome Openings::Shared::perform(const Job& job) {
   outlines::OpenOptions options;
   options.onPoll = [this, ticket = job.ticket, timeout = options.timeout](double waited) {
     throwIfCancelled(ticket);
-    tellOfWaiting(ticket, waited, timeout);
+    reportWaiting(ticket, waited, timeout);
   };
+  current_ = job.ticket;
   try {
     throwIfCancelled(job.ticket);
     return job.work(*this, options);
@@ -107,10 +125,10 @@ Outcome Openings::Shared::perform(const Job& job) {
 
 void Openings::Shared::throwIfCancelled(Ticket ticket) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!loop_ || cancelled_.count(ticket) > 0) throw std::runtime_error("The opening was cancelled");
+  if (!loop_ || cancelled_.count(ticket) > 0) std::rethrow_exception(cancelled());
 }
 
-void Openings::Shared::tellOfWaiting(Ticket ticket, double waited, double timeout) {
+void Openings::Shared::reportWaiting(Ticket ticket, double waited, double timeout) {
   post([self = shared_from_this(), ticket, waited, timeout] {
     const auto handler = self->handlers_.find(ticket);
     if (handler != self->handlers_.end() && handler->second.onWait) handler->second.onWait(waited, timeout);
@@ -118,8 +136,8 @@ void Openings::Shared::tellOfWaiting(Ticket ticket, double waited, double timeou
 }
 
 ipc::Answer Openings::Shared::request(std::string_view method, const std::string& params) {
-  post([self = shared_from_this(), method = std::string(method), params] {
-    self->link_.call(method, params, [self](Outcome outcome) { self->answerWorker(std::move(outcome)); });
+  post([self = shared_from_this(), ticket = current_, method = std::string(method), params] {
+    self->callForWorker(ticket, method, params);
   });
   std::unique_lock<std::mutex> lock(mutex_);
   changed_.wait(lock, [this] { return !loop_ || answer_; });
@@ -127,8 +145,21 @@ ipc::Answer Openings::Shared::request(std::string_view method, const std::string
   Outcome outcome = std::move(*answer_);
   answer_.reset();
   lock.unlock();
-  if (auto* failure = std::get_if<std::exception_ptr>(&outcome)) std::rethrow_exception(*failure);
-  return std::move(std::get<ipc::Answer>(outcome));
+  if (auto* answer = std::get_if<ipc::Answer>(&outcome)) return std::move(*answer);
+  try {
+    std::rethrow_exception(std::get<std::exception_ptr>(outcome));
+  } catch (const ipc::VellIPCError& error) {
+    throw error.underlying;  // as every Application does
+  }
+}
+
+void Openings::Shared::callForWorker(Ticket ticket, const std::string& method, const std::string& params) {
+  if (handlers_.count(ticket) == 0) return answerWorker(cancelled());
+  const auto onOutcome = [self = shared_from_this()](Outcome outcome) {
+    self->call_.reset();
+    self->answerWorker(std::move(outcome));
+  };
+  call_ = {ticket, application_.call(method, params, onOutcome)};
 }
 
 void Openings::Shared::answerWorker(Outcome outcome) {
@@ -151,8 +182,8 @@ void Openings::Shared::done(Ticket ticket, Outcome outcome) {
   if (!handler.empty()) handler.mapped().onDone(std::move(outcome));
 }
 
-Openings::Openings(asio::io_context& loop, ApplicationLink& link)
-    : shared_(std::make_shared<Shared>(loop, link)) {}
+Openings::Openings(asio::io_context& loop, VellIPC& application)
+    : shared_(std::make_shared<Shared>(loop, application)) {}
 
 Openings::~Openings() { shared_->stop(); }
 

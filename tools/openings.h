@@ -10,12 +10,13 @@
 #include "ipc/application.h"
 #include "ipc/message.h"
 #include "outlines/opening.h"
-#include "tools/application_link.h"
+#include "tools/vell_ipc.h"
 
 namespace vell::tools {
 
 /// Opens outlines, which waits for the application to start and for outlines to appear, on one thread beside
-/// the event loop and one opening after the other. Its calls to the application go through the link.
+/// the event loop and one opening after the other. Its calls to the application go over the shared
+/// connection.
 class Openings {
  public:
   using Ticket = std::uint64_t;
@@ -29,14 +30,15 @@ class Openings {
     std::function<void(double waited, double timeout)> onWait;
   };
 
-  Openings(asio::io_context& loop, ApplicationLink& link);
+  Openings(asio::io_context& loop, VellIPC& application);
   /// Does not wait for the work that is under way.
   ~Openings();
   Openings(const Openings&) = delete;
   Openings& operator=(const Openings&) = delete;
 
   Ticket start(Work work, Handler handler);
-  /// The handler is not called any more; the work ends before its next wait, or is never begun.
+  /// The handler is not called any more. The work ends before its next wait, or is never begun; a call of it
+  /// that waits its turn is never sent.
   void cancel(Ticket ticket);
 
  private:

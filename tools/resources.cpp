@@ -12,6 +12,8 @@ namespace vell::tools {
 
 namespace {
 
+constexpr const char* currentOutlineURI = "vell://current-outline";
+constexpr const char* markdownType = "text/markdown";
 constexpr const char* fileDescription =
     "A `.vell` outline on disk, addressed by its absolute path (percent-encoded into a single URI segment). "
     "Reading the resource auto-launches Vell and opens the file if it isn't already open, then returns the "
@@ -38,8 +40,7 @@ void readOutlineMarkdown(const Services& services, const std::optional<std::stri
   record.outline = persistentId;
   const auto ticket =
       services.application.call(record, [read](const Outcome& outcome) { answer(read, outcome); });
-  read->request().onCancelled(
-      [&application = services.application, ticket] { application.withdraw(ticket); });
+  read->request().onCancelled([&application = services.application, ticket] { application.cancel(ticket); });
 }
 
 void readOpened(const Services& services, const mcp::ResourceReadPtr& read, const Outcome& outcome) {
@@ -58,8 +59,7 @@ std::string variable(const mcp::ResourceReadPtr& read, const std::string& name) 
   throw std::invalid_argument("Missing " + name + " in URI: " + read->uri());
 }
 
-}  // namespace
-
+/// Answers the read with the file's outline; opens it, and the application, where need be.
 void readFile(const Services& services, const std::string& path, const mcp::ResourceReadPtr& read) {
   if (path.find('\0') != std::string::npos) throw std::invalid_argument("A path holds no NUL character");
   const auto open = [path](ipc::Application& application, const outlines::OpenOptions& options) {
@@ -73,10 +73,20 @@ void readFile(const Services& services, const std::string& path, const mcp::Reso
   read->request().onCancelled([&openings = services.openings, ticket] { openings.cancel(ticket); });
 }
 
-void readOpenOutline(const Services& services, const std::string& persistentId,
-                     const mcp::ResourceReadPtr& read) {
-  readOutlineMarkdown(services, persistentId, read);
+void registerOpenOutline(mcp::MCPServer& server, const Services& services,
+                         const outlines::OutlineResource& outline) {
+  const std::string where = outline.path
+                                ? "Open in Vell; saved at " + *outline.path
+                                : "Open in Vell; not saved yet, persistent id " + outline.persistentId;
+  const auto read = [services, outline](const mcp::ResourceReadPtr& each) {
+    outline.path ? readFile(services, *outline.path, each)
+                 : readOutlineMarkdown(services, outline.persistentId, each);
+  };
+  server.registerResource(outline.uri, {.name = outline.name, .description = where, .mimeType = markdownType},
+                          read);
 }
+
+}  // namespace
 
 void registerResources(mcp::MCPServer& server, const Services& services) {
   server.registerResourceTemplate(
@@ -86,11 +96,20 @@ void registerResources(mcp::MCPServer& server, const Services& services) {
   server.registerResourceTemplate(
       "vell://outline/{persistentId}",
       {.name = "vell_outline_unsaved", .description = unsavedDescription, .mimeType = markdownType},
-      [services](const auto& read) { readOpenOutline(services, variable(read, "persistentId"), read); });
+      [services](const auto& read) { readOutlineMarkdown(services, variable(read, "persistentId"), read); });
   server.registerResource(
       currentOutlineURI,
       {.name = "Current Outline", .description = currentDescription, .mimeType = markdownType},
       [services](const auto& read) { readOutlineMarkdown(services, std::nullopt, read); });
+}
+
+void applyChanges(mcp::MCPServer& server, const Services& services, const outlines::OutlineChanges& changes) {
+  {
+    const mcp::ChangeNotice::Batch batch(server.resources().notice());
+    for (const std::string& uri : changes.removedURIs) server.resources().remove(uri);
+    for (const auto& outline : changes.added) registerOpenOutline(server, services, outline);
+  }
+  if (changes.frontmost) server.sendResourceUpdated(currentOutlineURI);
 }
 
 }  // namespace vell::tools

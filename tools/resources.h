@@ -1,23 +1,17 @@
 #pragma once
 
-#include <string>
-
 #include "mcp/mcp_server.h"
+#include "outlines/tracking.h"
 #include "tools/calls.h"
 
 /// Outlines as MCP resources; every read gives the outline as Vell-flavored markdown.
 namespace vell::tools {
 
-inline constexpr const char* currentOutlineURI = "vell://current-outline";
-inline constexpr const char* markdownType = "text/markdown";
-
 /// Registers the two templates and the current outline.
 void registerResources(mcp::MCPServer& server, const Services& services);
 
-/// Answers the read with the file's outline; opens it, and the application, where need be.
-void readFile(const Services& services, const std::string& path, const mcp::ResourceReadPtr& read);
-/// Answers the read with an open outline.
-void readOpenOutline(const Services& services, const std::string& persistentId,
-                     const mcp::ResourceReadPtr& read);
+/// Registers and removes the resources of outlines that were opened and closed, with one notice of a changed
+/// list, and tells that the current outline is another.
+void applyChanges(mcp::MCPServer& server, const Services& services, const outlines::OutlineChanges& changes);
 
 }  // namespace vell::tools

@@ -14,16 +14,15 @@
 #include "platform/container.h"
 #include "tools/all_tools.h"
 #include "tools/documents_subscription.h"
-#include "tools/outline_resources.h"
 #include "tools/resources.h"
 
 namespace vell::tools {
 
 namespace {
 
-/// How long the next of the replies in flight is waited for at the end of input; hosts kill what hangs
-/// longer.
-constexpr std::chrono::milliseconds longestFarewell{1900};
+/// How long to wait, at the end of input, for the next of the replies in flight. Hosts kill a server that
+/// takes much longer.
+constexpr std::chrono::milliseconds longestWaitForReply{1900};
 
 /// What a result of a megabyte takes on its way.
 constexpr std::size_t keptMemory = 16 << 20;
@@ -39,20 +38,21 @@ class Program {
  private:
   void watchSignals();
   void onInputEnded(std::error_code error);
-  void bidFarewell();
+  void waitForReplies();
   void stop();
 
   asio::io_context loop_{1};
-  ApplicationLink application_{loop_, platform::applicationSocketPath()};
+  VellIPC application_{loop_, platform::applicationSocketPath()};
   Openings openings_{loop_, application_};
   Services services_{application_, openings_};
   mcp::MCPServer server_;
-  OutlineResources openOutlines_{server_, services_};
-  DocumentsSubscription documents_{loop_, platform::applicationSocketPath(), openOutlines_};
+  DocumentsSubscription documents_{
+      loop_, platform::applicationSocketPath(),
+      [this](const outlines::OutlineChanges& changes) { applyChanges(server_, services_, changes); }};
   mcp::StdioTransport transport_;
   std::shared_ptr<mcp::Server> session_;
   asio::signal_set signals_{loop_, SIGTERM, SIGINT, SIGHUP};
-  asio::steady_timer farewell_{loop_};
+  asio::steady_timer replyTimer_{loop_};
   std::error_code failure_;
   int signal_ = 0;
 };
@@ -90,14 +90,14 @@ void Program::onInputEnded(std::error_code error) {
   if (error && error != std::errc::broken_pipe && error != std::errc::connection_reset) failure_ = error;
   if (error) return stop();
   session_->whenIdle([this] { stop(); });
-  bidFarewell();
+  waitForReplies();
 }
 
-void Program::bidFarewell() {
-  farewell_.expires_after(longestFarewell);
-  farewell_.async_wait([this, before = session_->unfinished()](std::error_code cancelled) {
+void Program::waitForReplies() {
+  replyTimer_.expires_after(longestWaitForReply);
+  replyTimer_.async_wait([this, before = session_->unfinished()](std::error_code cancelled) {
     if (cancelled) return;
-    session_->unfinished() == before ? stop() : bidFarewell();
+    session_->unfinished() == before ? stop() : waitForReplies();
   });
 }
 

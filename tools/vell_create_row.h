@@ -1,8 +1,8 @@
 #pragma once
 
 #include "ipc/methods.h"
+#include "tools/arguments.h"
 #include "tools/declared_tool.h"
-#include "tools/new_row_place.h"
 
 namespace vell::tools {
 

@@ -3,7 +3,6 @@
 #include <gmock/gmock.h>
 
 #include "ipc/methods.h"
-#include "ipc/vell_ipc.h"
 #include "json/error.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
@@ -160,7 +159,7 @@ TEST(VellClient, AWriteToAnApplicationThatWentAwayIsAnErrorAndNoSignal) {
   EXPECT_EQ(outcome(client), "Write failed: Broken pipe");
 }
 
-TEST(VellIPC, ConnectsAnewAfterATransportFailureOnly) {
+TEST(ReconnectingClient, ConnectsAnewAfterATransportFailureOnly) {
   const Reply replies[] = {FakeApplication::result("1"),
                            FakeApplication::error(3, "no"),
                            FakeApplication::result("2"),
@@ -168,31 +167,17 @@ TEST(VellIPC, ConnectsAnewAfterATransportFailureOnly) {
                            FakeApplication::result("3")};
   std::size_t next = 0;
   const tests::TemporaryHome home;
-  VellIPC shared;
-  EXPECT_THAT(outcome(shared), HasSubstr("must be running"));
+  ReconnectingClient client;
+  EXPECT_THAT(outcome(client), HasSubstr("must be running"));
   const FakeApplication fake([&](const std::string&) { return replies[next++]; });
-  EXPECT_EQ(outcome(shared), "1");
-  EXPECT_EQ(outcome(shared), "Vell error 3: no");
-  EXPECT_EQ(shared.call("m", R"( {"b": 1.0, "a": null} )"), "2");
-  EXPECT_EQ(outcome(shared), "Vell closed the connection without sending a response.");
-  EXPECT_EQ(outcome(shared), "3");
-  EXPECT_THAT(
-      fake.requests(),
-      ElementsAre(R"({"id":1,"jsonrpc":"2.0","method":"m"})", R"({"id":2,"jsonrpc":"2.0","method":"m"})",
-                  R"({"id":3,"jsonrpc":"2.0","method":"m","params":{"a":null,"b":1.0}})",
-                  R"({"id":4,"jsonrpc":"2.0","method":"m"})", R"({"id":1,"jsonrpc":"2.0","method":"m"})"));
-}
-
-TEST(VellIPC, WrapsTheErrorThatHappened) {
-  const tests::TemporaryHome home;
-  VellIPC shared;
-  try {
-    shared.call("m");
-    ADD_FAILURE() << "nobody answered, and yet there is a result";
-  } catch (const VellIPCError& error) {
-    EXPECT_EQ(error.underlying.kind(), ClientError::Kind::connect);
-  }
-  EXPECT_THROW(shared.call("m", "{"), json::ParseError);
+  EXPECT_EQ(outcome(client), "1");
+  EXPECT_EQ(outcome(client), "Vell error 3: no");
+  EXPECT_EQ(outcome(client), "2");
+  EXPECT_EQ(outcome(client), "Vell closed the connection without sending a response.");
+  EXPECT_EQ(outcome(client), "3");
+  EXPECT_THAT(fake.requests(),
+              ElementsAre(HasSubstr("\"id\":1,"), HasSubstr("\"id\":2,"), HasSubstr("\"id\":3,"),
+                          HasSubstr("\"id\":4,"), HasSubstr("\"id\":1,")));
 }
 
 }  // namespace

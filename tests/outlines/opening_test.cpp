@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <memory>
 
-#include "ipc/vell_ipc.h"
+#include "ipc/vell_client.h"
 #include "outlines/creation.h"
 #include "outlines/open_error.h"
 #include "platform/identifier_index.h"
@@ -90,15 +90,6 @@ TEST_F(Opening, WaitsForAnApplicationThatStartsMeanwhile) {
   EXPECT_EQ(bundle.await("launched"), file + "\n");
   EXPECT_EQ(polls.size(), 4U);
   EXPECT_TRUE(std::is_sorted(polls.begin(), polls.end()));
-}
-
-TEST_F(Opening, TheSharedConnectionWaitsAsWell) {
-  ipc::VellIPC shared;
-  std::unique_ptr<FakeApplication> fake;
-  options.onPoll = [&](double) {
-    if (!fake) fake = std::make_unique<FakeApplication>(application(1));
-  };
-  EXPECT_EQ(openOutline(shared, file, options).bytes(), summary);
 }
 
 TEST_F(Opening, StopsWhereThePollSaysSo) {

@@ -28,43 +28,33 @@ TEST(ResourceURI, KeepsEveryPathInOneSegment) {
   EXPECT_EQ(resourceURI({"P-1", "Untitled", std::nullopt}), "vell://outline/P-1");
 }
 
-class Board : public OutlineBoard {
- public:
-  std::vector<std::string> events;
+std::string describe(const OutlineChanges& changes) {
+  std::string text;
+  for (const std::string& uri : changes.removedURIs) text += "-" + uri + " ";
+  for (const OutlineResource& resource : changes.added)
+    text += "+" + resource.uri + "=" + resource.name + " ";
+  return text + (changes.frontmost ? "frontmost" : "");
+}
 
-  void change(const std::vector<std::string>& removedURIs,
-              const std::vector<OutlineResource>& added) override {
-    std::string event;
-    for (const std::string& uri : removedURIs) event += "-" + uri + " ";
-    for (const OutlineResource& resource : added) event += "+" + resource.uri + "=" + resource.name + " ";
-    events.push_back(event);
-  }
-  void frontmostChanged() override { events.push_back("frontmost"); }
-
-  std::vector<std::string> taken() { return std::exchange(events, {}); }
-};
-
-TEST(OutlineTracker, TellsTheBoardWhatChangedAndOnlyThat) {
+TEST(OutlineTracker, TellsWhatChangedAndOnlyThat) {
   const ipc::OutlineSummary saved{"S", "a", "file:///a"};
   const ipc::OutlineSummary untitled{"U", "Untitled", std::nullopt};
   const ipc::OutlineSummary renamed{"U", "Untitled 2", std::nullopt};
   const ipc::OutlineSummary untitledSaved{"U", "b", "file:///b"};
-  Board board;
-  OutlineTracker tracker(board);
-  const std::pair<std::vector<ipc::OutlineSummary>, std::vector<std::string>> steps[] = {
-      {{}, {}},
-      {{saved}, {"+vell://file/%2Fa=a ", "frontmost"}},
-      {{saved}, {}},
-      {{untitled, saved, saved}, {"+vell://outline/U=Untitled ", "frontmost"}},
-      {{saved, untitled}, {"frontmost"}},
-      {{saved, renamed}, {"-vell://outline/U +vell://outline/U=Untitled 2 "}},
-      {{saved, untitledSaved}, {"-vell://outline/U +vell://file/%2Fb=b "}},
-      {{}, {"-vell://file/%2Fa -vell://file/%2Fb ", "frontmost"}},
-      {{}, {}},
+  OutlineTracker tracker;
+  const std::pair<std::vector<ipc::OutlineSummary>, std::string> steps[] = {
+      {{}, ""},
+      {{saved}, "+vell://file/%2Fa=a frontmost"},
+      {{saved}, ""},
+      {{untitled, saved, saved}, "+vell://outline/U=Untitled frontmost"},
+      {{saved, untitled}, "frontmost"},
+      {{saved, renamed}, "-vell://outline/U +vell://outline/U=Untitled 2 "},
+      {{saved, untitledSaved}, "-vell://outline/U +vell://file/%2Fb=b "},
+      {{}, "-vell://file/%2Fa -vell://file/%2Fb frontmost"},
+      {{}, ""},
   };
-  for (const auto& [open, events] : steps) {
-    tracker.reconcile(open);
-    EXPECT_EQ(board.taken(), events) << "step " << &open - &steps[0].first;
+  for (const auto& [open, changes] : steps) {
+    EXPECT_EQ(describe(tracker.reconcile(open)), changes) << "step " << &open - &steps[0].first;
   }
 }
 

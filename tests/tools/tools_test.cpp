@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 
+#include <future>
 #include <set>
 
 #include "tests/tools/host.h"
@@ -222,6 +223,33 @@ TEST(Tools, HangingInTheApplicationDelayNothingElse) {
   host.leave();
   EXPECT_TRUE(host.next().isNull());
   EXPECT_THAT(toolRequests(application), ::testing::ElementsAre(::testing::HasSubstr("command.list")));
+}
+
+TEST(Tools, CancelledWhileTheyWaitForTheirTurnAreNeverSent) {
+  const TemporaryHome home;
+  const std::string file = home.write("a.vell", "");
+  const std::pair<const char*, std::string> cancelled[] = {
+      {"vell_get_editors", "{}"}, {"vell_open_outline", R"({"path":")" + file + "\"}"}};
+  for (const auto& [tool, arguments] : cancelled) {
+    std::promise<void> answering;
+    FakeApplication application([first = answering.get_future().share()](const std::string& request) {
+      if (request.find("editor.get") != std::string::npos) first.wait();
+      return FakeApplication::result("1");
+    });
+    Host host;
+    host.initialize();
+    host.requestTool("vell_get_editor", "{}");
+    const int waiting = host.requestTool(tool, arguments);
+    const int last = host.requestTool("vell_get_commands", "{}");
+    host.send(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":)" +
+              std::to_string(waiting) + "}}");
+    EXPECT_TRUE(host.ask("ping").find("result"));
+    answering.set_value();
+    EXPECT_TRUE(host.answer(last).find("result"));
+    EXPECT_THAT(toolRequests(application), ::testing::ElementsAre(::testing::HasSubstr("editor.get"),
+                                                                  ::testing::HasSubstr("command.list")))
+        << tool;
+  }
 }
 
 TEST(Tools, AreCalledOneAtATimeInTheOrderOfArrival) {

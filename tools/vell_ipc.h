@@ -15,20 +15,20 @@
 
 namespace vell::tools {
 
-/// An answer, or what failed: ipc::ClientError or json::ParseError.
+/// An answer, or what failed: ipc::VellIPCError, or json::ParseError for a line that is not JSON.
 using Outcome = std::variant<ipc::Answer, std::exception_ptr>;
 using OutcomeHandler = std::function<void(Outcome outcome)>;
 
-/// The one connection on which a process calls the application from its event loop: one call at a time, in
-/// the order of their arrival. It is made when first needed and made anew after a transport failure.
-class ApplicationLink {
+/// The one connection on which `vell mcp` calls the application: one call at a time, in the order of their
+/// arrival. It is made by the first call and made anew by the next one after a transport failure.
+class VellIPC {
  public:
   using Ticket = std::uint64_t;
 
-  ApplicationLink(asio::io_context& loop, std::string socketPath);
-  ~ApplicationLink();
-  ApplicationLink(const ApplicationLink&) = delete;
-  ApplicationLink& operator=(const ApplicationLink&) = delete;
+  VellIPC(asio::io_context& loop, std::string socketPath);
+  ~VellIPC();
+  VellIPC(const VellIPC&) = delete;
+  VellIPC& operator=(const VellIPC&) = delete;
 
   /// `params` is JSON text; empty sends none. The handler is called once, never before this returns.
   Ticket call(std::string method, std::string params, OutcomeHandler handler);
@@ -38,21 +38,21 @@ class ApplicationLink {
     return call(Record::method, record.toJson(), std::move(handler));
   }
   /// The handler is not called any more. A call that waits its turn is never sent; the answer to one that
-  /// was sent is taken in and dropped.
-  void withdraw(Ticket ticket);
+  /// was sent is dropped.
+  void cancel(Ticket ticket);
 
  private:
   struct Call {
     Ticket ticket;
     std::string method;
     std::string params;
-    OutcomeHandler handler;  // none once withdrawn
+    OutcomeHandler handler;  // none once cancelled
   };
 
-  void proceed();
+  void sendNext();
   void ensureConnected();
   void onLine(json::Text line);
-  void onLinesTakenIn();
+  void onLinesProcessed();
   void onEnd(const ipc::ClientError& error);
   void finish(Outcome outcome);
 

@@ -1,4 +1,4 @@
-#include "tools/application_link.h"
+#include "tools/vell_ipc.h"
 
 #include <algorithm>
 #include <utility>
@@ -7,21 +7,20 @@
 
 namespace vell::tools {
 
-ApplicationLink::ApplicationLink(asio::io_context& loop, std::string socketPath)
+VellIPC::VellIPC(asio::io_context& loop, std::string socketPath)
     : loop_(loop), socketPath_(std::move(socketPath)) {}
 
-ApplicationLink::~ApplicationLink() {
+VellIPC::~VellIPC() {
   if (connection_) connection_->close();
 }
 
-ApplicationLink::Ticket ApplicationLink::call(std::string method, std::string params,
-                                              OutcomeHandler handler) {
+VellIPC::Ticket VellIPC::call(std::string method, std::string params, OutcomeHandler handler) {
   calls_.push_back({nextTicket_, std::move(method), std::move(params), std::move(handler)});
-  proceed();
+  sendNext();
   return nextTicket_++;
 }
 
-void ApplicationLink::withdraw(Ticket ticket) {
+void VellIPC::cancel(Ticket ticket) {
   const auto call = std::find_if(calls_.begin(), calls_.end(),
                                  [ticket](const Call& each) { return each.ticket == ticket; });
   if (call == calls_.end()) return;
@@ -32,51 +31,53 @@ void ApplicationLink::withdraw(Ticket ticket) {
   }
 }
 
-void ApplicationLink::proceed() {
+void VellIPC::sendNext() {
   if (inFlight_ || calls_.empty()) return;
   inFlight_ = true;
   ensureConnected();
   connection_->send(ipc::requestLine(nextId_++, calls_.front().method, calls_.front().params));
 }
 
-void ApplicationLink::ensureConnected() {
+void VellIPC::ensureConnected() {
   if (connection_ && connection_->peerIsGone()) std::exchange(connection_, nullptr)->close();
   if (connection_) return;
   nextId_ = 1;
   connection_ =
       ApplicationConnection::open(loop_, socketPath_,
                                   {.onLine = [this](json::Text line) { onLine(std::move(line)); },
-                                   .onLinesTakenIn = [this] { onLinesTakenIn(); },
+                                   .onLinesProcessed = [this] { onLinesProcessed(); },
                                    .onEnd = [this](const ipc::ClientError& error) { onEnd(error); }});
 }
 
-void ApplicationLink::onLine(json::Text line) {
+void VellIPC::onLine(json::Text line) {
   if (!inFlight_ || outcome_) return;
   try {
     if (auto answer = ipc::Answer::parse(std::move(line))) outcome_ = std::move(*answer);
+  } catch (const ipc::ClientError& error) {
+    outcome_ = std::make_exception_ptr(ipc::VellIPCError(error));
   } catch (const std::exception&) {
     outcome_ = std::current_exception();
   }
 }
 
-// Not before: the lines behind an answer belong to nobody.
-void ApplicationLink::onLinesTakenIn() {
+// Only now: lines that come behind an answer are dropped.
+void VellIPC::onLinesProcessed() {
   if (outcome_) finish(*std::exchange(outcome_, std::nullopt));
 }
 
-void ApplicationLink::onEnd(const ipc::ClientError& error) {
+void VellIPC::onEnd(const ipc::ClientError& error) {
   connection_ = nullptr;
   if (!inFlight_) return;
   auto outcome = std::exchange(outcome_, std::nullopt);
-  finish(outcome ? std::move(*outcome) : std::make_exception_ptr(error));
+  finish(outcome ? std::move(*outcome) : std::make_exception_ptr(ipc::VellIPCError(error)));
 }
 
-// The next call goes out first: the application works on it while this answer is passed on.
-void ApplicationLink::finish(Outcome outcome) {
+// The next call is sent first, so that the application works on it while this answer is passed on.
+void VellIPC::finish(Outcome outcome) {
   const OutcomeHandler handler = std::move(calls_.front().handler);
   calls_.pop_front();
   inFlight_ = false;
-  proceed();
+  sendNext();
   if (handler) handler(std::move(outcome));
 }
 
