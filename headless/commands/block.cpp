@@ -3,8 +3,8 @@
 namespace vell::headless {
 namespace {
 
-/// What can be folded away: children that are not collapsed, or those of the focused row.
-const Row* lastSeenBelow(const Editor& editor, const Row& top) {
+/// The last row below `top` that no fold hides; `top` itself if it has none.
+const Row* lastVisibleBelow(const Editor& editor, const Row& top) {
   const Row* row = &top;
   while (row->lastChild() != nullptr && !editor.isCollapsed(*row)) row = row->lastChild();
   return row;
@@ -26,14 +26,14 @@ std::vector<const Row*> movableBlock(Transaction& transaction) {
   return block;
 }
 
-const Row* seenAbove(const Editor& editor, const Row& row) {
+const Row* visibleAbove(const Editor& editor, const Row& row) {
   const Row& top = editor.focused();
   if (&row == &top) return nullptr;
-  if (row.previous() != nullptr) return lastSeenBelow(editor, *row.previous());
+  if (row.previous() != nullptr) return lastVisibleBelow(editor, *row.previous());
   return row.parent() == &top ? nullptr : row.parent();
 }
 
-const Row* seenBelow(const Editor& editor, const Row& row) {
+const Row* visibleBelow(const Editor& editor, const Row& row) {
   const Row& top = editor.focused();
   const bool isOpen = &row == &top || !editor.isCollapsed(row);
   return isOpen ? nextInOrder(&row, &top) : nextAfterSubtree(&row, &top);

@@ -6,14 +6,14 @@
 
 namespace vell::headless {
 
-/// The selected rows without those that stand below another selected one; empty where there is no row.
+/// The selected rows without those below another selected row; empty if no row is selected.
 std::vector<const Row*> selectedBlock(Transaction& transaction);
 
-/// Those rows if they are neighbours' children of one parent, as a block that moves as one is; else empty.
+/// The selected block if its rows are children of one parent, so that they can move together; else empty.
 std::vector<const Row*> movableBlock(Transaction& transaction);
 
-/// The row seen above or below, within the focused row and outside collapsed ones; null at the ends.
-const Row* seenAbove(const Editor& editor, const Row& row);
-const Row* seenBelow(const Editor& editor, const Row& row);
+/// The visible row above or below, within the focused row and outside collapsed ones; null at the ends.
+const Row* visibleAbove(const Editor& editor, const Row& row);
+const Row* visibleBelow(const Editor& editor, const Row& row);
 
 }  // namespace vell::headless

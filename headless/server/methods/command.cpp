@@ -1,7 +1,6 @@
-#include "headless/commands/command.h"
-
+#include "headless/commands/commands.h"
 #include "headless/server/methods.h"
-#include "headless/server/request.h"
+#include "json/writer.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -12,7 +11,7 @@ std::vector<const Command*> commandsParam(const Params& params) {
     const Command* command = findCommand(id);
     if (command == nullptr)
       Params::fail("ids[" + std::to_string(found.size()) + "]", "a command that command.list names",
-                   quote(id));
+                   json::quoted(id));
     found.push_back(command);
   }
   return found;
@@ -21,26 +20,29 @@ std::vector<const Command*> commandsParam(const Params& params) {
 }  // namespace
 
 std::string commandList(const Call&) {
-  std::string text = "[";
-  for (const Command& command : commands()) {
-    if (text.size() > 1) text += ',';
-    text += R"({"id":)" + quote(command.id) + R"(,"source":"Vell Menu"})";
-  }
-  return text + "]";
+  std::string text;
+  json::Writer writer(text);
+  writer.beginArray();
+  for (const Command& command : commands())
+    writer.beginObject().member("id", command.id).member("source", "Vell Menu").endObject();
+  writer.endArray();
+  return text;
 }
 
 std::string commandPerform(const Call& call) {
   const auto found = commandsParam(call.params);
-  Transaction transaction =
-      call.application.begin(call.application.outlineOfEditor(call.params.string("editor")));
-  std::string text = "[";
+  OpenOutline& opened = call.application.outlineOfEditor(call.params.string("editor"));
+  Transaction transaction = call.application.begin(opened);
+  std::string text;
+  json::Writer writer(text);
+  writer.beginArray();
   for (const Command* command : found) {
-    if (text.size() > 1) text += ',';
     const bool performed = command->perform(transaction);
-    text += R"({"id":)" + quote(command->id) + R"(,"performed":)" + (performed ? "true}" : "false}");
+    writer.beginObject().member("id", command->id).member("performed", performed).endObject();
   }
+  writer.endArray();
   transaction.commit();
-  return text + "]";
+  return text;
 }
 
 }  // namespace vell::headless::methods

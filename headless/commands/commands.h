@@ -1,7 +1,7 @@
 #pragma once
 
-#include <span>
 #include <string_view>
+#include <vector>
 
 #include "headless/editing/transaction.h"
 
@@ -10,13 +10,21 @@ namespace vell::headless {
 /// A named action on the editor of an outline.
 struct Command {
   std::string_view id;
-  /// False where it declined to act.
+  /// False if there was nothing to do.
   bool (*perform)(Transaction&);
 };
 
-/// Every command, in the order of their ids.
-std::span<const Command> commands();
+/// Every command, ordered by id.
+const std::vector<Command>& commands();
 /// Null where there is none of that id.
 const Command* findCommand(std::string_view id);
+
+// The groups, one file each.
+
+std::vector<Command> foldCommands();
+std::vector<Command> formatCommands();
+std::vector<Command> moveCommands();
+std::vector<Command> rowCommands();
+std::vector<Command> selectionCommands();
 
 }  // namespace vell::headless

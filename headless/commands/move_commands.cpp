@@ -1,9 +1,9 @@
 #include <algorithm>
 
-#include "headless/commands/actions.h"
 #include "headless/commands/block.h"
+#include "headless/commands/commands.h"
 
-namespace vell::headless::actions {
+namespace vell::headless {
 namespace {
 
 void placeAll(Transaction& transaction, const std::vector<const Row*>& block, const Row& parent,
@@ -24,6 +24,8 @@ bool arrange(Transaction& transaction, const Row& parent, const std::vector<cons
   return true;
 }
 
+const std::string& textOf(const Row* row) { return row->text().string(); }
+
 template <typename Less>
 bool sortChildren(Transaction& transaction, Less less) {
   const Row& parent = transaction.editor().head();
@@ -31,8 +33,6 @@ bool sortChildren(Transaction& transaction, Less less) {
   std::stable_sort(children.begin(), children.end(), less);
   return arrange(transaction, parent, children);
 }
-
-}  // namespace
 
 bool moveUp(Transaction& transaction) {
   const auto block = movableBlock(transaction);
@@ -100,16 +100,6 @@ bool ungroup(Transaction& transaction) {
   return true;
 }
 
-bool sortAscending(Transaction& transaction) {
-  return sortChildren(transaction,
-                      [](const Row* a, const Row* b) { return a->text().string() < b->text().string(); });
-}
-
-bool sortDescending(Transaction& transaction) {
-  return sortChildren(transaction,
-                      [](const Row* a, const Row* b) { return b->text().string() < a->text().string(); });
-}
-
 bool reverse(Transaction& transaction) {
   const Row& parent = transaction.editor().head();
   auto children = childrenOf(parent);
@@ -117,4 +107,24 @@ bool reverse(Transaction& transaction) {
   return arrange(transaction, parent, children);
 }
 
-}  // namespace vell::headless::actions
+}  // namespace
+
+std::vector<Command> moveCommands() {
+  // clang-format off
+  return {
+      {"row:block-move-down",          moveDown},
+      {"row:block-move-to-bottom",     moveToBottom},
+      {"row:block-move-to-top",        moveToTop},
+      {"row:block-move-up",            moveUp},
+      {"row:group",                    group},
+      {"row:indent",                   indent},
+      {"row:outdent",                  outdent},
+      {"row:reverse-children",         reverse},
+      {"row:sort-children-ascending",  [](Transaction& t) { return sortChildren(t, [](const Row* a, const Row* b) { return textOf(a) < textOf(b); }); }},
+      {"row:sort-children-descending", [](Transaction& t) { return sortChildren(t, [](const Row* a, const Row* b) { return textOf(b) < textOf(a); }); }},
+      {"row:ungroup",                  ungroup},
+  };
+  // clang-format on
+}
+
+}  // namespace vell::headless

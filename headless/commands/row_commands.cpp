@@ -1,8 +1,8 @@
-#include "headless/commands/actions.h"
 #include "headless/commands/block.h"
+#include "headless/commands/commands.h"
 #include "headless/editing/create_rows.h"
 
-namespace vell::headless::actions {
+namespace vell::headless {
 namespace {
 
 bool insertNew(Transaction& transaction, const Row& parent, const Row* before) {
@@ -25,12 +25,6 @@ Attributes withDone(const Attributes& attributes, bool done) {
     if (entry.key != "done") result.set(entry.key, entry.value);
   return result;
 }
-
-}  // namespace
-
-bool undo(Transaction& transaction) { return transaction.undo(); }
-
-bool redo(Transaction& transaction) { return transaction.redo(); }
 
 bool insertAbove(Transaction& transaction) {
   const Row& head = transaction.editor().head();
@@ -96,4 +90,22 @@ bool toggleDone(Transaction& transaction) {
   return !tasks.empty();
 }
 
-}  // namespace vell::headless::actions
+}  // namespace
+
+std::vector<Command> rowCommands() {
+  // clang-format off
+  return {
+      {"edit:redo",          [](Transaction& t) { return t.redo(); }},
+      {"edit:undo",          [](Transaction& t) { return t.undo(); }},
+      {"row:delete",         deleteSelected},
+      {"row:duplicate",      duplicate},
+      {"row:insert-above",   insertAbove},
+      {"row:insert-below",   insertBelow},
+      {"row:insert-child",   insertChild},
+      {"row:join-with-next", joinWithNext},
+      {"row:toggle-done",    toggleDone},
+  };
+  // clang-format on
+}
+
+}  // namespace vell::headless

@@ -1,7 +1,7 @@
-#include "headless/commands/actions.h"
 #include "headless/commands/block.h"
+#include "headless/commands/commands.h"
 
-namespace vell::headless::actions {
+namespace vell::headless {
 namespace {
 
 bool select(Transaction& transaction, const Row* row) {
@@ -34,23 +34,6 @@ bool selectFromTo(Transaction& transaction, const Row& anchor, const Row& last) 
   return true;
 }
 
-}  // namespace
-
-bool selectUp(Transaction& transaction) {
-  return select(transaction, seenAbove(transaction.editor(), head(transaction)));
-}
-bool selectDown(Transaction& transaction) {
-  return select(transaction, seenBelow(transaction.editor(), head(transaction)));
-}
-bool extendUp(Transaction& transaction) {
-  return extend(transaction, seenAbove(transaction.editor(), head(transaction)));
-}
-bool extendDown(Transaction& transaction) {
-  return extend(transaction, seenBelow(transaction.editor(), head(transaction)));
-}
-bool selectFirst(Transaction& transaction) {
-  return select(transaction, transaction.editor().focused().firstChild());
-}
 bool selectLast(Transaction& transaction) {
   const Row& top = transaction.editor().focused();
   const Row* row = &top;
@@ -64,21 +47,31 @@ bool selectParent(Transaction& transaction) {
   const bool isTop = &head(transaction) == &transaction.editor().focused();
   return !isTop && select(transaction, head(transaction).parent());
 }
-bool selectFirstChild(Transaction& transaction) {
-  return select(transaction, head(transaction).firstChild());
-}
-bool selectNextSibling(Transaction& transaction) { return select(transaction, head(transaction).next()); }
-bool selectPreviousSibling(Transaction& transaction) {
-  return select(transaction, head(transaction).previous());
-}
-
-bool selectBranch(Transaction& transaction) {
-  return selectFromTo(transaction, head(transaction), lastBelow(head(transaction)));
-}
 
 bool selectAll(Transaction& transaction) {
   const Row& top = transaction.editor().focused();
   return top.firstChild() != nullptr && selectFromTo(transaction, *top.firstChild(), lastBelow(top));
 }
 
-}  // namespace vell::headless::actions
+}  // namespace
+
+std::vector<Command> selectionCommands() {
+  // clang-format off
+  return {
+      {"selection:all",              selectAll},
+      {"selection:branch",           [](Transaction& t) { return selectFromTo(t, head(t), lastBelow(head(t))); }},
+      {"selection:down",             [](Transaction& t) { return select(t, visibleBelow(t.editor(), head(t))); }},
+      {"selection:extend-down",      [](Transaction& t) { return extend(t, visibleBelow(t.editor(), head(t))); }},
+      {"selection:extend-up",        [](Transaction& t) { return extend(t, visibleAbove(t.editor(), head(t))); }},
+      {"selection:first",            [](Transaction& t) { return select(t, t.editor().focused().firstChild()); }},
+      {"selection:first-child",      [](Transaction& t) { return select(t, head(t).firstChild()); }},
+      {"selection:last",             selectLast},
+      {"selection:next-sibling",     [](Transaction& t) { return select(t, head(t).next()); }},
+      {"selection:parent",           selectParent},
+      {"selection:previous-sibling", [](Transaction& t) { return select(t, head(t).previous()); }},
+      {"selection:up",               [](Transaction& t) { return select(t, visibleAbove(t.editor(), head(t))); }},
+  };
+  // clang-format on
+}
+
+}  // namespace vell::headless

@@ -1,8 +1,8 @@
 #include <string_view>
 
-#include "headless/commands/actions.h"
+#include "headless/commands/commands.h"
 
-namespace vell::headless::actions {
+namespace vell::headless {
 namespace {
 
 /// The same text with every run's style passed through `restyle`.
@@ -47,9 +47,8 @@ bool toggle(Transaction& transaction, std::string_view key) {
   });
 }
 
-}  // namespace
-
-bool setSelectedType(Transaction& transaction, RowType type) {
+template <RowType type>
+bool format(Transaction& transaction) {
   bool changed = false;
   for (const Row* row : transaction.editor().selectedRows()) {
     changed |= row->type() != type;
@@ -58,14 +57,32 @@ bool setSelectedType(Transaction& transaction, RowType type) {
   return changed;
 }
 
-bool toggleStrong(Transaction& transaction) { return toggle(transaction, "strong"); }
-bool toggleEm(Transaction& transaction) { return toggle(transaction, "em"); }
-bool toggleCode(Transaction& transaction) { return toggle(transaction, "code"); }
-bool toggleStrikethrough(Transaction& transaction) { return toggle(transaction, "s"); }
-bool toggleMark(Transaction& transaction) { return toggle(transaction, "mark"); }
-
 bool clearStyles(Transaction& transaction) {
   return restyleSelected(transaction, [](Attributes& attrs) { attrs = {}; });
 }
 
-}  // namespace vell::headless::actions
+}  // namespace
+
+std::vector<Command> formatCommands() {
+  // clang-format off
+  return {
+      {"format:body",                 format<RowType::body>},
+      {"format:clear-styles",         clearStyles},
+      {"format:code",                 format<RowType::code>},
+      {"format:heading",              format<RowType::heading>},
+      {"format:hr",                   format<RowType::hr>},
+      {"format:note",                 format<RowType::note>},
+      {"format:ordered",              format<RowType::ordered>},
+      {"format:quote",                format<RowType::quote>},
+      {"format:task",                 format<RowType::task>},
+      {"format:toggle-bold",          [](Transaction& t) { return toggle(t, "strong"); }},
+      {"format:toggle-highlight",     [](Transaction& t) { return toggle(t, "mark"); }},
+      {"format:toggle-inline-code",   [](Transaction& t) { return toggle(t, "code"); }},
+      {"format:toggle-italic",        [](Transaction& t) { return toggle(t, "em"); }},
+      {"format:toggle-strikethrough", [](Transaction& t) { return toggle(t, "s"); }},
+      {"format:unordered",            format<RowType::unordered>},
+  };
+  // clang-format on
+}
+
+}  // namespace vell::headless

@@ -1,7 +1,7 @@
-#include "headless/commands/actions.h"
 #include "headless/commands/block.h"
+#include "headless/commands/commands.h"
 
-namespace vell::headless::actions {
+namespace vell::headless {
 namespace {
 
 bool setAll(Transaction& transaction, const Row& top, bool collapsed) {
@@ -24,22 +24,6 @@ bool setBelowSelected(Transaction& transaction, bool collapsed) {
   return changed;
 }
 
-}  // namespace
-
-bool collapse(Transaction& transaction) { return setSelected(transaction, true); }
-
-bool expand(Transaction& transaction) { return setSelected(transaction, false); }
-
-bool toggleFold(Transaction& transaction) { return collapse(transaction) || expand(transaction); }
-
-bool collapseAll(Transaction& transaction) { return setAll(transaction, transaction.outline().root(), true); }
-
-bool expandAll(Transaction& transaction) { return setAll(transaction, transaction.outline().root(), false); }
-
-bool collapseBelow(Transaction& transaction) { return setBelowSelected(transaction, true); }
-
-bool expandBelow(Transaction& transaction) { return setBelowSelected(transaction, false); }
-
 bool focusIn(Transaction& transaction) {
   Editor& editor = transaction.editor();
   const Row& head = editor.head();
@@ -48,12 +32,29 @@ bool focusIn(Transaction& transaction) {
   return true;
 }
 
-bool focusOut(Transaction& transaction) { return transaction.editor().focusOut(); }
-
 bool focusHome(Transaction& transaction) {
   bool moved = false;
   while (transaction.editor().focusOut()) moved = true;
   return moved;
 }
 
-}  // namespace vell::headless::actions
+}  // namespace
+
+std::vector<Command> foldCommands() {
+  // clang-format off
+  return {
+      {"focus:home",               focusHome},
+      {"focus:in",                 focusIn},
+      {"focus:out",                [](Transaction& t) { return t.editor().focusOut(); }},
+      {"fold:collapse",            [](Transaction& t) { return setSelected(t, true); }},
+      {"fold:collapse-all",        [](Transaction& t) { return setAll(t, t.outline().root(), true); }},
+      {"fold:collapse-completely", [](Transaction& t) { return setBelowSelected(t, true); }},
+      {"fold:expand",              [](Transaction& t) { return setSelected(t, false); }},
+      {"fold:expand-all",          [](Transaction& t) { return setAll(t, t.outline().root(), false); }},
+      {"fold:expand-completely",   [](Transaction& t) { return setBelowSelected(t, false); }},
+      {"fold:toggle",              [](Transaction& t) { return setSelected(t, true) || setSelected(t, false); }},
+  };
+  // clang-format on
+}
+
+}  // namespace vell::headless
