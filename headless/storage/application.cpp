@@ -7,7 +7,6 @@
 #include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
 #include "headless/storage/paths.h"
-#include "headless/storage/untitled.h"
 
 namespace vell::headless {
 namespace {
@@ -18,12 +17,11 @@ constexpr std::chrono::milliseconds followPace{1000};
 
 Application::Application(Scheduler& scheduler, ApplicationSettings settings)
     : scheduler_(scheduler),
-      version_(std::move(settings.version)),
-      untitledDirectory_(settings.container + "/Untitled"),
-      closedDirectory_(settings.container + "/Closed"),
-      rescueDirectory_(settings.container + "/Rescued"),
-      identifiers_(settings.container),
-      saver_(scheduler, std::move(settings.report), *this) {
+      settings_(std::move(settings)),
+      container_(settings_.container),
+      saver_(scheduler, {.report = settings_.report,
+                         .reloaded = [this](OpenOutline& opened) { notifyChanged(opened); },
+                         .moved = [this](OpenOutline& opened) { moved(opened); }}) {
   followFiles();
 }
 
@@ -40,8 +38,7 @@ OpenOutline& Application::open(const std::string& path) {
 }
 
 OpenOutline& Application::newUntitled() {
-  makePrivateDirectory(untitledDirectory_);
-  auto opened = OpenOutline::create(freeUntitledPath(untitledDirectory_));
+  auto opened = OpenOutline::create(container_.pathForUntitled());
   opened->setUntitled();
   opened->outline().setPersistentId(newUuid());
   saver_.flush(*opened);
@@ -49,7 +46,7 @@ OpenOutline& Application::newUntitled() {
 }
 
 void Application::reopenUntitled() {
-  for (const std::string& path : untitledFiles(untitledDirectory_)) {
+  for (const std::string& path : container_.untitledFiles()) {
     try {
       removeAbandoned(path);
       auto opened = OpenOutline::read(path);
@@ -57,7 +54,7 @@ void Application::reopenUntitled() {
       identify(*opened);
       outlines_.push_back(std::move(opened));
     } catch (const Problem& problem) {
-      saver_.report(problem.what());
+      report(problem.what());
     }
   }
 }
@@ -65,26 +62,26 @@ void Application::reopenUntitled() {
 OpenOutline& Application::add(std::unique_ptr<OpenOutline> opened) {
   identify(*opened);
   outlines_.insert(outlines_.begin(), std::move(opened));
-  if (listener_ != nullptr) listener_->listChanged();
+  notifyListChanged();
   return *outlines_.front();
 }
 
-/// Gives the outline the id under which it stays known, also where its file cannot hold one. A copy of a file
-/// that is open holds the same id: the copy gets one of its own.
+/// Gives the outline its persistent id: the one in its file, else the one remembered for the file, else a new
+/// one. A copy of an open file gets a new one, too.
 void Application::identify(OpenOutline& opened) {
   std::string id = opened.persistentId();
-  if (id.empty()) id = identifiers_.identifierOf(opened.storagePath());
+  if (id.empty()) id = container_.identifiers().identifierOf(opened.storagePath());
   if (id.empty() || findByPersistentId(id) != nullptr) id = newUuid();
   if (id != opened.persistentId()) opened.identify(id);
   if (!opened.isUntitled()) remember(opened, opened.storagePath());
 }
 
-/// The index only helps to find files again: what cannot be written there keeps nobody from anything.
+/// The index only helps to find files again: a failure is reported and nothing else.
 void Application::remember(const OpenOutline& opened, const std::string& path) {
   try {
-    identifiers_.put(opened.persistentId(), path);
+    container_.identifiers().put(opened.persistentId(), path);
   } catch (const std::system_error& error) {
-    saver_.report(std::string("Cannot keep persistent ids: ") + error.what());
+    report(std::string("Cannot keep persistent ids: ") + error.what());
   }
 }
 
@@ -93,7 +90,7 @@ void Application::bringToFront(const OpenOutline& outline) {
   const auto found = std::find_if(outlines_.begin(), outlines_.end(),
                                   [&](const auto& candidate) { return candidate.get() == &outline; });
   std::rotate(outlines_.begin(), found, std::next(found));
-  if (listener_ != nullptr) listener_->listChanged();
+  notifyListChanged();
 }
 
 void Application::saveAs(OpenOutline& outline, const std::string& path) {
@@ -108,10 +105,9 @@ void Application::saveAs(OpenOutline& outline, const std::string& path) {
   moved(outline);
 }
 
-/// In the container, where people do not look for their outlines.
+/// Whether the file stands in the container, where people do not look for their outlines.
 bool Application::isKeptByUs(const OpenOutline& outline) const {
-  return outline.isUntitled() ||
-         std::filesystem::path(outline.storagePath()).parent_path() == closedDirectory_;
+  return outline.isUntitled() || container_.holdsClosed(outline.storagePath());
 }
 
 void Application::close(OpenOutline& outline, bool discard) {
@@ -124,14 +120,13 @@ void Application::close(OpenOutline& outline, bool discard) {
   const auto found = std::find_if(outlines_.begin(), outlines_.end(),
                                   [&](const auto& candidate) { return candidate.get() == &outline; });
   outlines_.erase(found);
-  if (listener_ != nullptr) listener_->listChanged();
+  notifyListChanged();
 }
 
-/// What was never given a name is not lost by closing it: "id:" and its persistent id open it again.
+/// Keeps an untitled outline that is closed: its persistent id opens it again.
 void Application::setAside(const OpenOutline& outline) {
   if (outline.outline().rowCount() == 0) return removeFile(outline.storagePath());
-  makePrivateDirectory(closedDirectory_);
-  const std::string path = freeUntitledPath(closedDirectory_);
+  const std::string path = container_.pathForClosed();
   std::filesystem::rename(outline.storagePath(), path);
   remember(outline, path);
 }
@@ -147,19 +142,17 @@ bool Application::saveAll() {
 
 bool Application::rescue(OpenOutline& outline) {
   try {
-    makePrivateDirectory(rescueDirectory_);
-    const std::string path =
-        rescueDirectory_ + "/" + newUuid().substr(0, 8) + " " + fileName(outline.storagePath());
+    const std::string path = container_.pathForRescued(fileName(outline.storagePath()));
     saver_.saveCopy(outline, path);
-    saver_.report("What could not be saved as " + outline.storagePath() + " is in " + path);
+    report("What could not be saved as " + outline.storagePath() + " is in " + path);
     return true;
   } catch (const Problem& problem) {
-    saver_.report(problem.what());
+    report(problem.what());
     return false;
   }
 }
 
-/// Whoever observes sees what other programs write, although nobody asks for it.
+/// Looks regularly for what other programs wrote, for the sake of observers.
 void Application::followFiles() {
   for (const auto& outline : outlines_) saver_.refresh(*outline);
   filesTimer_ = scheduler_.after(followPace, [this] { followFiles(); });
@@ -204,13 +197,9 @@ OpenOutline& Application::current(OpenOutline& opened) {
   return opened;
 }
 
-void Application::reloaded(OpenOutline& opened) {
-  if (listener_ != nullptr) listener_->outlineChanged(opened);
-}
-
 void Application::moved(OpenOutline& opened) {
   remember(opened, opened.storagePath());
-  if (listener_ != nullptr) listener_->listChanged();
+  notifyListChanged();
 }
 
 Transaction Application::begin(OpenOutline& opened) {
@@ -219,7 +208,15 @@ Transaction Application::begin(OpenOutline& opened) {
 
 void Application::changed(OpenOutline& opened) {
   saver_.changed(opened);
+  notifyChanged(opened);
+}
+
+void Application::notifyChanged(OpenOutline& opened) {
   if (listener_ != nullptr) listener_->outlineChanged(opened);
+}
+
+void Application::notifyListChanged() {
+  if (listener_ != nullptr) listener_->listChanged();
 }
 
 }  // namespace vell::headless

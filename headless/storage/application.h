@@ -1,46 +1,46 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
 #include <vector>
 
 #include "headless/editing/transaction.h"
+#include "headless/storage/container.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/saver.h"
-#include "platform/identifier_index.h"
 
 namespace vell::headless {
 
-/// Hears of what happens to the open outlines. Called on the application's thread.
+/// Is told what happens to the open outlines, on the application's thread.
 class ApplicationListener {
  public:
   virtual ~ApplicationListener() = default;
-  /// Rows changed, or what a reference such as "@selection" leads to.
+  /// Rows or the editor changed.
   virtual void outlineChanged(OpenOutline& opened) = 0;
   virtual void outlineClosing(OpenOutline& opened) = 0;
   /// The list of open outlines, their order or a summary changed.
   virtual void listChanged() = 0;
 };
 
-/// Where the application keeps things, and what it relies on.
 struct ApplicationSettings {
   /// The directory for what outlasts a run; it must exist.
   std::string container;
   /// Takes lines for people; standard error.
-  Saver::Report report;
+  std::function<void(const std::string&)> report;
   /// What the application calls itself to scripts.
   std::string version = "dev";
 };
 
-/// What is open, frontmost first, and how it is found by what clients call it. One outline per file, one
+/// The open outlines, frontmost first: opening, finding, saving and closing them. One outline per file, one
 /// editor per outline. Not safe for use by several threads.
-class Application : private SaverListener {
+class Application {
  public:
   /// The scheduler must outlive the application.
   Application(Scheduler& scheduler, ApplicationSettings settings);
 
-  ~Application() override;
+  ~Application();
 
   /// Opens the file, or finds it open, and brings it to front. Throws Problem.
   OpenOutline& open(const std::string& path);
@@ -71,9 +71,9 @@ class Application : private SaverListener {
   /// The outline whose editor has that id, the frontmost one where none is given. Throws Problem.
   OpenOutline& outlineOfEditor(const std::optional<std::string>& editorId);
 
-  const std::string& version() const { return version_; }
+  const std::string& version() const { return settings_.version; }
   /// A line for people.
-  void report(const std::string& line) const { saver_.report(line); }
+  void report(const std::string& line) const { settings_.report(line); }
 
   /// Changes to the rows of an open outline; `changed` follows when they are committed.
   Transaction begin(OpenOutline& opened);
@@ -83,8 +83,9 @@ class Application : private SaverListener {
   void setListener(ApplicationListener* listener) { listener_ = listener; }
 
  private:
-  void reloaded(OpenOutline& opened) override;
-  void moved(OpenOutline& opened) override;
+  void moved(OpenOutline& opened);
+  void notifyChanged(OpenOutline& opened);
+  void notifyListChanged();
   bool isKeptByUs(const OpenOutline& outline) const;
   OpenOutline& frontmost();
   void followFiles();
@@ -97,11 +98,8 @@ class Application : private SaverListener {
 
   Scheduler& scheduler_;
   Scheduler::Timer filesTimer_{};
-  std::string version_;
-  std::string untitledDirectory_;
-  std::string closedDirectory_;
-  std::string rescueDirectory_;
-  platform::IdentifierIndex identifiers_;
+  ApplicationSettings settings_;
+  Container container_;
   std::vector<std::unique_ptr<OpenOutline>> outlines_;
   ApplicationListener* listener_ = nullptr;
   Saver saver_;

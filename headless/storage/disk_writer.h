@@ -13,7 +13,7 @@
 
 namespace vell::headless {
 
-/// What to put in the place of which file, provided that it still looks as expected.
+/// Bytes to replace a file with, if it still looks as expected.
 struct SaveJob {
   std::string path;
   std::string bytes;
@@ -28,7 +28,7 @@ struct SaveResult {
   std::string fault;
 };
 
-/// Waits for the disk on a thread of its own, one job after another. Destruction finishes what is queued.
+/// Writes files on a thread of its own, one after another. The destructor finishes what is queued.
 class DiskWriter {
  public:
   using Done = std::function<void(const SaveResult&)>;
@@ -38,7 +38,7 @@ class DiskWriter {
 
   /// `done` is called on the application's thread.
   void write(SaveJob job, Done done);
-  /// Returns once every job is carried out and its `done` has been called.
+  /// Returns once every job is done and its `done` has been called.
   void drain();
 
  private:

@@ -95,7 +95,7 @@ class TemporaryFile {
     writeAll(descriptor_.get(), bytes);
     if (fsync(descriptor_.get()) != 0) throw systemProblem("fsync");
   }
-  /// The stamp is taken before the move: what stands there afterwards may be somebody else's already.
+  /// The stamp is taken before the move: afterwards another program may have written there.
   FileStamp moveTo(const std::string& target) {
     const FileStamp stamp = stampOf(path_);
     if (rename(path_.c_str(), target.c_str()) != 0) throw systemProblem("rename");
@@ -103,8 +103,8 @@ class TemporaryFile {
     syncDirectory(directoryOf(target));
     return stamp;
   }
-  /// Only in the place of what is expected, or of nothing. To look first and move then would overwrite what
-  /// comes between: what was there is looked at once it is out of the way, and put back if it is another's.
+  /// Moves only over what is expected, or over nothing. Looking first and moving then would overwrite what is
+  /// written in between: so the files are swapped, and swapped back if the former one is not as expected.
   std::optional<FileStamp> moveTo(const std::string& target, const FileStamp& expected) {
     const FileStamp stamp = stampOf(path_);
     if (!platform::swapFiles(path_, target)) {
@@ -191,6 +191,12 @@ FileStamp createFile(const std::string& path, std::string_view bytes) {
     unlink(path.c_str());
     throw;
   }
+}
+
+void removeFile(const std::string& path) {
+  std::error_code error;
+  std::filesystem::remove(path, error);
+  if (error) throw Problem("Cannot remove " + path + ": " + error.message());
 }
 
 void makePrivateDirectory(const std::string& path) {

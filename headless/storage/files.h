@@ -10,7 +10,7 @@
 
 namespace vell::headless {
 
-/// What a file looked like when it was last read or written; differs once somebody else wrote it.
+/// What a file looked like when it was last read or written; it differs once another program has written it.
 struct FileStamp {
   dev_t device = 0;
   ino_t inode = 0;
@@ -35,25 +35,28 @@ FileStamp stampOf(const std::string& path);
 /// The whole regular file. Throws Problem.
 FileContent readFile(const std::string& path);
 
-/// Less the umask: what files get that nobody wants otherwise.
+/// The mode of new files, less the umask.
 inline constexpr mode_t usualMode = 0666;
 
-/// Puts `bytes` in the place of the file in one step: whoever reads it, whenever the machine stops, finds the
-/// old content or the new. On disk when it returns. The file's mode and the links that lead to it stay; a new
-/// file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
+/// Replaces the file's content in one step: a reader finds the old content or the new, even if the machine
+/// stops meanwhile. The content is on disk when this returns. The file's mode and the links that lead to it
+/// stay; a new file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
 FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = usualMode);
 
-/// The same, provided that the file looks as expected, or is gone, at the moment of replacing it; else it is
-/// left alone and there is no stamp.
+/// The same if the file looks as expected, or is gone, at the moment of replacing it. Else the file is left
+/// alone and there is no stamp.
 std::optional<FileStamp> replaceExpected(const std::string& path, std::string_view bytes,
                                          const FileStamp& expected);
 
-/// Removes what replacing the file left beside it where the machine or the application was stopped meanwhile.
+/// Removes temporary files that interrupted replacements left beside the file.
 void removeAbandoned(const std::string& path);
 
 /// A new file with these bytes, which is on disk when it returns. Throws Problem, also where there is a file
 /// at `path`.
 FileStamp createFile(const std::string& path, std::string_view bytes);
+
+/// Removes the file; a missing one is fine. Throws Problem.
+void removeFile(const std::string& path);
 
 /// Makes the directory with those above it, for this user alone; an existing one is closed to others.
 /// Throws Problem.

@@ -11,7 +11,7 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// A large outline is not written more often than this, so that writing never is all that is done.
+/// The longest pause between two writes of an outline that takes long to write.
 constexpr milliseconds slowestPace{2'000};
 constexpr milliseconds retryPace{2'000};
 
@@ -39,9 +39,6 @@ std::string conflictPath(const std::string& path) {
 }
 
 }  // namespace
-
-Saver::Saver(Scheduler& scheduler, Report report, SaverListener& listener)
-    : scheduler_(scheduler), report_(std::move(report)), listener_(listener), writer_(scheduler) {}
 
 void Saver::changed(OpenOutline& opened) {
   if (!opened.isDirty()) return;
@@ -92,10 +89,10 @@ void Saver::settleConflict(OpenOutline& opened) {
   try {
     const std::string bytes = encoded(opened);
     const FileStamp stamp = replaceFile(copy, bytes);
-    report_(opened.storagePath() + " was changed by another program: our changes are in " + copy);
-    if (opened.reload()) return listener_.reloaded(opened);
+    events_.report(opened.storagePath() + " was changed by another program: our changes are in " + copy);
+    if (opened.reload()) return events_.reloaded(opened);
     opened.moveTo(copy, stamp, hashOf(bytes));
-    listener_.moved(opened);
+    events_.moved(opened);
   } catch (const Problem& problem) {
     reportOnce(state, problem.what());
     schedule(opened, retryPace);
@@ -137,9 +134,9 @@ void Saver::refresh(OpenOutline& opened) {
   State& state = states_[&opened];
   if (now == state.unreadable) return;
   if (opened.acceptTouch()) return;
-  if (opened.reload()) return listener_.reloaded(opened);
+  if (opened.reload()) return events_.reloaded(opened);
   state.unreadable = now;
-  report_(opened.storagePath() + " was changed by another program and can no longer be read");
+  events_.report(opened.storagePath() + " was changed by another program and can no longer be read");
 }
 
 void Saver::forget(OpenOutline& opened) {
@@ -153,7 +150,7 @@ void Saver::forget(OpenOutline& opened) {
 void Saver::reportOnce(State& state, const std::string& fault) {
   if (fault == state.lastFault) return;
   state.lastFault = fault;
-  report_(fault);
+  events_.report(fault);
 }
 
 }  // namespace vell::headless

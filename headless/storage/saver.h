@@ -10,31 +10,28 @@
 
 namespace vell::headless {
 
-/// Hears of what the saver did to an outline unasked.
-class SaverListener {
- public:
-  virtual ~SaverListener() = default;
-  /// Its rows are others than before.
-  virtual void reloaded(OpenOutline& opened) = 0;
-  /// It is kept in another file than before.
-  virtual void moved(OpenOutline& opened) = 0;
-};
-
-/// Brings changed outlines to disk shortly after each change, and follows what others write into their files.
+/// Saves changed outlines shortly after each change, and follows what other programs write into their files.
 ///
-/// A file that somebody else changed is never overwritten: where we have no changes of our own the outline is
-/// read anew; else ours go into a file beside it, "name (conflict <time>).ext", and the outline is read anew.
+/// A file that another program changed is never overwritten. Unsaved changes of ours go into a file beside
+/// it, "name (conflict <time>).ext", and the outline is read anew.
 class Saver {
  public:
-  /// Gets a line for people: what was saved elsewhere, what could not be saved.
-  using Report = std::function<void(const std::string&)>;
+  /// Called when something happens that nobody asked for.
+  struct Events {
+    /// A line for people: what was saved elsewhere, what could not be saved.
+    std::function<void(const std::string&)> report;
+    /// The outline's rows were read anew.
+    std::function<void(OpenOutline&)> reloaded;
+    /// The outline is kept in another file from now on.
+    std::function<void(OpenOutline&)> moved;
+  };
 
-  Saver(Scheduler& scheduler, Report report, SaverListener& listener);
+  Saver(Scheduler& scheduler, Events events)
+      : scheduler_(scheduler), events_(std::move(events)), writer_(scheduler) {}
 
-  void report(const std::string& line) const { report_(line); }
   /// Saves the outline soon, if it has changed since it was last saved.
   void changed(OpenOutline& opened);
-  /// On disk, as far as it can be, when it returns.
+  /// Saves the outline now; it is on disk when this returns, unless that fails.
   void flush(OpenOutline& opened);
   /// Why the outline could not be saved; empty where it could.
   std::string fault(const OpenOutline& opened) const;
@@ -43,13 +40,13 @@ class Saver {
   /// Keeps the outline in a new file at `path` from now on; the former file stays. Throws Problem, with
   /// nothing changed, also where there is a file at `path`.
   void saveAs(OpenOutline& opened, const std::string& path);
-  /// Reads the outline anew where its file is no longer what it was and nothing of ours would be lost.
+  /// Reads the outline anew if its file has changed and the outline has no unsaved changes.
   void refresh(OpenOutline& opened);
-  /// Forgets an outline that is about to go; changes not yet on their way to disk are dropped.
+  /// Forgets an outline that is about to be closed; changes that are not being written yet are dropped.
   void forget(OpenOutline& opened);
 
  private:
-  /// Long enough for a burst of changes to share one write, short enough for nobody to miss it.
+  /// A burst of changes within this time shares one write.
   static constexpr std::chrono::milliseconds usualPace{100};
 
   struct State {
@@ -57,7 +54,7 @@ class Saver {
     bool writing = false;
     Scheduler::Timer timer{};
     std::string lastFault;
-    FileStamp unreadable{};                       ///< what somebody wrote that is no outline
+    FileStamp unreadable{};                       ///< the stamp of a content that is no outline
     Scheduler::Clock::duration pace = usualPace;  ///< between a change and its saving
   };
 
@@ -72,8 +69,7 @@ class Saver {
   void reportOnce(State& state, const std::string& fault);
 
   Scheduler& scheduler_;
-  Report report_;
-  SaverListener& listener_;
+  Events events_;
   std::map<const OpenOutline*, State> states_;
   DiskWriter writer_;
 };

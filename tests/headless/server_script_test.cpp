@@ -1,5 +1,5 @@
+#include "headless/storage/container.h"
 #include "headless/storage/files.h"
-#include "headless/storage/untitled.h"
 #include "platform/container.h"
 #include "tests/headless/server_conversation.h"
 
@@ -89,7 +89,7 @@ TEST_F(ServedScript, SavesUnderANewName) {
   EXPECT_TRUE(readFile(home + "/a.md").bytes.ends_with("\n\nkept\n"));
   call("outline.close", {{"discard", true}});
   EXPECT_NE(readFile(home + "/Untitled 7.vell").bytes.find("\nkept"), std::string::npos);
-  EXPECT_EQ(untitledFiles(platform::containerDirectory() + "/Untitled"), std::vector<std::string>());
+  EXPECT_EQ(Container(platform::containerDirectory()).untitledFiles(), std::vector<std::string>());
 }
 
 }  // namespace

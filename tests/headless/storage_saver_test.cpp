@@ -3,10 +3,9 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
-#include <map>
-#include <thread>
 
 #include "headless/storage/paths.h"
+#include "tests/headless/manual_scheduler.h"
 #include "tests/support/temporary_directory.h"
 
 namespace vell::headless {
@@ -16,46 +15,7 @@ namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::IsEmpty;
 
-/// Time passes when the test says so.
-class ManualScheduler : public Scheduler {
- public:
-  Timer after(Clock::duration delay, Task task) override {
-    const Timer timer{Clock::time_point(delay), next_++};
-    timers_.emplace(timer, std::move(task));
-    return timer;
-  }
-  void cancel(const Timer& timer) override { timers_.erase(timer); }
-  void post(Task task) override {
-    const std::lock_guard lock(mutex_);
-    posted_.push_back(std::move(task));
-  }
-
-  std::size_t waiting() const { return timers_.size(); }
-  void runTimers() {
-    auto due = std::exchange(timers_, {});
-    for (auto& [timer, task] : due) task();
-  }
-  /// Waits for something to be posted and runs it.
-  void runPosted() {
-    for (bool ran = false; !ran; std::this_thread::yield()) {
-      std::vector<Task> tasks;
-      {
-        const std::lock_guard lock(mutex_);
-        tasks.swap(posted_);
-      }
-      for (const Task& task : tasks) task();
-      ran = !tasks.empty();
-    }
-  }
-
- private:
-  std::map<Timer, Task> timers_;
-  std::uint64_t next_ = 0;
-  std::mutex mutex_;
-  std::vector<Task> posted_;
-};
-
-class SaverTest : public testing::Test, private SaverListener {
+class SaverTest : public testing::Test {
  protected:
   void change(const std::string& text) {
     Row* row = opened->outline().create(RowType::body, Text(text), 0);
@@ -86,11 +46,10 @@ class SaverTest : public testing::Test, private SaverListener {
   int reloads = 0;
   std::unique_ptr<OpenOutline> opened = OpenOutline::read(path);
   int moves = 0;
-  Saver saver{scheduler, [this](const std::string& line) { reports.push_back(line); }, *this};
-
- private:
-  void reloaded(OpenOutline&) override { ++reloads; }
-  void moved(OpenOutline&) override { ++moves; }
+  Saver saver{scheduler,
+              {.report = [this](const std::string& line) { reports.push_back(line); },
+               .reloaded = [this](OpenOutline&) { ++reloads; },
+               .moved = [this](OpenOutline&) { ++moves; }}};
 };
 
 TEST_F(SaverTest, AChangeIsSavedOnceForABurst) {
