@@ -2,9 +2,6 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
-#include "headless/script/js_text.h"
-#include "headless/script/prelude.h"
-
 extern "C" {
 /// Exported by the library on every platform, though its header is not installed. The callback says whether
 /// to stop.
@@ -13,9 +10,53 @@ void JSContextGroupSetExecutionTimeLimit(JSContextGroupRef, double seconds, Shou
 }
 
 namespace vell::headless {
+
+/// The text of prelude.js, which builds the `vell` global.
+extern const char* const preludeSource;
+
 namespace {
 
-/// A JavaScript context with a group of its own, so that the time limit concerns nothing else.
+/// A JavaScript string that releases itself.
+class JsText {
+ public:
+  /// The text up to its first NUL; JSON texts, the only ones that pass through here, hold none.
+  explicit JsText(const std::string& utf8) : string_(JSStringCreateWithUTF8CString(utf8.c_str())) {}
+  /// Takes over a string that the caller owns; may be null.
+  explicit JsText(JSStringRef owned) : string_(owned) {}
+  ~JsText() {
+    if (string_ != nullptr) JSStringRelease(string_);
+  }
+  JsText(const JsText&) = delete;
+  JsText& operator=(const JsText&) = delete;
+
+  JSStringRef get() const { return string_; }
+  /// UTF-8; empty when null.
+  std::string utf8() const {
+    if (string_ == nullptr) return {};
+    std::string text(JSStringGetMaximumUTF8CStringSize(string_), '\0');
+    const std::size_t written = JSStringGetUTF8CString(string_, text.data(), text.size());
+    text.resize(written == 0 ? 0 : written - 1);
+    return text;
+  }
+
+ private:
+  JSStringRef string_;
+};
+
+/// The value as text, as `String(value)` gives it; empty where that throws.
+std::string textOf(JSContextRef context, JSValueRef value) {
+  return JsText(JSValueToStringCopy(context, value, nullptr)).utf8();
+}
+
+/// A property of an object as text; empty where it is absent, undefined or null.
+std::string propertyText(JSContextRef context, JSObjectRef object, const char* name) {
+  const JsText key{std::string(name)};
+  JSValueRef value = JSObjectGetProperty(context, object, key.get(), nullptr);
+  if (value == nullptr || JSValueIsUndefined(context, value) || JSValueIsNull(context, value)) return {};
+  return textOf(context, value);
+}
+
+/// A JavaScript context in a group of its own, so that the time limit applies to it alone.
 class Context {
  public:
   explicit Context(std::chrono::milliseconds timeLimit)
@@ -157,7 +198,7 @@ std::string jsonOf(JSContextRef context, JSValueRef value) {
   JSValueRef exception = nullptr;
   const JsText text(JSValueCreateJSONString(context, value, 0, &exception));
   throwOn(context, exception);
-  return text ? text.utf8() : "null";
+  return text.get() != nullptr ? text.utf8() : "null";
 }
 
 }  // namespace
