@@ -10,10 +10,10 @@
 
 namespace vell::headless {
 
-/// One connected client: request lines in, answer lines out, never waiting for it.
+/// One connected client: reads request lines and writes answer lines without ever blocking.
 ///
-/// Memory stays bounded: a line may not exceed `lineLimit`, and while `backlogLimit` bytes or more wait to be
-/// taken by the client nothing is read from it, so that it holds at most one answer beyond that.
+/// Memory stays bounded: a line may not exceed `lineLimit`, and while `backlogLimit` bytes or more wait for
+/// the client nothing is read from it, so that at most one answer comes on top of that.
 class Client {
  public:
   using Clock = std::chrono::steady_clock;
@@ -42,12 +42,12 @@ class Client {
   std::string_view takeRequest() { return lines_.takeLine(); }
   /// The line being received is longer than any request may be.
   bool overlong() const { return lines_.size() > lineLimit && !lines_.hasLine(); }
-  /// Drops what came unread and reads no more.
+  /// Drops requests not yet taken and reads no more.
   void finishInput();
 
   /// A subscriber stays although its input has ended.
   void keepOpen(bool keep) { kept_ = keep; }
-  /// Nothing is left to do for this client: it left, or has all that it asked for.
+  /// The connection is lost, or the client has ended its input and got all its answers.
   bool done() const { return broken_ || (ended_ && !kept_ && !lines_.hasLine() && output_.empty()); }
   void markBroken() { broken_ = true; }
 

@@ -1,24 +1,46 @@
 #include "headless/server/dispatch.h"
 
+#include <algorithm>
+#include <array>
 #include <new>
 
 #include "headless/editing/problem.h"
-#include "headless/server/method.h"
 #include "headless/server/request.h"
 
 namespace vell::headless {
 namespace {
 
-/// Results below this travel in one piece with what stands around them.
-constexpr std::size_t joinedLimit = 64 << 10;
+struct NamedMethod {
+  std::string_view name;
+  Method method;
+};
 
-void sendResult(Client& client, std::string_view id, std::string result) {
-  std::string head = resultHead(id);
-  if (result.size() < joinedLimit) return client.send(head.append(result).append("}\n"));
-  client.send(std::move(head));
-  client.send(std::move(result));
-  client.send("}\n");
-}
+// clang-format off
+constexpr std::array table = {
+    NamedMethod{"application.open",            methods::applicationOpen},
+    NamedMethod{"command.list",                methods::commandList},
+    NamedMethod{"command.perform",             methods::commandPerform},
+    NamedMethod{"documents.observe",           methods::documentsObserve},
+    NamedMethod{"editor.get",                  methods::editorGet},
+    NamedMethod{"editor.list",                 methods::editorList},
+    NamedMethod{"editor.update",               methods::editorUpdate},
+    NamedMethod{"outline.bringToFront",        methods::outlineBringToFront},
+    NamedMethod{"outline.close",               methods::outlineClose},
+    NamedMethod{"outline.findByPath",          methods::outlineFindByPath},
+    NamedMethod{"outline.findByPersistentId",  methods::outlineFindByPersistentId},
+    NamedMethod{"outline.get",                 methods::outlineGet},
+    NamedMethod{"outline.list",                methods::outlineList},
+    NamedMethod{"outline.new",                 methods::outlineNew},
+    NamedMethod{"outline.newContent",          methods::outlineNewContent},
+    NamedMethod{"outline.observe",             methods::outlineObserve},
+    NamedMethod{"row.create",                  methods::rowCreate},
+    NamedMethod{"row.createMany",              methods::rowCreateMany},
+    NamedMethod{"row.delete",                  methods::rowDelete},
+    NamedMethod{"row.move",                    methods::rowMove},
+    NamedMethod{"row.update",                  methods::rowUpdate},
+    NamedMethod{"script.evaluate",             methods::scriptEvaluate},
+};
+// clang-format on
 
 /// The one place where failures become error answers.
 std::string errorFor(std::string_view id, std::exception_ptr failure) {
@@ -35,29 +57,37 @@ std::string errorFor(std::string_view id, std::exception_ptr failure) {
   }
 }
 
-bool blank(std::string_view line) { return line.find_first_not_of(" \t\r") == std::string_view::npos; }
+bool isBlank(std::string_view line) { return line.find_first_not_of(" \t\r") == std::string_view::npos; }
 
-void carryOut(const Request& request, Application& application, Subscriptions& subscriptions,
-              Client& client) {
-  const Handler handler = handlerOf(request.method());
+std::string answer(const Request& request, Application& application, const Subscriber& subscriber) {
+  const Method method = findMethod(request.method());
   const Params params = request.params();
-  const Subscriber subscriber{subscriptions, client.id()};
-  std::string result = handler({application, params, &subscriber});
-  if (request.wantsAnswer()) sendResult(client, request.id(), std::move(result));
+  return resultLine(request.id(), method({application, params, &subscriber}));
 }
 
 }  // namespace
 
-void dispatch(std::string_view line, Application& application, Subscriptions& subscriptions, Client& client) {
-  if (blank(line)) return;
+Method findMethod(std::string_view name) {
+  const auto* found =
+      std::find_if(table.begin(), table.end(), [&](const NamedMethod& each) { return each.name == name; });
+  if (found != table.end()) return found->method;
+  std::string names;
+  for (const NamedMethod& each : table) names.append(names.empty() ? "" : ", ").append(each.name);
+  throw RpcError(RpcCode::methodNotFound,
+                 "Unknown method \"" + std::string(name) + "\" (served: " + names + ")");
+}
+
+std::string dispatch(std::string_view line, Application& application, const Subscriber& subscriber) {
+  if (isBlank(line)) return {};
   std::optional<Request> request;
+  std::string answered;
   try {
     request.emplace(line);
-    carryOut(*request, application, subscriptions, client);
+    answered = answer(*request, application, subscriber);
   } catch (...) {
-    if (request && !request->wantsAnswer()) return;
-    client.send(errorFor(request ? request->id() : "null", std::current_exception()));
+    answered = errorFor(request ? request->id() : "null", std::current_exception());
   }
+  return !request || request->wantsAnswer() ? answered : std::string();
 }
 
 }  // namespace vell::headless

@@ -4,15 +4,15 @@
 #include <sys/socket.h>
 
 #include <array>
-#include <nlohmann/json.hpp>
 
 #include "headless/editing/problem.h"
+#include "json/document.h"
+#include "json/error.h"
+#include "json/writer.h"
 #include "platform/socket.h"
 
 namespace vell::headless {
 namespace {
-
-using nlohmann::json;
 
 void sendAll(int socket, std::string_view bytes) {
   while (!bytes.empty()) {
@@ -36,23 +36,45 @@ std::string receiveLine(int socket, std::chrono::milliseconds limit) {
     if (count <= 0) throw Problem("The running application closed the connection without an answer.");
     line.append(chunk.data(), static_cast<std::size_t>(count));
   }
+  line.resize(line.find('\n'));
   return line;
+}
+
+std::string openRequest(const std::vector<std::string>& paths) {
+  std::string line;
+  json::Writer(line)
+      .beginObject()
+      .member("id", 1)
+      .member("jsonrpc", "2.0")
+      .member("method", "application.open")
+      .key("params")
+      .beginObject()
+      .key("paths")
+      .array(paths)
+      .endObject()
+      .endObject();
+  return line += '\n';
+}
+
+/// What the answer to `application.open` says about files that did not open.
+std::vector<std::string> faultsIn(std::string_view answer) try {
+  const json::Document document(answer);
+  const auto entries = document.root().find("result");
+  if (!entries) throw Problem("The running application cannot open files: " + std::string(answer));
+  std::vector<std::string> faults;
+  for (const json::Node& entry : entries->elements())
+    if (const auto error = entry.find("error")) faults.push_back(error->string().value_or(""));
+  return faults;
+} catch (const json::ParseError&) {
+  throw Problem("The running application cannot open files: " + std::string(answer));
 }
 
 }  // namespace
 
 std::vector<std::string> handOver(const std::vector<std::string>& paths, const platform::Descriptor& socket,
                                   std::chrono::milliseconds limit) {
-  const json request = {
-      {"jsonrpc", "2.0"}, {"id", 1}, {"method", "application.open"}, {"params", {{"paths", paths}}}};
-  sendAll(socket.get(), request.dump(-1, ' ', false, json::error_handler_t::replace) + "\n");
-  const json answer = json::parse(receiveLine(socket.get(), limit), nullptr, false);
-  if (!answer.is_object() || !answer.contains("result"))
-    throw Problem("The running application cannot open files: " + answer.dump());
-  std::vector<std::string> faults;
-  for (const json& entry : answer["result"])
-    if (entry.contains("error")) faults.push_back(entry["error"].get<std::string>());
-  return faults;
+  sendAll(socket.get(), openRequest(paths));
+  return faultsIn(receiveLine(socket.get(), limit));
 }
 
 }  // namespace vell::headless

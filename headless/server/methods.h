@@ -1,11 +1,38 @@
 #pragma once
 
+#include <cstdint>
 #include <string>
+#include <string_view>
 
-#include "headless/server/method.h"
+#include "headless/server/params.h"
+#include "headless/storage/application.h"
+
+namespace vell::headless {
+
+class Subscriptions;
+
+/// The client that a request came from, as one that may observe.
+struct Subscriber {
+  Subscriptions& subscriptions;
+  std::uint64_t client;
+};
+
+/// What a method may work with while it answers one request.
+struct Call {
+  Application& application;
+  const Params& params;
+  const Subscriber* subscriber = nullptr;  ///< null where no client can be notified
+};
+
+/// Answers one request with the JSON text of its result. Failures are thrown: RpcError for bad params,
+/// Problem for what the application cannot do.
+using Method = std::string (*)(const Call&);
+
+/// The method of that name. Throws RpcError(methodNotFound) for a name that is not served.
+Method findMethod(std::string_view name);
 
 /// One function a method, declared here for the table; docs/protocol.md has their params and results.
-namespace vell::headless::methods {
+namespace methods {
 
 std::string applicationOpen(const Call& call);
 
@@ -14,10 +41,12 @@ std::string outlineGet(const Call& call);
 std::string outlineFindByPath(const Call& call);
 std::string outlineFindByPersistentId(const Call& call);
 std::string outlineBringToFront(const Call& call);
-
 std::string outlineNew(const Call& call);
 std::string outlineNewContent(const Call& call);
 std::string outlineClose(const Call& call);
+
+std::string outlineObserve(const Call& call);
+std::string documentsObserve(const Call& call);
 
 std::string rowCreate(const Call& call);
 std::string rowCreateMany(const Call& call);
@@ -29,12 +58,10 @@ std::string editorList(const Call& call);
 std::string editorGet(const Call& call);
 std::string editorUpdate(const Call& call);
 
-std::string outlineObserve(const Call& call);
-std::string documentsObserve(const Call& call);
-
 std::string commandList(const Call& call);
 std::string commandPerform(const Call& call);
 
 std::string scriptEvaluate(const Call& call);
 
-}  // namespace vell::headless::methods
+}  // namespace methods
+}  // namespace vell::headless

@@ -1,6 +1,5 @@
 #include "headless/server/params.h"
 
-#include "headless/server/rpc_error.h"
 #include "json/rewrite.h"
 
 namespace vell::headless {
@@ -68,8 +67,8 @@ std::string Params::requiredString(std::string_view key) const {
 bool Params::flag(std::string_view key, bool fallback) const {
   const auto value = member(key);
   if (!value) return fallback;
-  if (value->kind() != json::Kind::boolean) fail(key, "true or false", describe(*value));
-  return json::toString(*value, json::Layout::compact) == "true";
+  if (const auto flag = value->boolean()) return *flag;
+  fail(key, "true or false", describe(*value));
 }
 
 std::vector<std::string> Params::strings(std::string_view key) const {

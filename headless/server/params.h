@@ -2,6 +2,7 @@
 
 #include <initializer_list>
 #include <optional>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -11,9 +12,31 @@
 
 namespace vell::headless {
 
-/// The params object of one request, read member by member. A member that is null counts as absent, one that
-/// nobody asks for is ignored. Whatever does not fit throws RpcError(invalidParams), which names the member,
-/// what was expected and what came. Valid while the request's document lives.
+/// The codes that JSON-RPC 2.0 reserves.
+enum class RpcCode : int {
+  parseError = -32700,
+  invalidRequest = -32600,
+  methodNotFound = -32601,
+  invalidParams = -32602,
+  internalError = -32603,
+  /// The application understood the request and cannot do it.
+  application = -32000,
+};
+
+/// A request's failure as its sender sees it.
+class RpcError : public std::runtime_error {
+ public:
+  RpcError(RpcCode code, const std::string& message) : std::runtime_error(message), code_(code) {}
+
+  RpcCode code() const { return code_; }
+
+ private:
+  RpcCode code_;
+};
+
+/// The params object of one request, read member by member. A member that is null counts as absent; members
+/// that no method asks for are ignored. A value that does not fit throws RpcError(invalidParams) with the
+/// member, what was expected and what came. Valid while the request's document lives.
 class Params {
  public:
   template <typename Value>

@@ -1,9 +1,8 @@
 #include "headless/server/request.h"
 
-#include <nlohmann/json.hpp>
-
 #include "json/error.h"
 #include "json/rewrite.h"
+#include "json/writer.h"
 
 namespace vell::headless {
 namespace {
@@ -46,31 +45,46 @@ std::string Request::method() const {
 
 Params Request::params() const { return Params(document_.root().find("params")); }
 
-std::string resultHead(std::string_view id) {
-  return std::string(R"({"id":)").append(id).append(R"(,"jsonrpc":"2.0","result":)");
+std::string resultLine(std::string_view id, std::string_view result) {
+  std::string line;
+  line.reserve(result.size() + id.size() + 40);
+  json::Writer(line)
+      .beginObject()
+      .key("id")
+      .raw(id)
+      .member("jsonrpc", "2.0")
+      .key("result")
+      .raw(result)
+      .endObject();
+  return line += '\n';
 }
 
 std::string errorLine(std::string_view id, RpcCode code, std::string_view message) {
-  return std::string(R"({"error":{"code":)")
-      .append(std::to_string(static_cast<int>(code)))
-      .append(R"(,"message":)")
-      .append(quote(message))
-      .append(R"(},"id":)")
-      .append(id)
-      .append(R"(,"jsonrpc":"2.0"})")
-      .append("\n");
+  std::string line;
+  json::Writer(line)
+      .beginObject()
+      .key("error")
+      .beginObject()
+      .member("code", static_cast<int>(code))
+      .member("message", message)
+      .endObject()
+      .key("id")
+      .raw(id)
+      .member("jsonrpc", "2.0")
+      .endObject();
+  return line += '\n';
 }
 
 std::string notificationLine(std::string_view method, std::string_view params) {
-  return std::string(R"({"jsonrpc":"2.0","method":)")
-      .append(quote(method))
-      .append(R"(,"params":)")
-      .append(params)
-      .append("}\n");
-}
-
-std::string quote(std::string_view text) {
-  return nlohmann::json(text).dump(-1, ' ', false, nlohmann::json::error_handler_t::replace);
+  std::string line;
+  json::Writer(line)
+      .beginObject()
+      .member("jsonrpc", "2.0")
+      .member("method", method)
+      .key("params")
+      .raw(params)
+      .endObject();
+  return line += '\n';
 }
 
 }  // namespace vell::headless

@@ -4,7 +4,6 @@
 #include <string_view>
 
 #include "headless/server/params.h"
-#include "headless/server/rpc_error.h"
 
 namespace vell::headless {
 
@@ -29,13 +28,10 @@ class Request {
   std::string id_;
 };
 
-/// What stands before a result in its response; `}` and the line feed stand behind it. `id` is JSON text.
-std::string resultHead(std::string_view id);
-/// Whole lines with their line feed; `params` is JSON text.
+// Whole lines with their line feed; `id`, `result` and `params` are JSON texts.
+
+std::string resultLine(std::string_view id, std::string_view result);
 std::string errorLine(std::string_view id, RpcCode code, std::string_view message);
 std::string notificationLine(std::string_view method, std::string_view params);
-
-/// `text` as a JSON string; bytes that are not UTF-8 become U+FFFD.
-std::string quote(std::string_view text);
 
 }  // namespace vell::headless

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 
+#include "headless/server/dispatch.h"
 #include "headless/server/request.h"
 #include "platform/socket.h"
 
@@ -53,7 +54,7 @@ void Server::admit(platform::Descriptor socket) {
   clients_.emplace(id, std::move(client));
 }
 
-/// Out of descriptors: whoever waits for nothing makes room. Where nobody does, new clients wait a little.
+/// Out of descriptors: drops the idle client that has been quiet longest. Without one, pauses accepting.
 void Server::dropIdlest() {
   auto idlest = clients_.end();
   for (auto at = clients_.begin(); at != clients_.end(); ++at) {
@@ -71,7 +72,7 @@ void Server::onReady(std::uint64_t id, short events) {
   if ((events & POLLOUT) != 0) client.flush();
   if (wasBehind && client.backlog() < Client::backlogLimit) subscriptions_.clientCaughtUp(id);
   if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) client.receive();
-  // Gone for good, with nothing left to carry out: poll would report it for ever.
+  // The client is gone and nothing is left to carry out: poll would report it again and again.
   if ((events & (POLLHUP | POLLERR)) != 0 && client.interest() == 0 && !client.hasRequest())
     client.markBroken();
   serve(client);
@@ -81,7 +82,7 @@ void Server::onReady(std::uint64_t id, short events) {
 void Server::serve(Client& client) {
   const auto end = Client::Clock::now() + limits_.turn;
   while (client.hasRequest() && Client::Clock::now() < end) {
-    dispatch(client.takeRequest(), application_, subscriptions_, client);
+    client.send(dispatch(client.takeRequest(), application_, {subscriptions_, client.id()}));
     client.flush();
     if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
   }
@@ -94,7 +95,7 @@ void Server::serve(Client& client) {
   }
 }
 
-/// What follows from the client's state: gone, waiting for its next turn, or waiting for its descriptor.
+/// Drops a client that is done, or plans its next turn.
 void Server::settle(Client& client) {
   if (client.done()) return drop(client.id());
   loop_.setInterest(client.descriptor(), client.interest());
@@ -117,15 +118,14 @@ void Server::drop(std::uint64_t id) {
   subscriptions_.clientLeft(id);
 }
 
-/// What is sent goes out, and whoever is done leaves, when the loop comes to the client: its sender may be
-/// amid a walk over subscriptions.
+/// Only queues the line; the loop writes it, since the caller may be in the middle of its subscriptions.
 void Server::send(std::uint64_t id, std::string line) {
   Client& client = *clients_.at(id);
   client.send(std::move(line));
   loop_.setInterest(client.descriptor(), client.interest());
 }
 
-bool Server::takes(std::uint64_t id) const { return clients_.at(id)->backlog() < Client::backlogLimit; }
+bool Server::hasRoom(std::uint64_t id) const { return clients_.at(id)->backlog() < Client::backlogLimit; }
 
 void Server::keepOpen(std::uint64_t id, bool keep) {
   const auto found = clients_.find(id);
@@ -134,13 +134,13 @@ void Server::keepOpen(std::uint64_t id, bool keep) {
 
 void Server::keepWithinBacklog(const Client& served) {
   std::size_t total = 0;
-  const Client* stillest = nullptr;
+  const Client* slowest = nullptr;
   for (const auto& [id, client] : clients_) {
     total += client->backlog();
     if (client->backlog() == 0 || client.get() == &served) continue;
-    if (stillest == nullptr || client->lastMoved() < stillest->lastMoved()) stillest = client.get();
+    if (slowest == nullptr || client->lastMoved() < slowest->lastMoved()) slowest = client.get();
   }
-  if (total > limits_.backlog && stillest != nullptr) drop(stillest->id());
+  if (total > limits_.backlog && slowest != nullptr) drop(slowest->id());
 }
 
 void Server::dropStalled() {
@@ -152,7 +152,7 @@ void Server::dropStalled() {
   stallTimer_ = loop_.after(limits_.stall / 4, [this] { dropStalled(); });
 }
 
-void Server::finish(std::chrono::milliseconds limit) {
+void Server::closeAfterFlush(std::chrono::milliseconds limit) {
   loop_.forget(listener_);
   subscriptions_.applicationQuits();
   const auto end = EventLoop::Clock::now() + limit;

@@ -7,7 +7,6 @@
 
 #include "headless/server/application_socket.h"
 #include "headless/server/client.h"
-#include "headless/server/dispatch.h"
 #include "headless/server/event_loop.h"
 #include "headless/server/subscriptions.h"
 #include "headless/storage/application.h"
@@ -16,35 +15,35 @@ namespace vell::headless {
 
 /// Bounds that keep one client from harming the others.
 struct ServerLimits {
-  /// A client that takes none of the bytes that wait for it for this long is dropped.
+  /// A client that takes none of its waiting bytes for this long is dropped.
   std::chrono::milliseconds stall = std::chrono::minutes(2);
-  /// Bytes that may wait for all clients together; beyond, whoever has stood still longest is dropped.
+  /// Bytes that may wait for all clients together; beyond that, the client that has taken nothing for longest
+  /// is dropped.
   std::size_t backlog = std::size_t{1} << 30;
-  /// How long one client is served before the others have their turn.
+  /// How long one client is served before the others get their turn.
   std::chrono::milliseconds turn = std::chrono::milliseconds(5);
 };
 
 /// Serves the application to every client of the socket, in turns, on the loop's thread. The references must
 /// outlive the server.
-class Server : private Outlet {
+class Server : private NotificationSink {
  public:
   Server(EventLoop& loop, Application& application, int listener, ServerLimits limits = {});
   ~Server() override;
   Server(const Server&) = delete;
   Server& operator=(const Server&) = delete;
 
-  /// No new clients and no new requests; what is still owed, and that observation ends, is sent within
-  /// `limit`.
-  void finish(std::chrono::milliseconds limit);
+  /// Takes no new clients and requests, tells observers that the application quits, and sends what waits, for
+  /// at most `limit`.
+  void closeAfterFlush(std::chrono::milliseconds limit);
 
  private:
   void send(std::uint64_t client, std::string line) override;
-  bool takes(std::uint64_t client) const override;
+  bool hasRoom(std::uint64_t client) const override;
   void keepOpen(std::uint64_t client, bool keep) override;
 
   void acceptClients();
   void admit(platform::Descriptor socket);
-  void pauseAccepting();
   void dropIdlest();
 
   void onReady(std::uint64_t id, short events);

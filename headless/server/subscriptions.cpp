@@ -4,13 +4,14 @@
 #include <vector>
 
 #include "headless/editing/uuid.h"
+#include "headless/server/answers.h"
 #include "headless/server/request.h"
-#include "headless/server/shapes.h"
+#include "json/writer.h"
 
 namespace vell::headless {
 namespace {
 
-/// What people do not notice, but a burst of changes does.
+/// Changes within this time make one notification.
 constexpr std::chrono::milliseconds usualPace{20};
 constexpr std::chrono::milliseconds slowestPace{2'000};
 
@@ -21,8 +22,8 @@ const char* kindOf(const OpenOutline* opened, const OutlineView& view) {
 
 }  // namespace
 
-Subscriptions::Subscriptions(Scheduler& scheduler, Application& application, Outlet& outlet)
-    : scheduler_(scheduler), application_(application), outlet_(outlet), pace_(usualPace) {
+Subscriptions::Subscriptions(Scheduler& scheduler, Application& application, NotificationSink& sink)
+    : scheduler_(scheduler), application_(application), sink_(sink), pace_(usualPace) {
   application_.setListener(this);
 }
 
@@ -43,7 +44,7 @@ std::string Subscriptions::add(std::uint64_t client, Subject subject) {
   const std::string id = newUuid();
   changed_.insert(subject.opened);
   subscriptions_.emplace(id, Subscription{client, std::move(subject), std::nullopt});
-  outlet_.keepOpen(client, true);
+  sink_.keepOpen(client, true);
   schedule(std::chrono::milliseconds(0));
   return id;
 }
@@ -60,7 +61,7 @@ void Subscriptions::clientCaughtUp(std::uint64_t client) {
 }
 
 void Subscriptions::applicationQuits() {
-  evaluate();
+  notifyChanged();
   while (!subscriptions_.empty()) close(subscriptions_.begin()->first, "appQuitting");
 }
 
@@ -70,7 +71,7 @@ void Subscriptions::outlineChanged(OpenOutline& opened) {
 }
 
 void Subscriptions::outlineClosing(OpenOutline& opened) {
-  evaluate();
+  notifyChanged();
   std::vector<std::string> ended;
   for (const auto& [id, subscription] : subscriptions_)
     if (subscription.subject.opened == &opened) ended.push_back(id);
@@ -84,24 +85,24 @@ void Subscriptions::listChanged() {
 
 void Subscriptions::schedule(Scheduler::Clock::duration delay) {
   if (timer_ || subscriptions_.empty()) return;
-  timer_ = scheduler_.after(delay, [this] { evaluate(); });
+  timer_ = scheduler_.after(delay, [this] { notifyChanged(); });
 }
 
-void Subscriptions::evaluate() {
+void Subscriptions::notifyChanged() {
   if (timer_) scheduler_.cancel(*timer_);
   timer_.reset();
   const auto changed = std::exchange(changed_, {});
   const auto start = Scheduler::Clock::now();
   Rendered rendered;
   for (auto& [id, subscription] : subscriptions_)
-    if (changed.count(subscription.subject.opened) != 0) evaluate(id, subscription, rendered);
+    if (changed.count(subscription.subject.opened) != 0) notify(id, subscription, rendered);
   // What takes long to render is rendered less often.
   const auto effort = Scheduler::Clock::now() - start;
   pace_ = std::clamp<Scheduler::Clock::duration>(effort * 4, usualPace, slowestPace);
 }
 
-void Subscriptions::evaluate(const std::string& id, Subscription& subscription, Rendered& rendered) {
-  if (!outlet_.takes(subscription.client)) return;
+void Subscriptions::notify(const std::string& id, Subscription& subscription, Rendered& rendered) {
+  if (!sink_.hasRoom(subscription.client)) return;
   const auto [entry, isNew] = rendered.try_emplace(subscription.subject);
   if (isNew) entry->second = render(subscription.subject);
   if (entry->second.empty()) return;
@@ -109,10 +110,10 @@ void Subscriptions::evaluate(const std::string& id, Subscription& subscription, 
   const std::size_t hash = std::hash<std::string>()(data);
   if (std::exchange(subscription.shown, hash) == hash) return;
   const Subject& subject = subscription.subject;
-  outlet_.send(subscription.client, notification(id, subject, kindOf(subject.opened, subject.view), data));
+  sink_.send(subscription.client, notification(id, subject, kindOf(subject.opened, subject.view), data));
 }
 
-/// Empty where it cannot be shown as the outline is now.
+/// Empty where the path fails on the outline as it is now.
 std::string Subscriptions::render(const Subject& subject) const {
   if (subject.opened == nullptr) return summaries(application_);
   const OpenOutline& opened = *subject.opened;
@@ -128,23 +129,24 @@ std::string Subscriptions::render(const Subject& subject) const {
 void Subscriptions::close(const std::string& id, const char* reason) {
   const auto found = subscriptions_.find(id);
   const std::uint64_t client = found->second.client;
-  const std::string data = std::string(R"({"reason":")") + reason + "\"}";
-  outlet_.send(client, notification(id, found->second.subject, "subscription.closed", data));
+  std::string data;
+  json::Writer(data).beginObject().member("reason", reason).endObject();
+  sink_.send(client, notification(id, found->second.subject, "subscription.closed", data));
   subscriptions_.erase(found);
   const bool others = std::any_of(subscriptions_.begin(), subscriptions_.end(),
                                   [&](const auto& entry) { return entry.second.client == client; });
-  if (!others) outlet_.keepOpen(client, false);
+  if (!others) sink_.keepOpen(client, false);
 }
 
 std::string Subscriptions::notification(const std::string& id, const Subject& subject, std::string_view kind,
-                                        std::string_view data) const {
-  std::string params = R"({"data":)";
-  params.append(data).append(R"(,"kind":")").append(kind);
-  if (subject.opened != nullptr)
-    params.append(R"(","outline":)").append(quote(subject.opened->persistentId()));
-  params.append(subject.opened != nullptr ? R"(,"subscriptionId":")" : R"(","subscriptionId":")");
-  params.append(id).append("\"}");
-  return notificationLine(subject.opened != nullptr ? "outline.observe" : "documents.observe", params);
+                                        std::string_view data) {
+  const bool ofOutline = subject.opened != nullptr;
+  std::string params;
+  json::Writer writer(params);
+  writer.beginObject().key("data").raw(data).member("kind", kind);
+  if (ofOutline) writer.member("outline", subject.opened->persistentId());
+  writer.member("subscriptionId", id).endObject();
+  return notificationLine(ofOutline ? "outline.observe" : "documents.observe", params);
 }
 
 }  // namespace vell::headless

@@ -13,26 +13,26 @@
 
 namespace vell::headless {
 
-/// How notifications reach the clients.
-class Outlet {
+/// Delivers notifications to clients.
+class NotificationSink {
  public:
-  virtual ~Outlet() = default;
+  virtual ~NotificationSink() = default;
   /// Queues a line for the client.
   virtual void send(std::uint64_t client, std::string line) = 0;
-  /// False while the client has not taken what it was sent; `Subscriptions::clientCaughtUp` tells when it
-  /// has.
-  virtual bool takes(std::uint64_t client) const = 0;
-  /// Whether the client is to stay although it sends nothing more.
+  /// False while too much waits for the client; then `Subscriptions::clientCaughtUp` is called once it has
+  /// room.
+  virtual bool hasRoom(std::uint64_t client) const = 0;
+  /// Keeps the client connected although it has ended its input.
   virtual void keepOpen(std::uint64_t client, bool keep) = 0;
 };
 
-/// What clients observe. A snapshot is sent when a subscription begins and whenever what it shows has become
-/// different, a moment after the change so that a burst of changes is one. A client that is slow misses
-/// snapshots in between, never the last one.
+/// What clients observe. A client gets a snapshot when a subscription begins and whenever the snapshot
+/// differs from the last one, a moment after the change so that a burst of changes makes one. A slow client
+/// misses snapshots in between, never the last one.
 class Subscriptions : public ApplicationListener {
  public:
   /// All must outlive the subscriptions.
-  Subscriptions(Scheduler& scheduler, Application& application, Outlet& outlet);
+  Subscriptions(Scheduler& scheduler, Application& application, NotificationSink& sink);
   ~Subscriptions() override;
 
   /// Begin a subscription and return its id; the first snapshot follows the answer. Throw Problem where the
@@ -51,7 +51,7 @@ class Subscriptions : public ApplicationListener {
   void listChanged() override;
 
  private:
-  /// What is shown; subscriptions that show the same are rendered once.
+  /// What a subscription shows. Subscriptions with the same subject share one rendering.
   struct Subject {
     OpenOutline* opened;  ///< null: the list of documents
     std::string path;
@@ -69,16 +69,16 @@ class Subscriptions : public ApplicationListener {
 
   std::string add(std::uint64_t client, Subject subject);
   std::string render(const Subject& subject) const;
-  void evaluate();
-  void evaluate(const std::string& id, Subscription& subscription, Rendered& rendered);
+  void notifyChanged();
+  void notify(const std::string& id, Subscription& subscription, Rendered& rendered);
   void schedule(Scheduler::Clock::duration delay);
   void close(const std::string& id, const char* reason);
-  std::string notification(const std::string& id, const Subject& subject, std::string_view kind,
-                           std::string_view data) const;
+  static std::string notification(const std::string& id, const Subject& subject, std::string_view kind,
+                                  std::string_view data);
 
   Scheduler& scheduler_;
   Application& application_;
-  Outlet& outlet_;
+  NotificationSink& sink_;
   std::map<std::string, Subscription> subscriptions_;
   std::set<const OpenOutline*> changed_;  // null: the list of documents
   std::optional<Scheduler::Timer> timer_;

@@ -6,8 +6,8 @@
 #include "headless/editing/arrange_rows.h"
 #include "headless/editing/create_rows.h"
 #include "headless/editing/problem.h"
-#include "headless/editing/result_json.h"
 #include "headless/editing/update_rows.h"
+#include "headless/server/answers.h"
 #include "tests/formats/support.h"
 
 namespace vell::headless {
@@ -280,11 +280,11 @@ TEST(Change, UpdatesRows) {
 
 TEST(Change, AnswersTellRowsAndWhatWasRefused) {
   Bench bench("a {#a}\n");
-  std::string answer;
-  appendUpdatedRows(answer, updateRows(bench.edit, bench.rows({"a"}), {.persistentId = "7"}));
-  EXPECT_EQ(answer, R"([{"row":{"id":2,"persistentId":"a","type":"body","text":[{"string":"a"}],)"
-                    R"("created":"2026-09-21T14:13:20Z","modified":"2026-09-21T14:13:20Z"},)"
-                    R"("fieldErrors":{"persistentId":"\"7\" would be taken for a session id"}}])");
+  const auto updated = updateRows(bench.edit, bench.rows({"a"}), {.persistentId = "7"});
+  EXPECT_EQ(updatedRowsAnswer(updated),
+            R"([{"row":{"id":2,"persistentId":"a","type":"body","text":[{"string":"a"}],)"
+            R"("created":"2026-09-21T14:13:20Z","modified":"2026-09-21T14:13:20Z"},)"
+            R"("fieldErrors":{"persistentId":"\"7\" would be taken for a session id"}}])");
 }
 
 }  // namespace

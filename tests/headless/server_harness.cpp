@@ -8,8 +8,8 @@
 #include <array>
 #include <chrono>
 
-#include "headless/server/request.h"
 #include "headless/storage/application.h"
+#include "json/writer.h"
 #include "platform/container.h"
 
 namespace vell::headless {
@@ -82,7 +82,7 @@ RunningServer::~RunningServer() {
 void RunningServer::open(const std::string& name, std::string_view content) {
   const std::string path = home_.write(name, content);
   const std::string answer =
-      client().ask(R"({"id":1,"method":"application.open","params":{"paths":[)" + quote(path) + "]}}");
+      client().ask(R"({"id":1,"method":"application.open","params":{"paths":[)" + json::quoted(path) + "]}}");
   EXPECT_EQ(answer.find("error"), std::string::npos) << answer;
 }
 

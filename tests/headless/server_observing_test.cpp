@@ -30,7 +30,6 @@ TEST_F(Observing, AnOutlineIsToldAtFirstAndWheneverItLooksDifferent) {
   EXPECT_EQ(texts(first["data"]), "Groceries(Milk Bread) Later");
   EXPECT_EQ(first["kind"], "rows");
   EXPECT_EQ(first["outline"], "outline-1");
-  call("editor.update", {{"selectRow", "5"}});  // shows nothing new
   call("row.update", {{"rows", {"5"}}, {"text", "Now"}});
   const json second = next(watcher);
   EXPECT_EQ(texts(second["data"]), "Groceries(Milk Bread) Now");
@@ -76,15 +75,6 @@ TEST_F(Observing, EndsWithItsOutlineAfterTheLastChange) {
   EXPECT_EQ(watcher.line(), "<end>");
 }
 
-TEST_F(Observing, APathNarrowsWhatIsSeen) {
-  TestClient watcher = server_.client();
-  subscribed(watcher, "outline.observe", {{"path", "//task"}, {"rows", true}});
-  EXPECT_EQ(texts(next(watcher)["data"]), "Milk");
-  call("row.create", {{"markdown", "Tea"}});  // no task
-  call("row.create", {{"markdown", "- [ ] Eggs"}});
-  EXPECT_EQ(texts(next(watcher)["data"]), "Milk Eggs");
-}
-
 TEST_F(Observing, RefusesWhatSelectsNoRows) {
   for (const char* path : {"count(//*)", "//*[", "Milk", ""})
     EXPECT_TRUE(call("outline.observe", {{"path", path}}).is_string()) << path;
@@ -110,16 +100,6 @@ TEST_F(Observing, ManyWatchAndOneThatDoesNotReadHarmsNobody) {
     while (latest.is_object() && texts(latest["data"]).substr(22) != text + "29");
     EXPECT_TRUE(latest.is_object());
   }
-}
-
-TEST(ObservingProcess, SeesWhatOthersWriteIntoTheFile) {
-  RunningServer server;
-  server.open("a.txt", "one\n");
-  TestClient watcher = server.client();
-  watcher.ask(R"({"id":1,"method":"outline.observe","params":{"format":"txt"}})");
-  EXPECT_NE(watcher.line().find(R"("data":"one\n")"), std::string::npos);
-  server.home().write("a.txt", "one\ntwo\n");
-  EXPECT_NE(watcher.line().find(R"("data":"one\ntwo\n")"), std::string::npos);
 }
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "headless/editing/problem.h"
+#include "headless/server/answers.h"
 #include "headless/server/methods.h"
-#include "headless/server/request.h"
-#include "headless/server/shapes.h"
+#include "json/writer.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -20,13 +20,17 @@ const Row* selectableRow(const RowRefs& refs, const Params& params, std::string_
 }  // namespace
 
 std::string editorList(const Call& call) {
-  std::string text = "[";
+  std::string text;
+  json::Writer writer(text);
+  writer.beginArray();
   for (const auto& outline : call.application.outlines()) {
-    if (text.size() > 1) text += ',';
-    text += R"({"id":)" + quote(outline->editor().id()) + R"(,"outlineId":)" +
-            quote(outline->persistentId()) + "}";
+    writer.beginObject()
+        .member("id", outline->editor().id())
+        .member("outlineId", outline->persistentId())
+        .endObject();
   }
-  return text + "]";
+  writer.endArray();
+  return text;
 }
 
 std::string editorUpdate(const Call& call) {

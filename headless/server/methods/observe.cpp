@@ -1,6 +1,7 @@
 #include "headless/editing/problem.h"
 #include "headless/server/methods.h"
 #include "headless/server/subscriptions.h"
+#include "json/writer.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -10,7 +11,11 @@ const Subscriber& subscriber(const Call& call) {
   return *call.subscriber;
 }
 
-std::string begun(const std::string& id) { return R"({"subscriptionId":")" + id + "\"}"; }
+std::string begun(const std::string& id) {
+  std::string text;
+  json::Writer(text).beginObject().member("subscriptionId", id).endObject();
+  return text;
+}
 
 }  // namespace
 

@@ -1,9 +1,10 @@
 #include "formats/format.h"
+#include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
+#include "headless/server/answers.h"
 #include "headless/server/methods.h"
 #include "headless/server/outline_view.h"
-#include "headless/server/request.h"
-#include "headless/server/shapes.h"
+#include "json/writer.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -22,7 +23,34 @@ const formats::Format& fileFormatParam(const Params& params, std::string_view fa
 
 std::string orNull(const OpenOutline* opened) { return opened != nullptr ? summary(*opened) : "null"; }
 
+void openOne(json::Writer& entries, Application& application, const std::string& path) {
+  entries.beginObject();
+  try {
+    const std::string opened = summary(application.open(path));
+    entries.key("outline").raw(opened);
+  } catch (const Problem& problem) {
+    entries.member("error", problem.what());
+  }
+  entries.member("path", path).endObject();
+}
+
 }  // namespace
+
+std::string applicationOpen(const Call& call) {
+  const auto paths = call.params.requiredStrings("paths");
+  for (const std::string& path : paths)
+    if (!path.starts_with('/')) Params::fail("paths", "absolute paths", json::quoted(path));
+  std::string text;
+  json::Writer entries(text);
+  entries.beginArray();
+  for (const std::string& path : paths) openOne(entries, call.application, path);
+  entries.endArray();
+  // The file named first ends up in front.
+  for (auto path = paths.rbegin(); path != paths.rend(); ++path)
+    if (const OpenOutline* opened = call.application.findByPath(*path))
+      call.application.bringToFront(*opened);
+  return text;
+}
 
 std::string outlineList(const Call& call) { return summaries(call.application); }
 
@@ -59,13 +87,15 @@ std::string outlineNewContent(const Call& call) {
   empty.setCreated(document::currentTime());
   std::string text;
   format.write(empty, {}, false, text);
-  return quote(text);
+  return json::quoted(text);
 }
 
 std::string outlineClose(const Call& call) {
   OpenOutline& opened = call.application.outline(call.params.string("outline"));
   call.application.close(opened, call.params.flag("discard", false));
-  return R"({"closed":true})";
+  std::string text;
+  json::Writer(text).beginObject().member("closed", true).endObject();
+  return text;
 }
 
 }  // namespace vell::headless::methods

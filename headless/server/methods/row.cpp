@@ -1,16 +1,13 @@
-#include <nlohmann/json.hpp>
-
 #include "formats/format.h"
 #include "formats/inline_text.h"
 #include "formats/json_reader.h"
-#include "formats/json_writer.h"
 #include "headless/editing/arrange_rows.h"
 #include "headless/editing/create_rows.h"
-#include "headless/editing/result_json.h"
 #include "headless/editing/update_rows.h"
+#include "headless/server/answers.h"
 #include "headless/server/methods.h"
-#include "headless/server/request.h"
 #include "json/rewrite.h"
+#include "json/writer.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -48,17 +45,29 @@ std::optional<Text> textParam(const Params& params, std::string_view key) {
   }
 }
 
+const char* typeName(json::Kind kind) {
+  switch (kind) {
+    case json::Kind::object:
+      return "object";
+    case json::Kind::array:
+      return "array";
+    case json::Kind::boolean:
+      return "boolean";
+    default:
+      return "number";
+  }
+}
+
 std::vector<std::pair<std::string, std::optional<std::string>>> attributesParam(const Params& params) {
   const auto value = params.member("attributes");
   if (!value) return {};
   if (value->kind() != json::Kind::object) Params::fail("attributes", "an object", describe(*value));
   std::vector<std::pair<std::string, std::optional<std::string>>> attributes;
-  const auto members = nlohmann::ordered_json::parse(json::toString(*value, json::Layout::compact));
-  for (const auto& [key, member] : members.items()) {
-    if (!member.is_string() && !member.is_null())
+  for (const auto& [key, content] : value->members()) {
+    if (content.kind() != json::Kind::string && content.kind() != json::Kind::null)
       Params::fail("attributes." + key, "a string or null",
-                   std::string("a value of type ") + member.type_name());
-    attributes.emplace_back(key, member.is_null() ? std::nullopt : std::optional(member.get<std::string>()));
+                   std::string("a value of type ") + typeName(content.kind()));
+    attributes.emplace_back(key, content.string());
   }
   return attributes;
 }
@@ -76,9 +85,7 @@ std::string rowCreate(const Call& call) {
   Transaction transaction = call.application.begin(opened);
   const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call.params, opened));
   transaction.commit();
-  std::string result;
-  formats::appendSessionRow(result, row);
-  return result;
+  return rowAnswer(row);
 }
 
 std::string rowCreateMany(const Call& call) {
@@ -87,9 +94,7 @@ std::string rowCreateMany(const Call& call) {
   Transaction transaction = call.application.begin(opened);
   const auto rows = createRows(transaction.edit(), markdown, newRowsDestination(call.params, opened));
   transaction.commit();
-  std::string result;
-  appendRows(result, rows);
-  return result;
+  return rowsAnswer(rows);
 }
 
 std::string rowUpdate(const Call& call) {
@@ -99,9 +104,7 @@ std::string rowUpdate(const Call& call) {
   Transaction transaction = call.application.begin(opened);
   const auto updated = updateRows(transaction.edit(), opened.refs().rows(refs), update);
   transaction.commit();
-  std::string result;
-  appendUpdatedRows(result, updated);
-  return result;
+  return updatedRowsAnswer(updated);
 }
 
 std::string rowMove(const Call& call) {
@@ -113,9 +116,7 @@ std::string rowMove(const Call& call) {
     Params::fail("to", "a row reference (or before, or after)", "nothing");
   const auto rows = moveRows(transaction.edit(), opened.refs().rows(refs), request);
   transaction.commit();
-  std::string result;
-  appendRows(result, rows);
-  return result;
+  return rowsAnswer(rows);
 }
 
 std::string rowDelete(const Call& call) {
@@ -126,7 +127,9 @@ std::string rowDelete(const Call& call) {
   transaction.deselect(rows);
   const std::size_t deleted = deleteRows(transaction.edit(), rows);
   transaction.commit();
-  return R"({"deleted":)" + std::to_string(deleted) + "}";
+  std::string text;
+  json::Writer(text).beginObject().member("deleted", deleted).endObject();
+  return text;
 }
 
 }  // namespace vell::headless::methods

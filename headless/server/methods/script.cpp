@@ -1,8 +1,7 @@
-#include "formats/json_writer.h"
 #include "headless/editing/problem.h"
 #include "headless/script/script_engine.h"
+#include "headless/server/answers.h"
 #include "headless/server/methods.h"
-#include "headless/server/shapes.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -13,13 +12,13 @@ class Host : public ScriptHost {
   explicit Host(Application& application) : application_(application) {}
 
   std::string call(const std::string& method, const std::string& text) override {
-    const json::Document document{json::Text(text)};
+    const json::Document document{std::string_view(text)};
     const Params params(document.root());
     const Call call{application_, params};
     if (method == "script.parent") return parent(call);
     if (method == "script.children") return children(call);
     if (method == "script.save") return save(call);
-    return handlerOf(method)(call);
+    return findMethod(method)(call);
   }
 
   void log(const std::string& line) override { application_.report("script: " + line); }
@@ -32,19 +31,14 @@ class Host : public ScriptHost {
 
   static std::string parent(const Call& call) {
     const Row* parent = row(call).parent();
-    std::string text;
-    if (parent == nullptr || parent->parent() == nullptr) return "null";
-    formats::appendSessionRow(text, *parent);
-    return text;
+    return parent == nullptr || parent->parent() == nullptr ? "null" : rowAnswer(*parent);
   }
 
   static std::string children(const Call& call) {
-    std::string text = "[";
-    for (const Row* child = row(call).firstChild(); child != nullptr; child = child->next()) {
-      if (text.size() > 1) text += ',';
-      formats::appendSessionRow(text, *child);
-    }
-    return text + "]";
+    std::vector<const Row*> children;
+    for (const Row* child = row(call).firstChild(); child != nullptr; child = child->next())
+      children.push_back(child);
+    return rowsAnswer(children);
   }
 
   static std::string save(const Call& call) {
