@@ -8,7 +8,6 @@
 #include <asio/write.hpp>
 #include <cerrno>
 #include <chrono>
-#include <thread>
 #include <utility>
 
 #include "ipc/vell_client.h"
@@ -49,10 +48,8 @@ void ApplicationConnection::connected(platform::Descriptor descriptor) {
 
 void ApplicationConnection::send(std::string_view bytes) {
   waiting_ += bytes;
-  asked_ = true;
   if (!socket_.is_open()) return;
   if (writing_.empty()) write();
-  if (!processing_) asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
 }
 
 void ApplicationConnection::write() {
@@ -70,42 +67,14 @@ void ApplicationConnection::write() {
 }
 
 void ApplicationConnection::receive() {
-  if (!open_) return;
   const auto room = arrived_.room();
-  const auto count = asked_ ? readSoon(room) : readNow(room);
-  if (!count) return watch();
-  if (*count == 0) return finish();
-  processLines(*count);
-  asio::post(socket_.get_executor(), [self = shared_from_this()] { self->receive(); });
-}
-
-// An answer mostly comes sooner than the system puts this process to sleep and wakes it again: that takes
-// longer than all of the work on both sides.
-std::optional<std::size_t> ApplicationConnection::readSoon(const json::LineFraming::Room& room) {
-  static constexpr std::chrono::microseconds longest{50};
-  const auto end = std::chrono::steady_clock::now() + longest;
-  auto count = readNow(room);
-  while (!count && std::chrono::steady_clock::now() < end) {
-    std::this_thread::yield();
-    count = readNow(room);
-  }
-  return count;
-}
-
-std::optional<std::size_t> ApplicationConnection::readNow(const json::LineFraming::Room& room) {
-  std::error_code error;
-  const std::size_t count = socket_.read_some(asio::buffer(room.data, room.size), error);
-  if (error == asio::error::would_block) return std::nullopt;
-  return error ? 0 : count;
-}
-
-// Whatever ends the wait, reading tells what it is.
-void ApplicationConnection::watch() {
-  if (std::exchange(watching_, true)) return;
-  socket_.async_wait(socket_.wait_read, [self = shared_from_this()](std::error_code) {
-    self->watching_ = false;
-    self->receive();
-  });
+  socket_.async_read_some(asio::buffer(room.data, room.size),
+                          [self = shared_from_this()](std::error_code error, std::size_t count) {
+                            if (!self->open_) return;
+                            if (error) return self->finish();
+                            self->processLines(count);
+                            if (self->open_) self->receive();
+                          });
 }
 
 void ApplicationConnection::processLines(std::size_t count) {
@@ -114,7 +83,6 @@ void ApplicationConnection::processLines(std::size_t count) {
   while (open_) {
     auto line = arrived_.next();
     if (!line) break;
-    asked_ = false;
     handler_.onLine(std::move(*line));
   }
   if (open_) handler_.onLinesProcessed();

@@ -5,7 +5,6 @@
 #include <asio/steady_timer.hpp>
 #include <functional>
 #include <memory>
-#include <optional>
 #include <string>
 #include <string_view>
 
@@ -43,13 +42,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   void connect();
   void connected(platform::Descriptor descriptor);
   void write();
-  /// Processes what has come, and what comes at once; the loop watches for the rest.
   void receive();
-  /// How many bytes were read, 0 at the end of the connection; none where none have come.
-  std::optional<std::size_t> readNow(const json::LineFraming::Room& room);
-  /// The same, but waits for some microseconds, awake.
-  std::optional<std::size_t> readSoon(const json::LineFraming::Room& room);
-  void watch();
   void processLines(std::size_t count);
   void finish();
   void end(const ipc::ClientError& error);
@@ -61,9 +54,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
   json::LineFraming arrived_;
   std::string writing_;  // handed to the loop, untouched until it is written
   std::string waiting_;
-  bool asked_ = false;       // whether something was sent since the last line came
   bool processing_ = false;  // whether lines are being handed over, so that the peer was there just now
-  bool watching_ = false;    // whether the loop will say when there is something to read
   bool open_ = true;
 };
 

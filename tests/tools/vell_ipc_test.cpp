@@ -50,8 +50,12 @@ class VellIPCTest : public ::testing::Test {
 };
 
 TEST_F(VellIPCTest, ConnectsAnewAfterATransportFailureOnly) {
-  const Reply replies[] = {FakeApplication::result("1"), FakeApplication::error(3, "no"), {"not json\n"},
-                           FakeApplication::result("2"), {"", true},                      {R"({"id":1})", true},
+  const Reply replies[] = {FakeApplication::result("1"),
+                           FakeApplication::error(3, "no"),
+                           {"not json\n"},
+                           FakeApplication::result("2"),
+                           {"", true},
+                           {R"({"id":1})", true},
                            FakeApplication::result("3")};
   std::size_t next = 0;
   EXPECT_THAT(outcomeOf("m"), HasSubstr("must be running"));
