@@ -1,5 +1,4 @@
 #include <algorithm>
-#include <cmath>
 #include <vector>
 
 #include "mcp/argument_validator.h"
@@ -25,7 +24,7 @@ bool fitsType(const Value& value, const std::string& type) {
     case Value::Kind::integer:
       return type == "integer" || type == "number";
     case Value::Kind::number:
-      return type == "number" || (type == "integer" && std::trunc(*value.number()) == *value.number());
+      return type == "number" || (type == "integer" && value.asInteger());
     case Value::Kind::array:
       return type == "array";
     case Value::Kind::object:

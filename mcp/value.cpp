@@ -1,6 +1,7 @@
 #include "mcp/value.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace vell::mcp {
 
@@ -30,6 +31,14 @@ std::size_t hashOf(const Value::Object& object) {
 }
 
 }  // namespace
+
+std::optional<std::int64_t> Value::asInteger() const {
+  constexpr double firstInexact = 9007199254740992.0;  // 2^53
+  if (const auto* whole = integer()) return *whole;
+  const double* real = number();
+  if (!real || std::trunc(*real) != *real || std::fabs(*real) >= firstInexact) return std::nullopt;
+  return static_cast<std::int64_t>(*real);
+}
 
 const Value* Value::find(std::string_view key) const {
   const Object* members = object();

@@ -36,9 +36,7 @@ struct VellNewOutlineFormat : Choice<VellNewOutlineFormat> {
 struct Position {
   static mcp::Value schema() { return mcp::schema::anyOf({mcp::schema::string(), mcp::schema::integer()}); }
   static std::string decode(const mcp::Value& value) {
-    if (const auto* text = value.string()) return *text;
-    const auto* whole = value.integer();
-    return std::to_string(whole ? *whole : static_cast<std::int64_t>(*value.number()));
+    return value.string() ? *value.string() : std::to_string(value.asInteger().value());
   }
 };
 

@@ -79,6 +79,8 @@ TEST(Arguments, FaultsSayHowToRepairTheCall) {
       {R"({"rows":[],"count":1.5})",
        "count: expected a string or an integer, got the number 1.5 (write \"1.5\")"},
       {R"({"rows":[],"count":1.0})", ""},
+      {R"({"rows":[],"count":1e300})",
+       "count: expected a string or an integer, got the number 1e+300 (write \"1e+300\")"},
       {R"({"rows":[],"shape":"Flatt"})",
        R"(shape: expected 'tree' or 'flat', got the string "Flatt"; did you mean 'flat'?)"},
       {R"({"rows":[],"shape":3})", "shape: expected 'tree' or 'flat', got the number 3"},
