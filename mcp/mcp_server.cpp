@@ -10,14 +10,13 @@ namespace {
 constexpr auto optionalParams = Params::Presence::optional;
 constexpr auto requiredParams = Params::Presence::required;
 
-/// Answers a list method, whose only parameter asks for a later page: there is never one.
-Server::RequestHandler answering(const char* key, std::function<Value()> list) {
-  return [key, list = std::move(list)](const auto& params, const RequestContextPtr& request) {
-    Params(params, optionalParams).optionalText("cursor");
-    Value::Object result;
-    result.emplace(key, list());
-    request->succeed(std::move(result));
-  };
+/// Answers a list method. Its only parameter asks for a later page, and there is never one.
+void answerList(const std::optional<Value>& params, const RequestContextPtr& request, const char* key,
+                Value list) {
+  Params(params, optionalParams).optionalText("cursor");
+  Value::Object result;
+  result.emplace(key, std::move(list));
+  request->succeed(std::move(result));
 }
 
 Value::Object withoutNulls(Value::Object arguments) {
@@ -36,9 +35,7 @@ MCPServer::MCPServer(ServerInfo info, std::optional<ServerCapabilities> capabili
 }
 
 void MCPServer::registerTool(const std::shared_ptr<Tool>& tool) {
-  const std::string& name = tool->definition().name;
-  const auto findings = validateToolName(name);
-  if (!findings.empty()) logger_.log(LogLevel::warning, toolNameWarning(name, findings));
+  validateAndWarnToolName(tool->definition().name, logger_);
   tools_.add(tool);
 }
 
@@ -58,48 +55,32 @@ ServerCapabilities MCPServer::capabilities() const {
 
 std::shared_ptr<Server> MCPServer::run(Transport& transport) {
   const auto session = Server::make(info_, capabilities(), ServerConfiguration::standard(), logger_);
-  bindTools(*session);
-  bindResources(*session);
-  bindPrompts(*session);
+  bindMethods(*session);
   std::erase_if(sessions_, [](const auto& each) { return each.expired(); });
   sessions_.push_back(session);
   session->start(transport);
   return session;
 }
 
-void MCPServer::bindTools(Server& session) {
-  session.withRequestHandler("tools/list", answering("tools", [this] {
-                               Value::Array list;
-                               for (const auto& entry : tools_.entries())
-                                 list.push_back(entry.tool->definition().toValue());
-                               return Value(std::move(list));
-                             }));
-  session.withRequestHandler("tools/call", [this](const auto& params, const RequestContextPtr& request) {
-    callTool(params, request);
-  });
-}
-
-void MCPServer::bindResources(Server& session) {
-  const auto acknowledge = [](const auto& params, const RequestContextPtr& request) {
-    Params(params, requiredParams).text("uri");
-    request->succeed(Value::Object{});
+void MCPServer::bindMethods(Server& session) {
+  const auto bind = [&](const char* method, auto handler) {
+    session.withRequestHandler(method, std::bind_front(handler, this));
   };
-  session.withRequestHandler("resources/list", answering("resources", [this] { return resources_.list(); }));
-  session.withRequestHandler("resources/templates/list",
-                             answering("resourceTemplates", [this] { return resources_.listTemplates(); }));
-  session.withRequestHandler("resources/read", [this](const auto& params, const RequestContextPtr& request) {
-    readResource(params, request);
-  });
-  // Notices of updated resources go to every client.
-  session.withRequestHandler("resources/subscribe", acknowledge);
-  session.withRequestHandler("resources/unsubscribe", acknowledge);
+  // clang-format off
+  bind("tools/list",               &MCPServer::listTools);
+  bind("tools/call",               &MCPServer::callTool);
+  bind("resources/list",           &MCPServer::listResources);
+  bind("resources/templates/list", &MCPServer::listResourceTemplates);
+  bind("resources/read",           &MCPServer::readResource);
+  bind("resources/subscribe",      &MCPServer::acknowledge);  // all clients hear of updates
+  bind("resources/unsubscribe",    &MCPServer::acknowledge);
+  bind("prompts/list",             &MCPServer::listPrompts);
+  bind("prompts/get",              &MCPServer::getPrompt);
+  // clang-format on
 }
 
-void MCPServer::bindPrompts(Server& session) {
-  session.withRequestHandler("prompts/list", answering("prompts", [] { return Value::Array{}; }));
-  session.withRequestHandler("prompts/get", [](const auto& params, const RequestContextPtr&) {
-    throw MCPError::invalidParams("Unknown prompt: " + Params(params, requiredParams).text("name"));
-  });
+void MCPServer::listTools(const std::optional<Value>& params, const RequestContextPtr& request) {
+  answerList(params, request, "tools", tools_.list());
 }
 
 void MCPServer::callTool(const std::optional<Value>& params, const RequestContextPtr& request) {
@@ -118,6 +99,14 @@ void MCPServer::callTool(const std::optional<Value>& params, const RequestContex
   }
 }
 
+void MCPServer::listResources(const std::optional<Value>& params, const RequestContextPtr& request) {
+  answerList(params, request, "resources", resources_.list());
+}
+
+void MCPServer::listResourceTemplates(const std::optional<Value>& params, const RequestContextPtr& request) {
+  answerList(params, request, "resourceTemplates", resources_.listTemplates());
+}
+
 void MCPServer::readResource(const std::optional<Value>& params, const RequestContextPtr& request) {
   const std::string uri = Params(params, requiredParams).text("uri");
   auto found = resources_.find(uri);
@@ -128,6 +117,19 @@ void MCPServer::readResource(const std::optional<Value>& params, const RequestCo
   } catch (const std::exception& error) {
     read->fail(error.what());
   }
+}
+
+void MCPServer::acknowledge(const std::optional<Value>& params, const RequestContextPtr& request) {
+  Params(params, requiredParams).text("uri");
+  request->succeed(Value::Object{});
+}
+
+void MCPServer::listPrompts(const std::optional<Value>& params, const RequestContextPtr& request) {
+  answerList(params, request, "prompts", Value::Array{});
+}
+
+void MCPServer::getPrompt(const std::optional<Value>& params, const RequestContextPtr&) {
+  throw MCPError::invalidParams("Unknown prompt: " + Params(params, requiredParams).text("name"));
 }
 
 template <class Action>

@@ -42,11 +42,15 @@ class MCPServer {
 
  private:
   ServerCapabilities capabilities() const;
-  void bindTools(Server& session);
-  void bindResources(Server& session);
-  void bindPrompts(Server& session);
+  void bindMethods(Server& session);
+  void listTools(const std::optional<Value>& params, const RequestContextPtr& request);
   void callTool(const std::optional<Value>& params, const RequestContextPtr& request);
+  void listResources(const std::optional<Value>& params, const RequestContextPtr& request);
+  void listResourceTemplates(const std::optional<Value>& params, const RequestContextPtr& request);
   void readResource(const std::optional<Value>& params, const RequestContextPtr& request);
+  void acknowledge(const std::optional<Value>& params, const RequestContextPtr& request);
+  void listPrompts(const std::optional<Value>& params, const RequestContextPtr& request);
+  void getPrompt(const std::optional<Value>& params, const RequestContextPtr& request);
   template <class Action>
   void forEachSession(Action action);
 

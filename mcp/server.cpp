@@ -9,25 +9,21 @@ namespace vell::mcp {
 
 namespace {
 
-/// Gathers the responses to one batch and sends them as one array when the last place is filled;
-/// nothing where no place held a response.
-class Batch : public std::enable_shared_from_this<Batch> {
+/// Gathers the responses to the messages of one batch and sends them as one array when the last one is in;
+/// nothing where no message gets a response.
+class Batch {
  public:
-  explicit Batch(std::function<void(std::string line)> send) : send_(std::move(send)) {}
-  ~Batch() {
-    if (!responses_.empty()) send_("[" + responses_ + "]");
-  }
+  Batch(std::size_t messages, std::function<void(std::string line)> send)
+      : awaited_(messages), send_(std::move(send)) {}
 
-  /// One message's place: filled by calling it or, without response, by dropping it.
-  std::function<void(std::optional<std::string>)> place() {
-    return [self = shared_from_this()](std::optional<std::string> response) {
-      if (!response) return;
-      if (!self->responses_.empty()) self->responses_ += ',';
-      self->responses_ += *response;
-    };
+  /// Called once for each message.
+  void add(const std::optional<std::string>& response) {
+    if (response) responses_.append(responses_.empty() ? "" : ",").append(*response);
+    if (--awaited_ == 0 && !responses_.empty()) send_("[" + responses_ + "]");
   }
 
  private:
+  std::size_t awaited_;
   std::function<void(std::string)> send_;
   std::string responses_;
 };
@@ -49,6 +45,16 @@ Server::Server(ServerInfo info, ServerCapabilities capabilities, ServerConfigura
       configuration_(std::move(configuration)),
       logger_(std::move(logger)) {
   bindDefaultHandlers();
+}
+
+void Server::bindDefaultHandlers() {
+  // clang-format off
+  withRequestHandler("initialize",            std::bind_front(&Server::initialize, this));
+  withRequestHandler("ping",                  std::bind_front(&Server::ping, this));
+  onNotification("notifications/initialized", std::bind_front(&Server::initialized, this));
+  withRequestHandler("logging/setLevel",      std::bind_front(&Server::setLevel, this));
+  onNotification("notifications/cancelled",   std::bind_front(&Server::cancelled, this));
+  // clang-format on
 }
 
 void Server::withRequestHandler(const std::string& method, RequestHandler handler) {
@@ -103,6 +109,45 @@ void Server::inputEnded(std::error_code error) {
   if (const auto callback = std::exchange(onInputEnded_, nullptr)) callback(error);
 }
 
+void Server::initialize(const std::optional<Value>& params, const RequestContextPtr& context) {
+  if (isInitialized()) throw MCPError::invalidRequest("Server is already initialized");
+  const Params reader(params, Params::Presence::required);
+  const std::string version =
+      negotiate(reader.optionalText("protocolVersion").value_or(Version::defaultNegotiated));
+  clientInfo_ = reader.optionalObject("clientInfo");
+  clientCapabilities_ = reader.optionalObject("capabilities");
+  if (hook_) hook_(clientInfo_, clientCapabilities_);
+  protocolVersion_ = version;
+  Value::Object result{{"protocolVersion", version},
+                       {"capabilities", capabilities_.toValue()},
+                       {"serverInfo", info_.toValue()}};
+  if (info_.instructions) result.emplace("instructions", *info_.instructions);
+  context->succeed(std::move(result));
+}
+
+// An unknown version never fails the handshake: the client gets the newest and decides for itself.
+std::string Server::negotiate(const std::string& version) const {
+  const auto& supported = configuration_.supportedProtocolVersions;
+  const bool known = std::find(supported.begin(), supported.end(), version) != supported.end();
+  return known ? version : supported.front();
+}
+
+void Server::ping(const std::optional<Value>&, const RequestContextPtr& context) {
+  context->succeed(Value::Object{});
+}
+
+void Server::initialized(const std::optional<Value>&) {
+  if (isInitialized()) becomeReady();
+}
+
+void Server::setLevel(const std::optional<Value>& params, const RequestContextPtr& context) {
+  const std::string name = Params(params, Params::Presence::required).text("level");
+  const auto level = levelNamed(name);
+  if (!level) throw MCPError::invalidParams("Unknown level: " + name);
+  clientLevel_ = level;
+  context->succeed(Value::Object{});
+}
+
 void Server::receive(std::string_view line) {
   const auto answer = [self = shared_from_this()](std::optional<std::string> response) {
     if (response) self->send(std::move(*response));
@@ -119,14 +164,14 @@ void Server::receive(std::string_view line) {
 void Server::receiveBatch(Value::Array elements) {
   if (elements.empty())
     return send(encodeError(std::nullopt, MCPError::invalidRequest("A batch is not empty")));
-  const auto batch =
-      std::make_shared<Batch>([self = shared_from_this()](std::string line) { self->send(std::move(line)); });
+  const auto send = [self = shared_from_this()](std::string line) { self->send(std::move(line)); };
+  const auto batch = std::make_shared<Batch>(elements.size(), send);
   for (Value& element : elements) {
     Message message = decodeMessage(std::move(element));
     if (const auto* invalid = std::get_if<InvalidMessage>(&message)) {
       message = InvalidMessage{invalid->id, MCPError::invalidRequest("Invalid batch item format")};
     }
-    dispatch(std::move(message), batch->place());
+    dispatch(std::move(message), [batch](const auto& response) { batch->add(response); });
   }
 }
 
@@ -155,7 +200,7 @@ void Server::handle(Request& request, const RequestContext::Deliver& deliver) {
 }
 
 void Server::perform(Request& request, const RequestContextPtr& context) {
-  if (logsTo(LogLevel::debug)) log(LogLevel::debug, "Processing request", {{"method", request.method}});
+  log(LogLevel::debug, "Processing request", {{"method", request.method}});
   const bool housekeeping = request.method == "initialize" || request.method == "ping";
   if (configuration_.strict && !isInitialized() && !housekeeping) {
     throw MCPError::invalidRequest("Server is not initialized");
@@ -174,7 +219,7 @@ void Server::handle(const Notification& notification) {
   for (const auto& handler : handlers->second) handler(notification.params);
 }
 
-void Server::cancel(const std::optional<Value>& params) {
+void Server::cancelled(const std::optional<Value>& params) {
   const Value* requestId = params ? params->find("requestId") : nullptr;
   const auto id = requestId ? RequestId::from(*requestId) : std::nullopt;
   if (!id) return;
@@ -201,51 +246,6 @@ void Server::send(std::string line) {
   settle();
 }
 
-// The handshake, housekeeping requests and notices.
-
-void Server::bindDefaultHandlers() {
-  withRequestHandler("initialize",
-                     [this](const auto& params, const auto& context) { initialize(params, context); });
-  withRequestHandler("ping", [](const auto&, const auto& context) { context->succeed(Value::Object{}); });
-  onNotification("notifications/initialized", [this](const auto&) {
-    if (isInitialized()) becomeReady();
-  });
-  withRequestHandler("logging/setLevel",
-                     [this](const auto& params, const auto& context) { setLevel(params, context); });
-  onNotification("notifications/cancelled", [this](const auto& params) { cancel(params); });
-}
-
-void Server::initialize(const std::optional<Value>& params, const RequestContextPtr& context) {
-  if (isInitialized()) throw MCPError::invalidRequest("Server is already initialized");
-  const Params reader(params, Params::Presence::required);
-  const std::string version =
-      negotiate(reader.optionalText("protocolVersion").value_or(Version::defaultNegotiated));
-  clientInfo_ = reader.optionalObject("clientInfo");
-  clientCapabilities_ = reader.optionalObject("capabilities");
-  if (hook_) hook_(clientInfo_, clientCapabilities_);
-  protocolVersion_ = version;
-  Value::Object result{{"protocolVersion", version},
-                       {"capabilities", capabilities_.toValue()},
-                       {"serverInfo", info_.toValue()}};
-  if (info_.instructions) result.emplace("instructions", *info_.instructions);
-  context->succeed(std::move(result));
-}
-
-// An unknown version never fails the handshake: the client gets the newest and decides for itself.
-std::string Server::negotiate(const std::string& version) const {
-  const auto& supported = configuration_.supportedProtocolVersions;
-  const bool known = std::find(supported.begin(), supported.end(), version) != supported.end();
-  return known ? version : supported.front();
-}
-
-void Server::setLevel(const std::optional<Value>& params, const RequestContextPtr& context) {
-  const std::string name = Params(params, Params::Presence::required).text("level");
-  const auto level = levelNamed(name);
-  if (!level) throw MCPError::invalidParams("Unknown level: " + name);
-  clientLevel_ = level;
-  context->succeed(Value::Object{});
-}
-
 void Server::notify(const std::string& method, const std::optional<Value>& params) {
   if (!transport_) return;
   std::string line = encodeNotification(method, params);
@@ -263,18 +263,17 @@ void Server::sendResourceUpdated(const std::string& uri) {
   notify("notifications/resources/updated", Value::Object{{"uri", uri}});
 }
 
-bool Server::logsTo(LogLevel level) const {
-  return logger_.accepts(level) || (clientLevel_ && level >= *clientLevel_);
-}
+bool Server::clientWants(LogLevel level) const { return clientLevel_ && level >= *clientLevel_; }
 
 void Server::sendLogMessage(LogLevel level, const std::string& label, Value data) {
-  if (!clientLevel_ || level < *clientLevel_) return;
+  if (!clientWants(level)) return;
   notify("notifications/message",
          Value::Object{{"level", levelName(level)}, {"logger", label}, {"data", std::move(data)}});
 }
 
 void Server::log(LogLevel level, const std::string& message, const LogMetadata& metadata) {
   logger_.log(level, message, metadata);
+  if (!clientWants(level)) return;
   Value::Object data{{"message", message}};
   for (const auto& [key, value] : metadata) data.emplace(key, value);
   sendLogMessage(level, logger_.label(), std::move(data));

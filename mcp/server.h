@@ -70,9 +70,11 @@ class Server : public std::enable_shared_from_this<Server> {
   Server(ServerInfo info, ServerCapabilities capabilities, ServerConfiguration configuration, Logger logger);
   void bindDefaultHandlers();
   void initialize(const std::optional<Value>& params, const RequestContextPtr& context);
+  void ping(const std::optional<Value>& params, const RequestContextPtr& context);
+  void initialized(const std::optional<Value>& params);
   void setLevel(const std::optional<Value>& params, const RequestContextPtr& context);
+  void cancelled(const std::optional<Value>& params);
   std::string negotiate(const std::string& version) const;
-  bool logsTo(LogLevel level) const;
 
   void receive(std::string_view line);
   void receiveBatch(Value::Array batch);
@@ -80,8 +82,8 @@ class Server : public std::enable_shared_from_this<Server> {
   void handle(Request& request, const RequestContext::Deliver& deliver);
   void perform(Request& request, const RequestContextPtr& context);
   void handle(const Notification& notification);
-  void cancel(const std::optional<Value>& params);
   void becomeReady();
+  bool clientWants(LogLevel level) const;
 
   void finished(const RequestContext& context);
   void send(std::string line);

@@ -111,9 +111,7 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
 
   void deliver(std::string_view message) {
     if (!open_) return;
-    if (logger_.accepts(LogLevel::debug)) {
-      logger_.log(LogLevel::debug, "Message received", {{"size", std::to_string(message.size())}});
-    }
+    logger_.log(LogLevel::debug, "Message received", {{"size", std::to_string(message.size())}});
     receiver_.onMessage(message);
   }
 

@@ -72,12 +72,15 @@ std::vector<std::string> validateToolName(std::string_view name) {
   return findings;
 }
 
-std::string toolNameWarning(std::string_view name, const std::vector<std::string>& findings) {
+void validateAndWarnToolName(std::string_view name, const Logger& logger) {
+  const auto findings = validateToolName(name);
+  if (findings.empty()) return;
   std::string warning = "Tool name validation warning for \"" + std::string(name) + "\":";
   for (const std::string& finding : findings) warning += "\n  - " + finding;
-  return warning +
-         "\nTool registration will proceed, but this may cause compatibility issues."
-         "\nConsider updating the tool name to conform to the MCP tool naming standard.";
+  logger.log(LogLevel::warning,
+             warning +
+                 "\nTool registration will proceed, but this may cause compatibility issues."
+                 "\nConsider updating the tool name to conform to the MCP tool naming standard.");
 }
 
 void ToolRegistry::add(const std::shared_ptr<Tool>& tool) {
@@ -103,6 +106,12 @@ ToolRegistry::Entry* ToolRegistry::find(std::string_view name) {
   const auto entry = std::find_if(entries_.begin(), entries_.end(),
                                   [name](const Entry& each) { return each.tool->definition().name == name; });
   return entry == entries_.end() ? nullptr : &*entry;
+}
+
+Value ToolRegistry::list() const {
+  Value::Array list;
+  for (const Entry& entry : entries_) list.push_back(entry.tool->definition().toValue());
+  return list;
 }
 
 }  // namespace vell::mcp

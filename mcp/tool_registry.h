@@ -7,6 +7,7 @@
 
 #include "mcp/argument_validator.h"
 #include "mcp/change_notice.h"
+#include "mcp/logger.h"
 #include "mcp/tool.h"
 
 namespace vell::mcp {
@@ -14,8 +15,8 @@ namespace vell::mcp {
 /// What is wrong with a tool's name, one finding a text; empty for a good name.
 std::vector<std::string> validateToolName(std::string_view name);
 
-/// The warning to log for such findings. They never keep a tool from being registered.
-std::string toolNameWarning(std::string_view name, const std::vector<std::string>& findings);
+/// Logs them as one warning. They never keep a tool from being registered.
+void validateAndWarnToolName(std::string_view name, const Logger& logger);
 
 /// The tools in the order in which they were added.
 class ToolRegistry {
@@ -31,7 +32,7 @@ class ToolRegistry {
   bool remove(std::string_view name);
   /// Valid until the next change.
   Entry* find(std::string_view name);
-  const std::vector<Entry>& entries() const { return entries_; }
+  Value list() const;
   bool empty() const { return entries_.empty(); }
 
   ChangeNotice& notice() { return notice_; }
