@@ -103,9 +103,6 @@ void encode(const Value& value, std::string& out);
 /// Appends a value as compact JSON: large ones are written once, where they go out.
 using ValueWriter = std::function<void(std::string& out)>;
 
-/// The text as a JSON string with its quotes, in one pass over it.
-void encodeString(std::string_view text, std::string& out);
-
 /// The bytes in base64, padded.
 std::string base64(std::string_view bytes);
 
