@@ -11,10 +11,13 @@ class ParseError : public std::runtime_error {
  public:
   ParseError(const std::string& fault, std::size_t offset);
 
+  /// What is wrong, without the place.
+  const std::string& fault() const { return fault_; }
   /// Bytes from the start of the text.
   std::size_t offset() const { return offset_; }
 
  private:
+  std::string fault_;
   std::size_t offset_;
 };
 

@@ -70,7 +70,7 @@ bool accepts(const Value& schema, const char* type) {
 Value spelledOut(const std::string& text) {
   try {
     return decode(text);
-  } catch (const DecodeError&) {
+  } catch (const json::ParseError&) {
     return nullptr;
   }
 }

@@ -1,7 +1,5 @@
 #include "mcp/mcp_error.h"
 
-#include <nlohmann/json.hpp>
-
 namespace vell::mcp {
 
 namespace {
@@ -101,8 +99,7 @@ MCPError MCPError::transportError(const std::exception& underlying) {
 
 MCPError MCPError::requestTimeout(double seconds, Detail message) {
   MCPError error(Kind::requestTimeout, std::move(message));
-  if (!error.detail_)
-    error.message_ = "Request timed out after " + nlohmann::json(seconds).dump() + " seconds";
+  if (!error.detail_) error.message_ = "Request timed out after " + encode(seconds) + " seconds";
   return error;
 }
 

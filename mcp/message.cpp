@@ -10,28 +10,17 @@ InvalidMessage invalid(std::optional<RequestId> id, const char* detail) {
   return {std::move(id), MCPError::invalidRequest(detail)};
 }
 
-std::optional<Value> takeMember(Value::Object& object, const char* key) {
-  const auto member = object.find(key);
-  return member == object.end() ? std::nullopt : std::optional(std::move(member->second));
+std::optional<RequestId> idIn(const json::Node& message) {
+  const auto id = message.find("id");
+  if (!id) return std::nullopt;
+  if (const auto text = id->string()) return RequestId(*text);
+  if (const auto number = id->integer()) return RequestId(*number);
+  return std::nullopt;
 }
 
-int codeOf(const Value& error) {
-  const Value* code = error.find("code");
-  return code && code->integer() ? static_cast<int>(*code->integer()) : -1;
-}
-
-MCPError decodeError(const Value& error) {
-  const Value* message = error.find("message");
-  const Value* data = error.find("data");
-  return MCPError::fromError(codeOf(error),
-                             message && message->string() ? *message->string() : "Unknown error",
-                             data ? std::optional(*data) : std::nullopt);
-}
-
-Message decodeResponse(Value::Object& object, std::optional<RequestId> id) {
+Message decodeResponse(const json::Node& message, const std::optional<RequestId>& id) {
   if (!id) return invalid(std::nullopt, "A message needs a method, or an id and a result or error");
-  if (const auto error = takeMember(object, "error")) return Response{*id, decodeError(*error)};
-  if (auto result = takeMember(object, "result")) return Response{*id, std::move(*result)};
+  if (message.find("error") || message.find("result")) return Response{*id};
   return invalid(id, "A message needs a method, a result or an error");
 }
 
@@ -41,20 +30,25 @@ Value::Object envelope(const std::optional<RequestId>& id) {
 
 }  // namespace
 
-Message decodeMessage(Value value) {
-  Value::Object* object = value.object();
-  if (!object) return invalid(std::nullopt, "A message is a JSON object");
-  const auto idValue = takeMember(*object, "id");
-  const auto id = idValue ? RequestId::from(*idValue) : std::nullopt;
-  const Value* version = value.find("jsonrpc");
-  if (!version || *version != jsonrpc) return invalid(id, "Invalid JSON-RPC version");
-  const auto method = takeMember(*object, "method");
-  if (!method) return decodeResponse(*object, id);
-  if (!method->string()) return invalid(id, "The method is not a string");
-  if (idValue && !id) return invalid(std::nullopt, "An id is a string or an integer");
-  auto params = takeMember(*object, "params");
-  if (!id) return Notification{*method->string(), std::move(params)};
-  return Request{*id, *method->string(), std::move(params)};
+Message decodeMessage(const json::Node& node) {
+  if (node.kind() != json::Kind::object) return invalid(std::nullopt, "A message is a JSON object");
+  const auto id = idIn(node);
+  const auto version = node.find("jsonrpc");
+  if (!version || version->string() != jsonrpc) return invalid(id, "Invalid JSON-RPC version");
+  const auto method = node.find("method");
+  if (!method) return decodeResponse(node, id);
+  const auto name = method->string();
+  if (!name) return invalid(id, "The method is not a string");
+  if (node.find("id") && !id) return invalid(std::nullopt, "An id is a string or an integer");
+  const auto params = node.find("params");
+  try {
+    auto value = params ? std::optional(decode(*params)) : std::nullopt;
+    if (id) return Request{*id, *name, std::move(value)};
+    return Notification{*name, std::move(value)};
+  } catch (const json::ParseError& error) {  // params that no Value can hold
+    if (id) return InvalidMessage{id, MCPError::invalidParams("Invalid params field: " + error.fault())};
+    return Notification{*name, {}};
+  }
 }
 
 std::string encodeResult(const RequestId& id, const ValueWriter& writeResult) {

@@ -55,9 +55,9 @@ struct Notification {
   std::optional<Value> params;
 };
 
+/// The client's answer to a request. The server makes none, so nobody reads what was answered.
 struct Response {
   RequestId id;
-  std::variant<Value, MCPError> outcome;  // result or error
 };
 
 /// What is no message, and the error that says why; with the identifier where it has a good one.
@@ -68,7 +68,7 @@ struct InvalidMessage {
 
 using Message = std::variant<Request, Notification, Response, InvalidMessage>;
 
-Message decodeMessage(Value value);
+Message decodeMessage(const json::Node& node);
 
 /// Each on one line, without line feed.
 std::string encodeResult(const RequestId& id, const ValueWriter& writeResult);

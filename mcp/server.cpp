@@ -153,23 +153,25 @@ void Server::receive(std::string_view line) {
     if (response) self->send(std::move(*response));
   };
   try {
-    Value value = decode(line);
-    if (Value::Array* batch = value.array()) return receiveBatch(std::move(*batch));
-    dispatch(decodeMessage(std::move(value)), answer);
-  } catch (const DecodeError& error) {
-    send(encodeError(std::nullopt, MCPError::parseError(error.what())));
+    const json::Document document(line);
+    if (document.root().kind() == json::Kind::array) return receiveBatch(document.root().elements());
+    dispatch(decodeMessage(document.root()), answer);
+  } catch (const json::ParseError& error) {
+    const std::string place = "at byte " + std::to_string(error.offset()) + ": ";
+    send(encodeError(std::nullopt, MCPError::parseError(place + error.fault())));
   }
 }
 
-void Server::receiveBatch(Value::Array elements) {
+void Server::receiveBatch(const std::vector<json::Node>& elements) {
   if (elements.empty())
     return send(encodeError(std::nullopt, MCPError::invalidRequest("A batch is not empty")));
   const auto send = [self = shared_from_this()](std::string line) { self->send(std::move(line)); };
   const auto batch = std::make_shared<Batch>(elements.size(), send);
-  for (Value& element : elements) {
-    Message message = decodeMessage(std::move(element));
-    if (const auto* invalid = std::get_if<InvalidMessage>(&message)) {
-      message = InvalidMessage{invalid->id, MCPError::invalidRequest("Invalid batch item format")};
+  for (const json::Node& element : elements) {
+    Message message = decodeMessage(element);
+    auto* invalid = std::get_if<InvalidMessage>(&message);
+    if (invalid && invalid->error.kind() == MCPError::Kind::invalidRequest) {
+      invalid->error = MCPError::invalidRequest("Invalid batch item format");
     }
     dispatch(std::move(message), [batch](const auto& response) { batch->add(response); });
   }

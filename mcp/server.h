@@ -77,7 +77,7 @@ class Server : public std::enable_shared_from_this<Server> {
   std::string negotiate(const std::string& version) const;
 
   void receive(std::string_view line);
-  void receiveBatch(Value::Array batch);
+  void receiveBatch(const std::vector<json::Node>& elements);
   void dispatch(Message message, const RequestContext::Deliver& deliver);
   void handle(Request& request, const RequestContext::Deliver& deliver);
   void perform(Request& request, const RequestContextPtr& context);

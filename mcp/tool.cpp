@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <stdexcept>
 
 namespace vell::mcp {
 
@@ -69,7 +70,7 @@ void check(const Value& block) {
   const Value* type = block.find("type");
   const std::string name = type && type->string() ? *type->string() : "";
   if (std::find(types.begin(), types.end(), name) == types.end()) {
-    throw DecodeError("Unknown content block type: " + name);
+    throw std::invalid_argument("Unknown content block type: " + name);
   }
 }
 

@@ -45,7 +45,7 @@ Value audio(const std::string& data, const std::string& mimeType);
 Value resource(Value contents);
 Value resourceLink(Value::Object reference);
 
-/// Throws DecodeError for a block of another type.
+/// Throws std::invalid_argument for a block of another type.
 void check(const Value& block);
 
 }  // namespace content

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 
+#include "json/writer.h"
+
 namespace vell::mcp {
 
 namespace {
@@ -30,6 +32,79 @@ std::size_t hashOf(const Value::Object& object) {
   return hash;
 }
 
+Value valueOf(const json::Node& node, int depth);
+
+void checkDepth(const json::Node& container, int depth) {
+  if (depth < maxDepth) return;
+  throw json::ParseError("nested deeper than " + std::to_string(maxDepth) + " levels", container.offset());
+}
+
+Value::Object objectOf(const json::Node& node, int depth) {
+  checkDepth(node, depth);
+  Value::Object object;
+  for (const auto& [key, member] : node.members()) object.insert_or_assign(key, valueOf(member, depth + 1));
+  return object;
+}
+
+Value::Array arrayOf(const json::Node& node, int depth) {
+  checkDepth(node, depth);
+  Value::Array array;
+  for (const json::Node& element : node.elements()) array.push_back(valueOf(element, depth + 1));
+  return array;
+}
+
+Value numberOf(const json::Node& node) {
+  if (const auto integer = node.integer()) return *integer;
+  if (const auto number = node.number()) return *number;
+  throw json::ParseError("a number beyond the range of doubles", node.offset());
+}
+
+Value valueOf(const json::Node& node, int depth) {
+  switch (node.kind()) {
+    case json::Kind::object:
+      return objectOf(node, depth);
+    case json::Kind::array:
+      return arrayOf(node, depth);
+    case json::Kind::string:
+      return *node.string();
+    case json::Kind::number:
+      return numberOf(node);
+    case json::Kind::boolean:
+      return *node.boolean();
+    case json::Kind::null:
+      break;
+  }
+  return nullptr;
+}
+
+struct Encoder {
+  json::Writer& writer;
+
+  template <class Scalar>
+  void operator()(const Scalar& value) {
+    writer.value(value);
+  }
+
+  void operator()(const Data& value) {
+    writer.value("data:" + value.mimeType.value_or("text/plain") + ";base64," + base64(value.bytes));
+  }
+
+  void operator()(const Value::Array& value) {
+    writer.beginArray();
+    for (const Value& element : value) element.visit(*this);
+    writer.endArray();
+  }
+
+  void operator()(const Value::Object& value) {
+    writer.beginObject();
+    for (const auto& [key, member] : value) {
+      writer.key(key);
+      member.visit(*this);
+    }
+    writer.endObject();
+  }
+};
+
 }  // namespace
 
 std::optional<std::int64_t> Value::asInteger() const {
@@ -51,6 +126,21 @@ std::string Value::description() const { return encode(*this); }
 
 std::size_t Value::hash() const {
   return mix(content_.index(), std::visit([](const auto& content) { return hashOf(content); }, content_));
+}
+
+Value decode(const json::Node& node) { return valueOf(node, 0); }
+
+Value decode(std::string_view text) { return decode(json::Document(text).root()); }
+
+void encode(const Value& value, std::string& out) {
+  json::Writer writer(out);
+  value.visit(Encoder{writer});
+}
+
+std::string encode(const Value& value) {
+  std::string out;
+  encode(value, out);
+  return out;
 }
 
 std::string base64(std::string_view bytes) {

@@ -6,11 +6,13 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <variant>
 #include <vector>
+
+#include "json/document.h"
+#include "json/error.h"
 
 namespace vell::mcp {
 
@@ -82,21 +84,16 @@ class Value {
   std::variant<bool, std::int64_t, double, std::string, Data, Array, Object, std::nullptr_t> content_;
 };
 
-/// A text that is not one JSON value; `what()` says where and why.
-class DecodeError : public std::runtime_error {
- public:
-  using std::runtime_error::runtime_error;
-};
-
-/// Levels of nesting beyond which a text is refused.
+/// Levels of nesting beyond which a value is refused.
 inline constexpr int maxDepth = 1000;
 
-/// Numbers without fraction or exponent that fit become integers, all others doubles. The last of repeated
-/// keys counts. Throws DecodeError.
+/// The value that a node stands for. Throws json::ParseError for what no Value can hold: more than maxDepth
+/// levels, a number beyond the range of doubles.
+Value decode(const json::Node& node);
+/// The value of a whole text. Throws json::ParseError.
 Value decode(std::string_view text);
 
-/// Compact JSON on one line, keys in byte order. Text that is not UTF-8 comes out with U+FFFD in place of
-/// each bad byte; a number that is not finite as null.
+/// Compact JSON on one line, keys in byte order; what json::Writer makes of numbers and bad bytes.
 std::string encode(const Value& value);
 void encode(const Value& value, std::string& out);
 

@@ -115,13 +115,35 @@ TEST_F(Session, AnswersEveryRequestOnceAndNothingElse) {
 
 TEST_F(Session, RefusesWhatIsNotJson) {
   begin();
-  const std::string deep = std::string(1000, '[') + std::string(1000, ']');
-  for (const std::string& line :
-       {std::string("{"), std::string("{}x"), std::string("\xff"), "[" + deep + "]"}) {
-    EXPECT_THAT(ask(line), ElementsAre(HasSubstr(R"({"code":-32700,"message":"Parse error: Invalid JSON: )")))
+  const std::string tooDeep(json::maxDepth + 1, '[');
+  for (const std::string& line : {std::string("{"), std::string("{}x"), std::string("\xff"), tooDeep}) {
+    EXPECT_THAT(ask(line),
+                ElementsAre(HasSubstr(R"({"code":-32700,"message":"Parse error: Invalid JSON: at byte )")))
         << line.substr(0, 9);
   }
-  EXPECT_THAT(ask(deep), ElementsAre(HasSubstr("Invalid batch item format")));
+}
+
+std::string nested(std::size_t levels) { return std::string(levels, '[') + std::string(levels, ']'); }
+
+TEST_F(Session, AnswersParamsThatItCannotHoldWithTheirId) {
+  initialize();
+  const auto ping = [](const std::string& params) {
+    return R"({"jsonrpc":"2.0","id":7,"method":"ping","params":)" + params + "}";
+  };
+  const auto refused = [](const std::string& fault) {
+    return error("7", -32602, "Invalid params: Invalid params field: " + fault);
+  };
+  const std::string pong = R"({"id":7,"jsonrpc":"2.0","result":{}})";
+  const std::pair<std::string, std::string> rows[] = {
+      {nested(1000), pong},        {nested(1001), refused("nested deeper than 1000 levels")},
+      {R"({"x":1e308})", pong},    {R"({"x":-1e309})", refused("a number beyond the range of doubles")},
+      {R"({"x":"\ud800"})", pong},
+  };
+  for (const auto& [params, answer] : rows) {
+    EXPECT_THAT(ask(ping(params)), ElementsAre(answer)) << params.substr(0, 20);
+    EXPECT_THAT(ask("[" + ping(params) + "]"), ElementsAre("[" + answer + "]")) << params.substr(0, 20);
+    EXPECT_THAT(ask(R"({"jsonrpc":"2.0","method":"x","params":)" + params + "}"), IsEmpty());
+  }
 }
 
 TEST_F(Session, IsStrictUntilInitialized) {
