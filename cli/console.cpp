@@ -6,26 +6,10 @@
 #include "cli/write_all.h"
 
 namespace vell::cli {
-/// Beyond so much, printing and writing at the same time saves more than a thread costs.
-static constexpr std::size_t largeOutput = 1 << 20;
-
-Output::Output(int descriptor) : Sink({first_, firstSize}), descriptor_(descriptor) {}
-
-void Output::flush() {
-  passAll();
-  if (background_) background_->finish();
-}
 
 json::Sink::Room Output::pass(std::string_view content) {
-  passed_ += content.size();
-  if (background_) {
-    background_->handOver(content.size());
-  } else {
-    writeAll(descriptor_, content);
-    if (passed_ < largeOutput) return {first_, firstSize};
-    background_ = std::make_unique<BackgroundWriter>(descriptor_);
-  }
-  return {background_->room(), BackgroundWriter::partSize};
+  writeAll(descriptor_, content);
+  return {buffer_, bufferSize};
 }
 
 void Console::say(std::string_view text) {

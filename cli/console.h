@@ -1,11 +1,9 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <stdexcept>
 #include <string_view>
 
-#include "cli/background_writer.h"
 #include "json/sink.h"
 
 namespace vell::cli {
@@ -29,21 +27,19 @@ class ClosedOutput : public std::runtime_error {
 class Output : public json::Sink {
  public:
   /// Writing throws ClosedOutput when the reader is gone, std::system_error when the bytes cannot be written.
-  explicit Output(int descriptor);
+  explicit Output(int descriptor) : Sink({buffer_, bufferSize}), descriptor_(descriptor) {}
 
   /// Hands everything written so far to the system. Must be called at the end: nothing else does.
-  void flush();
+  void flush() { passAll(); }
   int descriptor() const { return descriptor_; }
 
  private:
-  static constexpr std::size_t firstSize = 32 * 1024;
+  static constexpr std::size_t bufferSize = 64 * 1024;
 
   Room pass(std::string_view content) override;
 
   int descriptor_;
-  std::size_t passed_ = 0;
-  std::unique_ptr<BackgroundWriter> background_;  // once the output is large
-  char first_[firstSize + padding];
+  char buffer_[bufferSize + padding];
 };
 
 /// The three streams of a run.

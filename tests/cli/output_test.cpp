@@ -47,7 +47,6 @@ TEST(Output, ToAFullDiskIsAnError) {
   }
 }
 
-// Before and after a large output is written in the background.
 TEST(Output, ToAReaderThatLeavesEndsQuietly) {
   std::signal(SIGPIPE, SIG_IGN);
   tests::TemporaryHome home;
