@@ -1,6 +1,5 @@
 #include "cli/commands.h"
-#include "cli/global_options.h"
-#include "cli/shared_options.h"
+#include "cli/options.h"
 #include "ipc/methods.h"
 
 namespace vell::cli {

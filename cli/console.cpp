@@ -1,23 +1,85 @@
 #include "cli/console.h"
 
 #include <fcntl.h>
+#include <poll.h>
 #include <unistd.h>
 
-#include "cli/write_all.h"
+#include <algorithm>
+#include <cerrno>
+#include <system_error>
+
+#include "text/utf8.h"
 
 namespace vell::cli {
+namespace {
+
+[[noreturn]] void fail(const std::string& what) {
+  throw std::system_error(errno, std::generic_category(), what);
+}
+
+std::string readToEnd(int descriptor, const std::string& what) {
+  constexpr std::size_t chunk = 64 * 1024;
+  std::string text;
+  std::size_t size = 0;
+  while (true) {
+    text.resize(size + std::max(chunk, size));
+    const ssize_t count = ::read(descriptor, text.data() + size, text.size() - size);
+    if (count < 0 && errno == EINTR) continue;
+    if (count < 0) fail("Cannot read " + what);
+    if (count == 0) break;
+    size += static_cast<std::size_t>(count);
+  }
+  text.resize(size);
+  return text;
+}
+
+std::string readFile(const std::string& path) {
+  const platform::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!file) fail("Cannot read " + path);
+  return readToEnd(file.get(), path);
+}
+
+void watchReader(int output, int stop) {
+  pollfd watched[] = {{output, 0, 0}, {stop, 0, 0}};
+  while (true) {
+    if (poll(watched, 2, -1) < 0 && errno != EINTR) return;
+    if (watched[1].revents != 0) return;
+    if ((watched[0].revents & (POLLERR | POLLHUP)) != 0) _exit(ExitStatus::closedPipe);
+    if (watched[0].revents != 0) return;  // a descriptor that cannot be watched
+  }
+}
+
+}  // namespace
 
 json::Sink::Room Output::pass(std::string_view content) {
-  writeAll(descriptor_, content);
+  if (!platform::writeAll(descriptor_, content)) {
+    if (errno == EPIPE) throw ClosedOutput();
+    fail("Cannot write to standard output");
+  }
   return {buffer_, bufferSize};
 }
 
-void Console::say(std::string_view text) {
-  while (!text.empty()) {
-    const ssize_t written = writeSome(error_, text);
-    if (written <= 0) return;
-    text.remove_prefix(static_cast<std::size_t>(written));
-  }
+std::string Console::read(const std::string& path) {
+  const bool standardInput = path == "-";
+  if (standardInput && isatty(input_)) say("Reading standard input until end of file (Ctrl-D).\n");
+  std::string text = standardInput ? readToEnd(input_, "standard input") : readFile(path);
+  if (text::findInvalidUtf8(text)) throw std::runtime_error("Input is not valid UTF-8.");
+  return text;
+}
+
+void Console::say(std::string_view text) { platform::writeAll(error_, text); }
+
+ReaderWatch::ReaderWatch(const Output& out) {
+  int ends[2];
+  if (pipe(ends) != 0) fail("Cannot watch standard output");
+  stopped_ = platform::Descriptor(ends[0]);
+  stopWatching_ = platform::Descriptor(ends[1]);
+  thread_ = std::thread(watchReader, out.descriptor(), stopped_.get());
+}
+
+ReaderWatch::~ReaderWatch() {
+  stopWatching_ = platform::Descriptor();  // the thread sees its other end hang up
+  thread_.join();
 }
 
 void fillClosedDescriptors() {

@@ -2,9 +2,12 @@
 
 #include <cstddef>
 #include <stdexcept>
+#include <string>
 #include <string_view>
+#include <thread>
 
 #include "json/sink.h"
+#include "platform/descriptor.h"
 
 namespace vell::cli {
 
@@ -50,14 +53,30 @@ class Console {
 
   Output out;
 
-  /// The descriptor of standard input.
-  int input() const { return input_; }
-  /// Writes to standard error at once; a failure to do so is nobody's business.
+  /// The whole text of a file, or of standard input for "-" (announced on standard error when a person types
+  /// it). Throws when it cannot be read or is not UTF-8.
+  std::string read(const std::string& path);
+  /// Writes to standard error at once; failures are ignored.
   void say(std::string_view text);
 
  private:
   int input_;
   int error_;
+};
+
+/// Ends the process, as a write would, as soon as nobody reads the output any more: a stream may be silent
+/// for hours between two writes.
+class ReaderWatch {
+ public:
+  explicit ReaderWatch(const Output& out);
+  ~ReaderWatch();
+  ReaderWatch(const ReaderWatch&) = delete;
+  ReaderWatch& operator=(const ReaderWatch&) = delete;
+
+ private:
+  platform::Descriptor stopWatching_;
+  platform::Descriptor stopped_;
+  std::thread thread_;
 };
 
 /// Gives descriptors 0 to 2 a meaning where the caller closed them, so that no connection takes their

@@ -1,6 +1,5 @@
 #include "cli/commands.h"
-#include "cli/global_options.h"
-#include "cli/input.h"
+#include "cli/options.h"
 #include "ipc/methods.h"
 
 namespace vell::cli {
@@ -19,7 +18,7 @@ constexpr Option input{.name = "--input",
                        .help = "Input forwarded to the script if it evaluates to an arrow function."};
 
 void evaluateScript(const Arguments& arguments, Console& console) {
-  const ipc::ScriptEvaluate evaluation{.script = readInput(*arguments.value(file), console),
+  const ipc::ScriptEvaluate evaluation{.script = console.read(*arguments.value(file)),
                                        .input = arguments.value(input)};
   callAndPrint(evaluation, arguments, console);
 }

@@ -2,11 +2,56 @@
 
 #include <algorithm>
 
-#include "cli/wrap.h"
 #include "text/display_width.h"
 
 namespace vell::cli {
 namespace {
+
+// Laying text out.
+
+/// Takes everything up to the separator, and the separator, off the front.
+std::string_view takeUntil(std::string_view& text, char separator) {
+  const std::string_view front = text.substr(0, text.find(separator));
+  text.remove_prefix(std::min(front.size() + 1, text.size()));
+  return front;
+}
+
+/// Appends the text with every line indented by `indent` spaces and broken at blanks before `screenWidth`.
+/// Lines of the text stay lines; one that is indented itself keeps its indentation, also where it is
+/// continued. The first line goes on where `out` stands, which is column `column`.
+void appendWrapped(std::string& out, std::string_view text, std::size_t indent, std::size_t column) {
+  for (bool first = true; !text.empty(); first = false) {
+    std::string_view line = takeUntil(text, '\n');
+    if (!first) {
+      out += '\n';
+      column = 0;
+    }
+    const std::size_t start = indent + std::min(line.find_first_not_of(' '), line.size());
+    bool begun = false;
+    while (!line.empty()) {
+      const std::string_view word = takeUntil(line, ' ');
+      if (word.empty()) continue;
+      if (begun && column + 1 + text::displayWidth(word) > screenWidth) {
+        out += '\n';
+        column = 0;
+        begun = false;
+      }
+      const std::size_t blanks = begun ? 1 : start > column ? start - column : 0;
+      out.append(blanks, ' ').append(word);
+      column += blanks + text::displayWidth(word);
+      begun = true;
+    }
+  }
+}
+
+/// The text as a paragraph of its own.
+std::string paragraph(std::string_view text, std::size_t indent) {
+  std::string out;
+  appendWrapped(out, text, indent, 0);
+  return out + "\n";
+}
+
+// The parts of a screen.
 
 constexpr std::size_t margin = 2;
 /// Where explanations begin beside a name.

@@ -1,5 +1,5 @@
 #include "cli/commands.h"
-#include "cli/global_options.h"
+#include "cli/options.h"
 #include "outlines/version.h"
 #include "tools/serve.h"
 

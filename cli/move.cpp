@@ -1,6 +1,6 @@
 #include "cli/commands.h"
-#include "cli/global_options.h"
-#include "cli/row_options.h"
+#include "cli/options.h"
+#include "ipc/methods.h"
 
 namespace vell::cli {
 namespace {

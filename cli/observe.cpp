@@ -1,6 +1,5 @@
 #include "cli/commands.h"
 #include "cli/outline_read.h"
-#include "cli/reader_watch.h"
 #include "ipc/methods.h"
 #include "json/rewrite.h"
 

@@ -2,7 +2,7 @@
 #include <cstdlib>
 
 #include "cli/commands.h"
-#include "cli/global_options.h"
+#include "cli/options.h"
 #include "ipc/vell_client.h"
 #include "outlines/opening.h"
 

@@ -5,8 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cli/global_options.h"
-#include "cli/shared_options.h"
+#include "cli/options.h"
 
 namespace vell::cli {
 

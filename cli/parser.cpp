@@ -3,7 +3,7 @@
 #include <algorithm>
 
 #include "cli/help.h"
-#include "cli/suggest.h"
+#include "text/edit_distance.h"
 
 namespace vell::cli {
 namespace {
@@ -37,6 +37,20 @@ std::size_t followingValues(const Option& option, Words rest) {
   if (option.takes == Takes::nothing) return 0;
   if (option.takes != Takes::list) return std::min<std::size_t>(rest.size(), 1);
   return static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isOptionToken) - rest.begin());
+}
+
+/// " Did you mean '…'?" for a word that is no subcommand or option of the command; empty when nothing is
+/// near.
+std::string didYouMean(std::string_view word, const Command& command) {
+  std::vector<std::string_view> candidates;
+  if (word.starts_with('-')) {
+    for (const Option* option : namedOptions(command)) candidates.push_back(option->name);
+  } else {
+    for (const Command* next : command.subcommands) candidates.push_back(next->name);
+  }
+  const std::string_view meant = text::nearest(word, candidates);
+  if (meant.empty()) return {};
+  return " Did you mean '" + std::string(meant) + "'?";
 }
 
 class Parser {

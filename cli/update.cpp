@@ -1,12 +1,53 @@
 #include "cli/commands.h"
-#include "cli/global_options.h"
-#include "cli/row_options.h"
+#include "cli/options.h"
 #include "ipc/methods.h"
+#include "json/error.h"
+#include "json/rewrite.h"
 
 namespace vell::cli {
 namespace {
 
 // Rows.
+
+std::string_view trimmed(std::string_view text) {
+  constexpr std::string_view blanks = " \t\r\n\v\f";
+  const std::size_t first = text.find_first_not_of(blanks);
+  if (first == std::string_view::npos) return {};
+  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+}
+
+/// The styled runs that the text is a JSON array of; none for other texts.
+std::optional<ipc::StyledRuns> styledRuns(std::string_view text) {
+  if (!text.starts_with('[')) return std::nullopt;
+  try {
+    return ipc::StyledRuns{json::rewrite(text, json::Layout::compact)};
+  } catch (const json::ParseError&) {
+    return std::nullopt;
+  }
+}
+
+/// Styled runs where the value is a JSON array, else markdown as typed.
+std::optional<ipc::RowText> parseTextInput(const std::optional<std::string>& value) {
+  if (!value) return std::nullopt;
+  if (auto runs = styledRuns(trimmed(*value))) return std::move(*runs);
+  return *value;
+}
+
+using Attributes = std::map<std::string, std::optional<std::string>>;
+
+/// Attributes to set, each written "key=value", and keys to remove; none when both lists are empty.
+std::optional<Attributes> parseAttrs(const std::vector<std::string>& set,
+                                     const std::vector<std::string>& unset) {
+  if (set.empty() && unset.empty()) return std::nullopt;
+  Attributes attributes;
+  for (const std::string& pair : set) {
+    const std::size_t equals = pair.find('=');
+    if (equals == std::string::npos) throw UsageError("Attribute must be key=value, got: '" + pair + "'");
+    attributes[pair.substr(0, equals)] = pair.substr(equals + 1);
+  }
+  for (const std::string& key : unset) attributes[key] = std::nullopt;
+  return attributes;
+}
 
 constexpr Option text{
     .name = "--text",
@@ -38,19 +79,13 @@ constexpr Option persistentId{
     .value = "id",
     .help = "Assign a persistent id (requires exactly one row ref). See `vell --help`."};
 
-std::optional<ipc::RowText> textInput(const Arguments& arguments, const Option& option) {
-  const auto value = arguments.value(option);
-  if (!value) return std::nullopt;
-  return parseTextInput(*value);
-}
-
 void updateRows(const Arguments& arguments, Console& console) {
   const ipc::RowUpdate update{
       .rows = rowsOrSelection(arguments),
       .outline = arguments.value(outlineOption),
-      .text = textInput(arguments, text),
-      .append = textInput(arguments, append),
-      .prepend = textInput(arguments, prepend),
+      .text = parseTextInput(arguments.value(text)),
+      .append = parseTextInput(arguments.value(append)),
+      .prepend = parseTextInput(arguments.value(prepend)),
       .type = arguments.value(type),
       .attributes = parseAttrs(arguments.values(attr), arguments.values(unset)),
       .persistentId = arguments.value(persistentId),

@@ -6,7 +6,7 @@
 
 #include "cli/commands.h"
 #include "cli/completion.h"
-#include "cli/wrap.h"
+#include "cli/help.h"
 #include "tests/cli/run.h"
 #include "tests/support/temporary_directory.h"
 #include "text/display_width.h"
@@ -76,7 +76,7 @@ std::string completed(const std::string& script, const std::string& typed) {
 
 TEST(Completion, OfBashFollowsTheTree) {
   const tests::TemporaryDirectory directory;
-  const std::string script = directory.write("vell.bash", bashCompletion(vellCommand));
+  const std::string script = directory.write("vell.bash", completionScript(vellCommand, "bash"));
   const CompletionCase cases[] = {
       {"g", "get\n"},
       {"get outl", "outline outlines\n"},
@@ -93,8 +93,8 @@ TEST(Completion, OfBashFollowsTheTree) {
 }
 
 TEST(Completion, ScriptsOfAllShellsKnowAllCommandsAndOptions) {
-  for (const auto script : {&bashCompletion, &zshCompletion, &fishCompletion}) {
-    const std::string text = script(vellCommand);
+  for (const std::string_view shell : completionShells) {
+    const std::string text = run("--generate-completion-script " + std::string(shell)).out;
     for (const TreeEntry& entry : wholeTree(vellCommand)) {
       EXPECT_NE(text.find(entry.path), std::string::npos);
       for (const Option* option : entry.command->options) {

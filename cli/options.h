@@ -1,16 +1,31 @@
 #pragma once
 
+#include <string>
 #include <string_view>
+#include <vector>
 
 #include "cli/console.h"
 #include "cli/parser.h"
 #include "ipc/vell_client.h"
 #include "json/document.h"
 
+// Options that several commands share.
 namespace vell::cli {
 
 inline constexpr Option prettyOption{
     .name = "--pretty", .help = "Pretty-print JSON output.", .takes = Takes::nothing};
+
+inline constexpr Option outlineOption{
+    .name = "--outline", .value = "outline-id", .help = "Outline persistant id (default: frontmost)."};
+
+/// Rows to change.
+inline constexpr Option rowsArgument{.name = "rows",
+                                     .value = "row-refs",
+                                     .help = "Row refs (default: @selection). See `vell --help`.",
+                                     .takes = Takes::list};
+
+/// The references of `rowsArgument`, `@selection` when there are none.
+std::vector<std::string> rowsOrSelection(const Arguments& arguments);
 
 /// What every command is told about its output.
 class GlobalOptions {
@@ -29,7 +44,7 @@ class GlobalOptions {
   Console& console_;
 };
 
-/// Sends one of the records of ipc/methods.h on a connection of its own and prints the answer.
+/// Sends one of the params records on a connection of its own and prints the answer.
 template <class Record>
 void callAndPrint(const Record& record, const Arguments& arguments, Console& console) {
   ipc::VellClient client;

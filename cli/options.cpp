@@ -1,10 +1,13 @@
-#include "cli/global_options.h"
-
-#include <string>
+#include "cli/options.h"
 
 #include "json/rewrite.h"
 
 namespace vell::cli {
+
+std::vector<std::string> rowsOrSelection(const Arguments& arguments) {
+  return arguments.has(rowsArgument) ? arguments.values(rowsArgument)
+                                     : std::vector<std::string>{"@selection"};
+}
 
 void GlobalOptions::print(const json::Node& data) const {
   if (data.kind() == json::Kind::string) warnPrettyIgnored("text-format output");
