@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "outline_path/numbers.h"
+#include "outline_path/literals.h"
 
 namespace vell::evaluation {
 namespace {

@@ -2,7 +2,6 @@
 #include <cstdio>
 #include <string>
 
-#include "outline_path/operators.h"
 #include "outline_path/words.h"
 
 using namespace vell::outline_path;

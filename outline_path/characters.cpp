@@ -12,14 +12,15 @@ struct Range {
   char32_t first, last;
 };
 
-// The name start characters of XML 1.0 beyond ASCII.
+// The name start characters of XML 1.0.
 constexpr std::array kNameStart{
+    Range{'a', 'z'},       Range{'A', 'Z'},       Range{':', ':'},       Range{'_', '_'},
     Range{0xC0, 0xD6},     Range{0xD8, 0xF6},     Range{0xF8, 0x2FF},    Range{0x370, 0x37D},
     Range{0x37F, 0x1FFF},  Range{0x200C, 0x200D}, Range{0x2070, 0x218F}, Range{0x2C00, 0x2FEF},
     Range{0x3001, 0xD7FF}, Range{0xF900, 0xFDCF}, Range{0xFDF0, 0xFFFD}, Range{0x10000, 0xEFFFF},
 };
 // Those that may follow in a name besides; U+00B7 is not among them, unlike in XML.
-constexpr std::array kNameRest{Range{0x300, 0x36F}, Range{0x203F, 0x2040}};
+constexpr std::array kNameRest{Range{'-', '.'}, Range{'0', '9'}, Range{0x300, 0x36F}, Range{0x203F, 0x2040}};
 
 template <std::size_t count>
 bool within(const std::array<Range, count>& ranges, char32_t value) {
@@ -27,15 +28,23 @@ bool within(const std::array<Range, count>& ranges, char32_t value) {
                      [&](const Range& range) { return value >= range.first && value <= range.last; });
 }
 
-bool isBeyondAsciiOf(std::uint8_t wanted, char32_t value) {
-  return within(kNameStart, value) || (wanted == kInName && within(kNameRest, value));
-}
+bool startsName(char32_t value) { return within(kNameStart, value); }
+bool isInName(char32_t value) { return within(kNameStart, value) || within(kNameRest, value); }
 
 }  // namespace
 
-std::size_t lengthBeyondAscii(std::uint8_t wanted, std::string_view text) {
-  const text::CodePoint point = text::firstCodePoint(text);
-  return isBeyondAsciiOf(wanted, point.value) ? point.length : 0;
+std::size_t wordLength(std::string_view text) {
+  std::size_t at = 0;
+  while (at < text.size()) {
+    const text::CodePoint point = text::firstCodePoint(text.substr(at));
+    if (!isInName(point.value)) break;
+    at += point.length;
+  }
+  return std::min(at, text.size());
+}
+
+std::size_t nameLength(std::string_view text) {
+  return text.empty() || !startsName(text::firstCodePoint(text).value) ? 0 : wordLength(text);
 }
 
 bool isNumber(std::string_view word) {
@@ -43,6 +52,11 @@ bool isNumber(std::string_view word) {
   if (digitsEnd == word.begin()) return false;
   if (digitsEnd == word.end()) return true;
   return *digitsEnd == '.' && digitsEnd + 1 != word.end() && std::all_of(digitsEnd + 1, word.end(), isDigit);
+}
+
+std::size_t skipBlanks(std::string_view text, std::size_t at) {
+  while (at < text.size() && isBlank(text[at])) ++at;
+  return at;
 }
 
 }  // namespace vell::outline_path

@@ -1,8 +1,8 @@
 #include <algorithm>
 
 #include "outline_path/characters.h"
+#include "outline_path/literals.h"
 #include "outline_path/parse.h"
-#include "outline_path/strings.h"
 #include "outline_path/with_parse.h"
 
 namespace vell::outline_path {

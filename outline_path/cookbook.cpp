@@ -1,4 +1,4 @@
-#include "outline_path/cookbook.h"
+#include "outline_path/path_check.h"
 
 namespace vell::outline_path {
 

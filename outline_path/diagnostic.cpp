@@ -1,10 +1,10 @@
 #include "outline_path/diagnostic.h"
 
+#include <algorithm>
 #include <array>
 
 #include "outline_path/characters.h"
-#include "outline_path/hints.h"
-#include "outline_path/parse_context.h"
+#include "outline_path/parse_state.h"
 #include "text/display_width.h"
 #include "text/utf8.h"
 
@@ -16,7 +16,7 @@ constexpr std::size_t kFoundShown = 24;
 /// Columns of a long line shown on either side of the caret.
 constexpr std::size_t kContext = 36;
 
-constexpr std::array<std::string_view, 29> kDescriptions{
+constexpr std::array<std::string_view, kExpectedCount> kDescriptions{
     "a path",
     "a step (*, task, @name)",
     "a type test or a predicate",
@@ -82,7 +82,8 @@ std::string found(std::string_view rest) {
   return '"' + std::string(rest.substr(0, length)) + (length < word ? "…\"" : "\"");
 }
 
-std::string expectation(const std::vector<Expected>& all) {
+std::string expectation(const ExpectedSet& expected) {
+  const std::vector<Expected> all = expected.inOrder();
   const std::size_t shown = std::min(all.size(), kExpectedShown);
   if (shown == 2)
     return ", expected " + std::string(describe(all[0])) + " or " + std::string(describe(all[1]));
@@ -125,6 +126,17 @@ std::string picture(const Line& line) {
 }
 
 }  // namespace
+
+std::vector<Expected> ExpectedSet::inOrder() const {
+  std::vector<Expected> all;
+  for (std::size_t i = 0; i < bits_.size(); ++i) {
+    const auto expected = static_cast<Expected>(i);
+    const bool isImplied = (expected == Expected::predicate && contains(Expected::filter)) ||
+                           (expected == Expected::filter && contains(Expected::step));
+    if (contains(expected) && !isImplied) all.push_back(expected);
+  }
+  return all;
+}
 
 std::string_view describe(Expected expected) { return kDescriptions[static_cast<std::size_t>(expected)]; }
 

@@ -1,13 +1,88 @@
 #pragma once
 
+#include <bitset>
 #include <cstddef>
+#include <cstdint>
+#include <initializer_list>
 #include <string>
 #include <string_view>
 #include <vector>
 
-#include "outline_path/expectations.h"
-
 namespace vell::outline_path {
+
+/// What a rule wants to see, the most useful to be told of first.
+enum class Expected : std::uint8_t {
+  path,
+  step,
+  filter,
+  value,
+  predicate,
+  attributeName,
+  variableName,
+  integer,
+  divisor,
+  blank,
+  relation,
+  closingQuote,
+  escapeLetter,
+  hexDigits,
+  lowSurrogate,
+  highSurrogate,
+  modifierLetter,
+  localeAware,
+  modifierEnd,
+  sliceColon,
+  sliceEnd,
+  argumentEnd,
+  closingBracket,
+  predicateOp,
+  separator,
+  slice,
+  setOp,
+  arithmetic,
+  endOfInput,
+};
+
+inline constexpr std::size_t kExpectedCount = static_cast<std::size_t>(Expected::endOfInput) + 1;
+
+/// In words, for "expected …".
+std::string_view describe(Expected expected);
+
+/// A set of what was expected at one place.
+class ExpectedSet {
+ public:
+  ExpectedSet(std::initializer_list<Expected> all = {}) {
+    for (const Expected expected : all) insert(expected);
+  }
+  void insert(Expected expected) { bits_.set(index(expected)); }
+  bool contains(Expected expected) const { return bits_.test(index(expected)); }
+  /// Each once, the most useful first. A predicate is not named beside the filter that it may be, nor a
+  /// filter beside the step.
+  std::vector<Expected> inOrder() const;
+  bool operator==(const ExpectedSet&) const = default;
+
+ private:
+  static std::size_t index(Expected expected) { return static_cast<std::size_t>(expected); }
+
+  std::bitset<kExpectedCount> bits_;
+};
+
+/// Gathers what was expected at the furthest place that a parse came to.
+class Expectations {
+ public:
+  void note(std::size_t at, Expected expected) {
+    if (at < furthest_) return;
+    if (at > furthest_) all_ = ExpectedSet();
+    furthest_ = at;
+    all_.insert(expected);
+  }
+  std::size_t furthest() const { return furthest_; }
+  const ExpectedSet& all() const { return all_; }
+
+ private:
+  std::size_t furthest_ = 0;
+  ExpectedSet all_;
+};
 
 /// Why a text is no outline path, as data.
 struct Diagnostic {
@@ -27,8 +102,8 @@ struct Diagnostic {
   Kind kind = Kind::unexpected;
   /// The offset in the text, in bytes.
   std::size_t index = 0;
-  /// What could have stood there, the most useful first.
-  std::vector<Expected> expected;
+  /// What could have stood there.
+  ExpectedSet expected;
 
   bool operator==(const Diagnostic&) const = default;
 };
@@ -36,5 +111,8 @@ struct Diagnostic {
 /// The diagnostic in words: what was found where and what was expected, the line with a caret under it and,
 /// for a known habit, a hint. `text` is the text that was parsed. Lines end with a newline.
 std::string render(const Diagnostic& diagnostic, std::string_view text);
+
+/// One sentence for a habit from other languages, or a slip, that explains the error; empty where none does.
+std::string hintFor(const Diagnostic& diagnostic, std::string_view text);
 
 }  // namespace vell::outline_path

@@ -1,33 +1,14 @@
 // The facts of `meta`, worked out as the nodes are built.
 #include <algorithm>
-#include <cstring>
-#include <iterator>
 
 #include "outline_path/expression.h"
 
 namespace vell::outline_path {
 namespace {
 
-template <typename Block>
-std::uint64_t blockAt(const char* begin) {
-  Block block;
-  std::memcpy(&block, begin, sizeof block);
-  return block;
-}
-
 template <typename T>
 const T* nodeOf(const PredicateExpression& predicate) {
   return std::get_if<T>(&predicate.node);
-}
-
-bool asksForPosition(const ValueExpression& value);
-
-bool asksForPosition(const FunctionCall& call) {
-  const FunctionKind kind = call.meta().kind;
-  if (kind == FunctionKind::position || kind == FunctionKind::last) return true;
-  const auto& arguments = call.arguments();
-  return std::any_of(arguments.begin(), arguments.end(),
-                     [](const ValueExpression& argument) { return asksForPosition(argument); });
 }
 
 // A path argument has contexts of its own: the positions asked for in it are not those of this step.
@@ -35,7 +16,13 @@ bool asksForPosition(const ValueExpression& value) {
   const auto both = [](const auto& node) {
     return asksForPosition(*node.left) || asksForPosition(*node.right);
   };
-  if (const auto* call = std::get_if<FunctionCall>(&value.node)) return asksForPosition(*call);
+  if (const auto* call = std::get_if<FunctionCall>(&value.node)) {
+    const FunctionKind kind = call->meta().kind;
+    if (kind == FunctionKind::position || kind == FunctionKind::last) return true;
+    const auto& arguments = call->arguments();
+    return std::any_of(arguments.begin(), arguments.end(),
+                       [](const ValueExpression& argument) { return asksForPosition(argument); });
+  }
   if (const auto* node = std::get_if<Additive>(&value.node)) return both(*node);
   if (const auto* node = std::get_if<Multiplicative>(&value.node)) return both(*node);
   if (const auto* node = std::get_if<Unary>(&value.node)) return asksForPosition(*node->operand);
@@ -43,57 +30,31 @@ bool asksForPosition(const ValueExpression& value) {
   return false;
 }
 
-bool isTextOfRow(const ValueExpression& value) {
-  const auto* attribute = std::get_if<Attribute>(&value.node);
-  return attribute != nullptr && attribute->meta().kind == AttributeKind::text;
+bool asksForPosition(const PredicateExpression& predicate) {
+  const auto both = [](const auto& left, const auto& right) {
+    return asksForPosition(left) || asksForPosition(right);
+  };
+  if (const auto* node = nodeOf<Comparison>(predicate)) return both(node->left, node->right);
+  if (const auto* node = nodeOf<And>(predicate)) return both(*node->left, *node->right);
+  if (const auto* node = nodeOf<Or>(predicate)) return both(*node->left, *node->right);
+  if (const auto* node = nodeOf<Not>(predicate)) return asksForPosition(*node->operand);
+  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return asksForPosition(*node->inner);
+  return false;
 }
 
-/// What a predicate asks for; of the text only perhaps.
-struct Asked {
-  bool position = false;
-  bool text = false;
-};
-
-const PredicateExpression* lastOf(const PredicateExpression& predicate) {
-  if (const auto* node = nodeOf<And>(predicate)) return &*node->right;
-  if (const auto* node = nodeOf<Or>(predicate)) return &*node->right;
-  if (const auto* node = nodeOf<Not>(predicate)) return &*node->operand;
-  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return &*node->inner;
-  return nullptr;
+MatchTerms termsOf(std::string_view text) {
+  return text.empty() ? MatchTerms() : MatchTerms{{std::string(text)}};
 }
 
-// A loop along the last parts: chains are long more often than their operands are.
-void noteAsked(const PredicateExpression& predicate, Asked& asked) {
-  const PredicateExpression* part = &predicate;
-  while (const PredicateExpression* const last = lastOf(*part)) {
-    if (const auto* node = nodeOf<And>(*part)) noteAsked(*node->left, asked);
-    if (const auto* node = nodeOf<Or>(*part)) noteAsked(*node->left, asked);
-    part = last;
-  }
-  if (const auto* node = nodeOf<Comparison>(*part)) {
-    asked.position = asked.position || asksForPosition(node->left) || asksForPosition(node->right);
-    asked.text = asked.text || isTextOfRow(node->left);
-  }
-  asked.text = asked.text || nodeOf<ContainsText>(*part) != nullptr;
+MatchTerms unite(MatchTerms left, const MatchTerms& right) {
+  left.insert(right.begin(), right.end());
+  return left;
 }
 
-using Terms = std::vector<MatchTerm>;
-
-Terms setOf(std::string_view text) {
-  if (text.empty()) return {};
-  return {MatchTerm{std::string(text)}};
-}
-
-Terms unite(Terms left, const Terms& right) {
-  if (right.empty()) return left;
-  Terms all;
-  std::set_union(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(all));
-  return all;
-}
-
-Terms common(const Terms& left, const Terms& right) {
-  Terms both;
-  std::set_intersection(left.begin(), left.end(), right.begin(), right.end(), std::back_inserter(both));
+MatchTerms common(const MatchTerms& left, const MatchTerms& right) {
+  MatchTerms both;
+  std::set_intersection(left.begin(), left.end(), right.begin(), right.end(),
+                        std::inserter(both, both.end()));
   return both;
 }
 
@@ -107,24 +68,22 @@ bool impliesContaining(const Relation& relation) {
                     relation.op == RelationOp::endsWith || relation.op == RelationOp::equal);
 }
 
-Terms termsOf(const Comparison& comparison) {
-  if (!isTextOfRow(comparison.left) || !impliesContaining(comparison.relation)) return {};
+MatchTerms termsOf(const Comparison& comparison) {
+  const auto* attribute = std::get_if<Attribute>(&comparison.left.node);
+  const bool isText = attribute != nullptr && attribute->meta().kind == AttributeKind::text;
+  if (!isText || !impliesContaining(comparison.relation)) return {};
   // An unquoted word or a number may be compared as something else than its text.
   const auto* literal = std::get_if<Literal>(&comparison.right.node);
-  return literal == nullptr ? Terms{} : setOf(literal->text);
+  return literal == nullptr ? MatchTerms() : termsOf(literal->text);
 }
 
-Terms termsOf(const PredicateExpression& predicate) {
-  if (const auto* node = nodeOf<ContainsText>(predicate)) return setOf(node->text);
+MatchTerms termsOf(const PredicateExpression& predicate) {
+  if (const auto* node = nodeOf<ContainsText>(predicate)) return termsOf(node->text);
   if (const auto* node = nodeOf<Comparison>(predicate)) return termsOf(*node);
-  if (const auto* node = nodeOf<And>(predicate)) return unite(termsOf(*node->left), termsOf(*node->right));
+  if (const auto* node = nodeOf<And>(predicate)) return unite(termsOf(*node->right), termsOf(*node->left));
   if (const auto* node = nodeOf<Or>(predicate)) return common(termsOf(*node->left), termsOf(*node->right));
   if (const auto* node = nodeOf<PredicateGroup>(predicate)) return termsOf(*node->inner);
   return {};
-}
-
-[[gnu::noinline]] MatchTerms setOfTerms(const PredicateExpression& predicate) {
-  return MatchTerms(termsOf(predicate));
 }
 
 /// A slice that is an index leaves one row of the candidates.
@@ -141,33 +100,12 @@ MatchShape shapeOfSelf(const Step& step) {
   return MatchShape::singleSelfPredicate;
 }
 
-/// The union of the terms of all steps.
-[[gnu::noinline]] MatchTerms termsOf(const Steps& steps) {
-  Terms all;
-  for (const Step& step : steps)
-    all.insert(all.end(), step.meta().matchingTerms.begin(), step.meta().matchingTerms.end());
-  std::sort(all.begin(), all.end());
-  all.erase(std::unique(all.begin(), all.end()), all.end());
-  return MatchTerms(std::move(all));
-}
-
 }  // namespace
 
+// FNV-1a
 std::uint64_t hashOfName(std::string_view name) {
-  constexpr std::uint64_t kFactor = 0x9E3779B97F4A7C15U;
-  std::uint64_t hash = name.size();
-  const auto mix = [&hash](std::uint64_t block) {
-    hash = (hash ^ block) * kFactor;
-    hash ^= hash >> 32;
-  };
-  for (; name.size() > 8; name.remove_prefix(8)) mix(blockAt<std::uint64_t>(name.data()));
-  if (name.size() >= 4) {
-    // The halves overlap.
-    const std::uint64_t low = blockAt<std::uint32_t>(name.data());
-    mix(low << 32 | blockAt<std::uint32_t>(name.data() + name.size() - 4));
-  } else {
-    for (const char c : name) mix(static_cast<unsigned char>(c));
-  }
+  std::uint64_t hash = 0xCBF29CE484222325U;
+  for (const char c : name) hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001B3U;
   return hash;
 }
 
@@ -180,11 +118,12 @@ bool FunctionCall::operator==(const FunctionCall& other) const {
   return name_ == other.name_ && arguments_ == other.arguments_;
 }
 
-void Step::noteFactsOf(const PredicateExpression& predicate) {
-  Asked asked;
-  noteAsked(predicate, asked);
-  meta_.requiresContextPositions = meta_.requiresContextPositions || asked.position;
-  if (asked.text) meta_.matchingTerms = setOfTerms(predicate);
+Step::Step(Axis axis, Filter filter, std::optional<Slice> slice)
+    : axis_(axis), filter_(std::move(filter)), slice_(std::move(slice)) {
+  meta_.requiresContextPositions = slice_.has_value();
+  if (!filter_.predicate) return;
+  meta_.requiresContextPositions = meta_.requiresContextPositions || asksForPosition(*filter_.predicate);
+  meta_.matchingTerms = termsOf(*filter_.predicate);
 }
 
 MatchShape computeMatchShape(bool absolute, const Steps& steps, bool allSingleElementSteps) {
@@ -195,13 +134,12 @@ MatchShape computeMatchShape(bool absolute, const Steps& steps, bool allSingleEl
 }
 
 Path::Path(bool absolute, Steps steps) : absolute_(absolute), steps_(std::move(steps)) {
-  bool hasTerms = false;
   for (const Step& step : steps_) {
-    meta_.requiresContextPositions = meta_.requiresContextPositions || step.meta().requiresContextPositions;
+    const Step::Meta& meta = step.meta();
+    meta_.requiresContextPositions = meta_.requiresContextPositions || meta.requiresContextPositions;
     meta_.allSingleElementSteps = meta_.allSingleElementSteps && isSingleElement(step);
-    hasTerms = hasTerms || !step.meta().matchingTerms.empty();
+    meta_.matchingTerms.insert(meta.matchingTerms.begin(), meta.matchingTerms.end());
   }
-  if (hasTerms) meta_.matchingTerms = termsOf(steps_);
   meta_.matchShape = computeMatchShape(absolute_, steps_, meta_.allSingleElementSteps);
 }
 

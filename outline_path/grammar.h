@@ -1,7 +1,6 @@
 #pragma once
 
 #include "outline_path/rules.h"
-#include "outline_path/word_rules.h"
 
 // The grammar of outline paths, from the characters up to the whole text.
 //
@@ -29,14 +28,15 @@ struct Blanks         : plus<Blank> {};
 struct OptionalBlanks : star<Blank> {};
 struct KeywordEnd     : Blanks {};
 
-struct NameParser          : Name {};
+struct NameParser          : Token<nameLength> {};
 struct UnquotedInnerParser : WordThat<isUnquotedWord> {};
-struct UnquotedParser      : UnquotedInnerParser {};
+struct UnquotedParser      : seq<UnquotedInnerParser> {};
 
 // Strings
 struct StringOpen              : one<'"'> {};
 struct StringClose             : one<'"'> {};
-struct UnescapedString         : plus<uint8::ranges<0x20, 0x21, 0x23, 0x5B, 0x5D, 0xFF>> {};
+struct ControlCharacter       : range<'\0', '\x1F'> {};
+struct UnescapedString         : plus<not_at<ControlCharacter>, not_one<'"', '\\'>> {};
 struct EscapeLetter            : one<'"', '\\', '/', 'b', 'f', 'n', 'r', 't'> {};
 struct EscapedSingleChar       : seq<one<'\\'>, EscapeLetter> {};
 struct HighSurrogate           : seq<one<'d', 'D'>, one<'8', '9', 'a', 'b', 'A', 'B'>, rep<2, xdigit>> {};
@@ -56,7 +56,7 @@ struct ValueExpressionParser;
 struct NumberParser  : WordThat<isFiniteNumber> {};
 struct BooleanParser : WordThat<isBoolean> {};
 struct NullParser    : WordThat<isNull> {};
-struct LiteralParser : JSONString {};
+struct LiteralParser : seq<JSONString> {};
 
 struct AttributeSigil  : one<'@'> {};
 struct AttributeName   : NameParser {};
@@ -66,55 +66,56 @@ struct VariableSigil  : one<'$'> {};
 struct VariableName   : NameParser {};
 struct VariableParser : seq<VariableSigil, VariableName> {};
 
-struct FunctionName       : Entry<functionName> {};
+struct FunctionName       : Token<functionNameLength> {};
 struct FunctionOpen       : one<'('> {};
 struct FunctionClose      : one<')'> {};
 struct ArgumentComma      : one<','> {};
 struct ArgumentEnd        : seq<OptionalBlanks, one<',', ')'>> {};
 struct PathArgumentParser : seq<PathExpressionParser, at<ArgumentEnd>> {};
 struct ArgumentParser     : sor<PathArgumentParser, ValueExpressionParser> {};
-struct Arguments          : List<ArgumentParser, ArgumentComma, Blank> {};
-struct FunctionCallParser : Once<Construct::functionCall, FunctionName, FunctionOpen, Deeper<OptionalBlanks, opt<Arguments>>, OptionalBlanks, FunctionClose> {};
+struct Arguments          : list<ArgumentParser, ArgumentComma, Blank> {};
+struct FunctionCallParser : seq<FunctionName, FunctionOpen, Once<Construct::functionCall, Deeper<OptionalBlanks, opt<Arguments>>, OptionalBlanks, FunctionClose>> {};
 
 struct PrimaryExprParser : sor<AttributeParser, VariableParser, LiteralParser, NumberParser, BooleanParser, NullParser, FunctionCallParser, UnquotedParser> {};
 
 struct ValueGroupOpen             : one<'('> {};
 struct ValueGroupClose            : one<')'> {};
-struct ValueExpressionGroupParser : Once<Construct::valueGroup, ValueGroupOpen, OptionalBlanks, Deeper<ValueExpressionParser>, OptionalBlanks, ValueGroupClose> {};
+struct ValueExpressionGroupParser : seq<ValueGroupOpen, Once<Construct::valueGroup, OptionalBlanks, Deeper<ValueExpressionParser>, OptionalBlanks, ValueGroupClose>> {};
 
 struct ValueExpressionUnaryParser;
-struct UnaryOpParser              : Spelled<UnaryOp::negate> {};
+struct MinusSign                  : Spelled<UnaryOp::negate> {};
+struct UnaryOpParser              : seq<MinusSign> {};
 struct Negation                   : seq<UnaryOpParser, Deeper<ValueExpressionUnaryParser>> {};
 struct ValueExpressionUnaryParser : sor<Negation, ValueExpressionGroupParser, PrimaryExprParser> {};
 
 struct Times                               : Spelled<MultiplicativeOp::multiply> {};
 struct Over                                : Spelled<MultiplicativeOp::divide> {};
-struct Divisor                             : Where<isDivisor> {};
+struct Divisor                             : Before<isDivisor> {};
 struct MultiplicativeOpParser              : sor<seq<Times, OptionalBlanks>, seq<Over, OptionalBlanks, Divisor>> {};
 struct MultiplicativeOperand;
-struct MultiplicativeTail                  : Tail<MultiplicativeOperand, OptionalBlanks, MultiplicativeOpParser> {};
-struct ValueExpressionMultiplicativeParser : Binary<ValueExpressionUnaryParser, MultiplicativeTail> {};
-struct MultiplicativeOperand               : ValueExpressionMultiplicativeParser {};
+struct MultiplicativeTail                  : seq<OptionalBlanks, MultiplicativeOpParser, Deeper<MultiplicativeOperand>> {};
+struct ValueExpressionMultiplicativeParser : seq<ValueExpressionUnaryParser, opt<MultiplicativeTail>> {};
+struct MultiplicativeOperand               : seq<ValueExpressionMultiplicativeParser> {};
 
 struct Plus                          : Spelled<AdditiveOp::add> {};
 struct Minus                         : Spelled<AdditiveOp::subtract> {};
 struct AdditiveOpParser              : sor<Plus, Minus> {};
 struct AdditiveOperand;
-struct AdditiveTail                  : Tail<AdditiveOperand, OptionalBlanks, AdditiveOpParser, OptionalBlanks> {};
-struct ValueExpressionAdditiveParser : Binary<ValueExpressionMultiplicativeParser, AdditiveTail> {};
-struct AdditiveOperand               : ValueExpressionAdditiveParser {};
+struct AdditiveTail                  : seq<OptionalBlanks, AdditiveOpParser, OptionalBlanks, Deeper<AdditiveOperand>> {};
+struct ValueExpressionAdditiveParser : seq<ValueExpressionMultiplicativeParser, opt<AdditiveTail>> {};
+struct AdditiveOperand               : seq<ValueExpressionAdditiveParser> {};
 
-struct ValueExpressionParser : ValueExpressionAdditiveParser {};
+struct ValueExpressionParser : seq<ValueExpressionAdditiveParser> {};
 
 // The right side of a comparison, in which "/" does not divide
 struct RightMultiplicativeOperand;
-struct RightMultiplicativeTail    : Tail<RightMultiplicativeOperand, OptionalBlanks, Times, OptionalBlanks> {};
-struct RightMultiplicative        : Binary<ValueExpressionUnaryParser, RightMultiplicativeTail> {};
-struct RightMultiplicativeOperand : RightMultiplicative {};
+struct RightMultiplicativeTail    : seq<OptionalBlanks, Times, OptionalBlanks, Deeper<RightMultiplicativeOperand>> {};
+struct RightMultiplicative        : seq<ValueExpressionUnaryParser, opt<RightMultiplicativeTail>> {};
+struct RightMultiplicativeOperand : seq<RightMultiplicative> {};
 struct RightAdditiveOperand;
-struct RightAdditiveTail          : Tail<RightAdditiveOperand, OptionalBlanks, AdditiveOpParser, OptionalBlanks> {};
-struct RightAdditive              : Binary<RightMultiplicative, RightAdditiveTail> {};
-struct RightAdditiveOperand       : RightAdditive {};
+struct RightAdditiveTail          : seq<OptionalBlanks, AdditiveOpParser, OptionalBlanks, Deeper<RightAdditiveOperand>> {};
+struct RightAdditive              : seq<RightMultiplicative, opt<RightAdditiveTail>> {};
+struct RightAdditiveOperand       : seq<RightAdditive> {};
 
 // Predicates
 struct PredicateExpressionParser;
@@ -122,63 +123,65 @@ struct PredicateExpressionOrParser;
 struct PredicateExpressionAndParser;
 struct PredicateExpressionTightParser;
 
-struct RelationOpParser       : Entry<relationOp> {};
+struct RelationSign           : Token<relationLength> {};
+struct RelationOpParser       : seq<RelationSign> {};
 struct RelationModifierOpen   : one<'['> {};
-struct RelationModifierType   : Entry<relationModifier> {};
+struct RelationModifierLetter : Token<relationModifierLength> {};
 struct LocaleAware            : one<kLocaleAware> {};
 struct RelationModifierClose  : one<']'> {};
-struct RelationModifierParser : seq<RelationModifierOpen, RelationModifierType, opt<LocaleAware>, RelationModifierClose> {};
+struct RelationModifierSign   : seq<RelationModifierOpen, RelationModifierLetter, opt<LocaleAware>, RelationModifierClose> {};
+struct RelationModifierParser : seq<RelationModifierSign> {};
 struct RelationParser         : seq<RelationOpParser, opt<RelationModifierParser>> {};
 
-struct LeftValue                           : ValueExpressionParser {};
-struct RightValue                          : RightAdditive {};
+struct LeftValue                           : seq<ValueExpressionAdditiveParser> {};
+struct RightValue                          : seq<RightAdditive> {};
 struct ComparedValues                      : seq<LeftValue, OptionalBlanks, RelationParser, OptionalBlanks, RightValue> {};
 struct PredicateExpressionComparisonParser : WhereRelationFollows<ComparedValues> {};
 
 struct NotKeyword                   : Spelled<PredicateOp::notOf> {};
-struct PredicateExpressionNotParser : Prefix<PredicateExpressionTightParser, NotKeyword, KeywordEnd> {};
+struct PredicateExpressionNotParser : seq<NotKeyword, KeywordEnd, Deeper<PredicateExpressionTightParser>> {};
 
 struct PredicateGroupOpen             : one<'('> {};
 struct PredicateGroupClose            : one<')'> {};
-struct PredicateExpressionGroupParser : Once<Construct::predicateGroup, PredicateGroupOpen, OptionalBlanks, Deeper<PredicateExpressionParser>, OptionalBlanks, PredicateGroupClose> {};
+struct PredicateExpressionGroupParser : seq<PredicateGroupOpen, Once<Construct::predicateGroup, OptionalBlanks, Deeper<PredicateExpressionParser>, OptionalBlanks, PredicateGroupClose>> {};
 
 struct PredicateExpressionContainsAttributeParser : seq<AttributeParser> {};
-struct PredicateExpressionContainsTextParser      : JSONString {};
+struct PredicateExpressionContainsTextParser      : seq<JSONString> {};
 
-struct PredicateExpressionTightParser : Prefixed<PredicateExpressionNotParser, PredicateExpressionComparisonParser, PredicateExpressionGroupParser,
+struct PredicateExpressionTightParser : sor<PredicateExpressionNotParser, PredicateExpressionComparisonParser, PredicateExpressionGroupParser,
                                                  PredicateExpressionContainsAttributeParser, PredicateExpressionContainsTextParser> {};
 
 struct AndKeyword                   : Spelled<PredicateOp::andOf> {};
-struct AndTail                      : Tail<PredicateExpressionAndParser, Blanks, AndKeyword, KeywordEnd> {};
-struct PredicateExpressionAndParser : Binary<PredicateExpressionTightParser, AndTail> {};
+struct AndTail                      : seq<Blanks, AndKeyword, KeywordEnd, Deeper<PredicateExpressionAndParser>> {};
+struct PredicateExpressionAndParser : seq<PredicateExpressionTightParser, opt<AndTail>> {};
 
 struct OrKeyword                   : Spelled<PredicateOp::orOf> {};
-struct OrTail                      : Tail<PredicateExpressionOrParser, Blanks, OrKeyword, KeywordEnd> {};
-struct PredicateExpressionOrParser : Binary<PredicateExpressionAndParser, OrTail> {};
+struct OrTail                      : seq<Blanks, OrKeyword, KeywordEnd, Deeper<PredicateExpressionOrParser>> {};
+struct PredicateExpressionOrParser : seq<PredicateExpressionAndParser, opt<OrTail>> {};
 
-struct PredicateExpressionParser : PredicateExpressionOrParser {};
+struct PredicateExpressionParser : seq<PredicateExpressionOrParser> {};
 
 // Steps
 struct SliceOpen   : one<'['> {};
 struct SliceClose  : one<']'> {};
 struct SliceColon  : one<':'> {};
-struct SliceStart  : Entry<sliceInteger> {};
-struct SliceEnd    : Entry<sliceInteger> {};
+struct SliceStart  : Token<integerLength> {};
+struct SliceEnd    : Token<integerLength> {};
 struct SliceRest   : seq<SliceColon, opt<SliceEnd>> {};
 struct SliceBounds : sor<seq<SliceStart, opt<SliceRest>>, SliceRest> {};
 struct SliceParser : seq<SliceOpen, SliceBounds, SliceClose> {};
 
 struct AnyTypeTest          : one<'*'> {};
-struct NodeType             : Entry<nodeType> {};
+struct NodeType             : Token<nodeTypeLength> {};
 struct TypeTestParser       : sor<AnyTypeTest, NodeType> {};
-struct StepPredicate        : PredicateExpressionParser {};
+struct StepPredicate        : seq<PredicateExpressionOrParser> {};
 struct StepContainsText     : WordThat<isTextWord> {};
 struct StepFilterParser     : sor<seq<TypeTestParser, opt<Blanks, StepPredicate>>, StepPredicate, StepContainsText> {};
 
 struct DescendantOrSelfAxis : one<'/'> {};
-struct NamedAxis            : Entry<namedAxis> {};
+struct NamedAxis            : Token<namedAxisLength> {};
 struct StepAxisParser       : sor<NamedAxis, DescendantOrSelfAxis> {};
-struct FirstStepAxis        : NamedAxis {};
+struct FirstStepAxis        : seq<NamedAxis> {};
 
 struct StepSeparator     : one<'/'> {};
 struct StepParser        : sor<seq<StepAxisParser, opt<StepFilterParser>, opt<SliceParser>>, seq<StepFilterParser, opt<SliceParser>>> {};
@@ -189,7 +192,7 @@ struct FurtherSteps      : star<StepSeparator, StepParser> {};
 struct AbsoluteMarker     : one<'/'> {};
 struct AbsolutePathParser : seq<AbsoluteMarker, opt<StepParser, FurtherSteps>> {};
 struct RelativePathParser : seq<RelativeFirstStep, FurtherSteps> {};
-struct PathParser         : StepsOf<AbsolutePathParser, RelativePathParser> {};
+struct PathParser         : sor<AbsolutePathParser, RelativePathParser> {};
 
 struct PathExpressionUnionParser;
 struct PathExpresionExceptParser;
@@ -197,28 +200,28 @@ struct PathExpressionIntersectParser;
 
 struct PathGroupOpen             : one<'('> {};
 struct PathGroupClose            : one<')'> {};
-struct PathExpressionGroupParser : Once<Construct::pathGroup, PathGroupOpen, OptionalBlanks, Deeper<PathExpressionParser>, OptionalBlanks, PathGroupClose> {};
+struct PathExpressionGroupParser : seq<PathGroupOpen, Once<Construct::pathGroup, OptionalBlanks, Deeper<PathExpressionParser>, OptionalBlanks, PathGroupClose>> {};
 
 struct IntersectKeyword              : Spelled<SetOp::intersect> {};
-struct IntersectTail                 : Tail<PathExpressionIntersectParser, Blanks, IntersectKeyword, KeywordEnd> {};
+struct IntersectTail                 : seq<Blanks, IntersectKeyword, KeywordEnd, Deeper<PathExpressionIntersectParser>> {};
 struct PathOperand                   : sor<PathExpressionGroupParser, PathParser> {};
-struct PathExpressionIntersectParser : Binary<PathOperand, IntersectTail> {};
+struct PathExpressionIntersectParser : seq<PathOperand, opt<IntersectTail>> {};
 
 struct ExceptKeyword             : Spelled<SetOp::except> {};
-struct ExceptTail                : Tail<PathExpresionExceptParser, Blanks, ExceptKeyword, KeywordEnd> {};
-struct PathExpresionExceptParser : Binary<PathExpressionIntersectParser, ExceptTail> {};
+struct ExceptTail                : seq<Blanks, ExceptKeyword, KeywordEnd, Deeper<PathExpresionExceptParser>> {};
+struct PathExpresionExceptParser : seq<PathExpressionIntersectParser, opt<ExceptTail>> {};
 
 struct UnionKeyword              : Spelled<SetOp::unionOf> {};
-struct UnionTail                 : Tail<PathExpressionUnionParser, Blanks, UnionKeyword, KeywordEnd> {};
-struct PathExpressionUnionParser : Binary<PathExpresionExceptParser, UnionTail> {};
+struct UnionTail                 : seq<Blanks, UnionKeyword, KeywordEnd, Deeper<PathExpressionUnionParser>> {};
+struct PathExpressionUnionParser : seq<PathExpresionExceptParser, opt<UnionTail>> {};
 
-struct PathExpressionParser : PathExpressionUnionParser {};
+struct PathExpressionParser : seq<PathExpressionUnionParser> {};
 
 // The whole text: a path, or a value that is more than one bare word
 struct LoneWord       : seq<star<sor<Blank, one<'('>>>, WordThat<isUnquotedWord>, star<sor<Blank, one<')'>>>, eof> {};
 struct EndOfInput     : eof {};
-struct TopLevelPath   : PathExpressionParser {};
-struct TopLevelValue  : seq<Where<valueIsAllowed>, not_at<LoneWord>, ValueExpressionParser> {};
+struct TopLevelPath   : seq<PathExpressionUnionParser> {};
+struct TopLevelValue  : seq<ValueAllowed, not_at<LoneWord>, ValueExpressionAdditiveParser> {};
 struct OutlinePathParser : seq<OptionalBlanks, sor<seq<TopLevelPath, OptionalBlanks, EndOfInput>, seq<TopLevelValue, OptionalBlanks, EndOfInput>>> {};
 
 // clang-format on

@@ -49,7 +49,7 @@ std::string_view nameOf(SyntaxClass syntaxClass) { return kNames[static_cast<std
 std::vector<HighlightedRange> highlight(const OutlinePathWithParse& path) {
   std::vector<HighlightedRange> ranges;
   if (path.traceContext) {
-    const auto events = path.traceContext->events();
+    const auto& events = path.traceContext->events;
     const auto facts = factsOf(events);
     for (std::size_t i = 0; i < facts.size(); ++i) {
       const auto& event = events[i];

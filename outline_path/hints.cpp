@@ -1,11 +1,9 @@
-#include "outline_path/hints.h"
-
+// A sentence for each habit from other languages, and for slips.
 #include <algorithm>
 #include <vector>
 
 #include "outline_path/characters.h"
-#include "outline_path/lookahead.h"
-#include "outline_path/operators.h"
+#include "outline_path/diagnostic.h"
 #include "outline_path/words.h"
 #include "text/edit_distance.h"
 

@@ -1,6 +1,8 @@
 #pragma once
 
+#include <memory>
 #include <optional>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -16,19 +18,22 @@ struct ParseOptions {
 };
 
 struct ParseResult {
-  // Defaulted, it would clear the room for the tree too. NOLINTNEXTLINE(modernize-use-equals-default)
-  ParseResult() {}
-
   /// The whole tree; where there is an error, that of the longest beginning of the text that is an
   /// expression, if any.
   std::optional<Expression> expression;
   std::optional<Diagnostic> error;
 };
 
+/// The same with what the rules of the grammar did.
+struct TracedParseResult {
+  std::optional<Expression> expression;
+  std::optional<TraceError> error;
+  std::shared_ptr<const TraceContext> traceContext;
+};
+
 /// Parses an outline path. Takes any bytes, in time linear in their number.
 ParseResult parse(std::string_view text, ParseOptions options = {});
-/// Parses `trace.input` and writes down in `trace` what the rules did.
-ParseResult parseTraced(TraceContext& trace, ParseOptions options = {});
+TracedParseResult parseTraced(std::string text, ParseOptions options = {});
 
 /// What could stand behind `text`; empty where `text` goes wrong before its end.
 std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options = {});

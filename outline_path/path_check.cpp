@@ -1,6 +1,5 @@
 #include "outline_path/path_check.h"
 
-#include "outline_path/cookbook.h"
 #include "outline_path/with_parse.h"
 
 namespace vell::outline_path {
@@ -11,7 +10,7 @@ std::string checkOutlinePath(std::string_view text) {
   if (first == std::string_view::npos) return std::string(cookbook());
   const std::size_t last = text.find_last_not_of(kBlanks);
   return OutlinePathWithParse(std::string(text.substr(first, last - first + 1)),
-                              {.allowValueExpression = true})
+                              {.allowValueExpression = true, .trace = true})
       .compactDescription();
 }
 

@@ -1,7 +1,6 @@
 #include "outline_path/print.h"
 
-#include "outline_path/numbers.h"
-#include "outline_path/strings.h"
+#include "outline_path/literals.h"
 
 namespace vell::outline_path {
 namespace {
@@ -163,9 +162,7 @@ class Printer {
   void write(const Variable& variable) { text_ += '$' + variable.name; }
   void write(const Literal& literal) { text_ += encodeString(literal.text); }
   void write(const Unquoted& unquoted) { text_ += unquoted.word; }
-  void write(const Additive& node) {
-    binary(node, {&kAdditiveOps[static_cast<std::size_t>(node.op)], 1}, Binding::additive);
-  }
+  void write(const Additive& node) { binary(node, spelling(node.op), Binding::additive); }
   void write(const Multiplicative& node) {
     operand(*node.left, Binding::unary);
     text_ += ' ';

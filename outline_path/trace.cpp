@@ -61,31 +61,6 @@ bool isShown(const Event& event, bool leavesMatch, const EventFacts& facts, Trac
 
 }  // namespace
 
-std::vector<TraceContext::Event> TraceContext::events() const {
-  std::vector<Event> events;
-  events.reserve(2 * attempts_.size());
-  std::vector<const Attempt*> open;
-  const auto leaveUpTo = [&](std::size_t count) {
-    for (; !open.empty() && open.back()->behind <= count; open.pop_back()) {
-      const Attempt& left = *open.back();
-      const auto depth = static_cast<std::uint32_t>(open.size() - 1);
-      EventType type = Error{};
-      if (left.end != kFailed)
-        type = Match{left.end, std::string_view(input).substr(left.index, left.end - left.index)};
-      events.push_back({left.rule->label, left.rule->highlight, depth, left.index, type});
-    }
-  };
-  std::size_t count = 0;
-  attempts_.each([&](const Attempt& attempt) {
-    leaveUpTo(count++);
-    const auto depth = static_cast<std::uint32_t>(open.size());
-    events.push_back({attempt.rule->label, attempt.rule->highlight, depth, attempt.index, Enter{}});
-    open.push_back(&attempt);
-  });
-  leaveUpTo(count);
-  return events;
-}
-
 std::vector<EventFacts> factsOf(const std::vector<Event>& events) {
   const auto pairs = pairsOf(events);
   const auto error = furthestError(events);
@@ -104,7 +79,7 @@ std::vector<EventFacts> factsOf(const std::vector<Event>& events) {
 }
 
 std::string traceText(const TraceContext& trace, TraceTextOptions options) {
-  const auto events = trace.events();
+  const auto& events = trace.events;
   const auto facts = factsOf(events);
   const auto pairs = pairsOf(events);
   std::string text;
@@ -118,7 +93,7 @@ std::string traceText(const TraceContext& trace, TraceTextOptions options) {
 
 std::optional<std::size_t> longestTopLevelMatch(const TraceContext& trace) {
   std::optional<std::size_t> longest;
-  for (const Event& event : trace.events()) {
+  for (const Event& event : trace.events) {
     const auto* match = std::get_if<TraceContext::Match>(&event.type);
     if (match == nullptr || event.depth != 1) continue;
     longest = std::max(longest.value_or(0), match->end);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <cstdint>
 #include <memory>
 #include <optional>
 #include <string>
@@ -10,7 +9,6 @@
 #include <vector>
 
 #include "outline_path/diagnostic.h"
-#include "outline_path/pile.h"
 
 namespace vell::outline_path {
 
@@ -22,61 +20,47 @@ struct TraceRule {
 };
 
 /// What the rules of one parse did, in order.
-class TraceContext {
- public:
+struct TraceContext {
   struct Enter {};
   /// The rule matched up to `end` and produced `output`, the text it stands for.
   struct Match {
     std::size_t end;
     std::string_view output;
   };
-  /// The rule failed.
-  struct Error {};
+  /// The rule failed: what the parse had expected by then, at the furthest place that it came to.
+  struct Error {
+    Diagnostic error;
+  };
   using EventType = std::variant<Enter, Match, Error>;
 
   struct Event {
     /// The rule's label; lives as long as the program.
     std::string_view label;
     bool highlight;
-    std::uint32_t depth;
+    std::size_t depth;
     /// Where the rule was entered.
     std::size_t index;
     EventType type;
   };
-
-  /// A rule that was tried: its entering and leaving, with what it tried in turn between them.
-  struct Attempt {
-    const TraceRule* rule;
-    std::size_t index;
-    /// Where it matched up to; `kFailed` where it did not.
-    std::size_t end;
-    /// The number of attempts that had been made when it was left.
-    std::size_t behind;
-  };
-  static constexpr std::size_t kFailed = std::string_view::npos;
 
   explicit TraceContext(std::string text) : input(std::move(text)) {}
   // Events refer to the input.
   TraceContext(const TraceContext&) = delete;
   TraceContext& operator=(const TraceContext&) = delete;
 
-  Attempt* enter(const TraceRule& rule, std::size_t index) {
-    Attempt* attempt = attempts_.add();
-    attempt->rule = &rule;
-    attempt->index = index;
-    return attempt;
+  void enter(const TraceRule& rule, std::size_t index) {
+    events.push_back({rule.label, rule.highlight, depth++, index, Enter{}});
   }
-  void leave(Attempt* attempt, std::size_t end) {
-    attempt->end = end;
-    attempt->behind = attempts_.size();
+  void leave(const TraceRule& rule, std::size_t index, const EventType& type) {
+    events.push_back({rule.label, rule.highlight, --depth, index, type});
   }
-
-  std::vector<Event> events() const;
 
   const std::string input;
-
- private:
-  Pile<Attempt, 96> attempts_;
+  std::vector<Event> events;
+  /// How many rules have been entered and not left.
+  std::size_t depth = 0;
+  /// How many rules were tried and operands looked at, a measure of the work that does not vary.
+  std::size_t steps = 0;
 };
 
 /// A failed parse: why, and what led there.

@@ -1,8 +1,7 @@
-#include "outline_path/tree_text.h"
-
+// The tree, a line for each node.
 #include <array>
 
-#include "outline_path/numbers.h"
+#include "outline_path/literals.h"
 #include "outline_path/print.h"
 
 namespace vell::outline_path {
@@ -100,9 +99,9 @@ class TreeWriter {
   void write(const Variable& variable) { line("value $" + variable.name); }
   void write(const Literal& literal) { line("value " + quoted(literal.text)); }
   void write(const Unquoted& unquoted) { line("unquoted " + unquoted.word); }
-  void write(const Additive& node) { branch({spellingOf(node.op)}, *node.left, *node.right); }
-  void write(const Multiplicative& node) { branch({spellingOf(node.op)}, *node.left, *node.right); }
-  void write(const Unary& node) { branch(spellingOf(node.op), *node.operand); }
+  void write(const Additive& node) { branch(spelling(node.op), *node.left, *node.right); }
+  void write(const Multiplicative& node) { branch(spelling(node.op), *node.left, *node.right); }
+  void write(const Unary& node) { branch(spelling(node.op), *node.operand); }
   void write(const ValueGroup& node) { branch("group", *node.inner); }
   void write(const PathArgument& node) { write(*node.path); }
   void write(const FunctionCall& call) {
@@ -112,11 +111,6 @@ class TreeWriter {
     line("args");
     for (const ValueExpression& argument : call.arguments()) below(argument);
     --depth_;
-  }
-
-  template <typename Op>
-  static std::string spellingOf(Op op) {
-    return std::string(1, spelling(op));
   }
 
   template <typename... Children>

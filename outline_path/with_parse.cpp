@@ -1,7 +1,7 @@
 #include "outline_path/with_parse.h"
 
 #include "outline_path/parse.h"
-#include "outline_path/tree_text.h"
+#include "outline_path/print.h"
 
 namespace vell::outline_path {
 namespace {
@@ -25,16 +25,16 @@ OutlinePathWithParse::OutlinePathWithParse(std::string text)
 OutlinePathWithParse::OutlinePathWithParse(std::string text, Options options)
     : expression(std::move(text)), allowValueExpression_(options.allowValueExpression) {
   const ParseOptions parseOptions{options.allowValueExpression};
-  ParseResult result;
   if (options.trace) {
-    auto trace = std::make_shared<TraceContext>(expression);
-    result = parseTraced(*trace, parseOptions);
-    traceContext = std::move(trace);
+    TracedParseResult result = parseTraced(expression, parseOptions);
+    parsedExpression = std::move(result.expression);
+    traceContext = std::move(result.traceContext);
+    if (result.error) errorIndex = ErrorIndex{result.error->original, result.error->original.index};
   } else {
-    result = parse(expression, parseOptions);
+    ParseResult result = parse(expression, parseOptions);
+    parsedExpression = std::move(result.expression);
+    if (result.error) errorIndex = ErrorIndex{*result.error, result.error->index};
   }
-  parsedExpression = std::move(result.expression);
-  if (result.error) errorIndex = ErrorIndex{*result.error, result.error->index};
 }
 
 std::string OutlinePathWithParse::compactDescription() const {

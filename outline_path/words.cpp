@@ -1,11 +1,13 @@
 #include "outline_path/words.h"
 
-#include "outline_path/word_index.h"
+#include <algorithm>
+
+#include "outline_path/characters.h"
 
 namespace vell::outline_path {
 namespace {
 
-constexpr std::array kVerboseAxes{
+constexpr std::array kNamedAxes{
     Axis::ancestorOrSelf,
     Axis::ancestor,
     Axis::descendantOrSelf,
@@ -18,7 +20,10 @@ constexpr std::array kVerboseAxes{
     Axis::self,
     Axis::child,
     Axis::run,
+    Axis::parentShortcut,
+    Axis::selfShortcut,
 };
+constexpr std::size_t kVerboseAxes = kNamedAxes.size() - 2;
 
 constexpr std::array kTypeTestCases{
     TypeTest::any,  TypeTest::row,  TypeTest::heading,   TypeTest::quote,
@@ -33,42 +38,65 @@ constexpr std::array<std::string_view, 21> kFunctions{
     "count",       "start-of-matches", "end-of-matches",
 };
 
-/// The attributes with a meaning of their own, in the order of their kinds.
 constexpr std::array<std::string_view, 3> kAttributes{"id", "type", "text"};
 
-constexpr WordIndex kAttributeIndex(kAttributes);
-constexpr WordIndex kTypeTestIndex(kTypeTests);
-constexpr WordIndex kFunctionIndex(kFunctions);
-constexpr WordIndex kAxisIndex([] {
-  std::array<std::string_view, kVerboseAxes.size()> spellings;
-  for (std::size_t i = 0; i < spellings.size(); ++i) spellings[i] = spelling(kVerboseAxes[i]);
-  return spellings;
-}());
+constexpr auto kKeywords = [] {
+  std::array<std::string_view, kSetOps.size() + kPredicateOps.size() + kRelationOps.size()> all{};
+  auto end = std::copy(kSetOps.begin(), kSetOps.end(), all.begin());
+  end = std::copy(kPredicateOps.begin(), kPredicateOps.end(), end);
+  std::copy(kRelationOps.begin(), kRelationOps.end(), end);
+  return all;
+}();
+
+template <typename Table, typename Word>
+std::size_t indexIn(const Table& table, const Word& word) {
+  return static_cast<std::size_t>(std::find(table.begin(), table.end(), word) - table.begin());
+}
+
+/// The entry of the table that is spelled `word`, if there is one.
+template <typename Entry, typename Table, typename Word>
+std::optional<Entry> entryOf(const Table& table, const Word& word) {
+  const std::size_t index = indexIn(table, word);
+  return index == table.size() ? std::nullopt : std::optional(static_cast<Entry>(index));
+}
 
 }  // namespace
 
-std::span<const Axis> verboseAxes() { return kVerboseAxes; }
+std::span<const Axis> namedAxes() { return kNamedAxes; }
+std::span<const Axis> verboseAxes() { return namedAxes().first(kVerboseAxes); }
 std::span<const TypeTest> typeTests() { return kTypeTestCases; }
 std::span<const std::string_view> functionNames() { return kFunctions; }
+std::span<const std::string_view> keywords() { return kKeywords; }
 
-std::optional<TypeTest> typeTestOf(std::string_view word) {
-  const std::size_t index = kTypeTestIndex.find(word);
-  if (index == kTypeTests.size()) return std::nullopt;
-  return static_cast<TypeTest>(index);
+std::optional<TypeTest> typeTestOf(std::string_view word) { return entryOf<TypeTest>(kTypeTests, word); }
+
+std::optional<Axis> namedAxisOf(std::string_view word) {
+  for (const Axis axis : kNamedAxes) {
+    if (spelling(axis) == word) return axis;
+  }
+  return std::nullopt;
 }
 
-std::optional<Axis> verboseAxisOf(std::string_view word) {
-  const std::size_t index = kAxisIndex.find(word);
-  if (index == kVerboseAxes.size()) return std::nullopt;
-  return kVerboseAxes[index];
+std::optional<RelationModifierType> relationModifierOf(char letter) {
+  return entryOf<RelationModifierType>(kRelationModifiers, letter);
 }
 
+// The last kind, `other`, is the one of a word that is not in the table.
 FunctionKind functionKindOf(std::string_view name) {
-  return static_cast<FunctionKind>(kFunctionIndex.find(name));
+  return static_cast<FunctionKind>(indexIn(kFunctions, name));
+}
+AttributeKind attributeKindOf(std::string_view name) {
+  return static_cast<AttributeKind>(indexIn(kAttributes, name));
 }
 
-AttributeKind attributeKindOf(std::string_view name) {
-  return static_cast<AttributeKind>(kAttributeIndex.find(name));
+std::optional<RelationOp> relationAt(std::string_view text) {
+  if (text.empty()) return std::nullopt;
+  const bool isLongSign = text.size() > 1 && text[1] == '=' && text.front() != '=';
+  const std::size_t length = isLongSign ? 2 : std::max(wordLength(text), std::size_t{1});
+  return entryOf<RelationOp>(kRelationOps, text.substr(0, length));
 }
+
+bool isKeyword(std::string_view word) { return indexIn(kKeywords, word) != kKeywords.size(); }
+bool isConstant(std::string_view word) { return word == kTrue || word == kFalse || word == kNull; }
 
 }  // namespace vell::outline_path

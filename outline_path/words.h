@@ -6,10 +6,66 @@
 #include <span>
 #include <string_view>
 
-// The words of the language: axes, type tests, functions and attribute names that have a meaning of their
-// own. Parser, printers, diagnostics and completion all read these tables.
+// The words and signs of the language, each kind in one table in the order of its enumeration: operators,
+// axes, type tests, functions and the attributes with a meaning of their own. Parser, printers, diagnostics,
+// completion and the fuzz dictionary read these tables.
 
 namespace vell::outline_path {
+
+enum class SetOp : std::uint8_t { unionOf, except, intersect };
+enum class PredicateOp : std::uint8_t { orOf, andOf, notOf };
+enum class AdditiveOp : std::uint8_t { add, subtract };
+enum class MultiplicativeOp : std::uint8_t { multiply, divide };
+enum class UnaryOp : std::uint8_t { negate };
+
+enum class RelationOp : std::uint8_t {
+  contains,
+  beginsWith,
+  endsWith,
+  matches,
+  equal,
+  notEqual,
+  lessThanOrEqual,
+  greaterThanOrEqual,
+  lessThan,
+  greaterThan,
+};
+
+/// The letter after the relation, in square brackets.
+enum class RelationModifierType : std::uint8_t {
+  caseSensitive,
+  caseInsensitive,
+  numericCompare,
+  dateCompare
+};
+
+inline constexpr std::array<std::string_view, 3> kSetOps{"union", "except", "intersect"};
+inline constexpr std::array<std::string_view, 3> kPredicateOps{"or", "and", "not"};
+inline constexpr std::array<std::string_view, 2> kAdditiveOps{"+", "-"};
+inline constexpr std::array<std::string_view, 2> kMultiplicativeOps{"*", "/"};
+inline constexpr std::array<std::string_view, 1> kUnaryOps{"-"};
+/// A longer spelling stands ahead of the one that begins it.
+inline constexpr std::array<std::string_view, 10> kRelationOps{
+    "contains", "beginswith", "endswith", "matches", "=", "!=", "<=", ">=", "<", ">"};
+inline constexpr std::array<char, 4> kRelationModifiers{'s', 'i', 'n', 'd'};
+inline constexpr char kLocaleAware = 'l';
+
+/// Constants win over unquoted words.
+inline constexpr std::string_view kTrue = "true";
+inline constexpr std::string_view kFalse = "false";
+inline constexpr std::string_view kNull = "null";
+
+template <typename Op>
+constexpr auto spelledIn(const auto& table, Op op) {
+  return table[static_cast<std::size_t>(op)];
+}
+constexpr std::string_view spelling(SetOp op) { return spelledIn(kSetOps, op); }
+constexpr std::string_view spelling(PredicateOp op) { return spelledIn(kPredicateOps, op); }
+constexpr std::string_view spelling(AdditiveOp op) { return spelledIn(kAdditiveOps, op); }
+constexpr std::string_view spelling(MultiplicativeOp op) { return spelledIn(kMultiplicativeOps, op); }
+constexpr std::string_view spelling(UnaryOp op) { return spelledIn(kUnaryOps, op); }
+constexpr std::string_view spelling(RelationOp op) { return spelledIn(kRelationOps, op); }
+constexpr char spelling(RelationModifierType type) { return spelledIn(kRelationModifiers, type); }
 
 enum class Axis : std::uint8_t {
   parentShortcut,
@@ -106,13 +162,17 @@ constexpr std::string_view spelling(Axis axis) { return kAxes[static_cast<std::s
 constexpr std::string_view caseName(Axis axis) { return kAxes[static_cast<std::size_t>(axis)].caseName; }
 constexpr std::string_view spelling(TypeTest test) { return kTypeTests[static_cast<std::size_t>(test)]; }
 
-/// The verbose axes (those spelled `name::`), a name that is the beginning of another one after it.
+/// The axes that are spelled `name::`, ".." and ".", a spelling that is the beginning of another one after
+/// it.
+std::span<const Axis> namedAxes();
+/// Those spelled `name::` alone.
 std::span<const Axis> verboseAxes();
 std::span<const TypeTest> typeTests();
 std::span<const std::string_view> functionNames();
 
 /// Whole-word look-ups; case matters.
-std::optional<Axis> verboseAxisOf(std::string_view word);
+std::optional<Axis> namedAxisOf(std::string_view word);
+std::optional<RelationModifierType> relationModifierOf(char letter);
 std::optional<TypeTest> typeTestOf(std::string_view word);
 FunctionKind functionKindOf(std::string_view name);
 AttributeKind attributeKindOf(std::string_view name);
@@ -120,10 +180,16 @@ AttributeKind attributeKindOf(std::string_view name);
 constexpr bool isSelf(Axis axis) { return axis == Axis::self || axis == Axis::selfShortcut; }
 /// Whether `axis` selects at most one row from each row.
 constexpr bool selectsOneRow(Axis axis) {
-  constexpr auto bit = [](Axis one) { return 1U << static_cast<unsigned>(one); };
-  constexpr unsigned single =
-      bit(Axis::self) | bit(Axis::selfShortcut) | bit(Axis::parent) | bit(Axis::parentShortcut);
-  return (bit(axis) & single) != 0;
+  return isSelf(axis) || axis == Axis::parent || axis == Axis::parentShortcut;
 }
+
+/// The relation that `text` begins with; one that is a word ends at a word boundary.
+std::optional<RelationOp> relationAt(std::string_view text);
+
+/// Every word and sign that an operator is spelled with; no bare word may be one.
+std::span<const std::string_view> keywords();
+bool isKeyword(std::string_view word);
+/// `true`, `false` or `null`.
+bool isConstant(std::string_view word);
 
 }  // namespace vell::outline_path

@@ -21,8 +21,7 @@ void parseOurs(const std::string& path) {
 }
 
 void parseTraced(const std::string& path) {
-  outline_path::TraceContext trace(path);
-  if (outline_path::parseTraced(trace).error) throw std::runtime_error("no path: " + path);
+  if (outline_path::parseTraced(path).error) throw std::runtime_error("no path: " + path);
 }
 
 void parsePugixml(const std::string& path) { const pugi::xpath_query query(path.c_str()); }

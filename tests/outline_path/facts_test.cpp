@@ -1,7 +1,7 @@
 // What the tree knows about a path beforehand.
 #include <gtest/gtest.h>
 
-#include "outline_path/parse.h"
+#include "traced.h"
 
 namespace vell::outline_path {
 namespace {
@@ -63,7 +63,7 @@ std::string factsOf(const Path::Meta& meta) {
 
 TEST(Facts, AreWorkedOutAsPathsAreBuilt) {
   for (const Facts& row : kFacts) {
-    const ParseResult parsed = parse(row.path);
+    const ParseResult parsed = parseBothWays(row.path, false);
     ASSERT_FALSE(parsed.error) << row.path;
     const Path& path = std::get<Path>(std::get<PathExpression>(*parsed.expression).node);
     EXPECT_EQ(factsOf(path.meta()), row.facts) << row.path;

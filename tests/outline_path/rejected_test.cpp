@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "outline_path/parse.h"
+#include "traced.h"
 
 namespace vell::outline_path {
 namespace {
@@ -118,7 +119,7 @@ std::string hintLine(const std::string& rendered) {
 
 TEST(Rejected, SaysWhatIsWrongAndWhere) {
   for (const Rejected& row : kRejected) {
-    const ParseResult result = parse(row.text, {.allowValueExpression = true});
+    const ParseResult result = parseBothWays(row.text);
     ASSERT_TRUE(result.error) << row.text;
     const std::string rendered = render(*result.error, row.text);
     EXPECT_EQ(errorLine(rendered), row.error) << row.text;

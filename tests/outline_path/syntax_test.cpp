@@ -3,7 +3,7 @@
 
 #include "outline_path/parse.h"
 #include "outline_path/print.h"
-#include "outline_path/tree_text.h"
+#include "traced.h"
 
 namespace vell::outline_path {
 namespace {
@@ -115,7 +115,7 @@ const Accepted kAcceptedValues[] = {
 
 void expectAccepted(const Accepted& row, bool allowValue) {
   SCOPED_TRACE(row.text);
-  const ParseResult parsed = parse(row.text, {allowValue});
+  const ParseResult parsed = parseBothWays(row.text, allowValue);
   ASSERT_FALSE(parsed.error) << render(*parsed.error, row.text);
   const std::string printed = print(*parsed.expression);
   EXPECT_EQ(printed, row.canonical != nullptr ? row.canonical : row.text);
