@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <memory>
 
-#include "mcp/line_splitter.h"
+#include "json/line_framing.h"
 #include "mcp/mcp_server.h"
 #include "mcp/parameters.h"
 #include "mcp/value.h"
@@ -75,8 +75,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const auto session = server.run(transport);
   const auto deliver = [&](std::string_view line) { transport.receiver_.onMessage(line); };
   deliver(R"({"jsonrpc":"2.0","id":0,"method":"initialize","params":{}})");
-  LineSplitter splitter;
-  splitter.feed({reinterpret_cast<const char*>(data), size}, deliver);
+  vell::json::LineFraming framing;
+  framing.feed({reinterpret_cast<const char*>(data), size});
+  while (const auto line = framing.next()) deliver(line->view());
   session->stop();
   return 0;
 }

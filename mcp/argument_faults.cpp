@@ -2,7 +2,6 @@
 #include <vector>
 
 #include "mcp/argument_validator.h"
-#include "mcp/phrases.h"
 #include "mcp/schema.h"
 #include "text/edit_distance.h"
 
@@ -174,7 +173,7 @@ class Explainer {
   void unknown(const Value& properties, const std::string& name, const std::string& place) {
     std::vector<std::string> known;
     for (const auto& property : *properties.object()) known.push_back(property.first);
-    const std::string accepted = known.empty() ? "none" : listOf(known, "and");
+    const std::string accepted = known.empty() ? "none" : schema::listOf(known, "and");
     add(place + ": unknown parameter (accepted: " + accepted + ")" + suggestion(name, known));
   }
 

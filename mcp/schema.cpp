@@ -1,7 +1,5 @@
 #include "mcp/schema.h"
 
-#include "mcp/phrases.h"
-
 namespace vell::mcp::schema {
 
 static Value typed(const char* type) { return Value::Object{{"type", type}}; }
@@ -35,6 +33,15 @@ Value object(Value::Object properties, const std::vector<std::string>& required,
 Value described(Value schema, const std::string& description) {
   schema.object()->emplace("description", description);
   return schema;
+}
+
+std::string listOf(const std::vector<std::string>& texts, const std::string& conjunction) {
+  std::string list;
+  for (std::size_t i = 0; i < texts.size(); ++i) {
+    const bool last = i + 1 == texts.size();
+    list += (i == 0 ? "" : last ? " " + conjunction + " " : ", ") + texts[i];
+  }
+  return list;
 }
 
 static std::string plural(const std::string& description) {

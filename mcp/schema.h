@@ -24,6 +24,9 @@ Value anyOf(std::vector<Value> alternatives);
 Value object(Value::Object properties, const std::vector<std::string>& required, bool open = false);
 Value described(Value schema, const std::string& description);
 
+/// "a", "a or b", "a, b or c".
+std::string listOf(const std::vector<std::string>& texts, const std::string& conjunction);
+
 /// What fits, for people: "a string", "an array of strings", "'tree' or 'flat'".
 std::string describe(const Value& schema);
 

@@ -2,14 +2,13 @@
 
 #include <fcntl.h>
 
-#include <array>
 #include <asio/buffer.hpp>
 #include <asio/io_context.hpp>
 #include <asio/posix/stream_descriptor.hpp>
 #include <cerrno>
 #include <vector>
 
-#include "mcp/line_splitter.h"
+#include "json/line_framing.h"
 
 namespace vell::mcp {
 
@@ -60,7 +59,8 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
         receiver_(std::move(receiver)) {}
 
   void read() {
-    input_.async_read_some(asio::buffer(chunk_),
+    const auto room = framing_.room();
+    input_.async_read_some(asio::buffer(room.data, room.size),
                            [self = shared_from_this()](std::error_code error, std::size_t count) {
                              self->onRead(error, count);
                            });
@@ -105,12 +105,14 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
       logger_.log(LogLevel::error, "Read error occurred", {{"error", error.message()}});
       return onInputError(standardError(error));
     }
-    splitter_.feed({chunk_.data(), count}, [this](std::string_view message) { deliver(message); });
+    framing_.commit(count);
+    while (const auto line = framing_.next()) deliver(line->view());
     if (open_) read();
   }
 
   void deliver(std::string_view message) {
-    if (!open_) return;
+    if (message.ends_with('\r')) message.remove_suffix(1);
+    if (message.empty() || !open_) return;
     logger_.log(LogLevel::debug, "Message received", {{"size", std::to_string(message.size())}});
     receiver_.onMessage(message);
   }
@@ -164,8 +166,7 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
   asio::posix::stream_descriptor output_;
   Logger logger_;
   Receiver receiver_;
-  LineSplitter splitter_;
-  std::array<char, 1 << 16> chunk_;
+  json::LineFraming framing_;
   std::size_t written_ = 0;  // of what follows
   std::string writing_;      // handed to the loop, untouched until it is written
   std::string waiting_;

@@ -51,7 +51,8 @@ class SubscriptionsTest : public testing::Test {
     subscriptions.observeOutline(1, opened, selecting, rowsAsText(formats::formatNamed("markdown")));
     heard();
   }
-  /// Lets the time pass for which changes are collected. How many notifications have come since the last call.
+  /// Lets the time pass for which changes are collected. How many notifications have come since the last
+  /// call.
   std::size_t heard() {
     scheduler.runTimers();
     return std::exchange(sink.lines, {}).size();
@@ -83,7 +84,8 @@ TEST_F(SubscriptionsTest, HearsOnceOfWhatItWatchesAndNothingOfTheRest) {
       {"a row beside what the path selects", "//task", [&] { create("five"); }, 0},
       {"a row's text beside what the path selects", "//task", [&] { setText(2, "one"); }, 0},
       {"a row that the path selects", "//task", [&] { create("- [ ] six"); }, 1},
-      {"the order of outlines", "//*", [&] { application.newUntitled(), application.bringToFront(opened); }, 0},
+      {"the order of outlines", "//*", [&] { application.newUntitled(), application.bringToFront(opened); },
+       0},
   };
   for (const auto& each : cases) {
     observe(each.path);

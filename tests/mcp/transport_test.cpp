@@ -9,40 +9,10 @@
 #include <cstdio>
 #include <thread>
 
-#include "mcp/line_splitter.h"
 #include "mcp/stdio_transport.h"
 
 namespace vell::mcp {
 namespace {
-
-using Lines = std::vector<std::string>;
-
-TEST(LineSplitter, DeliversWholeLines) {
-  const std::string half(5000, 'x');
-  struct Row {
-    const char* what;
-    Lines pieces;
-    Lines messages;
-  };
-  const Row rows[] = {
-      {"empty lines and carriage returns", {"{\"a\":1}\r\n\n\r\n{\"b\":2}\n"}, {"{\"a\":1}", "{\"b\":2}"}},
-      {"only one carriage return goes", {"a\r\r\n"}, {"a\r"}},
-      {"several in one piece", {"1\n2\n3\n"}, {"1", "2", "3"}},
-      {"one over several pieces", {half, half, "\n"}, {half + half}},
-      {"carriage return and line feed apart", {"a\r", "\nb\n"}, {"a", "b"}},
-      {"half a message, then the rest and more", {"1\n2", "3\n4"}, {"1", "23"}},
-      {"no final line feed", {"1\n", "2"}, {"1"}},
-      {"bytes that are no text", {std::string("\0\xff\n", 3)}, {std::string("\0\xff", 2)}},
-  };
-  for (const Row& row : rows) {
-    LineSplitter splitter;
-    Lines messages;
-    for (const auto& piece : row.pieces) {
-      splitter.feed(piece, [&](std::string_view message) { messages.emplace_back(message); });
-    }
-    EXPECT_EQ(messages, row.messages) << row.what;
-  }
-}
 
 std::string readAll(int descriptor) {
   std::string all;
@@ -87,6 +57,26 @@ class Stdio : public ::testing::Test {
   std::array<int, 2> out_{};
   std::error_code error_;
 };
+
+TEST_F(Stdio, DeliversWholeLines) {
+  const std::string large(10'000, 'x');
+  const std::pair<std::string, std::vector<std::string>> rows[] = {
+      {"{\"a\":1}\r\n\n\r\n{\"b\":2}\n", {"{\"a\":1}", "{\"b\":2}"}},
+      {"a\r\r\n", {"a\r"}},
+      {large + "\n" + large + "\n", {large, large}},
+      {"1\n2", {"1"}},
+      {std::string("\0\xff\n", 3), {std::string("\0\xff", 2)}},
+  };
+  for (const auto& [input, expected] : rows) {
+    TearDown();
+    SetUp();
+    write(input);
+    closeInput();
+    std::vector<std::string> messages;
+    run(in_[0], [&](StdioTransport&, std::string_view message) { messages.emplace_back(message); });
+    EXPECT_EQ(messages, expected) << input.substr(0, 20);
+  }
+}
 
 TEST_F(Stdio, WritesEveryMessageWithOneLineFeed) {
   write("a\nb\n");

@@ -10,7 +10,7 @@
 #include <thread>
 #include <utility>
 
-#include "mcp/line_splitter.h"
+#include "json/line_framing.h"
 #include "mcp/value.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
@@ -49,18 +49,16 @@ class Host {
 
   /// The next message; null at the end of output.
   mcp::Value next() {
-    while (lines_.empty()) {
+    std::optional<json::Text> line;
+    while (!(line = framing_.next())) {
       pollfd readable{out_[0], POLLIN, 0};
       if (::poll(&readable, 1, 20'000) != 1) throw std::runtime_error("the server says nothing");
-      std::array<char, 65536> chunk;
-      const ssize_t count = ::read(out_[0], chunk.data(), chunk.size());
+      const auto room = framing_.room();
+      const ssize_t count = ::read(out_[0], room.data, room.size);
       if (count <= 0) return nullptr;
-      splitter_.feed({chunk.data(), static_cast<std::size_t>(count)},
-                     [this](std::string_view line) { lines_.emplace_back(line); });
+      framing_.commit(static_cast<std::size_t>(count));
     }
-    mcp::Value message = mcp::decode(lines_.front());
-    lines_.erase(lines_.begin());
-    return message;
+    return mcp::decode(line->view());
   }
 
   int request(const std::string& method, const std::string& params) {
@@ -95,8 +93,7 @@ class Host {
   std::array<int, 2> in_{};
   std::array<int, 2> out_{};
   std::thread server_;
-  mcp::LineSplitter splitter_;
-  std::vector<std::string> lines_;
+  json::LineFraming framing_;
   int lastId_ = 0;
 };
 
