@@ -3,7 +3,7 @@
 #include "cli/commands.h"
 #include "cli/help.h"
 #include "cli/parser.h"
-#include "outlines/version.h"
+#include "outlines/location.h"
 
 namespace vell::cli {
 namespace {

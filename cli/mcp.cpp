@@ -1,6 +1,6 @@
 #include "cli/commands.h"
 #include "cli/options.h"
-#include "outlines/version.h"
+#include "outlines/location.h"
 #include "tools/serve.h"
 
 namespace vell::cli {

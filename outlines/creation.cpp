@@ -8,7 +8,7 @@
 #include <cstring>
 #include <filesystem>
 
-#include "outlines/open_error.h"
+#include "outlines/location.h"
 #include "platform/descriptor.h"
 
 namespace vell::outlines {

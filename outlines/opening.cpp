@@ -7,7 +7,6 @@
 
 #include "ipc/client_error.h"
 #include "outlines/location.h"
-#include "outlines/open_error.h"
 #include "platform/files.h"
 #include "platform/process.h"
 

@@ -4,8 +4,6 @@
 
 #include <filesystem>
 
-#include "outlines/open_error.h"
-#include "outlines/version.h"
 #include "tests/support/temporary_directory.h"
 
 namespace vell::outlines {

@@ -7,7 +7,7 @@
 
 #include "ipc/vell_client.h"
 #include "outlines/creation.h"
-#include "outlines/open_error.h"
+#include "outlines/location.h"
 #include "platform/identifier_index.h"
 #include "tests/support/bundle.h"
 #include "tests/support/fake_application.h"
