@@ -35,6 +35,7 @@ class Openings::Shared : public ipc::Application, public std::enable_shared_from
   std::optional<Job> nextJob();
   Outcome perform(const Job& job);
   void throwIfCancelled(Ticket ticket);
+  bool isCancelled(Ticket ticket);
   void reportWaiting(Ticket ticket, double waited, double timeout);
   void callForWorker(Ticket ticket, const std::string& method, const std::string& params);
   void answerWorker(Outcome outcome);
@@ -75,14 +76,12 @@ void Openings::Shared::add(Ticket ticket, Work work, Handler handler) {
 }
 
 void Openings::Shared::cancel(Ticket ticket) {
-  if (handlers_.erase(ticket) == 0) return;
+  if (handlers_.count(ticket) == 0) return;
   {
     const std::lock_guard<std::mutex> lock(mutex_);
     cancelled_.insert(ticket);
   }
-  if (!call_ || call_->opening != ticket) return;
-  application_.cancel(std::exchange(call_, std::nullopt)->ticket);
-  answerWorker(cancelled());
+  if (call_ && call_->opening == ticket) application_.cancel(call_->ticket);
 }
 
 void Openings::Shared::stop() {
@@ -124,8 +123,12 @@ Outcome Openings::Shared::perform(const Job& job) {
 }
 
 void Openings::Shared::throwIfCancelled(Ticket ticket) {
+  if (isCancelled(ticket)) std::rethrow_exception(cancelled());
+}
+
+bool Openings::Shared::isCancelled(Ticket ticket) {
   const std::lock_guard<std::mutex> lock(mutex_);
-  if (!loop_ || cancelled_.count(ticket) > 0) std::rethrow_exception(cancelled());
+  return !loop_ || cancelled_.count(ticket) > 0;
 }
 
 void Openings::Shared::reportWaiting(Ticket ticket, double waited, double timeout) {
@@ -154,7 +157,7 @@ ipc::Answer Openings::Shared::request(std::string_view method, const std::string
 }
 
 void Openings::Shared::callForWorker(Ticket ticket, const std::string& method, const std::string& params) {
-  if (handlers_.count(ticket) == 0) return answerWorker(cancelled());
+  if (isCancelled(ticket)) return answerWorker(cancelled());
   const auto onOutcome = [self = shared_from_this()](Outcome outcome) {
     self->call_.reset();
     self->answerWorker(std::move(outcome));
@@ -176,7 +179,7 @@ void Openings::Shared::post(std::function<void()> action) {
 void Openings::Shared::done(Ticket ticket, Outcome outcome) {
   {
     const std::lock_guard<std::mutex> lock(mutex_);
-    cancelled_.erase(ticket);
+    if (cancelled_.erase(ticket) > 0) outcome = cancelled();
   }
   auto handler = handlers_.extract(ticket);
   if (!handler.empty()) handler.mapped().onDone(std::move(outcome));

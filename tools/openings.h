@@ -37,7 +37,7 @@ class Openings {
   Openings& operator=(const Openings&) = delete;
 
   Ticket start(Work work, Handler handler);
-  /// The handler is not called any more. The work ends before its next wait, or is never begun; a call of it
+  /// The outcome is an error. The work ends before its next wait or call, or is never begun; a call of it
   /// that waits its turn is never sent.
   void cancel(Ticket ticket);
 

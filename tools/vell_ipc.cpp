@@ -1,6 +1,7 @@
 #include "tools/vell_ipc.h"
 
 #include <algorithm>
+#include <stdexcept>
 #include <utility>
 
 #include "ipc/message.h"
@@ -23,12 +24,10 @@ VellIPC::Ticket VellIPC::call(std::string method, std::string params, OutcomeHan
 void VellIPC::cancel(Ticket ticket) {
   const auto call = std::find_if(calls_.begin(), calls_.end(),
                                  [ticket](const Call& each) { return each.ticket == ticket; });
-  if (call == calls_.end()) return;
-  if (inFlight_ && call == calls_.begin()) {
-    call->handler = nullptr;
-  } else {
-    calls_.erase(call);
-  }
+  if (call == calls_.end() || (inFlight_ && call == calls_.begin())) return;
+  const OutcomeHandler handler = std::move(call->handler);
+  calls_.erase(call);
+  handler(std::make_exception_ptr(std::runtime_error("The call was cancelled")));
 }
 
 void VellIPC::sendNext() {
@@ -78,7 +77,7 @@ void VellIPC::finish(Outcome outcome) {
   calls_.pop_front();
   inFlight_ = false;
   sendNext();
-  if (handler) handler(std::move(outcome));
+  handler(std::move(outcome));
 }
 
 }  // namespace vell::tools

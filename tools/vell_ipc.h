@@ -15,7 +15,8 @@
 
 namespace vell::tools {
 
-/// An answer, or what failed: ipc::VellIPCError, or json::ParseError for a line that is not JSON.
+/// An answer, or what failed: ipc::VellIPCError, json::ParseError for a line that is not JSON, or another
+/// error where the call was cancelled.
 using Outcome = std::variant<ipc::Answer, std::exception_ptr>;
 using OutcomeHandler = std::function<void(Outcome outcome)>;
 
@@ -37,8 +38,8 @@ class VellIPC {
   Ticket call(const Record& record, OutcomeHandler handler) {
     return call(Record::method, record.toJson(), std::move(handler));
   }
-  /// The handler is not called any more. A call that waits its turn is never sent; the answer to one that
-  /// was sent is dropped.
+  /// A call that waits its turn is never sent, and its outcome is an error at once. One that was sent is
+  /// answered as usual.
   void cancel(Ticket ticket);
 
  private:
@@ -46,7 +47,7 @@ class VellIPC {
     Ticket ticket;
     std::string method;
     std::string params;
-    OutcomeHandler handler;  // none once cancelled
+    OutcomeHandler handler;
   };
 
   void sendNext();
