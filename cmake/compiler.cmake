@@ -5,7 +5,7 @@ set(CMAKE_CXX_STANDARD_REQUIRED ON)
 set(CMAKE_CXX_EXTENSIONS OFF)
 set(CMAKE_EXPORT_COMPILE_COMMANDS ON)
 
-# Where speed is felt more is asked for (json, outline_path); elsewhere -O3 only takes the compiler longer.
+# Where speed is felt more is asked for (outline_path); elsewhere -O3 only takes the compiler longer.
 set(CMAKE_CXX_FLAGS_RELEASE "-O2 -DNDEBUG")
 
 set(VELL_SANITIZE "" CACHE STRING "Sanitizers to build with, as for -fsanitize=")
