@@ -51,12 +51,11 @@ void watchReader(int output, int stop) {
 
 }  // namespace
 
-json::Sink::Room Output::pass(std::string_view content) {
-  if (!platform::writeAll(descriptor_, content)) {
+void Output::pass(std::string_view part) {
+  if (!platform::writeAll(descriptor_, part)) {
     if (errno == EPIPE) throw ClosedOutput();
     fail("Cannot write to standard output");
   }
-  return {buffer_, bufferSize};
 }
 
 std::string Console::read(const std::string& path) {

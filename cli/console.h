@@ -30,7 +30,7 @@ class ClosedOutput : public std::runtime_error {
 class Output : public json::Sink {
  public:
   /// Writing throws ClosedOutput when the reader is gone, std::system_error when the bytes cannot be written.
-  explicit Output(int descriptor) : Sink({buffer_, bufferSize}), descriptor_(descriptor) {}
+  explicit Output(int descriptor) : Sink(bufferSize), descriptor_(descriptor) {}
 
   /// Hands everything written so far to the system. Must be called at the end: nothing else does.
   void flush() { passAll(); }
@@ -39,10 +39,9 @@ class Output : public json::Sink {
  private:
   static constexpr std::size_t bufferSize = 64 * 1024;
 
-  Room pass(std::string_view content) override;
+  void pass(std::string_view part) override;
 
   int descriptor_;
-  char buffer_[bufferSize + padding];
 };
 
 /// The three streams of a run.

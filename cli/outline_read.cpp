@@ -49,7 +49,7 @@ void fetchOutline(const OutlineReadCommonOptions& options, std::vector<std::stri
 
 void writeEncoded(const json::Node& data, Output& out) {
   if (data.kind() == json::Kind::string) {
-    json::writeMeaning(data, out);
+    out.write(*data.string());
   } else {
     json::write(data, json::Layout::indented, out);
   }

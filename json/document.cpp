@@ -13,6 +13,7 @@ std::string decoded(const Index& index, std::uint32_t entry) {
   const std::string_view raw = index.rawString(entry);
   if (!index.hasEscapes(entry)) return std::string(raw);
   std::string text;
+  text.reserve(raw.size());
   appendDecoded(raw, LoneSurrogate::replaced, text);
   return text;
 }

@@ -20,9 +20,6 @@ std::string toString(const Node& value, Layout layout);
 /// carries another.
 void appendQuoted(const Node& value, std::string& out);
 
-/// Writes what a string means, in UTF-8 (U+FFFD for a lone surrogate). `value` must be a string.
-void writeMeaning(const Node& value, Sink& sink);
-
 /// Parses and rewrites a whole text. Throws ParseError.
 std::string rewrite(std::string_view text, Layout layout);
 

@@ -2,59 +2,56 @@
 
 #include <cstddef>
 #include <cstring>
+#include <memory>
 #include <string_view>
+#include <utility>
 
 namespace vell::json {
 
-/// Memory that text is written to, and what becomes of the memory when it is full.
+/// Buffers a text that is being written and passes it on in parts.
 class Sink {
  public:
-  /// How many bytes may be written, or read from a padded piece, where fewer count: a copy of fixed length is
-  /// several times faster than one of a few bytes more or less.
-  static constexpr std::size_t padding = 64;
-
   virtual ~Sink() = default;
   Sink(const Sink&) = delete;
   Sink& operator=(const Sink&) = delete;
 
-  void write(std::string_view piece) {
-    if (piece.size() > padding) return writeLong(piece);
-    std::memcpy(next_, piece.data(), piece.size());
-    moveTo(next_ + piece.size());
+  void put(char c) {
+    if (used_ == size_) passAll();
+    buffer_[used_++] = c;
   }
 
-  /// Where the next byte belongs, for writers that keep the place themselves: up to `padding` bytes may be
-  /// written there before `moveTo` is told how many of them count.
-  char* at() const { return next_; }
-  /// Returns where the next byte belongs from now on.
-  char* moveTo(char* at) {
-    next_ = at;
-    if (next_ >= end_) renew();
-    return next_;
+  void write(std::string_view piece) {
+    while (piece.size() > size_ - used_) {
+      const std::string_view fits = piece.substr(0, size_ - used_);
+      append(fits);
+      piece.remove_prefix(fits.size());
+      passAll();
+    }
+    append(piece);
   }
 
  protected:
-  /// At least `padding` bytes to write to; as many more lie behind them.
-  struct Room {
-    char* begin;
-    std::size_t size;
-  };
+  /// Parts are that many bytes long, the last one is shorter.
+  explicit Sink(std::size_t partSize) : buffer_(new char[partSize]), size_(partSize) {}
 
-  explicit Sink(Room room) { use(room); }
   /// Passes on what has been written, however little.
-  void passAll();
+  void passAll() {
+    const std::size_t size = std::exchange(used_, 0);
+    if (size > 0) pass({buffer_.get(), size});
+  }
 
  private:
-  /// Takes what a room holds and returns a room to go on in; may throw to stop the writing.
-  virtual Room pass(std::string_view content) = 0;
+  /// May throw to stop the writing.
+  virtual void pass(std::string_view part) = 0;
 
-  void use(Room room);
-  void renew();
-  void writeLong(std::string_view piece);
+  void append(std::string_view piece) {
+    std::memcpy(buffer_.get() + used_, piece.data(), piece.size());
+    used_ += piece.size();
+  }
 
-  char* begin_;
-  char* next_;  // before end_, but while bytes are written
-  char* end_;
+  std::unique_ptr<char[]> buffer_;
+  std::size_t size_;
+  std::size_t used_ = 0;
 };
 
 }  // namespace vell::json

@@ -130,16 +130,6 @@ void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& o
       });
 }
 
-void writeDecoded(std::string_view raw, Sink& out) {
-  walk(
-      raw, [&](std::string_view plain) { out.write(plain); },
-      [&](std::uint32_t code) {
-        std::string character;
-        text::appendUtf8(character, withoutSurrogate(code));
-        out.write(character);
-      });
-}
-
 void appendNormalized(std::string_view raw, std::string& out) {
   walk(
       raw, [&](std::string_view plain) { out.append(plain); },

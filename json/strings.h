@@ -4,8 +4,6 @@
 #include <string>
 #include <string_view>
 
-#include "json/sink.h"
-
 namespace vell::json {
 
 /// Appends a text as a JSON string, its quotes included. Each byte that is not UTF-8 becomes U+FFFD.
@@ -23,9 +21,6 @@ enum class LoneSurrogate {
 
 /// Appends the meaning of a checked string's bytes to `out`.
 void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& out);
-
-/// Puts the meaning of a checked string's bytes into `out`, lone surrogates replaced.
-void writeDecoded(std::string_view raw, Sink& out);
 
 /// Appends a checked string's bytes with the fewest escapes: only quote, backslash and control characters, in
 /// their short forms where they have one, and lone surrogates.
