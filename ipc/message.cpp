@@ -72,13 +72,6 @@ std::optional<Answer> Answer::parse(json::Text line) {
 
 std::string Answer::bytes() const { return json::toString(result_, json::Layout::compact); }
 
-// An escape for each quote makes it longer by about a seventh.
-void Answer::appendQuoted(std::string& out) const {
-  const std::size_t size = document_->text().size();
-  out.reserve(out.size() + size + size / 5);
-  json::appendQuoted(result_, out);
-}
-
 std::optional<Notification> Notification::parse(json::Text line) {
   auto message = parseEvent(std::move(line));
   if (!message || message->root().kind() != json::Kind::object) return std::nullopt;

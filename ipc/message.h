@@ -29,8 +29,6 @@ class Answer {
   json::Node result() const { return result_; }
   /// The result as compact JSON text with sorted keys.
   std::string bytes() const;
-  /// Appends that text as a JSON string, quotes included.
-  void appendQuoted(std::string& out) const;
 
  private:
   Answer(std::unique_ptr<json::Document> document, json::Node result)

@@ -51,12 +51,10 @@ Message decodeMessage(const json::Node& node) {
   }
 }
 
-std::string encodeResult(const RequestId& id, const ValueWriter& writeResult) {
-  std::string line = "{\"id\":";
-  encode(id.toValue(), line);
-  line.append(",\"jsonrpc\":\"").append(jsonrpc).append("\",\"result\":");
-  writeResult(line);
-  return line += '}';
+std::string encodeResult(const RequestId& id, Value result) {
+  Value::Object message = envelope(id);
+  message.emplace("result", std::move(result));
+  return encode(message);
 }
 
 std::string encodeError(const std::optional<RequestId>& id, const MCPError& error) {

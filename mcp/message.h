@@ -71,7 +71,7 @@ using Message = std::variant<Request, Notification, Response, InvalidMessage>;
 Message decodeMessage(const json::Node& node);
 
 /// Each on one line, without line feed.
-std::string encodeResult(const RequestId& id, const ValueWriter& writeResult);
+std::string encodeResult(const RequestId& id, Value result);
 /// Without an identifier `id` is null: the request could not be told.
 std::string encodeError(const std::optional<RequestId>& id, const MCPError& error);
 std::string encodeNotification(const std::string& method, const std::optional<Value>& params);

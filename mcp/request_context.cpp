@@ -39,12 +39,8 @@ void RequestContext::log(LogLevel level, const std::string& message, const LogMe
   server()->log(level, message, metadata);
 }
 
-void RequestContext::succeed(const Value& result) {
-  succeed([&result](std::string& line) { encode(result, line); });
-}
-
-void RequestContext::succeed(const ValueWriter& writeResult) {
-  if (mayAnswer("Request cancelled, suppressing response")) answer(encodeResult(id_, writeResult));
+void RequestContext::succeed(Value result) {
+  if (mayAnswer("Request cancelled, suppressing response")) answer(encodeResult(id_, std::move(result)));
 }
 
 void RequestContext::fail(const MCPError& error) {

@@ -37,9 +37,7 @@ class RequestContext {
   /// An entry for the logger of the session and for its client.
   void log(LogLevel level, const std::string& message, const LogMetadata& metadata = {});
 
-  void succeed(const Value& result);
-  /// The same for a result that is written straight to the response.
-  void succeed(const ValueWriter& writeResult);
+  void succeed(Value result);
   void fail(const MCPError& error);
   /// An MCPError goes out as it is; of any other failure the client learns nothing.
   void fail(const std::exception_ptr& failure);

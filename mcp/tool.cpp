@@ -46,12 +46,6 @@ Value text(std::string text) {
   return block;
 }
 
-void appendText(const ValueWriter& writeText, std::string& out) {
-  out += R"({"text":)";
-  writeText(out);
-  out += R"(,"type":"text"})";
-}
-
 Value image(const std::string& data, const std::string& mimeType) { return media("image", data, mimeType); }
 
 Value audio(const std::string& data, const std::string& mimeType) { return media("audio", data, mimeType); }
@@ -97,25 +91,12 @@ Value CallToolResult::toValue() && {
 }
 
 void ToolCall::answer(CallToolResult result) {
-  if (!result.isError && !result.structuredContent && !mayLackStructure()) return;
-  request_->succeed(std::move(result).toValue());
-}
-
-void ToolCall::answerText(const ValueWriter& writeText) {
-  if (!mayLackStructure()) return;
-  request_->succeed([&writeText](std::string& line) {
-    line += R"({"content":[)";
-    content::appendText(writeText, line);
-    line += "]}";
-  });
-}
-
-bool ToolCall::mayLackStructure() {
   const ToolDefinition& definition = tool_->definition();
-  if (!definition.outputSchema) return true;
-  request_->fail(MCPError::invalidParams("Tool '" + definition.name +
-                                         "' has an output schema but no structured content was provided"));
-  return false;
+  if (definition.outputSchema && !result.isError && !result.structuredContent) {
+    return request_->fail(MCPError::invalidParams(
+        "Tool '" + definition.name + "' has an output schema but no structured content was provided"));
+  }
+  request_->succeed(std::move(result).toValue());
 }
 
 }  // namespace vell::mcp

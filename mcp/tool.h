@@ -37,8 +37,6 @@ struct ToolDefinition {
 namespace content {
 
 Value text(std::string text);
-/// Appends the same block for a text that is written as a JSON string.
-void appendText(const ValueWriter& writeText, std::string& out);
 /// `data` holds raw bytes; they travel in base64.
 Value image(const std::string& data, const std::string& mimeType);
 Value audio(const std::string& data, const std::string& mimeType);
@@ -74,14 +72,9 @@ class ToolCall {
   /// Answers with the result; an output schema without structured content fails the request instead.
   void answer(CallToolResult result);
   void answerText(std::string text) { answer(CallToolResult::text(std::move(text))); }
-  /// The same for a text that is written, as a JSON string, straight to the response.
-  void answerText(const ValueWriter& writeText);
   void fail(std::string description) { answer(CallToolResult::error(std::move(description))); }
 
  private:
-  /// Fails the request where the tool has promised structured content.
-  bool mayLackStructure();
-
   std::shared_ptr<Tool> tool_;
   RequestContextPtr request_;
 };

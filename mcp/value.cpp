@@ -132,15 +132,11 @@ Value decode(const json::Node& node) { return valueOf(node, 0); }
 
 Value decode(std::string_view text) { return decode(json::Document(text).root()); }
 
-void encode(const Value& value, std::string& out) {
-  json::Writer writer(out);
-  value.visit(Encoder{writer});
-}
-
 std::string encode(const Value& value) {
-  std::string out;
-  encode(value, out);
-  return out;
+  std::string text;
+  json::Writer writer(text);
+  value.visit(Encoder{writer});
+  return text;
 }
 
 std::string base64(std::string_view bytes) {

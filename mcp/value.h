@@ -95,10 +95,6 @@ Value decode(std::string_view text);
 
 /// Compact JSON on one line, keys in byte order; what json::Writer makes of numbers and bad bytes.
 std::string encode(const Value& value);
-void encode(const Value& value, std::string& out);
-
-/// Appends a value as compact JSON: large ones are written once, where they go out.
-using ValueWriter = std::function<void(std::string& out)>;
 
 /// The bytes in base64, padded.
 std::string base64(std::string_view bytes);

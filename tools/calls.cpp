@@ -27,7 +27,7 @@ std::string textOf(const std::exception_ptr& failure) {
 
 static void answer(const mcp::ToolCallPtr& call, const Outcome& outcome, WhenNotRunning whenNotRunning) {
   if (const auto* answer = std::get_if<ipc::Answer>(&outcome)) {
-    return call->answerText([answer](std::string& line) { answer->appendQuoted(line); });
+    return call->answerText(answer->bytes());
   }
   const std::exception_ptr failure = std::get<std::exception_ptr>(outcome);
   if (whenNotRunning == WhenNotRunning::emptyList && meansNotRunning(failure)) return call->answerText("[]");
