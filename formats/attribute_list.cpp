@@ -1,94 +1,58 @@
 #include "formats/attribute_list.h"
 
 #include <algorithm>
-#include <cstdint>
 
-#include "formats/json_text.h"
-#include "text/utf8.h"
+#include "formats/inline_markdown.h"
+#include "json/document.h"
+#include "json/error.h"
+#include "json/strings.h"
 
 namespace vell::formats {
 namespace {
 
-bool isWordByte(char c) {
+bool isBareByte(char c) {
   const auto byte = static_cast<unsigned char>(c);
   if (byte >= 0x80 || (c >= '0' && c <= '9')) return true;
   if ((c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z')) return true;
   return std::string_view("_-.:/@+%,;?&~$").find(c) != std::string_view::npos;
 }
 
-bool isWord(std::string_view text) {
-  return !text.empty() && std::all_of(text.begin(), text.end(), isWordByte);
+bool isBareWord(std::string_view text) {
+  return !text.empty() && std::all_of(text.begin(), text.end(), isBareByte);
 }
 
 void appendWord(std::string& out, std::string_view text) {
-  if (isWord(text)) {
+  if (isBareWord(text)) {
     out += text;
   } else {
-    appendJsonString(out, text);
+    json::appendString(text, out);
   }
 }
 
-std::optional<std::uint32_t> hexDigits(std::string_view text) {
-  if (text.size() < 4) return std::nullopt;
-  std::uint32_t value = 0;
-  for (const char c : text.substr(0, 4)) {
-    const std::size_t digit = std::string_view("0123456789abcdef").find(static_cast<char>(c | 0x20));
-    if (digit == std::string_view::npos || (c < '0')) return std::nullopt;
-    value = value * 16 + static_cast<std::uint32_t>(digit);
-  }
-  return value;
-}
-
-/// Decodes what follows "\u"; bytes taken, 0 where it is malformed.
-std::size_t decodeUnicode(std::string_view text, std::string& out) {
-  const auto first = hexDigits(text);
-  if (!first || (*first >= 0xDC00 && *first <= 0xDFFF)) return 0;
-  if (*first < 0xD800 || *first > 0xDBFF) return text::appendUtf8(out, *first), 4;
-  if (text.substr(4, 2) != "\\u") return 0;
-  const auto second = hexDigits(text.substr(6));
-  if (!second || *second < 0xDC00 || *second > 0xDFFF) return 0;
-  text::appendUtf8(out, 0x10000 + ((*first - 0xD800) << 10) + (*second - 0xDC00));
-  return 10;
-}
-
-/// Decodes the escape behind a backslash; bytes taken, 0 where it is malformed.
-std::size_t decodeEscape(std::string_view text, std::string& out) {
-  constexpr std::string_view letters = "\"\\/bfnrt";
-  constexpr std::string_view meanings = "\"\\/\b\f\n\r\t";
-  if (text.empty()) return 0;
-  if (text.front() == 'u') {
-    const std::size_t taken = decodeUnicode(text.substr(1), out);
-    return taken == 0 ? 0 : taken + 1;
-  }
-  const std::size_t which = letters.find(text.front());
-  if (which == std::string_view::npos) return 0;
-  out += meanings[which];
-  return 1;
-}
-
-/// Decodes the literal at the front of `text`; bytes taken, 0 where there is none.
-std::size_t decodeLiteral(std::string_view text, std::string& out) {
+/// Bytes of the JSON string at the front of `text`, its quotes included; 0 where there is none.
+std::size_t literalLength(std::string_view text) {
   if (!text.starts_with('"')) return 0;
-  std::size_t at = 1;
-  while (at < text.size() && text[at] != '"') {
-    if (text[at] != '\\') {
-      out += text[at++];
-      continue;
-    }
-    const std::size_t taken = decodeEscape(text.substr(at + 1), out);
-    if (taken == 0) return 0;
-    at += taken + 1;
+  for (std::size_t at = 1; at < text.size(); ++at) {
+    if (text[at] == '"') return at + 1;
+    if (text[at] == '\\') ++at;
   }
-  return at < text.size() ? at + 1 : 0;
+  return 0;
 }
 
 }  // namespace
 
 std::optional<std::string> takeJsonString(std::string_view& text) {
-  std::string decoded;
-  const std::size_t taken = decodeLiteral(text, decoded);
-  if (taken == 0) return std::nullopt;
-  text.remove_prefix(taken);
+  const std::string_view literal = text.substr(0, literalLength(text));
+  if (literal.empty()) return std::nullopt;
+  std::optional<std::string> decoded(literal.substr(1, literal.size() - 2));
+  if (decoded->find('\\') != std::string::npos) {
+    try {
+      decoded = json::Document(literal).root().string();
+    } catch (const json::ParseError&) {
+      return std::nullopt;
+    }
+  }
+  text.remove_prefix(literal.size());
   return decoded;
 }
 
@@ -131,27 +95,24 @@ std::optional<ListItem> AttributeListReader::nextItem() {
 }
 
 std::optional<std::string> AttributeListReader::word() {
-  if (at_ < text_.size() && text_[at_] == '"') return quoted();
+  if (at_ < text_.size() && text_[at_] == '"') {
+    std::string_view rest = text_.substr(at_);
+    auto decoded = takeJsonString(rest);
+    at_ = text_.size() - rest.size();
+    return decoded;
+  }
   const std::size_t start = at_;
-  while (at_ < text_.size() && isWordByte(text_[at_])) ++at_;
+  while (at_ < text_.size() && isBareByte(text_[at_])) ++at_;
   if (at_ == start) return std::nullopt;
   return std::string(text_.substr(start, at_ - start));
-}
-
-std::optional<std::string> AttributeListReader::quoted() {
-  std::string decoded;
-  const std::size_t taken = decodeLiteral(text_.substr(at_), decoded);
-  if (taken == 0) return std::nullopt;
-  at_ += taken;
-  return decoded;
 }
 
 void appendListItem(std::string& out, std::string_view key, std::string_view value,
                     std::string_view reserved) {
   const bool isReserved =
-      isWord(key) && reserved.find(" " + std::string(key) + " ") != std::string_view::npos;
+      isBareWord(key) && reserved.find(" " + std::string(key) + " ") != std::string_view::npos;
   if (isReserved) {
-    appendJsonString(out, key);
+    json::appendString(key, out);
   } else {
     appendWord(out, key);
   }
@@ -162,6 +123,63 @@ void appendListItem(std::string& out, std::string_view key, std::string_view val
 void appendListId(std::string& out, std::string_view id) {
   out += '#';
   appendWord(out, id);
+}
+
+namespace {
+
+void takeItem(RowTrailer& trailer, ListItem item, Times times) {
+  if (!item.quotedKey) {
+    if (item.key == "#") return void(trailer.persistentId = std::move(item.value));
+    if (item.key == "type") {
+      trailer.type = document::rowType(item.value);
+      if (trailer.type) return;
+    }
+    if (times == Times::kept && item.key == "created") return void(trailer.created = std::move(item.value));
+    if (times == Times::kept && item.key == "modified") return void(trailer.modified = std::move(item.value));
+  }
+  trailer.attributes.set(item.key, item.value);
+}
+
+bool readTrailer(std::string_view list, Times times, RowTrailer& trailer) {
+  AttributeListReader reader(list);
+  const bool isList = reader.read([&](ListItem item) { takeItem(trailer, std::move(item), times); });
+  return isList && reader.length() == list.size();
+}
+
+}  // namespace
+
+bool takeTrailer(std::string_view& line, Times times, RowTrailer& trailer) {
+  const std::string_view whole = trimEnd(line);
+  if (!whole.ends_with('}')) return false;
+  for (std::size_t at = whole.rfind('{'); at != std::string_view::npos; at = whole.rfind('{', at - 1)) {
+    RowTrailer read;
+    if ((at == 0 || isBlank(whole[at - 1])) && readTrailer(whole.substr(at), times, read)) {
+      trailer = std::move(read);
+      line = trimEnd(whole.substr(0, at));
+      return true;
+    }
+    if (at == 0) break;
+  }
+  return false;
+}
+
+void appendTrailer(std::string& out, Times times, const RowTrailer& trailer) {
+  if (trailer.empty()) return;
+  const std::string_view reserved = times == Times::kept ? " type created modified " : " type ";
+  char before = '{';
+  const auto separate = [&] {
+    out += before;
+    before = ' ';
+  };
+  if (!trailer.persistentId.empty()) separate(), appendListId(out, trailer.persistentId);
+  if (trailer.type) separate(), appendListItem(out, "type", name(*trailer.type));
+  for (const Attribute& entry : trailer.attributes) {
+    separate();
+    appendListItem(out, entry.key, entry.value, reserved);
+  }
+  if (!trailer.created.empty()) separate(), appendListItem(out, "created", trailer.created);
+  if (!trailer.modified.empty()) separate(), appendListItem(out, "modified", trailer.modified);
+  out += '}';
 }
 
 }  // namespace vell::formats

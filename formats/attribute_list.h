@@ -4,7 +4,7 @@
 #include <string>
 #include <string_view>
 
-#include "formats/document.h"
+#include "formats/rows.h"
 
 namespace vell::formats {
 
@@ -43,7 +43,6 @@ class AttributeListReader {
   void skipBlanks();
   std::optional<ListItem> nextItem();
   std::optional<std::string> word();
-  std::optional<std::string> quoted();
 
   std::string_view text_;
   std::size_t at_ = 0;
@@ -59,5 +58,28 @@ void appendListId(std::string& out, std::string_view id);
 /// Takes a JSON string literal off the front of `text` and decodes it; none, and nothing taken, where there
 /// is none.
 std::optional<std::string> takeJsonString(std::string_view& text);
+
+/// What stands in braces at the end of a row's line: `{#milk type=task color=red}`.
+struct RowTrailer {
+  std::string persistentId;
+  std::optional<RowType> type;
+  std::string created;   ///< as written; only where the format keeps times
+  std::string modified;  ///< likewise
+  Attributes attributes;
+
+  bool empty() const {
+    return persistentId.empty() && !type && created.empty() && modified.empty() && attributes.empty();
+  }
+};
+
+enum class Times { kept, dropped };
+
+/// Takes the trailer off the end of the line, with the blanks before it. False where the line has none.
+/// Unquoted keys mean what they say: `type` the row's type and, where times are kept, `created` and
+/// `modified`.
+bool takeTrailer(std::string_view& line, Times times, RowTrailer& trailer);
+
+/// Appends the trailer in braces; nothing when it is empty.
+void appendTrailer(std::string& out, Times times, const RowTrailer& trailer);
 
 }  // namespace vell::formats

@@ -4,8 +4,8 @@
 #include <optional>
 
 #include "formats/attribute_list.h"
-#include "formats/inline_syntax.h"
-#include "formats/json_text.h"
+#include "formats/inline_markdown.h"
+#include "json/strings.h"
 
 namespace vell::formats {
 namespace {
@@ -47,7 +47,7 @@ bool isPlainValue(std::string_view value) {
 void writeValue(std::string& out, std::string_view value) {
   if (!isPlainValue(value)) {
     out += ' ';
-    appendJsonString(out, value);
+    json::appendString(value, out);
   } else {
     if (!value.starts_with('\n')) out += ' ';
     out += value;
@@ -113,7 +113,7 @@ void DocumentHeader::write(std::string& out, const Outline& outline) const {
     if (isPlainKey(entry.key) && !isReserved(entry.key)) {
       out += entry.key;
     } else {
-      appendJsonString(out, entry.key);
+      json::appendString(entry.key, out);
     }
     out += ':';
     writeValue(out, entry.value);

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <vector>
 
-#include "formats/document.h"
+#include "formats/rows.h"
 
 namespace vell::formats {
 

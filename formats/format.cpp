@@ -3,12 +3,6 @@
 #include <algorithm>
 #include <array>
 
-#include "formats/json_reader.h"
-#include "formats/json_writer.h"
-#include "formats/markdown_format.h"
-#include "formats/opml_format.h"
-#include "formats/txt_format.h"
-#include "formats/vell_format.h"
 #include "text/lines.h"
 #include "text/utf8.h"
 

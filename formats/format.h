@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "formats/placed_row.h"
+#include "formats/rows.h"
 
 namespace vell::formats {
 
@@ -23,21 +23,17 @@ struct ReadOptions {
 };
 
 /// Fills an empty outline. Throws FormatError; the outline is then of no use.
-using Reader = void (*)(std::string_view text, const ReadOptions& options, Outline& outline);
+using Reader = void(std::string_view text, const ReadOptions& options, Outline& outline);
 /// Appends the document, or with `rowsOnly` the rows without what surrounds them.
-using Writer = void (*)(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly,
-                        std::string& out);
+using Writer = void(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out);
 
 struct Format {
   std::string_view name;
   std::vector<std::string_view> extensions;  ///< lower case, without the dot, the usual one first
-  Reader read;                               ///< null where the format is only written
-  Writer write;
+  Reader* read;                              ///< null where the format is only written
+  Writer* write;
   bool isJson;  ///< what is written is a JSON value; else it is text
 };
-
-/// `text` without a byte order mark. Throws FormatError where it is not UTF-8.
-std::string_view checkedSource(std::string_view text);
 
 /// Every format, in the order in which they are told to people:
 ///   const Format* format = formatForFile(path);        // by extension
@@ -49,5 +45,16 @@ std::span<const Format> formats();
 const Format* formatNamed(std::string_view name);
 /// By the file name's extension, letter case ignored; null where it is none of ours.
 const Format* formatForFile(std::string_view path);
+
+/// Like readMarkdown for text that is to become part of an outline: no front matter, and the number of "#" of
+/// a heading says how headings nest but is not kept.
+Reader readMarkdownRows;
+
+// What each format's own file defines for the table. docs/formats.md describes them.
+Reader readJson, readMarkdown, readVell, readOpml, readTxt;
+Writer writeSession, writeJson, writeMarkdown, writeVell, writeOpml, writeTxt;
+
+/// For readers: `text` without a byte order mark. Throws FormatError where it is not UTF-8.
+std::string_view checkedSource(std::string_view text);
 
 }  // namespace vell::formats

@@ -4,8 +4,7 @@
 #include <vector>
 
 #include "formats/attribute_list.h"
-#include "formats/inline_syntax.h"
-#include "formats/inline_text.h"
+#include "formats/inline_markdown.h"
 
 namespace vell::formats {
 namespace {

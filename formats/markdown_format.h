@@ -1,20 +1,12 @@
 #pragma once
 
-#include <span>
-#include <string>
+#include <cstddef>
 #include <string_view>
 
 #include "formats/format.h"
 
+// What the reader and the writer of markdown share.
 namespace vell::formats {
-
-/// Markdown with row trailers; described in docs/formats.md.
-void readMarkdown(std::string_view text, const ReadOptions& options, Outline& outline);
-void writeMarkdown(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out);
-
-/// Like readMarkdown for text that is to become part of an outline: no front matter, and the number of "#" of
-/// a heading says how headings nest but is not kept.
-void readMarkdownRows(std::string_view text, const ReadOptions& options, Outline& outline);
 
 /// A row's mark and what stands behind it, on a line without indentation and trailer.
 struct MarkdownMark {

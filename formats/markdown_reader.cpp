@@ -2,8 +2,7 @@
 #include <optional>
 
 #include "formats/document_header.h"
-#include "formats/inline_syntax.h"
-#include "formats/inline_text.h"
+#include "formats/inline_markdown.h"
 #include "formats/markdown_format.h"
 #include "formats/marked_line.h"
 #include "text/lines.h"

@@ -2,7 +2,7 @@
 #include <vector>
 
 #include "formats/document_header.h"
-#include "formats/inline_text.h"
+#include "formats/inline_markdown.h"
 #include "formats/markdown_format.h"
 #include "formats/marked_line.h"
 
@@ -10,7 +10,7 @@ namespace vell::formats {
 namespace {
 
 /// The level a heading asks for, 0 where it asks for none.
-std::size_t wishedLevel(const Row& row) {
+std::size_t requestedLevel(const Row& row) {
   const std::string* level = leadValue(row);
   const bool isLevel =
       row.type() == RowType::heading && level && level->size() == 1 && *level >= "1" && *level <= "6";
@@ -28,7 +28,7 @@ std::vector<bool> findSections(std::span<const PlacedRow> rows) {
     nextSection.resize(depth + 1);
     nextIsOther.resize(depth + 1);
     const Row* next = nextSection[depth];
-    const bool fits = !nextIsOther[depth] && (!next || wishedLevel(*next) == wishedLevel(*row));
+    const bool fits = !nextIsOther[depth] && (!next || requestedLevel(*next) == requestedLevel(*row));
     isSection[index] = row->type() == RowType::heading && fits;
     nextSection[depth] = isSection[index] ? row : nullptr;
     nextIsOther[depth] = !isSection[index];
@@ -149,9 +149,9 @@ bool MarkdownWriter::writeMark(const Row& row, bool maySection, RowTrailer& trai
 bool MarkdownWriter::writeHeading(const Row& row, bool maySection, RowTrailer& trailer) {
   const std::size_t enclosing = levels_.back().section;
   const std::size_t natural = naturalLevel(enclosing);
-  const std::size_t wished = wishedLevel(row);
-  const bool granted = wished > enclosing && wished != natural;
-  const std::size_t level = granted ? wished : natural;
+  const std::size_t requested = requestedLevel(row);
+  const bool granted = requested > enclosing && requested != natural;
+  const std::size_t level = granted ? requested : natural;
   out_.append(level, '#');
   if (granted) trailer.attributes.remove(leadKey(row.type()));
   if (maySection && level > enclosing) {
@@ -195,17 +195,10 @@ void MarkdownWriter::writeFenced(const Row& row) {
   const std::string fence = fenceFor(text);
   const std::string* language = leadValue(row);
   const bool leadIsMarked = language && isFenceInfo(*language);
-  const std::uint32_t indent = levels_.back().indent;
   out_ += fence;
   if (leadIsMarked) out_ += *language;
   finishLine(trailerOf(row, leadIsMarked));
-  for (std::size_t at = 0; at <= text.size() && !text.empty();) {
-    const std::size_t end = std::min(text.find('\n', at), text.size());
-    if (end > at) out_.append(indent, '\t').append(text, at, end - at);
-    out_ += '\n';
-    at = end + 1;
-  }
-  out_.append(indent, '\t').append(fence) += '\n';
+  appendFenced(out_, text, fence, levels_.back().indent);
 }
 
 }  // namespace

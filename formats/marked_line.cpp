@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "formats/inline_syntax.h"
+#include "formats/inline_markdown.h"
 
 namespace vell::formats {
 
@@ -61,6 +61,16 @@ std::string fenceFor(std::string_view text) {
     at += length;
   }
   return std::string(longest + 1, '`');
+}
+
+void appendFenced(std::string& out, std::string_view text, std::string_view fence, std::size_t tabs) {
+  for (std::size_t at = 0; at <= text.size() && !text.empty();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    if (end > at) out.append(tabs, '\t').append(text, at, end - at);
+    out += '\n';
+    at = end + 1;
+  }
+  out.append(tabs, '\t').append(fence) += '\n';
 }
 
 std::size_t openingFence(std::string_view line) {

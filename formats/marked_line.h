@@ -3,8 +3,8 @@
 #include <string>
 #include <string_view>
 
-#include "formats/row_trailer.h"
-#include "formats/tree_builder.h"
+#include "formats/attribute_list.h"
+#include "formats/rows.h"
 
 namespace vell::formats {
 
@@ -29,6 +29,8 @@ bool canBeFenced(const Row& row);
 bool isFenceInfo(std::string_view text);
 /// A fence longer than any that stands in the text.
 std::string fenceFor(std::string_view text);
+/// Appends the text's lines, indented by that many tabs, and the closing fence.
+void appendFenced(std::string& out, std::string_view text, std::string_view fence, std::size_t tabs);
 
 /// Length of the opening fence ("```", "~~~~", …) that the line begins with; 0 if it opens none.
 std::size_t openingFence(std::string_view line);

@@ -1,8 +1,6 @@
-#include "formats/txt_format.h"
-
 #include <algorithm>
 
-#include "formats/tree_builder.h"
+#include "formats/format.h"
 #include "text/lines.h"
 
 namespace vell::formats {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "formats/markdown_format.h"
+#include "formats/format.h"
 #include "headless/editing/problem.h"
 
 namespace vell::headless {

@@ -1,6 +1,6 @@
 #include "headless/server/answers.h"
 
-#include "formats/json_writer.h"
+#include "formats/json_format.h"
 #include "headless/storage/paths.h"
 #include "json/writer.h"
 
@@ -27,7 +27,8 @@ std::string plainText(const std::vector<const Row*>& rows) {
 
 std::string rowAnswer(const Row& row) {
   std::string text;
-  formats::appendSessionRow(text, row);
+  json::Writer writer(text);
+  formats::writeSessionRow(writer, row);
   return text;
 }
 
@@ -35,7 +36,7 @@ std::string rowsAnswer(const std::vector<const Row*>& rows) {
   std::string text;
   json::Writer writer(text);
   writer.beginArray();
-  for (const Row* row : rows) writer.raw(rowAnswer(*row));
+  for (const Row* row : rows) formats::writeSessionRow(writer, *row);
   writer.endArray();
   return text;
 }

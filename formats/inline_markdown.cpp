@@ -1,4 +1,4 @@
-#include "formats/inline_syntax.h"
+#include "formats/inline_markdown.h"
 
 #include <array>
 #include <cstdint>

@@ -1,0 +1,65 @@
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "document/outline.h"
+
+namespace vell::formats {
+
+using document::Attribute;
+using document::Attributes;
+using document::Outline;
+using document::Row;
+using document::RowType;
+using document::Run;
+using document::SessionId;
+using document::Text;
+using document::Timestamp;
+
+/// What a reader knows about a row.
+struct RowContent {
+  RowType type = RowType::body;
+  Text text;
+  Attributes attributes;
+  std::string persistentId;  ///< empty: none
+  Timestamp created = 0;
+  Timestamp modified = 0;
+};
+
+/// Adds rows in document order by their depth.
+class TreeBuilder {
+ public:
+  explicit TreeBuilder(Outline& outline) : outline_(outline) { path_.push_back(&outline.root()); }
+
+  /// The depth that the next row can have at most; top level is 0.
+  std::size_t maxDepth() const { return path_.size() - 1; }
+  /// A persistent id that an earlier row has is dropped: ids are unique in an outline.
+  Row& add(std::size_t depth, RowContent content);
+
+ private:
+  Outline& outline_;
+  std::vector<Row*> path_;  ///< the root, then the last row of each depth
+};
+
+/// `tree` hangs each row below its nearest chosen ancestor, `flat` puts every row at top level.
+enum class Shape { tree, flat };
+
+/// A row to be written and how deep it stands there; top level is 0.
+struct PlacedRow {
+  const Row* row;
+  std::uint32_t depth;
+};
+
+/// Rows in document order: a row's children follow it, one deeper.
+using PlacedRows = std::vector<PlacedRow>;
+
+/// Every row of the outline but the root.
+PlacedRows placeAll(const Outline& outline, Shape shape = Shape::tree);
+/// Some rows of the outline, given in any order; repeated ones count once. The root stands for itself: it is
+/// written as a row of type "root" only when asked for by itself, so leave it out to get documents that can
+/// be read back.
+PlacedRows placeSome(const Outline& outline, const std::vector<const Row*>& rows, Shape shape = Shape::tree);
+
+}  // namespace vell::formats
