@@ -2,6 +2,7 @@
 
 #include <charconv>
 #include <cstdint>
+#include <memory>
 #include <optional>
 #include <string_view>
 #include <utility>
@@ -62,9 +63,10 @@ struct Makes : pegtl::maybe_nothing {
   template <typename Rule, apply_mode A, rewind_mode M, template <typename...> class Action,
             template <typename...> class Control, typename Outer>
   static bool match(Input& in, ParseState& state, Outer& outer) {
-    Parts parts;
-    if (!pegtl::match<Rule, A, M, Action, Control>(in, state, parts)) return false;
-    Self::finish(std::move(parts), outer);
+    // On the heap, so that a level of nesting takes little of the stack.
+    const auto parts = std::make_unique<Parts>();
+    if (!pegtl::match<Rule, A, M, Action, Control>(in, state, *parts)) return false;
+    Self::finish(std::move(*parts), outer);
     return true;
   }
 };
