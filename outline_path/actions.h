@@ -163,13 +163,9 @@ template <> struct Action<grammar::Minus> : actions::SetsOp<AdditiveOp::subtract
 
 template <> struct Action<grammar::MultiplicativeOperand>      : actions::Fills<&BinaryTail<MultiplicativeOp>::right> {};
 template <> struct Action<grammar::AdditiveOperand>            : actions::Fills<&BinaryTail<AdditiveOp>::right> {};
-template <> struct Action<grammar::RightMultiplicativeOperand> : actions::Fills<&BinaryTail<MultiplicativeOp>::right> {};
-template <> struct Action<grammar::RightAdditiveOperand>       : actions::Fills<&BinaryTail<AdditiveOp>::right> {};
 
 template <> struct Action<grammar::MultiplicativeTail>      : actions::JoinsValues<Multiplicative, MultiplicativeOp> {};
 template <> struct Action<grammar::AdditiveTail>            : actions::JoinsValues<Additive, AdditiveOp> {};
-template <> struct Action<grammar::RightMultiplicativeTail> : actions::JoinsValues<Multiplicative, MultiplicativeOp> {};
-template <> struct Action<grammar::RightAdditiveTail>       : actions::JoinsValues<Additive, AdditiveOp> {};
 
 // Predicates
 

@@ -12,8 +12,9 @@
 //    there again (`Once`), so that nested brackets are read once for each kind.
 //  - A comparison is tried only where a relation follows its first value (`WhereRelationFollows`), which is
 //    known without parsing that value: its operands are skipped, bracketed ones in one stride.
-//  - "/" divides within a value. To the right of a relation it begins the next step instead, and so it does
-//    to the left where no relation follows, as no comparison is tried there.
+//  - "/" divides where a value is read and what may be divided by follows, which a bare word, "*" or an axis
+//    is not. Otherwise it begins the next step; so it does where no relation follows, as no comparison is
+//    tried there.
 
 namespace vell::outline_path::grammar {
 
@@ -107,16 +108,6 @@ struct AdditiveOperand               : seq<ValueExpressionAdditiveParser> {};
 
 struct ValueExpressionParser : seq<ValueExpressionAdditiveParser> {};
 
-// The right side of a comparison, in which "/" does not divide
-struct RightMultiplicativeOperand;
-struct RightMultiplicativeTail    : seq<OptionalBlanks, Times, OptionalBlanks, Deeper<RightMultiplicativeOperand>> {};
-struct RightMultiplicative        : seq<ValueExpressionUnaryParser, opt<RightMultiplicativeTail>> {};
-struct RightMultiplicativeOperand : seq<RightMultiplicative> {};
-struct RightAdditiveOperand;
-struct RightAdditiveTail          : seq<OptionalBlanks, AdditiveOpParser, OptionalBlanks, Deeper<RightAdditiveOperand>> {};
-struct RightAdditive              : seq<RightMultiplicative, opt<RightAdditiveTail>> {};
-struct RightAdditiveOperand       : seq<RightAdditive> {};
-
 // Predicates
 struct PredicateExpressionParser;
 struct PredicateExpressionOrParser;
@@ -134,7 +125,7 @@ struct RelationModifierParser : seq<RelationModifierSign> {};
 struct RelationParser         : seq<RelationOpParser, opt<RelationModifierParser>> {};
 
 struct LeftValue                           : seq<ValueExpressionAdditiveParser> {};
-struct RightValue                          : seq<RightAdditive> {};
+struct RightValue                          : seq<ValueExpressionAdditiveParser> {};
 struct ComparedValues                      : seq<LeftValue, OptionalBlanks, RelationParser, OptionalBlanks, RightValue> {};
 struct PredicateExpressionComparisonParser : WhereRelationFollows<ComparedValues> {};
 

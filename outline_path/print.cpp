@@ -29,39 +29,36 @@ Binding bindingOf(const ValueExpression& value) {
 
 Binding tighter(Binding binding) { return static_cast<Binding>(static_cast<int>(binding) + 1); }
 
-/// What "/" divides by only when it is in brackets.
-bool needsGroupAsDivisor(const ValueExpression& value) {
+/// Whether "/" divides by what `value` begins with.
+bool beginsWithDivisor(const ValueExpression& value) {
+  if (const auto* sum = std::get_if<Additive>(&value.node)) return beginsWithDivisor(*sum->left);
   if (const auto* product = std::get_if<Multiplicative>(&value.node))
-    return needsGroupAsDivisor(*product->left);
-  return std::holds_alternative<Unquoted>(value.node) || std::holds_alternative<Null>(value.node) ||
-         std::holds_alternative<bool>(value.node) || std::holds_alternative<Unary>(value.node);
+    return beginsWithDivisor(*product->left);
+  return !std::holds_alternative<Unquoted>(value.node) && !std::holds_alternative<Null>(value.node) &&
+         !std::holds_alternative<bool>(value.node) && !std::holds_alternative<Unary>(value.node);
 }
 
-bool divides(const ValueExpression& value) {
-  if (const auto* sum = std::get_if<Additive>(&value.node))
-    return divides(*sum->left) || divides(*sum->right);
-  const auto* product = std::get_if<Multiplicative>(&value.node);
-  if (product == nullptr) return false;
-  return product->op == MultiplicativeOp::divide || divides(*product->right);
-}
-
-bool endsWithoutRelation(const PredicateExpression& predicate) {
-  if (const auto* node = std::get_if<Or>(&predicate.node)) return endsWithoutRelation(*node->right);
-  if (const auto* node = std::get_if<And>(&predicate.node)) return endsWithoutRelation(*node->right);
-  if (const auto* node = std::get_if<Not>(&predicate.node)) return endsWithoutRelation(*node->operand);
-  return !std::holds_alternative<Comparison>(predicate.node);
-}
-
-bool beginsWithComparison(const PredicateExpression& predicate) {
-  if (const auto* node = std::get_if<Or>(&predicate.node)) return beginsWithComparison(*node->left);
-  if (const auto* node = std::get_if<And>(&predicate.node)) return beginsWithComparison(*node->left);
+bool endsWithComparison(const PredicateExpression& predicate) {
+  if (const auto* node = std::get_if<Or>(&predicate.node)) return endsWithComparison(*node->right);
+  if (const auto* node = std::get_if<And>(&predicate.node)) return endsWithComparison(*node->right);
+  if (const auto* node = std::get_if<Not>(&predicate.node)) return endsWithComparison(*node->operand);
   return std::holds_alternative<Comparison>(predicate.node);
 }
 
-/// Whether "/" before `next` would divide the end of `step` by its beginning, were no axis between them.
+const PredicateExpression& firstTest(const PredicateExpression& predicate) {
+  if (const auto* node = std::get_if<Or>(&predicate.node)) return firstTest(*node->left);
+  if (const auto* node = std::get_if<And>(&predicate.node)) return firstTest(*node->left);
+  return predicate;
+}
+
+/// Whether "/" before `next` would divide the end of `step` by its beginning, were no axis between them: to
+/// the right of a relation, or to the left of the one that `next` has.
 bool wouldDivide(const Step& step, const Step& next) {
-  const bool open = step.predicate() != nullptr && !step.slice() && endsWithoutRelation(*step.predicate());
-  return open && !next.filter().typeTest && beginsWithComparison(*next.predicate());
+  if (step.predicate() == nullptr || step.slice() || next.filter().typeTest) return false;
+  const PredicateExpression& first = firstTest(*next.predicate());
+  const auto* comparison = std::get_if<Comparison>(&first.node);
+  if (comparison != nullptr) return beginsWithDivisor(comparison->left);
+  return endsWithComparison(*step.predicate()) && !std::holds_alternative<Not>(first.node);
 }
 
 class Printer {
@@ -145,11 +142,7 @@ class Printer {
     text_ += ' ';
     write(node.relation);
     text_ += ' ';
-    if (divides(node.right)) {
-      group(node.right);
-    } else {
-      write(node.right);
-    }
+    write(node.right);
   }
 
   void write(const Null&) { text_ += kNull; }
@@ -168,7 +161,7 @@ class Printer {
     text_ += ' ';
     text_ += spelling(node.op);
     text_ += ' ';
-    const bool needsGroup = node.op == MultiplicativeOp::divide && needsGroupAsDivisor(*node.right);
+    const bool needsGroup = node.op == MultiplicativeOp::divide && !beginsWithDivisor(*node.right);
     operand(*node.right, Binding::multiplicative, needsGroup);
   }
   void write(const Unary& node) {

@@ -19,7 +19,7 @@ const Highlighted kTexts[] = {
     {"ancestor-or-self::task", "xxxxxxxxxxxxxxxxxx"},
     {"//* not (@a or \"x\") and @b =[i] foo", "/x  ppp  aa pp      ppp aa rrrr uuu"},
     {"(//a union //b) except .. intersect .", " /xu sssss /xu  ssssss xx sssssssss x"},
-    {"//task @n contains[sl] 5 / 2", "/x     aa rrrrrrrrrrrr   !"},
+    {"//task @n contains[sl] 5 / x", "/x     aa rrrrrrrrrrrr     !"},
     {"1 + count(//* @a)", "          /x  aa"},
     {"//task[@done]", "/x     !"},
     {"//task @done ==", "/x     aaaaa r!"},

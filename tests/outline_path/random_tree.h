@@ -14,15 +14,13 @@ class RandomTree {
 
   Expression expression(int depth) {
     if (chance(5)) return pathSet(depth, 0);
-    ValueExpression value = sum(depth, Place::inValue);
+    ValueExpression value = sum(depth);
     // A word alone is no value at the top.
     const bool isWord = std::holds_alternative<Unquoted>(innermost(value).node);
     return isWord ? Expression(pathSet(depth, 0)) : Expression(std::move(value));
   }
 
  private:
-  enum class Place { inValue, atRight };
-
   std::size_t pick(std::size_t count) {
     return std::uniform_int_distribution<std::size_t>(0, count - 1)(random_);
   }
@@ -110,7 +108,7 @@ class RandomTree {
     const std::size_t kind = pick(depth == 0 ? 3 : 5);
     if (kind == 0) return {ContainsAttribute{Attribute(name())}};
     if (kind == 1) return {ContainsText{text()}};
-    if (kind == 2) return {Comparison{sum(depth, Place::inValue), relation(), sum(depth, Place::atRight)}};
+    if (kind == 2) return {Comparison{sum(depth), relation(), sum(depth)}};
     if (kind == 3) return {Not{Box(test(depth - 1))}};
     return {PredicateGroup{Box(disjunction(depth - 1))}};
   }
@@ -123,18 +121,18 @@ class RandomTree {
     return relation;
   }
 
-  ValueExpression sum(int depth, Place place) {
-    ValueExpression left = product(depth, place);
+  ValueExpression sum(int depth) {
+    ValueExpression left = product(depth);
     if (depth == 0 || !chance(2)) return left;
-    return {Additive{Box(std::move(left)), static_cast<AdditiveOp>(pick(2)), Box(sum(depth - 1, place))}};
+    return {Additive{Box(std::move(left)), static_cast<AdditiveOp>(pick(2)), Box(sum(depth - 1))}};
   }
 
-  ValueExpression product(int depth, Place place, bool asDivisor = false) {
+  ValueExpression product(int depth, bool asDivisor = false) {
     ValueExpression left = operand(depth, asDivisor);
     if (depth == 0 || !chance(2)) return left;
-    const bool divides = place == Place::inValue && chance(5);
+    const bool divides = chance(5);
     const auto op = divides ? MultiplicativeOp::divide : MultiplicativeOp::multiply;
-    return {Multiplicative{Box(std::move(left)), op, Box(product(depth - 1, place, divides))}};
+    return {Multiplicative{Box(std::move(left)), op, Box(product(depth - 1, divides))}};
   }
 
   ValueExpression operand(int depth, bool asDivisor) {
@@ -144,7 +142,7 @@ class RandomTree {
     if (kind == 2) return {Variable{name()}};
     if (kind == 3) return {Literal{text()}};
     if (kind == 4) return call(depth);
-    if (kind == 5 && depth > 0) return {ValueGroup{Box(sum(depth - 1, Place::inValue))}};
+    if (kind == 5 && depth > 0) return {ValueGroup{Box(sum(depth - 1))}};
     if (kind == 5) return {1e20};
     if (kind == 6) return {Null{}};
     if (kind == 7) return {chance(5)};
@@ -156,7 +154,7 @@ class RandomTree {
     FunctionCall::Arguments arguments;
     for (std::size_t i = depth > 0 ? pick(3) : 0; i > 0; --i) {
       arguments.push_back(chance(5) ? ValueExpression{PathArgument{Box(pathSet(depth - 1, 0))}}
-                                    : sum(depth - 1, Place::inValue));
+                                    : sum(depth - 1));
     }
     return {
         FunctionCall(oneOf<const char*>({"count", "position", "focused-root", "f"}), std::move(arguments))};

@@ -66,7 +66,6 @@ const Rejected kRejected[] = {
     {"//task @name = 'x'", "16: unexpected \"'\", expected a value", kQuotes},
     {"//* @name =[x] 1", "13: unexpected \"x\", expected a modifier (s, i, n, d)"},
     {"//* @name =[ix] 1", "14: unexpected \"x\", expected \"l\" or \"]\""},
-    {"//* @a = 1/2", "12: unexpected \"2\", expected a step (*, task, @name)"},
     {"//* count(//*)", "15: unexpected end of input, expected a relation (=, <, contains)"},
     {"//* contains20 x",
      "5: expected input to be consumed, found \"contains20\", expected a predicate (@name, \"text\", @name = "
