@@ -4,18 +4,14 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "json/strings.h"
+#include "json/escapes.h"
 
 namespace vell::json {
 namespace {
 
 std::string decoded(const Index& index, std::uint32_t entry) {
   const std::string_view raw = index.rawString(entry);
-  if (!index.hasEscapes(entry)) return std::string(raw);
-  std::string text;
-  text.reserve(raw.size());
-  appendDecoded(raw, LoneSurrogate::replaced, text);
-  return text;
+  return index.hasEscapes(entry) ? unescaped(raw, LoneSurrogate::replaced) : std::string(raw);
 }
 
 bool keyIs(const Index& index, std::uint32_t entry, std::string_view key) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "json/error.h"
-#include "json/strings.h"
+#include "json/escapes.h"
 #include "json/tokenizer.h"
 #include "text/display_width.h"
 

@@ -6,7 +6,7 @@
 #include <utility>
 #include <vector>
 
-#include "json/strings.h"
+#include "json/escapes.h"
 
 namespace vell::json {
 namespace {
@@ -19,7 +19,7 @@ class KeySorter {
   /// Appends the keys of an object's members in their order; of repeated keys only the last.
   void append(std::uint32_t object, std::vector<std::uint32_t>& sorted) {
     keys_.clear();
-    decoded_.clear();
+    unescaped_.clear();
     for (std::uint32_t key = object + 1; key < index_.containerEnd(object); key = index_.next(key + 1)) {
       keys_.push_back({textOf(key), key});
     }
@@ -33,14 +33,12 @@ class KeySorter {
  private:
   std::string_view textOf(std::uint32_t key) {
     const std::string_view raw = index_.rawString(key);
-    if (!index_.hasEscapes(key)) return raw;
-    appendDecoded(raw, LoneSurrogate::kept, decoded_.emplace_back());
-    return decoded_.back();
+    return index_.hasEscapes(key) ? unescaped_.emplace_back(unescaped(raw, LoneSurrogate::kept)) : raw;
   }
 
   const Index& index_;
   std::vector<std::pair<std::string_view, std::uint32_t>> keys_;  // of the object at hand: text, entry
-  std::deque<std::string> decoded_;                               // the texts of keys with escapes
+  std::deque<std::string> unescaped_;                             // the texts of keys with escapes
 };
 
 }  // namespace
@@ -132,7 +130,7 @@ class Reprinter {
   void string(std::uint32_t entry) {
     if (!index_.hasEscapes(entry)) return out_.write(index_.quotedString(entry));
     scratch_.assign(1, '"');
-    appendNormalized(index_.rawString(entry), scratch_);
+    appendReescaped(index_.rawString(entry), scratch_);
     scratch_.push_back('"');
     out_.write(scratch_);
   }

@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "json/strings.h"
+#include "json/escapes.h"
 
 namespace vell::json {
 

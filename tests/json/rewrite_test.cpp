@@ -57,7 +57,7 @@ TEST(Rewrite, NamesTheFaultAndItsByte) {
   const struct {
     std::string text;
     std::size_t offset;
-    const char* fault;
+    std::string fault;
   } rows[] = {
       {"", 0, "the text is empty"},
       {"  \n", 3, "expected a value, found the end of the text"},
@@ -75,6 +75,16 @@ TEST(Rewrite, NamesTheFaultAndItsByte) {
       {"[01]", 1, "'01' is not a JSON number"},
       {"[1.]", 1, "'1.' is not a JSON number"},
       {"[-]", 1, "'-' is not a JSON number"},
+      {repeated("é", 60), 0, "'" + repeated("é", 39) + "…' is not a JSON value"},
+      // NUL bytes: behind a value, in its place, in and behind a scalar, in a string.
+      {{"{}\0", 3}, 2, "expected the end of the text, found byte 0x00"},
+      {{"[]\n\0\n", 5}, 3, "expected the end of the text, found byte 0x00"},
+      {{"\0", 1}, 0, "expected a value, found byte 0x00"},
+      {{"[\0]", 3}, 1, "expected a value or ']', found byte 0x00"},
+      {{"{\0\"a\":1}", 8}, 1, "expected a key in double quotes or '}', found byte 0x00"},
+      {{"{\"a\":1\0}", 8}, 5, "'1?' is not a JSON number"},
+      {{"true\0", 5}, 0, "'true?' is not a JSON value"},
+      {{"\"a\0b\"", 5}, 2, "a string holds the control character byte 0x00, which must be escaped"},
       {"\"a", 0, "the string that begins here has no end"},
       {"\"a\tb\"", 2, "a string holds the control character byte 0x09, which must be escaped"},
       {"\"\\x\"", 1, "a string holds an unknown escape"},

@@ -6,7 +6,8 @@
 
 namespace vell::json {
 
-/// Appends a text as a JSON string, its quotes included. Each byte that is not UTF-8 becomes U+FFFD.
+/// Appends a text as a JSON string, its quotes included, with the fewest escapes: quote, backslash and
+/// control characters. Each byte that is not UTF-8 becomes U+FFFD.
 void appendString(std::string_view text, std::string& out);
 std::string quoted(std::string_view text);
 
@@ -19,11 +20,10 @@ enum class LoneSurrogate {
   kept,      ///< three bytes as if it were a character: distinct strings stay distinct
 };
 
-/// Appends the meaning of a checked string's bytes to `out`.
-void appendDecoded(std::string_view raw, LoneSurrogate treatment, std::string& out);
+/// The text that a checked string's bytes mean.
+std::string unescaped(std::string_view raw, LoneSurrogate treatment);
 
-/// Appends a checked string's bytes with the fewest escapes: only quote, backslash and control characters, in
-/// their short forms where they have one, and lone surrogates.
-void appendNormalized(std::string_view raw, std::string& out);
+/// Appends a checked string's bytes with the fewest escapes; lone surrogates stay escaped.
+void appendReescaped(std::string_view raw, std::string& out);
 
 }  // namespace vell::json
