@@ -7,7 +7,7 @@
 
 namespace vell::ipc {
 
-/// Something that can call the application: a connection of one's own, or the one that `vell mcp` shares.
+/// Something that can call the application: a connection with one user, or the shared one of `vell mcp`.
 class Application {
  public:
   virtual ~Application() = default;

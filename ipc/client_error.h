@@ -22,9 +22,9 @@ class ClientError : public std::runtime_error {
   Kind kind() const { return kind_; }
   /// The application's code, the error number of a failed connect; 0 for the other kinds.
   std::int64_t code() const { return code_; }
-  /// Whether it says no more than that the application does not run: no socket is there, or nobody serves it.
+  /// Whether the application does not run: its socket does not exist, or no process serves it.
   bool meansNotRunning() const;
-  /// Whether the connection it came from is of no further use.
+  /// Whether the connection cannot be used any more.
   bool endsConnection() const { return kind_ != Kind::rpcError; }
 
  private:

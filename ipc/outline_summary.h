@@ -9,7 +9,7 @@
 
 namespace vell::ipc {
 
-/// An open outline, as the application tells of it.
+/// The application's description of an open outline.
 struct OutlineSummary {
   std::string persistentId;
   std::string displayName;

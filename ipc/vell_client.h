@@ -34,8 +34,8 @@ class VellClient : public Application {
 
   /// Receives an event's params, which live for the call; may throw, which ends the subscription.
   using EventHandler = std::function<void(const json::Node& params)>;
-  /// Sends one request and hands on every event, until after the one that closes the subscription. Blocks
-  /// meanwhile. Throws what the handler throws, and SubscriptionError for an event that is not JSON.
+  /// Sends one request and calls the handler with every event, the one that closes the subscription last.
+  /// Blocks meanwhile. Throws what the handler throws, and SubscriptionError for an event that is not JSON.
   void subscribe(std::string_view method, const std::string& params, const EventHandler& onEvent);
   template <class Record>
   void subscribe(const Record& record, const EventHandler& onEvent) {

@@ -13,7 +13,7 @@
 namespace vell::outlines {
 
 struct OpenOptions {
-  /// Seconds to wait for the outline, by a clock that nobody sets.
+  /// Seconds to wait for the outline, by a monotonic clock.
   double timeout = 5;
   /// Called every 100 ms while waiting, with the seconds waited; may throw, which ends the waiting.
   std::function<void(double)> onPoll = {};

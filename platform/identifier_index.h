@@ -7,9 +7,9 @@
 
 namespace vell::platform {
 
-/// Which files hold which persistent identifier: what a desktop's search index is asked elsewhere. Kept by
-/// the application in its container, read by everyone, also while it is being written. A file has one
-/// identifier at most; an identifier may lead to several files (copies), and to files that are gone.
+/// Which files hold which persistent identifier, for systems without a search index. The application writes
+/// it in its container; any process can read it, even during a write. A file has one identifier at most; an
+/// identifier may lead to several files (copies), and to files that are gone.
 class IdentifierIndex {
  public:
   explicit IdentifierIndex(const std::string& directory = containerDirectory());

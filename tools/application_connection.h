@@ -35,7 +35,7 @@ class ApplicationConnection : public std::enable_shared_from_this<ApplicationCon
 
   void send(std::string_view bytes);
   void close();
-  /// Whether the application has left, also where the loop has not told yet.
+  /// Whether the application has closed the connection, even if the loop has not noticed yet.
   bool peerIsGone();
 
  private:

@@ -40,7 +40,7 @@ struct Position {
   }
 };
 
-/// Row references; an empty list is as good as none.
+/// Row references; an empty list means none, which is every row.
 struct RowRefs {
   static mcp::Value schema() { return mcp::schema::arrayOf(mcp::schema::string()); }
   static std::optional<std::vector<std::string>> decode(const mcp::Value& value) {

@@ -64,7 +64,7 @@ class VellIPC {
   Ticket nextTicket_ = 1;
   std::deque<Call> calls_;
   bool inFlight_ = false;           // whether the first of them is sent
-  std::optional<Outcome> outcome_;  // of that call, until the lines behind it are taken in
+  std::optional<Outcome> outcome_;  // of that call, until the lines that came with it are processed
 };
 
 }  // namespace vell::tools

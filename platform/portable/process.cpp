@@ -70,7 +70,7 @@ int highestDescriptor() {
 }
 
 /// Starts the executable with one argument in a session of its own, without this process's descriptors,
-/// signal settings or terminal; nobody has to wait for it.
+/// signal settings or terminal. The system collects it when it ends.
 void startDetached(const std::string& executable, const std::string& argument) {
   std::array<int, 2> ends{};
   if (::pipe2(ends.data(), O_CLOEXEC) != 0) fail(executable, errno);
