@@ -30,10 +30,14 @@ void DocumentsSubscription::onLine(json::Text line) {
   try {
     const auto event = ipc::Notification::parse(std::move(line));
     if (!event) return;
-    if (event->closesSubscription()) return onEnd();
+    if (event->closesSubscription()) {
+      reconcile({});
+      return subscribeAgain();
+    }
     const auto data = event->params().find("data");
     if (!data) return;
     reconcile(ipc::decodeOutlineSummaries(*data));
+    followed_ = true;
     delay_.reset();
   } catch (const std::exception&) {
     onEnd();
@@ -41,8 +45,13 @@ void DocumentsSubscription::onLine(json::Text line) {
 }
 
 void DocumentsSubscription::onEnd() {
+  if (!followed_) reconcile({});
+  subscribeAgain();
+}
+
+void DocumentsSubscription::subscribeAgain() {
   stop();
-  reconcile({});
+  followed_ = false;
   retry_.expires_after(delay_.next());
   retry_.async_wait([this](std::error_code cancelled) {
     if (!cancelled) start();

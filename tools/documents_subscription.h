@@ -12,8 +12,9 @@
 
 namespace vell::tools {
 
-/// Follows which outlines are open in the application, on a connection of its own. While the application is
-/// away no outline is open, and it asks again and again, ever more slowly.
+/// Follows which outlines are open in the application, on a connection of its own. When that ends it connects
+/// again, ever more slowly; a connection that is lost and made anew changes nothing by itself. No outline is
+/// open once the application has closed the subscription, or is still away when it connects again.
 class DocumentsSubscription {
  public:
   using ChangeHandler = std::function<void(const outlines::OutlineChanges& changes)>;
@@ -28,6 +29,7 @@ class DocumentsSubscription {
 
  private:
   void onLine(json::Text line);
+  void subscribeAgain();
   void onEnd();
   void reconcile(const std::vector<ipc::OutlineSummary>& open) { onChange_(tracker_.reconcile(open)); }
 
@@ -36,6 +38,7 @@ class DocumentsSubscription {
   ChangeHandler onChange_;
   outlines::OutlineTracker tracker_;
   outlines::RetryDelay delay_;
+  bool followed_ = false;  // whether this subscription has sent a list
   asio::steady_timer retry_;
   std::shared_ptr<ApplicationConnection> connection_;
 };

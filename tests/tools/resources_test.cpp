@@ -121,6 +121,45 @@ TEST_F(Resources, FollowTheOpenOutlines) {
   EXPECT_THAT(list(host), ElementsAre("Current Outline", "Saved"));
 }
 
+TEST_F(Resources, ThatStayOpenAreNotAnnouncedAgainAfterAHiccup) {
+  const std::string list = R"({"method":"event","params":{"kind":"documents","data":[)";
+  const std::vector<std::string> added = {"list_changed"};
+  const std::vector<std::string> goneAndBack = {"list_changed", "updated", "list_changed", "updated"};
+  struct Row {
+    const char* name;
+    FakeApplication::Reply behindTheList;  // how the first subscription ends
+    std::vector<std::string> notices;
+  };
+  const Row rows[] = {
+      {"connection lost", {"", true}, added},
+      {"no JSON", {"nonsense\n"}, added},
+      {"no list", {list + "5]}}\n"}, added},
+      {"refused", {"{\"error\":{\"code\":1,\"message\":\"no\"}}\n"}, added},
+      {"closed",
+       {R"({"method":"event","params":{"kind":"subscription.closed","data":{}}})"
+        "\n"},
+       goneAndBack},
+      {"closed, connection lost",
+       {R"({"method":"event","params":{"kind":"subscription.closed"}})"
+        "\n",
+        true},
+       goneAndBack},
+  };
+  for (const Row& row : rows) {
+    SCOPED_TRACE(row.name);
+    Host host;
+    host.initialize();
+    int subscriptions = 0;
+    FakeApplication application([&](const std::string&) -> FakeApplication::Reply {
+      if (++subscriptions > 1) return {list + summary("p1", "One") + "," + summary("p2", "Two") + "]}}\n"};
+      return {list + summary("p1", "One") + "]}}\n" + row.behindTheList.bytes, row.behindTheList.close};
+    });
+    expectNotices(host, {"list_changed", "updated"});
+    expectNotices(host, row.notices);
+    EXPECT_THAT(this->list(host), ElementsAre("Current Outline", "One", "Two"));
+  }
+}
+
 TEST_F(Resources, TemplatesAreListedAsTheyAreDeclared) {
   Host host;
   host.initialize();
