@@ -19,7 +19,7 @@ constexpr struct {
 } rows[] = {
     {"get-outlines", getOutlines},
     {"get-outline", getOutline},
-    {"mcp", mcpAnswered},
+    {"mcp-start", mcpStart},
     {"mcp-forwarded", mcpForwarded},
     {"path-parse", pathParse},
     // Last: it fills this process with memory, which the system counts for the programs started from it.

@@ -21,8 +21,6 @@ class McpContest {
   /// The calls per second where none waits for the answer to the one before.
   std::vector<double> pipelinedPerSecond(int calls, int rounds) const;
 
-  const McpSession& session(std::size_t server) const { return *sessions_[server]; }
-
  private:
   std::string line(int id) const;
 

@@ -124,14 +124,6 @@ void McpSession::exchangeAll(const std::string& lines, std::size_t count) {
   fcntl(toServer_, F_SETFL, flags);
 }
 
-double McpSession::residentBytes() const {
-  FILE* listing = popen(("ps -o rss= -p " + std::to_string(process_)).c_str(), "r");
-  long kilobytes = 0;
-  if (listing == nullptr || std::fscanf(listing, "%ld", &kilobytes) != 1) throw std::runtime_error("no ps");
-  pclose(listing);
-  return static_cast<double>(kilobytes) * 1024;
-}
-
 double secondsToInitialize(const Command& command) {
   std::optional<McpSession> session;
   return secondsFor(1, [&] { session.emplace(command).initialize(); });

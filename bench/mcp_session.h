@@ -23,7 +23,6 @@ class McpSession {
   std::string_view exchange(std::string_view request);
   /// Sends that many lines as fast as they are taken; returns when as many have come back.
   void exchangeAll(const std::string& lines, std::size_t count);
-  double residentBytes() const;
 
  private:
   std::string_view receive();

@@ -44,15 +44,6 @@ Cost run(const Command& command, const std::string& output) {
   return {taken.count(), static_cast<double>(usage.ru_maxrss) * 1024};
 }
 
-bool isInstalled(const std::string& program) {
-  try {
-    run({"sh", "-c", "command -v " + program});
-    return true;
-  } catch (const std::runtime_error&) {
-    return false;
-  }
-}
-
 Background::Background(const Command& command) : process_(start(command, "/dev/null")) {}
 
 Background::Background(Background&& other) noexcept : process_(std::exchange(other.process_, 0)) {}

@@ -21,9 +21,6 @@ struct Cost {
 /// 0.
 Cost run(const Command& command, const std::string& output = "/dev/null");
 
-/// Whether PATH has such a program.
-bool isInstalled(const std::string& program);
-
 /// A program that runs beside the measured ones and is killed at the end of its scope.
 class Background {
  public:

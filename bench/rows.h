@@ -7,7 +7,7 @@ namespace vell::bench {
 // One function a row, each in a file of its own in rows/: it measures and adds lines to the table.
 void getOutlines(Table& table);
 void getOutline(Table& table);
-void mcpAnswered(Table& table);
+void mcpStart(Table& table);
 void mcpForwarded(Table& table);
 void pathParse(Table& table);
 void pathEvaluate(Table& table);

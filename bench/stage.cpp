@@ -16,8 +16,8 @@ Command vell(const Command& arguments) {
 
 std::string program(const std::string& name) { return std::string(VELL_BENCH_PROGRAMS) + "/" + name; }
 
-Command sdkServer(const std::string& resultFile, const std::string& socket) {
-  return {"node", "--no-warnings", VELL_BENCH_SDK_SERVER, VELL_MCP_SDK, resultFile, socket};
+Command sdkServer(const std::string& socket) {
+  return {"node", "--no-warnings", VELL_BENCH_SDK_SERVER, VELL_MCP_SDK, socket};
 }
 
 Stage::Stage() : directory_((std::filesystem::temp_directory_path() / "vell-bench-XXXXXX").string()) {

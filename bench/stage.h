@@ -9,8 +9,8 @@ namespace vell::bench {
 /// The `vell` that is measured, and the small programs beside it.
 Command vell(const Command& arguments);
 std::string program(const std::string& name);
-/// An MCP server on the official TypeScript SDK that answers with a file's result or forwards to a socket.
-Command sdkServer(const std::string& resultFile, const std::string& socket);
+/// An MCP server on the official TypeScript SDK that forwards to a socket.
+Command sdkServer(const std::string& socket);
 
 /// A directory of its own that HOME names while it lives; removed with all its files at the end.
 class Stage {

@@ -1,7 +1,5 @@
 /* An MCP server that does the least: plain reads and writes, one request after the other.
-   usage: mcp_peer canned FILE      answers every request with the result in FILE
-          mcp_peer forward SOCKET   asks the application; its result becomes a tool's text
-          mcp_peer relay SOCKET     asks the application; its result goes out as it came */
+   usage: mcp_peer [SOCKET]   (asks the application there; its result becomes a tool's text) */
 
 #define _GNU_SOURCE
 #include <stdio.h>
@@ -18,9 +16,8 @@ struct buffer {
   size_t size, room;
 };
 
-static struct buffer canned, response, output;
+static struct buffer response, output;
 static int application = -1;
-static int escapes;
 
 static void die(const char *what) {
   perror(what);
@@ -43,7 +40,7 @@ static void put(struct buffer *to, const char *bytes, size_t count) {
 
 static void put_text(struct buffer *to, const char *text) { put(to, text, strlen(text)); }
 
-/* Takes in what the next read gives; 0 at the end of the input. */
+/* Appends what the next read gives; 0 at the end of the input. */
 static size_t fill(struct buffer *from, int descriptor) {
   const ssize_t count = read(descriptor, room_for(from, chunk), chunk);
   if (count < 0) die("read");
@@ -80,7 +77,6 @@ static void put_forwarded(void) {
   const char *result = memmem(response.bytes, response.size, "\"result\":", 9);
   if (result == NULL) die("result");
   const size_t size = (size_t)(response.bytes + response.size - 2 - (result + 9));
-  if (!escapes) return put(&output, result + 9, size);
   put_text(&output, "{\"content\":[{\"text\":\"");
   put_escaped(&output, result + 9, size);
   put_text(&output, "\",\"type\":\"text\"}]}");
@@ -97,10 +93,8 @@ static void answer(const char *line, size_t size) {
   put_text(&output, ",\"jsonrpc\":\"2.0\",\"result\":");
   if (memmem(line, size, "\"method\":\"initialize\"", 21) != NULL) {
     put_text(&output, welcome);
-  } else if (application >= 0) {
-    put_forwarded();
   } else {
-    put(&output, canned.bytes, canned.size);
+    put_forwarded();
   }
   put_text(&output, "}\n");
 }
@@ -110,33 +104,25 @@ static void flush_output(void) {
   output.size = 0;
 }
 
-/* Answers the whole lines of the input and keeps what is left. Canned answers go out together; no answer is held
-   back while the application is asked for the next. */
+/* Answers the whole lines of the input, each at once, and keeps what is left. */
 static void answer_lines(struct buffer *input) {
   char *line = input->bytes, *feed;
   while ((feed = memchr(line, '\n', (size_t)(input->bytes + input->size - line))) != NULL) {
     answer(line, (size_t)(feed - line));
     line = feed + 1;
-    if (application >= 0 || output.size >= chunk) flush_output();
+    flush_output();
   }
-  flush_output();
   input->size -= (size_t)(line - input->bytes);
   memmove(input->bytes, line, input->size);
 }
 
 int main(int count, char **arguments) {
-  if (count != 3) return 64;
-  if (strcmp(arguments[1], "canned") == 0) {
-    FILE *file = fopen(arguments[2], "rb");
-    if (file == NULL) die(arguments[2]);
-    while (fill(&canned, fileno(file)) > 0) continue;
-    fclose(file);
-  } else {
+  if (count > 2) return 64;
+  if (count == 2) {
     struct sockaddr_un address = {.sun_family = AF_UNIX};
-    strncpy(address.sun_path, arguments[2], sizeof address.sun_path - 1);
+    strncpy(address.sun_path, arguments[1], sizeof address.sun_path - 1);
     application = socket(AF_UNIX, SOCK_STREAM, 0);
-    if (connect(application, (struct sockaddr *)&address, sizeof address) != 0) die(arguments[2]);
-    escapes = strcmp(arguments[1], "forward") == 0;
+    if (connect(application, (struct sockaddr *)&address, sizeof address) != 0) die(arguments[1]);
   }
   struct buffer input = {NULL, 0, 0};
   while (fill(&input, STDIN_FILENO) > 0) answer_lines(&input);

@@ -1,17 +1,14 @@
-// The same as a server on the official TypeScript SDK: a tool that answers at once and one that asks the application.
-// usage: node sdk_server.mjs MODULES RESULT SOCKET   (MODULES: where the SDK is installed, RESULT: a file)
-import { readFileSync } from 'node:fs';
+// A server on the official TypeScript SDK whose tools ask the application.
+// usage: node sdk_server.mjs MODULES SOCKET   (MODULES: where the SDK is installed)
 import { createRequire } from 'node:module';
 import { connect } from 'node:net';
 import { createInterface } from 'node:readline';
 
-const [modules, resultFile, socketPath] = process.argv.slice(2);
+const [modules, socketPath] = process.argv.slice(2);
 const require = createRequire(`${modules}/package.json`);
 const { McpServer } = require('@modelcontextprotocol/sdk/server/mcp.js');
 const { StdioServerTransport } = require('@modelcontextprotocol/sdk/server/stdio.js');
-const { z } = require('zod');
 
-const result = JSON.parse(readFileSync(resultFile, 'utf8'));
 const waiting = [];
 let application;
 
@@ -32,7 +29,6 @@ async function forward(method) {
 
 process.stdin.on('end', () => process.exit());  // an open socket would keep it
 const server = new McpServer({ name: 'peer', version: '1' });
-server.registerTool('vell_outline_path_check', { inputSchema: { path: z.string().optional() } }, async () => result);
 server.registerTool('vell_get_outlines', {}, () => forward('outline.list'));
 server.registerTool('vell_get_outline', {}, () => forward('outline.get'));
 await server.connect(new StdioServerTransport());

@@ -25,13 +25,11 @@ void measure(Table& table, std::size_t megabytes, int rounds) {
   };
   const auto times = medians({{"vell", ours},
                               {"jq -S", process({"jq", "-S", ".", answer}), 2},
-                              {"nlohmann-json", process({program("nlohmann_rewrite"), answer}), 2},
                               {"cp", process({"cp", answer, stage.path("copy")})}},
                              rounds);
   const std::string work = "get outline, " + std::to_string(megabytes) + " MB, keys shuffled";
   table.add({work, times[0], "jq -S", times[1], atLeast(10)});
-  table.add({work, times[0], "nlohmann-json parse and dump", times[2], {}});
-  table.add({work, times[0], "cp of the answer", times[3], atMost(7)});
+  table.add({work, times[0], "cp of the answer", times[2], atMost(7)});
   table.add({"  its peak memory", peak, "size of the answer (peak memory)", bytes, atMost(2.5), Unit::bytes});
 }
 
