@@ -10,7 +10,8 @@ set_target_properties(vell-headless PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VELL_B
 # mathematics of which the schema validator needs one function, and moving the program to a random address, a tenth
 # each; further segments, a page fault or two.
 target_link_options(vell PRIVATE ${VELL_LTO_LINK})
-if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT VELL_SANITIZE)
+# A runtime that a library needs all the same must be the only one in the process.
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT VELL_SANITIZE AND NOT VELL_SHARED_RUNTIME)
   target_link_options(vell PRIVATE -static-libstdc++ -static-libgcc -Wl,-z,noseparate-code -Wl,--gc-sections -Wl,--as-needed)
   target_link_libraries(vell_mcp PRIVATE $<$<CONFIG:Release>:-l:libm.a>)
 endif()
