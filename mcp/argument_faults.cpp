@@ -65,7 +65,7 @@ bool accepts(const Value& schema, const char* type) {
   return typeOf(schema) == type;
 }
 
-/// The value that a string spells out as JSON; null for one that spells none.
+/// The value of a string that holds JSON text; null for other strings.
 Value spelledOut(const std::string& text) {
   try {
     return decode(text);
@@ -74,7 +74,7 @@ Value spelledOut(const std::string& text) {
   }
 }
 
-/// What to write instead, where that can be told; in brackets with a blank before.
+/// What to write instead, where that is known; begins with a blank or a colon.
 std::string repair(const Value& schema, const Value& value) {
   if (schema.find("enum")) return "";
   const bool isScalar = value.boolean() || value.integer() || value.number();

@@ -26,8 +26,8 @@ class ArgumentValidator {
   std::unique_ptr<Compiled> compiled_;
 };
 
-/// Says of arguments that do not fit an object schema what is wrong with each, one fault a line: its place,
-/// what was expected, what was there, what to write instead. Empty where it finds no fault.
+/// Describes what is wrong with arguments that do not fit an object schema, one fault a line: its place, what
+/// was expected, what was there, what to write instead. Empty where there is no fault.
 /// Knows the keywords of schema.h.
 std::string explainFaults(const Value& schema, const Value& arguments);
 

@@ -5,8 +5,7 @@
 
 namespace vell::mcp {
 
-/// Tells when a list has changed: at once, or once at the end of a batch of changes, and then only if there
-/// was one.
+/// Calls back when a list has changed: at once, or once at the end of a batch of changes.
 class ChangeNotice {
  public:
   /// Holds the notice back while it lives.

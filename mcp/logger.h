@@ -33,8 +33,8 @@ class LogSink {
   virtual void write(const LogEntry& entry) = 0;
 };
 
-/// Warnings and worse go to standard error; an entry that would have to wait for its reader is dropped,
-/// for many a host never reads it.
+/// Writes warnings and worse to standard error. Many hosts never read it: an entry that would have to wait
+/// for the reader is dropped.
 std::shared_ptr<LogSink> standardErrorSink();
 
 /// A labelled way to a sink; cheap to copy.
@@ -43,7 +43,7 @@ class Logger {
   explicit Logger(std::string label, std::shared_ptr<LogSink> sink = standardErrorSink())
       : label_(std::move(label)), sink_(std::move(sink)) {}
 
-  /// To spare the making of an entry that nobody reads.
+  /// Whether somebody reads entries of that level.
   bool accepts(LogLevel level) const { return sink_->accepts(level); }
   void log(LogLevel level, std::string_view message, const LogMetadata& metadata = {}) const {
     if (accepts(level)) sink_->write({level, label_, message, metadata});

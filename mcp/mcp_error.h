@@ -44,7 +44,7 @@ class MCPError : public std::exception {
   static MCPError connectionClosed() { return {Kind::connectionClosed, {}}; }
   static MCPError sessionExpired() { return {Kind::sessionExpired, {}}; }
 
-  /// The error that an error object stands for; a code of no kind above gives a server error.
+  /// The error of an error object; a code that no kind has gives a server error.
   static MCPError fromError(int code, std::string message, std::optional<Value> data = {});
 
   Kind kind() const { return kind_; }

@@ -28,24 +28,24 @@ Value::Object withoutNulls(Value::Object arguments) {
 
 MCPServer::MCPServer(ServerInfo info, std::optional<ServerCapabilities> capabilities, Logger logger)
     : info_(std::move(info)), capabilities_(capabilities), logger_(std::move(logger)) {
-  tools_.notice().onChanged(
+  toolRegistry_.notice().onChanged(
       [this] { forEachSession([](Server& session) { session.sendToolListChanged(); }); });
-  resources_.notice().onChanged(
+  resourceRegistry_.notice().onChanged(
       [this] { forEachSession([](Server& session) { session.sendResourceListChanged(); }); });
 }
 
 void MCPServer::registerTool(const std::shared_ptr<Tool>& tool) {
   validateAndWarnToolName(tool->definition().name, logger_);
-  tools_.add(tool);
+  toolRegistry_.add(tool);
 }
 
 void MCPServer::registerResource(std::string uri, ResourceDescription description, ResourceReader reader) {
-  resources_.add(std::move(uri), std::move(description), std::move(reader));
+  resourceRegistry_.add(std::move(uri), std::move(description), std::move(reader));
 }
 
 void MCPServer::registerResourceTemplate(std::string uriTemplate, ResourceDescription description,
                                          ResourceReader reader) {
-  resources_.addTemplate(std::move(uriTemplate), std::move(description), std::move(reader));
+  resourceRegistry_.addTemplate(std::move(uriTemplate), std::move(description), std::move(reader));
 }
 
 ServerCapabilities MCPServer::capabilities() const {
@@ -80,13 +80,13 @@ void MCPServer::bindMethods(Server& session) {
 }
 
 void MCPServer::listTools(const std::optional<Value>& params, const RequestContextPtr& request) {
-  answerList(params, request, "tools", tools_.list());
+  answerList(params, request, "tools", toolRegistry_.list());
 }
 
 void MCPServer::callTool(const std::optional<Value>& params, const RequestContextPtr& request) {
   const Params reader(params, requiredParams);
   const std::string name = reader.text("name");
-  ToolRegistry::Entry* entry = tools_.find(name);
+  ToolRegistry::Entry* entry = toolRegistry_.find(name);
   if (!entry) throw MCPError::invalidParams("Unknown tool: " + name);
   const Value arguments = withoutNulls(reader.optionalObject("arguments"));
   const auto call = std::make_shared<ToolCall>(entry->tool, request);
@@ -100,16 +100,16 @@ void MCPServer::callTool(const std::optional<Value>& params, const RequestContex
 }
 
 void MCPServer::listResources(const std::optional<Value>& params, const RequestContextPtr& request) {
-  answerList(params, request, "resources", resources_.list());
+  answerList(params, request, "resources", resourceRegistry_.list());
 }
 
 void MCPServer::listResourceTemplates(const std::optional<Value>& params, const RequestContextPtr& request) {
-  answerList(params, request, "resourceTemplates", resources_.listTemplates());
+  answerList(params, request, "resourceTemplates", resourceRegistry_.listTemplates());
 }
 
 void MCPServer::readResource(const std::optional<Value>& params, const RequestContextPtr& request) {
   const std::string uri = Params(params, requiredParams).text("uri");
-  auto found = resources_.find(uri);
+  auto found = resourceRegistry_.find(uri);
   if (!found) throw MCPError::resourceNotFound(uri);
   const auto read = std::make_shared<ResourceRead>(uri, std::move(found->second), request);
   try {

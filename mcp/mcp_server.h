@@ -13,8 +13,8 @@
 
 namespace vell::mcp {
 
-/// What a program configures: who it is, its tools and its resources. It answers the methods that list, call
-/// and read them, in one session per transport, and tells every session when a list changes.
+/// The server that a program configures with its name, tools and resources. It answers the methods that list,
+/// call and read them, in one session per transport, and notifies every session when a list changes.
 class MCPServer {
  public:
   /// Without capabilities a session offers logging and what is registered when it begins.
@@ -29,10 +29,10 @@ class MCPServer {
   void registerResourceTemplate(std::string uriTemplate, ResourceDescription description,
                                 ResourceReader reader);
 
-  ToolRegistry& tools() { return tools_; }
-  ResourceRegistry& resources() { return resources_; }
-  bool hasTools() const { return !tools_.empty(); }
-  bool hasResources() const { return !resources_.empty(); }
+  ToolRegistry& toolRegistry() { return toolRegistry_; }
+  ResourceRegistry& resourceRegistry() { return resourceRegistry_; }
+  bool hasTools() const { return !toolRegistry_.empty(); }
+  bool hasResources() const { return !resourceRegistry_.empty(); }
   bool hasPrompts() const { return false; }
 
   /// Begins a session on the transport. Server and transport must outlive it. Throws what connecting throws.
@@ -57,8 +57,8 @@ class MCPServer {
   ServerInfo info_;
   std::optional<ServerCapabilities> capabilities_;
   Logger logger_;
-  ToolRegistry tools_;
-  ResourceRegistry resources_;
+  ToolRegistry toolRegistry_;
+  ResourceRegistry resourceRegistry_;
   std::vector<std::weak_ptr<Server>> sessions_;
 };
 

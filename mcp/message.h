@@ -55,12 +55,12 @@ struct Notification {
   std::optional<Value> params;
 };
 
-/// The client's answer to a request. The server makes none, so nobody reads what was answered.
+/// The client's answer to a request. The server sends no requests, so nobody reads its result.
 struct Response {
   RequestId id;
 };
 
-/// What is no message, and the error that says why; with the identifier where it has a good one.
+/// JSON that is not a valid message, and the error to answer; with the identifier where it has a valid one.
 struct InvalidMessage {
   std::optional<RequestId> id;
   MCPError error;
@@ -72,7 +72,7 @@ Message decodeMessage(const json::Node& node);
 
 /// Each on one line, without line feed.
 std::string encodeResult(const RequestId& id, Value result);
-/// Without an identifier `id` is null: the request could not be told.
+/// Without an identifier `id` is null.
 std::string encodeError(const std::optional<RequestId>& id, const MCPError& error);
 std::string encodeNotification(const std::string& method, const std::optional<Value>& params);
 

@@ -13,8 +13,8 @@
 
 namespace vell::mcp {
 
-/// How arguments of a type look: `static Value schema()` says what fits, `static T decode(const Value&)`
-/// reads a value that fits. Specialise it, or write a type of the same shape, for types of your own.
+/// The JSON form of an argument of type T: `static Value schema()` describes it, `static T decode(const
+/// Value&)` reads a value that fits. Specialise it, or write a type of the same shape, for your own types.
 template <class T>
 struct Argument;
 
@@ -56,8 +56,8 @@ struct Argument<std::map<std::string, std::optional<T>>> {
   }
 };
 
-/// The parameters of a tool that fill a record. One declaration of each (name, field, description) drives
-/// the schema, and with it the messages, and the decoding.
+/// The parameters of a tool, which fill a record. One declaration of each (name, field, description) drives
+/// the schema, the messages about faults and the decoding.
 template <class Record>
 class Parameters {
  public:

@@ -8,7 +8,7 @@
 
 namespace vell::mcp {
 
-/// Reads a method's params. What does not fit throws MCPError::invalidParams.
+/// Reads a method's params. Throws MCPError::invalidParams for params that do not fit.
 class Params {
  public:
   enum class Presence { required, optional };

@@ -12,11 +12,11 @@ namespace vell::mcp {
 
 class Server;
 
-/// One request in flight, shared by whoever works on it. It is answered exactly once or, cancelled, never;
-/// when its last holder lets go of it unanswered, it answers with an internal error.
+/// One request in flight, shared by all who work on it. It is answered exactly once or, when cancelled,
+/// never. If it is destroyed unanswered, it answers with an internal error.
 class RequestContext {
  public:
-  /// What goes back: the response as a line, or none for a cancelled request.
+  /// Sends the response, a line; none for a cancelled request.
   using Deliver = std::function<void(std::optional<std::string> response)>;
 
   RequestContext(std::weak_ptr<Server> server, RequestId id, const std::optional<Value>& params,
@@ -39,13 +39,13 @@ class RequestContext {
 
   void succeed(Value result);
   void fail(const MCPError& error);
-  /// An MCPError goes out as it is; of any other failure the client learns nothing.
+  /// An MCPError is sent as it is; any other failure as an internal error without its text.
   void fail(const std::exception_ptr& failure);
 
  private:
   friend class Server;
   void cancel();
-  /// Throws where the server is gone.
+  /// Throws where the server no longer exists.
   std::shared_ptr<Server> server() const;
   bool mayAnswer(const char* suppressed);
   void answer(std::string response);

@@ -33,7 +33,7 @@ struct ResourceContents {
   Value toValue() &&;
 };
 
-/// One read of a resource; whoever works on it holds it.
+/// One read of a resource, shared by all who work on it.
 class ResourceRead {
  public:
   ResourceRead(std::string uri, UriTemplate::Variables variables, RequestContextPtr request)
@@ -44,7 +44,7 @@ class ResourceRead {
   RequestContext& request() const { return *request_; }
 
   void answer(ResourceContents contents);
-  /// The client learns the URI and the description.
+  /// The error names the URI and the description.
   void fail(const std::string& description);
 
  private:
@@ -54,16 +54,16 @@ class ResourceRead {
 };
 
 using ResourceReadPtr = std::shared_ptr<ResourceRead>;
-/// Answers the read, now or later; what it throws fails it.
+/// Answers the read, now or later; an exception makes the read fail.
 using ResourceReader = std::function<void(const ResourceReadPtr& read)>;
 
 /// The resources and resource templates in the order in which they were added.
 class ResourceRegistry {
  public:
-  /// Takes the place of a resource of the same URI.
+  /// Replaces a resource of the same URI.
   void add(std::string uri, ResourceDescription description, ResourceReader reader);
   void addTemplate(std::string uriTemplate, ResourceDescription description, ResourceReader reader);
-  /// False where there is none of that URI.
+  /// False where no resource has that URI.
   bool remove(std::string_view uri);
 
   /// The reader for a URI with the template's variables: the resource of that URI, else the first template

@@ -21,11 +21,11 @@ namespace vell::mcp {
 /// hands every other message to the handler registered for its method. All on the thread of its transport.
 class Server : public std::enable_shared_from_this<Server> {
  public:
-  /// Answers through the context, now or later; what it throws becomes the error response.
+  /// Answers through the context, now or later; an exception becomes the error response.
   using RequestHandler =
       std::function<void(const std::optional<Value>& params, const RequestContextPtr& context)>;
   using NotificationHandler = std::function<void(const std::optional<Value>& params)>;
-  /// Runs before the session counts as initialized; what it throws fails the `initialize`.
+  /// Runs before the session counts as initialized; an exception fails the `initialize`.
   using InitializeHook = std::function<void(const Value& clientInfo, const Value& clientCapabilities)>;
 
   /// Throws std::logic_error where the configuration supports no version.
@@ -37,7 +37,7 @@ class Server : public std::enable_shared_from_this<Server> {
   void withFallbackHandler(std::function<void(const Request&, const RequestContextPtr&)> handler);
   void onNotification(const std::string& method, NotificationHandler handler);
 
-  /// Throws what connecting throws.
+  /// Throws what Transport::connect throws.
   void start(Transport& transport, InitializeHook hook = nullptr);
   /// Ends the session: the transport is disconnected, requests in flight are cancelled.
   void stop();
@@ -45,7 +45,7 @@ class Server : public std::enable_shared_from_this<Server> {
   void onInputEnded(std::function<void(std::error_code)> callback) { onInputEnded_ = std::move(callback); }
   /// Calls back when no request is in flight and all answers are written, or the session has ended.
   void whenIdle(std::function<void()> callback);
-  /// What keeps the session from being idle: it grows less as requests are answered and answers are written.
+  /// Requests in flight plus bytes not written yet: it shrinks as long as the session makes progress.
   std::size_t unfinished() const;
 
   bool isInitialized() const { return protocolVersion_.has_value(); }
@@ -53,7 +53,7 @@ class Server : public std::enable_shared_from_this<Server> {
   const Value& clientInfo() const { return clientInfo_; }
   const Value& clientCapabilities() const { return clientCapabilities_; }
 
-  /// Notices are held back until the client is ready for them, equal ones only once.
+  /// Sends a notification. Before the client is ready for it, it is kept; equal ones are kept once.
   void notify(const std::string& method, const std::optional<Value>& params = {});
   void sendToolListChanged() { notify("notifications/tools/list_changed"); }
   void sendResourceListChanged() { notify("notifications/resources/list_changed"); }
@@ -108,7 +108,7 @@ class Server : public std::enable_shared_from_this<Server> {
   std::optional<LogLevel> clientLevel_;  // none until the client sets one: it gets no log messages
   bool ready_ = false;
   std::vector<std::string> heldBack_;
-  /// Several where a client uses an identifier again before its answer.
+  /// A client may use an identifier again before its answer: then it has several entries.
   std::unordered_multimap<RequestId, RequestContext*> inFlight_;
 };
 

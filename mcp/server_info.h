@@ -16,7 +16,7 @@ struct Version {
   static constexpr const char* v2024_11_05 = "2024-11-05";
 
   static constexpr const char* latest = v2025_11_25;
-  /// Assumed for a peer that has not stated one; on purpose not the latest.
+  /// Assumed for a peer that states none; deliberately not the latest.
   static constexpr const char* defaultNegotiated = v2025_03_26;
 
   /// Newest first.

@@ -47,7 +47,7 @@ std::error_code standardError(std::error_code error) {
 
 }  // namespace
 
-/// What lives from connect to disconnect; the loop's callbacks share it.
+/// The state from connect to disconnect, shared with the callbacks of the event loop.
 class StdioTransport::Connection : public std::enable_shared_from_this<Connection> {
  public:
   Connection(asio::io_context& loop, int input, int output, const Logger& logger, Receiver receiver)
@@ -87,7 +87,7 @@ class StdioTransport::Connection : public std::enable_shared_from_this<Connectio
     std::error_code ignored;
     input_.close(ignored);
     output_.close(ignored);
-    outputFlags_.reset();  // in reverse: both may be one file, and the first taken flags are the true ones
+    outputFlags_.reset();  // in reverse order: both may be one file, whose original flags were read first
     inputFlags_.reset();
     runDrained();
     const auto onEnd = std::move(receiver_.onEnd);

@@ -48,7 +48,7 @@ void check(const Value& block);
 
 }  // namespace content
 
-/// The outcome of a call, a failure that the model can read included.
+/// The result of a call; also of a failed one, with a text that the model can read.
 struct CallToolResult {
   std::vector<Value> content;  // content blocks
   std::optional<Value> structuredContent = {};
@@ -61,7 +61,7 @@ struct CallToolResult {
 
 class Tool;
 
-/// One call of a tool; whoever works on it holds it, and with it the tool.
+/// One call of a tool, shared by all who work on it. It keeps the tool alive.
 class ToolCall {
  public:
   ToolCall(std::shared_ptr<Tool> tool, RequestContextPtr request)
@@ -86,7 +86,7 @@ class Tool {
   virtual ~Tool() = default;
   virtual const ToolDefinition& definition() const = 0;
   /// Answers the call, now or later. The arguments satisfy the input schema and hold no null at the top.
-  /// What it throws becomes a result that says so.
+  /// An exception becomes a result with `isError` and its text.
   virtual void call(const Value::Object& arguments, const ToolCallPtr& call) = 0;
 };
 

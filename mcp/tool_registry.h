@@ -12,7 +12,7 @@
 
 namespace vell::mcp {
 
-/// What is wrong with a tool's name, one finding a text; empty for a good name.
+/// The findings about a tool's name; none for a good one.
 std::vector<std::string> validateToolName(std::string_view name);
 
 /// Logs them as one warning. They never keep a tool from being registered.
@@ -26,9 +26,9 @@ class ToolRegistry {
     ArgumentValidator validator;
   };
 
-  /// Takes the place of a tool of the same name.
+  /// Replaces a tool of the same name.
   void add(const std::shared_ptr<Tool>& tool);
-  /// False where there is none of that name.
+  /// False where no tool has that name.
   bool remove(std::string_view name);
   /// Valid until the next change.
   Entry* find(std::string_view name);

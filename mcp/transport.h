@@ -11,7 +11,7 @@
 
 namespace vell::mcp {
 
-/// Carries whole messages, each a run of bytes without line feed, and knows nothing of what they say.
+/// Carries whole messages, each a run of bytes without line feed, whatever their content.
 /// Everything happens on one thread.
 class Transport {
  public:
@@ -26,11 +26,11 @@ class Transport {
   virtual const Logger& logger() const = 0;
   /// Starts receiving; does nothing when connected. Throws std::system_error and stays disconnected.
   virtual void connect(Receiver receiver) = 0;
-  /// What was sent is written before, as far as the peer takes it at once.
+  /// Writes what was sent before, as far as that is possible without waiting.
   virtual void disconnect() = 0;
   /// Messages arrive whole and in the order in which they were sent. Throws std::system_error (ENOTCONN).
   virtual void send(std::string message) = 0;
-  /// Calls back once all that was sent is written, at once where it is.
+  /// Calls back when everything sent is written; at once where it is.
   virtual void whenWritten(std::function<void()> callback) = 0;
   /// Bytes that were sent and not written yet.
   virtual std::size_t unwritten() const = 0;

@@ -32,8 +32,7 @@ std::string takeVariable(std::string_view& rest) {
   return name;
 }
 
-/// The end of a value that starts at the front of `rest`: before the literal behind it, or where the URI
-/// ends.
+/// The end of the value at the front of `rest`: before the literal behind it, or at the end of the URI.
 std::size_t endOfValue(std::string_view rest, const std::string& literalBehind, bool last) {
   if (!literalBehind.empty() && !last) return rest.find(literalBehind);
   if (rest.size() < literalBehind.size()) return std::string_view::npos;

@@ -61,8 +61,8 @@ class Value {
   Array* array() { return std::get_if<Array>(&content_); }
   Object* object() { return std::get_if<Object>(&content_); }
 
-  /// The integer that a number stands for: 3, and 3.0 where a double tells it from its neighbours; none for
-  /// other numbers and kinds.
+  /// The integer of a whole number: 3 and 3.0. None for other kinds, fractions and doubles from 2^53 on,
+  /// which stand for several integers.
   std::optional<std::int64_t> asInteger() const;
 
   /// An object's member of that name; null for other kinds and other names.

@@ -105,8 +105,8 @@ void registerResources(mcp::MCPServer& server, const Services& services) {
 
 void applyChanges(mcp::MCPServer& server, const Services& services, const outlines::OutlineChanges& changes) {
   {
-    const mcp::ChangeNotice::Batch batch(server.resources().notice());
-    for (const std::string& uri : changes.removedURIs) server.resources().remove(uri);
+    const mcp::ChangeNotice::Batch batch(server.resourceRegistry().notice());
+    for (const std::string& uri : changes.removedURIs) server.resourceRegistry().remove(uri);
     for (const auto& outline : changes.added) registerOpenOutline(server, services, outline);
   }
   if (changes.frontmost) server.sendResourceUpdated(currentOutlineURI);

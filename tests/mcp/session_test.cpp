@@ -171,15 +171,15 @@ TEST_F(Session, HoldsNoticesBackUntilTheClientIsReady) {
   addTool("b", nullptr);
   EXPECT_THAT(ask(R"({"jsonrpc":"2.0","id":1,"method":"ping"})"),
               ElementsAre(changed, HasSubstr(R"("result":{})")));
-  server.tools().remove("a");
+  server.toolRegistry().remove("a");
   EXPECT_THAT(transport.take(), ElementsAre(changed));
   {
-    const ChangeNotice::Batch batch(server.tools().notice());
-    server.tools().remove("b");
+    const ChangeNotice::Batch batch(server.toolRegistry().notice());
+    server.toolRegistry().remove("b");
     addTool("c", nullptr);
   }
   EXPECT_THAT(transport.take(), ElementsAre(changed));
-  EXPECT_FALSE(server.tools().remove("b"));
+  EXPECT_FALSE(server.toolRegistry().remove("b"));
   EXPECT_THAT(transport.take(), IsEmpty());
 }
 
