@@ -2,6 +2,18 @@
 
 namespace vell::document {
 
+std::string_view name(RowType type) {
+  constexpr std::string_view names[] = {"body", "heading", "task",    "note",      "quote",
+                                        "code", "hr",      "ordered", "unordered", "root"};
+  return names[static_cast<std::size_t>(type)];
+}
+
+std::optional<RowType> rowType(std::string_view wanted) {
+  for (const RowType type : rowTypes)
+    if (name(type) == wanted) return type;
+  return std::nullopt;
+}
+
 const Row* nextInOrder(const Row* row, const Row* top) {
   return row->firstChild() ? row->firstChild() : nextAfterSubtree(row, top);
 }

@@ -1,20 +1,34 @@
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "document/attributes.h"
-#include "document/row_type.h"
 #include "document/text.h"
 #include "document/timestamp.h"
 
 namespace vell::document {
 
+enum class RowType : std::uint8_t { body, heading, task, note, quote, code, hr, ordered, unordered, root };
+
+/// The types a row below the root can have, in the order in which messages list them.
+inline constexpr std::array rowTypes = {RowType::body, RowType::heading, RowType::task,
+                                        RowType::note, RowType::quote,   RowType::code,
+                                        RowType::hr,   RowType::ordered, RowType::unordered};
+
+/// "body", "heading", …
+std::string_view name(RowType type);
+/// The type of that name; none for unknown names and for "root".
+std::optional<RowType> rowType(std::string_view name);
+
 /// Names a row for the life of its outline; never given to a second row.
 using SessionId = std::uint32_t;
 
-/// One row, owned by its outline and changed through it only; its address is stable as long as the outline
-/// lives. A row taken out of the tree (and its subtree) keeps its content and ids so that it can be put back.
+/// One row. Its outline owns it and alone changes it; its address is stable as long as the outline lives. A
+/// row taken out of the tree keeps its subtree, content and ids so that it can be put back.
 class Row {
  public:
   Row() = default;
@@ -52,7 +66,7 @@ class Row {
  private:
   friend class Outline;
 
-  // What walks over the tree read comes first: one cache line.
+  // What a walk over the tree reads comes first: one cache line.
   Row* parent_ = nullptr;
   Row* firstChild_ = nullptr;
   Row* lastChild_ = nullptr;
