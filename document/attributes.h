@@ -2,7 +2,6 @@
 
 #include <cstddef>
 #include <initializer_list>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,19 +15,15 @@ struct Attribute {
   bool operator==(const Attribute&) const = default;
 };
 
-/// String keys with string values in a kept order. Eight bytes and no allocation while empty.
+/// String keys with string values in a kept order.
 class Attributes {
  public:
   Attributes() = default;
   Attributes(std::initializer_list<Attribute> entries);
-  Attributes(const Attributes& other);
-  Attributes(Attributes&&) noexcept = default;
-  Attributes& operator=(const Attributes& other);
-  Attributes& operator=(Attributes&&) noexcept = default;
 
-  bool empty() const { return !entries_; }
-  std::size_t size() const { return entries_ ? entries_->size() : 0; }
-  const Attribute* begin() const { return entries_ ? entries_->data() : nullptr; }
+  bool empty() const { return entries_.empty(); }
+  std::size_t size() const { return entries_.size(); }
+  const Attribute* begin() const { return entries_.data(); }
   const Attribute* end() const { return begin() + size(); }
 
   /// The value of the key, null where it is not set. Valid until the next change.
@@ -41,10 +36,10 @@ class Attributes {
   void sort();
 
   /// The same entries in the same order.
-  bool operator==(const Attributes& other) const;
+  bool operator==(const Attributes& other) const = default;
 
  private:
-  std::unique_ptr<std::vector<Attribute>> entries_;  ///< never holds an empty list
+  std::vector<Attribute> entries_;
 };
 
 }  // namespace vell::document

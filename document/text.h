@@ -1,7 +1,6 @@
 #pragma once
 
 #include <cstddef>
-#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -19,21 +18,17 @@ struct Run {
   bool operator==(const Run&) const = default;
 };
 
-/// A row's text: UTF-8 tiled by runs. Always in one canonical form: no run is empty and neighbours differ in
-/// style, so equal looks are equal values. Plain text costs a string and a null pointer.
+/// A row's text: UTF-8 tiled by runs, in canonical form: no run is empty and neighbours differ in style, so
+/// that equal looks are equal values.
 class Text {
  public:
   Text() = default;
   explicit Text(std::string plain) : string_(std::move(plain)) {}
   explicit Text(const std::vector<Run>& runs);
-  Text(const Text& other);
-  Text(Text&&) noexcept = default;
-  Text& operator=(const Text& other);
-  Text& operator=(Text&&) noexcept = default;
 
   const std::string& string() const { return string_; }
   bool empty() const { return string_.empty(); }
-  bool isPlain() const { return !spans_; }
+  bool isPlain() const { return spans_.empty(); }
   std::vector<Run> runs() const;
 
   void append(std::string_view string, Attributes attrs = {});
@@ -43,7 +38,7 @@ class Text {
   template <class Visit>
   void forEachRun(Visit&& visit) const;
 
-  bool operator==(const Text& other) const;
+  bool operator==(const Text& other) const = default;
 
  private:
   struct Span {
@@ -54,18 +49,18 @@ class Text {
   };
 
   std::string string_;
-  std::unique_ptr<std::vector<Span>> spans_;  ///< null when no run is styled
+  std::vector<Span> spans_;  ///< empty when no run is styled
 };
 
 template <class Visit>
 void Text::forEachRun(Visit&& visit) const {
   const std::string_view all = string_;
-  if (!spans_) {
+  if (isPlain()) {
     if (!all.empty()) visit(all, Attributes());
     return;
   }
   std::size_t offset = 0;
-  for (const Span& span : *spans_) {
+  for (const Span& span : spans_) {
     visit(all.substr(offset, span.length), span.attrs);
     offset += span.length;
   }
