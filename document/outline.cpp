@@ -1,50 +1,39 @@
 #include "document/outline.h"
 
-#include <array>
 #include <limits>
 #include <stdexcept>
 
 namespace vell::document {
-
-namespace {
-constexpr SessionId rowsPerChunk = 256;
-}
-
-struct Outline::Chunk {
-  std::array<Row, rowsPerChunk> rows;
-};
 
 Outline::Outline() {
   root_ = create(RowType::root, {}, 0);
   root_->inTree_ = true;
 }
 
-Outline::~Outline() = default;
-
-Row& Outline::slot(SessionId id) const {
-  return chunks_[(id - 1) / rowsPerChunk]->rows[(id - 1) % rowsPerChunk];
-}
-
 Row* Outline::find(SessionId id) {
-  if (id == 0 || id > lastId_) return nullptr;
-  Row& row = slot(id);
+  if (id == 0 || id > rows_.size()) return nullptr;
+  Row& row = rows_[id - 1];
   return row.inTree_ ? &row : nullptr;
 }
 
 const Row* Outline::find(SessionId id) const { return const_cast<Outline*>(this)->find(id); }
 
-Row* Outline::findPersistent(std::string_view id) { return persistentIds_.find(id); }
+Row* Outline::findPersistent(std::string_view id) {
+  const auto found = persistentIds_.find(id);
+  return found != persistentIds_.end() ? found->second : nullptr;
+}
 
-const Row* Outline::findPersistent(std::string_view id) const { return persistentIds_.find(id); }
+const Row* Outline::findPersistent(std::string_view id) const {
+  return const_cast<Outline*>(this)->findPersistent(id);
+}
 
-Row& Outline::mutableRow(const Row& row) { return slot(row.id_); }
+Row& Outline::mutableRow(const Row& row) { return rows_[row.id_ - 1]; }
 
 Row* Outline::create(RowType type, Text text, Timestamp created) {
-  if (lastId_ == std::numeric_limits<SessionId>::max())
+  if (rows_.size() == std::numeric_limits<SessionId>::max())
     throw std::length_error("the outline has used up its row ids");
-  if (lastId_ % rowsPerChunk == 0) chunks_.push_back(std::make_unique<Chunk>());
-  Row& row = slot(++lastId_);
-  row.id_ = lastId_;
+  Row& row = rows_.emplace_back();
+  row.id_ = static_cast<SessionId>(rows_.size());
   row.type_ = type;
   row.text_ = std::move(text);
   row.created_ = row.modified_ = created;
@@ -75,7 +64,8 @@ void Outline::enterTree(Row& top) {
     Row& row = mutableRow(*at);
     row.inTree_ = true;
     ++rowCount_;
-    if (!row.persistentId_.empty() && !persistentIds_.insert(row)) row.persistentId_.clear();
+    if (row.persistentId_.empty()) continue;
+    if (!persistentIds_.emplace(row.persistentId_, &row).second) row.persistentId_.clear();
   }
 }
 
@@ -84,7 +74,7 @@ void Outline::leaveTree(Row& top) {
     Row& row = mutableRow(*at);
     row.inTree_ = false;
     --rowCount_;
-    if (!row.persistentId_.empty()) persistentIds_.erase(row);
+    persistentIds_.erase(row.persistentId_);
   }
 }
 
@@ -119,9 +109,9 @@ void Outline::setAttributes(Row& row, Attributes attributes) {
 }
 
 void Outline::setPersistentId(Row& row, std::string_view id) {
-  if (row.inTree_ && !row.persistentId_.empty()) persistentIds_.erase(row);
+  if (row.inTree_) persistentIds_.erase(row.persistentId_);
   row.persistentId_ = id;
-  if (row.inTree_ && !id.empty()) persistentIds_.insert(row);
+  if (row.inTree_ && !id.empty()) persistentIds_.emplace(row.persistentId_, &row);
   ++revision_;
 }
 

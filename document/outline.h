@@ -1,12 +1,12 @@
 #pragma once
 
-#include <memory>
+#include <deque>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "document/row.h"
-#include "document/row_index.h"
 
 namespace vell::document {
 
@@ -17,13 +17,12 @@ namespace vell::document {
 ///   outline.insert(*milk, outline.root());           // last child of the root
 ///   for (const Row* row = outline.root().firstChild(); row; row = nextInOrder(row, &outline.root())) …
 ///
-/// These are the bare moves that readers use. What people and programs change afterwards goes through an
-/// Edit (headless/app/edit.h), which keeps the inverse of each move. Nothing here sets
-/// `modified`. Not safe for use by several threads at once, reading included (numbering is kept lazily).
+/// These are the bare operations that readers use; none of them sets `modified`. Later changes go through an
+/// Edit (headless/editing/edit.h), which records them for undo. Not safe for use by several threads at once,
+/// reading included (numbering is done when it is asked for).
 class Outline {
  public:
   Outline();
-  ~Outline();
   Outline(const Outline&) = delete;
   Outline& operator=(const Outline&) = delete;
 
@@ -58,7 +57,7 @@ class Outline {
   void insert(Row& row, Row& parent, Row* before = nullptr);
   /// Takes a row with its subtree out of the tree. The rows stay alive for as long as the outline does.
   void remove(Row& row);
-  /// Frees the content of a subtree that is outside the tree and will never come back.
+  /// Frees the content of a subtree that is outside the tree and cannot come back.
   void discard(Row& row);
 
   void setType(Row& row, RowType type);
@@ -68,8 +67,8 @@ class Outline {
   void setPersistentId(Row& row, std::string_view id);
   void setTimes(Row& row, Timestamp created, Timestamp modified);
 
-  /// Makes Row::order(), orderEnd(), index() and level() valid, and the two lists below. Free when the
-  /// structure has not changed since.
+  /// Makes Row::order(), orderEnd(), index() and level() valid, and the two lists below. Does nothing if the
+  /// structure has not changed since the last call.
   void number() const;
   /// All rows by their order, the root first; those below a row stand from its order() + 1 to its orderEnd().
   const std::vector<const Row*>& rowsInOrder() const { return rowsInOrder_; }
@@ -79,9 +78,6 @@ class Outline {
   std::uint64_t revision() const { return revision_; }
 
  private:
-  struct Chunk;
-
-  Row& slot(SessionId id) const;
   void enterTree(Row& top);
   void leaveTree(Row& top);
   void structureChanged();
@@ -89,11 +85,10 @@ class Outline {
   std::string persistentId_;
   Attributes frontMatter_;
   Timestamp created_ = 0;
-  std::vector<std::unique_ptr<Chunk>> chunks_;
-  SessionId lastId_ = 0;
+  std::deque<Row> rows_;  ///< all there ever were; a row's id is its index + 1
   Row* root_;
   std::size_t rowCount_ = 0;
-  RowIndex persistentIds_;  ///< of the rows in the tree
+  std::unordered_map<std::string_view, Row*> persistentIds_;  ///< of the rows in the tree
   std::uint64_t revision_ = 0;
   mutable bool numbered_ = false;
   mutable std::vector<const Row*> rowsInOrder_;
