@@ -3,7 +3,6 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-#include <array>
 #include <cerrno>
 
 #include "platform/socket.h"
@@ -16,25 +15,35 @@ bool wouldBlock(int error) { return error == EAGAIN || error == EWOULDBLOCK || e
 }  // namespace
 
 short Client::interest() const {
-  const bool reads = !ended_ && !lines_.hasLine() && backlog_ < backlogLimit;
+  const bool reads = !ended_ && !request_ && backlog_ < backlogLimit;
   return static_cast<short>((reads ? POLLIN : 0) | (output_.empty() ? 0 : POLLOUT));
 }
 
 void Client::receive() {
-  std::array<char, 256 << 10> chunk;
-  while (!ended_ && !broken_ && !lines_.hasLine() && !overlong()) {
-    const ssize_t count = recv(descriptor(), chunk.data(), chunk.size(), 0);
+  while (!ended_ && !broken_ && !request_ && !overlong()) {
+    const json::LineFraming::Room room = lines_.room();
+    const ssize_t count = recv(descriptor(), room.data, room.size, 0);
     if (count < 0) {
       broken_ = !wouldBlock(errno);
       return;
     }
     lastMoved_ = Clock::now();
-    lines_.append({chunk.data(), static_cast<std::size_t>(count)});
-    if (count == 0) {
-      ended_ = true;
-      lines_.end();
-    }
+    lines_.commit(static_cast<std::size_t>(count));
+    ended_ = count == 0;
+    findRequest();
   }
+}
+
+/// The last line may lack its line feed.
+void Client::findRequest() {
+  request_ = lines_.next();
+  if (!request_ && ended_) request_ = lines_.finish();
+}
+
+json::Text Client::takeRequest() {
+  json::Text taken = std::move(*request_);
+  findRequest();
+  return taken;
 }
 
 void Client::flush() {
@@ -62,7 +71,8 @@ void Client::send(std::string bytes) {
 }
 
 void Client::finishInput() {
-  lines_.clear();
+  lines_ = {};
+  request_.reset();
   ended_ = true;
 }
 

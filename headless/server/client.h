@@ -3,9 +3,10 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <optional>
 #include <string>
 
-#include "headless/server/line_buffer.h"
+#include "json/line_framing.h"
 #include "platform/descriptor.h"
 
 namespace vell::headless {
@@ -29,7 +30,7 @@ class Client {
   /// What to poll for.
   short interest() const;
 
-  /// Reads what has come, as far as there is room.
+  /// Reads what has come, up to the next request.
   void receive();
   /// Writes what the client takes without waiting.
   void flush();
@@ -37,18 +38,18 @@ class Client {
   void send(std::string bytes);
 
   /// A request may be taken now.
-  bool hasRequest() const { return lines_.hasLine() && backlog_ < backlogLimit; }
-  /// Valid until `receive`; only while `hasRequest`.
-  std::string_view takeRequest() { return lines_.takeLine(); }
+  bool hasRequest() const { return request_ && backlog_ < backlogLimit; }
+  /// Takes the request line; only while `hasRequest`.
+  json::Text takeRequest();
   /// The line being received is longer than any request may be.
-  bool overlong() const { return lines_.size() > lineLimit && !lines_.hasLine(); }
+  bool overlong() const { return lines_.pending() > lineLimit && !request_; }
   /// Drops requests not yet taken and reads no more.
   void finishInput();
 
-  /// A subscriber stays although its input has ended.
+  /// Keeps a subscriber connected although its input has ended.
   void keepOpen(bool keep) { kept_ = keep; }
   /// The connection is lost, or the client has ended its input and got all its answers.
-  bool done() const { return broken_ || (ended_ && !kept_ && !lines_.hasLine() && output_.empty()); }
+  bool done() const { return broken_ || (ended_ && !kept_ && !request_ && output_.empty()); }
   void markBroken() { broken_ = true; }
 
   std::size_t backlog() const { return backlog_; }
@@ -57,9 +58,12 @@ class Client {
   Clock::time_point lastMoved() const { return lastMoved_; }
 
  private:
+  void findRequest();
+
   std::uint64_t id_;
   platform::Descriptor socket_;
-  LineBuffer lines_;
+  json::LineFraming lines_;
+  std::optional<json::Text> request_;  // the next one
   std::deque<std::string> output_;
   std::size_t taken_ = 0;  // bytes of the first output that are written
   std::size_t backlog_ = 0;

@@ -77,12 +77,12 @@ Method findMethod(std::string_view name) {
                  "Unknown method \"" + std::string(name) + "\" (served: " + names + ")");
 }
 
-std::string dispatch(std::string_view line, Application& application, const Subscriber& subscriber) {
-  if (isBlank(line)) return {};
+std::string dispatch(json::Text line, Application& application, const Subscriber& subscriber) {
+  if (isBlank(line.view())) return {};
   std::optional<Request> request;
   std::string answered;
   try {
-    request.emplace(line);
+    request.emplace(std::move(line));
     answered = answer(*request, application, subscriber);
   } catch (...) {
     answered = errorFor(request ? request->id() : "null", std::current_exception());

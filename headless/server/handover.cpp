@@ -3,41 +3,31 @@
 #include <poll.h>
 #include <sys/socket.h>
 
-#include <array>
-
 #include "headless/editing/problem.h"
 #include "json/document.h"
 #include "json/error.h"
+#include "json/line_framing.h"
 #include "json/writer.h"
 #include "platform/socket.h"
 
 namespace vell::headless {
 namespace {
 
-void sendAll(int socket, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = platform::writeSocket(socket, bytes.data(), bytes.size());
-    if (count < 0) throw systemProblem("The running application does not listen");
-    bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
-std::string receiveLine(int socket, std::chrono::milliseconds limit) {
+json::Text receiveLine(int socket, std::chrono::milliseconds limit) {
   const auto end = std::chrono::steady_clock::now() + limit;
-  std::string line;
-  while (line.find('\n') == std::string::npos) {
+  json::LineFraming lines;
+  for (;;) {
+    if (auto line = lines.next()) return std::move(*line);
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     pollfd waiting{socket, POLLIN, 0};
     if (left.count() <= 0 || poll(&waiting, 1, static_cast<int>(left.count())) == 0)
       throw Problem("The running application does not answer.");
-    std::array<char, 4096> chunk;
-    const ssize_t count = recv(socket, chunk.data(), chunk.size(), 0);
+    const json::LineFraming::Room room = lines.room();
+    const ssize_t count = recv(socket, room.data, room.size, 0);
     if (count <= 0) throw Problem("The running application closed the connection without an answer.");
-    line.append(chunk.data(), static_cast<std::size_t>(count));
+    lines.commit(static_cast<std::size_t>(count));
   }
-  line.resize(line.find('\n'));
-  return line;
 }
 
 std::string openRequest(const std::vector<std::string>& paths) {
@@ -73,8 +63,9 @@ std::vector<std::string> faultsIn(std::string_view answer) try {
 
 std::vector<std::string> handOver(const std::vector<std::string>& paths, const platform::Descriptor& socket,
                                   std::chrono::milliseconds limit) {
-  sendAll(socket.get(), openRequest(paths));
-  return faultsIn(receiveLine(socket.get(), limit));
+  if (!platform::writeAll(socket.get(), openRequest(paths), platform::writeSocket))
+    throw systemProblem("The running application does not listen");
+  return faultsIn(receiveLine(socket.get(), limit).view());
 }
 
 }  // namespace vell::headless

@@ -7,9 +7,9 @@
 namespace vell::headless {
 namespace {
 
-json::Document parse(std::string_view line) {
+json::Document parse(json::Text line) {
   try {
-    return json::Document(json::Text(line));
+    return json::Document(std::move(line));
   } catch (const json::ParseError& error) {
     throw RpcError(RpcCode::parseError, error.what());
   }
@@ -24,7 +24,7 @@ std::string echoed(const std::optional<json::Node>& id) {
 
 }  // namespace
 
-Request::Request(std::string_view line) : document_(parse(line)) {
+Request::Request(json::Text line) : document_(parse(std::move(line))) {
   const json::Node root = document_.root();
   if (root.kind() == json::Kind::array) refuse("Batches are not served: send one request a line.");
   if (root.kind() != json::Kind::object) refuse("A request is an object, got " + describe(root) + ".");

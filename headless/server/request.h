@@ -12,11 +12,11 @@ class Request {
  public:
   /// Throws RpcError: parseError (the message has the byte offset), or invalidRequest where the line is no
   /// object.
-  explicit Request(std::string_view line);
+  explicit Request(json::Text line);
 
   /// Throws RpcError(invalidRequest) where the request names no method or another protocol.
   std::string method() const;
-  /// The id's JSON text as it came; "null" where the request has none that may stand in an answer.
+  /// The id's JSON text as it came; "null" if it is missing, or neither a string nor a number.
   const std::string& id() const { return id_; }
   /// A request without an id wants no answer.
   bool wantsAnswer() const { return document_.root().find("id").has_value(); }

@@ -38,14 +38,6 @@ std::string readAll(int descriptor, std::size_t expected, const std::string& pat
   return bytes;
 }
 
-void writeAll(int descriptor, std::string_view bytes) {
-  while (!bytes.empty()) {
-    const ssize_t count = write(descriptor, bytes.data(), bytes.size());
-    if (count < 0 && errno != EINTR) throw systemProblem("write");
-    if (count > 0) bytes.remove_prefix(static_cast<std::size_t>(count));
-  }
-}
-
 void syncDirectory(const std::string& directory) {
   const platform::Descriptor descriptor(open(directory.c_str(), O_RDONLY | O_CLOEXEC));
   if (descriptor) fsync(descriptor.get());
@@ -65,13 +57,13 @@ void makeDirectories(const std::string& path) {
 
 constexpr std::size_t temporaryTail = 8;
 
-/// How the names of the files begin that are to take the target's place; the random tail follows.
+/// The first part of a temporary file's name; a random tail follows.
 std::string temporaryName(const std::string& target) {
   return "." + fileName(target).substr(0, 200) + ".vell-";
 }
 
-/// A file beside the target that disappears unless it is moved into the target's place. It is locked while it
-/// is being written, so that others see that it is not abandoned.
+/// A temporary file beside the target, removed unless it replaces the target. It is locked while it is
+/// written, so that others can tell it from an abandoned one.
 class TemporaryFile {
  public:
   TemporaryFile(const std::string& target, mode_t mode)
@@ -86,13 +78,13 @@ class TemporaryFile {
   TemporaryFile(const TemporaryFile&) = delete;
   TemporaryFile& operator=(const TemporaryFile&) = delete;
 
-  /// Like the file it replaces, as far as this user may.
+  /// Takes over group and mode of the file that it replaces.
   void take(const struct stat& former) {
     if (fchown(descriptor_.get(), static_cast<uid_t>(-1), former.st_gid) != 0) errno = 0;
     if (fchmod(descriptor_.get(), former.st_mode & 07777) != 0) throw systemProblem("chmod");
   }
   void fill(std::string_view bytes) {
-    writeAll(descriptor_.get(), bytes);
+    if (!platform::writeAll(descriptor_.get(), bytes)) throw systemProblem("write");
     if (fsync(descriptor_.get()) != 0) throw systemProblem("fsync");
   }
   /// The stamp is taken before the move: afterwards another program may have written there.
