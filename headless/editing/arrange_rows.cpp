@@ -17,7 +17,7 @@ std::vector<const Row*> withoutRepeats(const std::vector<const Row*>& rows) {
   return distinct;
 }
 
-/// Those of the rows that are not below another of them, in their order.
+/// The rows without those below another one of them, in their order.
 std::vector<const Row*> topmost(const Outline& outline, const std::vector<const Row*>& rows) {
   outline.number();
   std::vector<const Row*> inOrder = rows;

@@ -7,8 +7,7 @@
 namespace vell::headless {
 namespace {
 
-/// The index that the position tells; none for the end. Numbers too large to mean anything become the
-/// largest.
+/// The index that the position stands for; none for the end. Large numbers become 2^31.
 std::optional<std::size_t> indexOf(const std::string& position) {
   if (position == "end") return std::nullopt;
   if (position == "start") return 0;

@@ -8,7 +8,7 @@
 
 namespace vell::headless {
 
-/// Where rows are to be put, as it was asked for: before or after a sibling, or else below a parent.
+/// Where a client wants rows: before or after a sibling, or else below a parent.
 struct DestinationRequest {
   const Row* parent = nullptr;  ///< null: the root
   std::optional<std::string>
@@ -17,7 +17,7 @@ struct DestinationRequest {
   const Row* after = nullptr;
 };
 
-/// Where rows are put: below `parent`, before that child or last.
+/// Where rows go: below `parent`, before that child or last.
 struct Destination {
   const Row* parent;
   const Row* before;
@@ -25,8 +25,8 @@ struct Destination {
 
 using RowFilter = std::function<bool(const Row&)>;
 
-/// Positions count only the children that `stays` accepts. Throws Problem where the request makes no sense:
-/// beside the root, before and after at once, a position that is none or too far.
+/// Positions count only the children that `stays` accepts. Throws Problem for a place beside the root, for
+/// before and after at once, and for a position that does not exist.
 Destination resolve(
     const Outline& outline, const DestinationRequest& request,
     const RowFilter& stays = [](const Row&) { return true; });

@@ -48,11 +48,11 @@ class Edit {
   Outline& outline() const { return outline_; }
   Timestamp now() const { return now_; }
 
-  /// A new row outside the tree; a row that holds its persistent id loses it.
+  /// Makes a new row outside the tree and takes its persistent id from the row that holds it.
   Row& make(NewRow content);
-  /// Puts a new row below another one that is not in the tree yet either, as its last child.
+  /// Makes a new row the last child of another row outside the tree.
   void attach(Row& row, Row& parent) { outline_.insert(row, parent); }
-  /// Puts a new row, with what was attached to it, below `parent`, before that child or last.
+  /// Puts a new row and its subtree below `parent`, before that child or last.
   void insert(Row& row, const Row& parent, const Row* before);
   /// Moves a row with its subtree, which must not contain `parent`.
   void place(const Row& row, const Row& parent, const Row* before);
@@ -62,7 +62,7 @@ class Edit {
   void setType(const Row& row, RowType type);
   void setText(const Row& row, Text text);
   void setAttributes(const Row& row, Attributes attributes);
-  /// "" removes it; another row that holds it loses it.
+  /// "" removes it. Another row that holds the id loses it.
   void setPersistentId(const Row& row, std::string_view id);
 
   bool empty() const { return changes_.empty(); }

@@ -12,13 +12,13 @@ namespace vell::headless {
 struct EditorPlace {
   /// The focus stack: from the root to the drilled-in row.
   std::vector<SessionId> focus;
-  /// Both ends of the selection; the root while there is no row to select.
+  /// Both ends of the selection; the root in an outline without rows.
   SessionId anchor;
   SessionId head;
 };
 
-/// The view of one outline: focus, fold and selection. It refers to rows by id, so it survives whatever
-/// happens to them; rows that are gone are left out (fold) or replaced by what is nearest (focus, selection).
+/// The view of one outline: focus, folds and selection. It refers to rows by id: a removed row leaves the
+/// folds, and focus and selection pass to a row nearby.
 class Editor {
  public:
   /// The outline must outlive the editor.

@@ -46,7 +46,7 @@ evaluation::Value EditorFunctions::focusedLevel(const Row& row) const {
 
 evaluation::Value EditorFunctions::selection(const Row& row) const {
   if (selected_.count(&row) == 0) return {};
-  // Rows are selected as wholes here, never a stretch of text.
+  // Only whole rows are selected here, never part of a text.
   return std::string_view(selected_.size() == 1 ? "caret" : "block");
 }
 

@@ -7,11 +7,11 @@
 
 namespace vell::headless {
 
-/// The functions of an editor: its focus, folds and selection as they were when this was made. Nothing is
-/// filtered or dragged without a screen.
+/// Answers the path functions about the editor: its focus, folds and selection at the time of construction.
+/// Filters and dragging exist only on a screen.
 class EditorFunctions : public evaluation::EditorView {
  public:
-  /// Both must outlive this.
+  /// Both must outlive the object.
   EditorFunctions(const Outline& outline, const Editor& editor);
   std::optional<evaluation::Value> call(std::string_view function, const Row& row) const override;
 

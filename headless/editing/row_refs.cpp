@@ -17,7 +17,7 @@ bool isSessionId(const std::string& ref) {
   return !ref.empty() && std::all_of(ref.begin(), ref.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
-/// Hardly anybody's identifier, but somebody's path without its beginning.
+/// Probably a path whose first "/" is missing.
 bool looksLikePath(const std::string& ref) {
   return ref == "." || ref == ".." || ref.find_first_of("/(@*") != std::string::npos ||
          ref.find("::") != std::string::npos;

@@ -17,8 +17,7 @@ std::string knownTypes() {
   return names;
 }
 
-/// Why nothing can be called that; empty where it can. The other kinds of row references come first when one
-/// is read.
+/// Why a row cannot have that id; empty if it can. It must not read as another kind of row reference.
 std::string refusalOf(std::string_view persistentId) {
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
   if (persistentId.empty()) return "A persistent id cannot be empty";
@@ -30,7 +29,7 @@ std::string refusalOf(std::string_view persistentId) {
   return {};
 }
 
-/// Applies one update to one row after the other.
+/// Applies one update to rows, one at a time.
 class RowUpdater {
  public:
   RowUpdater(Edit& edit, const RowUpdate& update) : edit_(edit), update_(update) {}

@@ -9,7 +9,7 @@
 
 namespace vell::headless {
 
-/// What is to become of rows; what is not given stays. At most one of `text`, `append` and `prepend`.
+/// The new content of rows; absent fields stay as they are. At most one of `text`, `append` and `prepend`.
 struct RowUpdate {
   std::optional<Text> text{};
   std::optional<Text> append{};
@@ -19,7 +19,7 @@ struct RowUpdate {
   std::optional<std::string> persistentId{};  ///< for one row only; a row that has it loses it
 };
 
-/// Why a field of the update was left alone.
+/// Why a field of the update was refused.
 struct FieldError {
   std::string field;  ///< "text", "append", "prepend", "type", "attributes" or "persistentId"
   std::string message;
@@ -32,9 +32,9 @@ struct UpdatedRow {
   std::vector<FieldError> fieldErrors;
 };
 
-/// One entry for each row given, in that order; a row given twice changes once. A field that a row cannot
-/// take is told in its entry and the others are still set. Throws Problem, with nothing changed, where the
-/// update itself makes no sense.
+/// Updates the rows and returns an entry for each of them in order; a row given twice changes once. A field
+/// that a row cannot take is refused in its entry, and the other fields are set. Throws Problem and changes
+/// nothing if the update contradicts itself.
 std::vector<UpdatedRow> updateRows(Edit& edit, const std::vector<const Row*>& rows, const RowUpdate& update);
 
 }  // namespace vell::headless

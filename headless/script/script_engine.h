@@ -7,13 +7,13 @@
 
 namespace vell::headless {
 
-/// What a script reaches of the application.
+/// The application as a script sees it.
 class ScriptHost {
  public:
   virtual ~ScriptHost() = default;
   /// Performs a method of the application; parameters and result are JSON texts. Besides the methods of the
   /// socket there are `script.parent` and `script.children` of a row and `script.save` of an outline. A
-  /// std::exception is the script's to catch.
+  /// std::exception becomes an exception that the script can catch.
   virtual std::string call(const std::string& method, const std::string& params) = 0;
   /// Takes a line that the script logs.
   virtual void log(const std::string& line) = 0;

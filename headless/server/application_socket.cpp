@@ -46,7 +46,7 @@ void removeStale(const std::string& path) {
 platform::Descriptor listenAt(const std::string& path) {
   const sockaddr_un address = addressOf(path);
   platform::Descriptor listener = newSocket();
-  // Narrowed before the file exists: a mode set afterwards would leave a moment for others.
+  // The mask is set before the file exists: changing its mode afterwards would leave a moment for others.
   const mode_t before = umask(0177);
   const int bound = bind(listener.get(), reinterpret_cast<const sockaddr*>(&address), sizeof address);
   umask(before);

@@ -12,8 +12,8 @@ namespace vell::headless {
 /// The listening socket by which the one running application is found. The file goes with the object.
 class ApplicationSocket {
  public:
-  /// Becomes the application that serves `path`; none where another one already does. A socket that nobody
-  /// serves is replaced. The directory must exist; a lock file beside the socket settles races between
+  /// Becomes the application that serves `path`; none if another one does. Replaces a socket that nobody
+  /// serves. The directory must exist; a lock file beside the socket settles races between
   /// starting applications. Throws Problem where the socket cannot be made.
   static std::optional<ApplicationSocket> claim(const std::string& path);
 
@@ -21,7 +21,7 @@ class ApplicationSocket {
   ~ApplicationSocket() { remove(); }
 
   int descriptor() const { return listener_.get(); }
-  /// Nobody finds the application from now on; the lock stays until destruction.
+  /// Removes the socket file and stops listening; the lock stays until destruction.
   void remove();
 
  private:
@@ -33,7 +33,8 @@ class ApplicationSocket {
   ino_t inode_ = 0;
 };
 
-/// A connection to whoever serves `path`; none where nobody does. Throws Problem where the path is too long.
+/// A connection to the application that serves `path`; none if there is none. Throws Problem if the path is
+/// too long.
 platform::Descriptor connectTo(const std::string& path);
 
 }  // namespace vell::headless

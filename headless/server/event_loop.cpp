@@ -45,7 +45,7 @@ void EventLoop::cancel(const Timer& timer) { timers_.erase(timer); }
 void EventLoop::post(Task task) {
   const std::lock_guard lock(postedMutex_);
   posted_.push_back(std::move(task));
-  // A full pipe wakes the loop as well.
+  // If the pipe is full, the loop wakes anyway.
   const ssize_t written = write(wakeWrite_.get(), "", 1);
   static_cast<void>(written);
 }
@@ -83,7 +83,7 @@ int EventLoop::waitMilliseconds(Clock::duration limit) const {
 }
 
 void EventLoop::runDueTasks() {
-  // Tasks set while these run wait for the next round, so that descriptors are never starved.
+  // Tasks set by these wait for the next round, so that descriptors get their turn.
   const Timer end{Clock::now(), nextTimer_};
   while (!timers_.empty() && timers_.begin()->first < end) {
     auto due = timers_.extract(timers_.begin());

@@ -14,10 +14,10 @@
 
 namespace vell::headless {
 
-/// Waits for descriptors and clocks on behalf of one thread; everything it calls runs on that thread.
+/// Waits for descriptors and timers; everything it calls runs on the thread that runs the loop.
 class EventLoop : public Scheduler {
  public:
-  /// Gets poll's `revents`. It may watch, forget and time freely, itself included.
+  /// Gets poll's `revents`. It may watch and forget descriptors and set timers, its own included.
   using Ready = std::function<void(short)>;
 
   EventLoop();
@@ -31,9 +31,9 @@ class EventLoop : public Scheduler {
   void cancel(const Timer& timer) override;
   void post(Task task) override;
 
-  /// Serves until `stop`.
+  /// Runs until `stop`.
   void run();
-  /// Serves what is ready after waiting for at most `limit`.
+  /// Waits for at most `limit`, then runs what is due.
   void runOnce(Clock::duration limit);
   void stop() { stopped_ = true; }
 

@@ -9,8 +9,7 @@
 
 namespace vell::headless {
 
-/// How rows of an outline are to be told: the params `format`, `shape` and `rows` that reading and observing
-/// share.
+/// How rows are rendered: the params `format`, `shape` and `rows` of reading and observing.
 struct OutlineView {
   const formats::Format* format;
   formats::Shape shape;

@@ -48,12 +48,12 @@ class Params {
   std::optional<std::string> string(std::string_view key) const;
   std::string requiredString(std::string_view key) const;
   bool flag(std::string_view key, bool fallback) const;
-  /// Absent and empty are alike.
+  /// Empty where the member is absent.
   std::vector<std::string> strings(std::string_view key) const;
   std::vector<std::string> requiredStrings(std::string_view key) const;
   /// A string, or an integer as its decimal digits.
   std::optional<std::string> stringOrInteger(std::string_view key) const;
-  /// The member itself, for what only its method can decode.
+  /// The member itself, for methods that decode it themselves.
   std::optional<json::Node> member(std::string_view key) const;
 
   template <typename Value>

@@ -39,7 +39,7 @@ void Server::acceptClients() {
       admit(std::move(socket));
       continue;
     }
-    if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) return dropIdlest();
+    if (errno == EMFILE || errno == ENFILE || errno == ENOBUFS || errno == ENOMEM) return dropLongestIdle();
     if (errno != EINTR && errno != ECONNABORTED) return;
   }
 }
@@ -55,13 +55,14 @@ void Server::admit(platform::Descriptor socket) {
 }
 
 /// Out of descriptors: drops the idle client that has been quiet longest. Without one, pauses accepting.
-void Server::dropIdlest() {
-  auto idlest = clients_.end();
+void Server::dropLongestIdle() {
+  auto longestIdle = clients_.end();
   for (auto at = clients_.begin(); at != clients_.end(); ++at) {
-    const bool older = idlest == clients_.end() || at->second->lastMoved() < idlest->second->lastMoved();
-    if (at->second->idle() && older) idlest = at;
+    const bool older =
+        longestIdle == clients_.end() || at->second->lastMoved() < longestIdle->second->lastMoved();
+    if (at->second->idle() && older) longestIdle = at;
   }
-  if (idlest != clients_.end()) return drop(idlest->first);
+  if (longestIdle != clients_.end()) return drop(longestIdle->first);
   loop_.setInterest(listener_, 0);
   loop_.after(acceptPause, [this] { loop_.setInterest(listener_, POLLIN); });
 }

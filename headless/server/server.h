@@ -44,7 +44,7 @@ class Server : private NotificationSink {
 
   void acceptClients();
   void admit(platform::Descriptor socket);
-  void dropIdlest();
+  void dropLongestIdle();
 
   void onReady(std::uint64_t id, short events);
   void takeTurn(std::uint64_t id);

@@ -6,8 +6,8 @@
 
 namespace vell::headless {
 
-/// Turns SIGTERM, SIGINT and SIGHUP into a readable descriptor. Make it before any other thread, as threads
-/// inherit that these signals are left to it.
+/// Turns SIGTERM, SIGINT and SIGHUP into a readable descriptor. Construct it before any other thread:
+/// threads inherit the signal mask that it sets.
 class QuitSignals {
  public:
   QuitSignals();

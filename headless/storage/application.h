@@ -25,7 +25,7 @@ class ApplicationListener {
 };
 
 struct ApplicationSettings {
-  /// The directory for what outlasts a run; it must exist.
+  /// The directory for files of the application's own; it must exist.
   std::string container;
   /// Takes lines for people; standard error.
   std::function<void(const std::string&)> report;
@@ -44,19 +44,19 @@ class Application {
 
   /// Opens the file, or finds it open, and brings it to front. Throws Problem.
   OpenOutline& open(const std::string& path);
-  /// Opens an outline that has no file of the user's and brings it to front. It is kept in the container.
+  /// Opens a new outline, which is kept in the container, and brings it to front.
   OpenOutline& newUntitled();
-  /// Opens the untitled outlines of earlier runs, behind what is open.
+  /// Opens the untitled outlines of earlier runs, behind the open ones.
   void reopenUntitled();
   void bringToFront(const OpenOutline& outline);
   /// Keeps the outline in a new file from now on, in the format of its name; "Untitled" files are removed,
-  /// others stay. Throws Problem, also where there is a file at `path`.
+  /// others stay. Throws Problem, also if there is a file at `path`.
   void saveAs(OpenOutline& outline, const std::string& path);
-  /// Closes what is saved. Where something is not: `discard` drops it, with the file of an untitled outline;
-  /// else it is saved first, an untitled outline in the container, from where its persistent id opens it
-  /// again.
+  /// Saves the outline and closes it; an untitled outline stays in the container, from where its persistent
+  /// id opens it again. `discard` drops unsaved changes and the file of an untitled outline. Throws Problem
+  /// if the outline cannot be saved.
   void close(OpenOutline& outline, bool discard);
-  /// Brings everything to disk; what cannot be saved in its place goes into the container. False where even
+  /// Saves every outline. One that cannot be saved in its place is saved in the container. False if even
   /// that failed.
   bool saveAll();
 
@@ -75,7 +75,7 @@ class Application {
   /// A line for people.
   void report(const std::string& line) const { settings_.report(line); }
 
-  /// Changes to the rows of an open outline; `changed` follows when they are committed.
+  /// Begins changes to an outline. Committing them calls `changed`.
   Transaction begin(OpenOutline& opened);
   /// Saves changes of rows and notifies the listener; called after every change of rows or editor.
   void changed(OpenOutline& opened);

@@ -12,14 +12,13 @@
 
 namespace vell::headless {
 
-/// The format that files of that name are in. Throws Problem where outlines are not kept in such files.
+/// The format of files with that name. Throws Problem if outlines cannot be kept in such files.
 const formats::Format& fileFormat(const std::string& path);
 
 /// An outline that is open: its rows, the file that keeps them and the editor that shows them.
 class OpenOutline {
  public:
-  /// Reads the file at that standardised path. Throws Problem where it cannot be read or is of no known
-  /// format.
+  /// Reads the file at that standardised path. Throws Problem if it cannot be read or its format is unknown.
   static std::unique_ptr<OpenOutline> read(const std::string& path);
   /// A new outline without rows that will be kept at `path`; nothing is written yet.
   static std::unique_ptr<OpenOutline> create(const std::string& path);
@@ -45,20 +44,21 @@ class OpenOutline {
   bool isUntitled() const { return untitled_; }
   void setUntitled() { untitled_ = true; }
 
-  /// The file as it was last read or written by us.
+  /// The file as we last read or wrote it.
   const FileStamp& stamp() const { return stamp_; }
   /// The file lacks changes, or was never written.
   bool isDirty() const { return outline_->revision() != savedRevision_ || stamp_ == FileStamp(); }
-  /// The file holds that revision, as content of that hash.
+  /// Notes that the file holds that revision; the hash is that of its bytes.
   void markSaved(std::uint64_t revision, FileStamp stamp, std::size_t contentHash);
-  /// Takes the file's new stamp over where its content is still what we last read or wrote; else false.
+  /// Takes over the file's new stamp if its content is unchanged; else returns false.
   bool acceptTouch();
-  /// Gives the outline an id that its file may not hold; no change that would have to be saved.
+  /// Gives the outline an id that its file may not hold. This does not make it dirty.
   void identify(const std::string& persistentId);
-  /// Is kept in another file from now on, in the format of its name; the file holds all of it.
+  /// Keeps the outline in another file, which holds all of it, from now on, in the format of the file's
+  /// name.
   void moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash);
-  /// Takes its rows from the file as it is now, under ids that were never used before; nothing of before can
-  /// be taken back. False, with nothing changed, where the file cannot be read.
+  /// Reads the rows anew from the file; they get new session ids, and the undo history ends. Returns false
+  /// and changes nothing if the file cannot be read.
   bool reload();
 
  private:

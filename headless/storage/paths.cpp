@@ -1,6 +1,5 @@
 #include "headless/storage/paths.h"
 
-#include <algorithm>
 #include <filesystem>
 
 namespace vell::headless {
@@ -48,13 +47,5 @@ std::string fileUrl(std::string_view path) {
 }
 
 std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
-
-std::string fileExtension(const std::string& path) {
-  std::string extension = std::filesystem::path(path).extension().string();
-  extension.erase(0, 1);
-  std::transform(extension.begin(), extension.end(), extension.begin(),
-                 [](char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c; });
-  return extension;
-}
 
 }  // namespace vell::headless

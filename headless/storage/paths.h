@@ -17,7 +17,4 @@ std::string fileUrl(std::string_view path);
 /// The last component.
 std::string fileName(const std::string& path);
 
-/// The characters behind the last dot of the last component, in lower case; "" where there is none.
-std::string fileExtension(const std::string& path);
-
 }  // namespace vell::headless

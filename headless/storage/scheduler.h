@@ -18,7 +18,7 @@ class Scheduler {
   /// Runs `task` once, not before `delay` has passed; never from within this call.
   virtual Timer after(Clock::duration delay, Task task) = 0;
   virtual void cancel(const Timer& timer) = 0;
-  /// Runs `task` as soon as may be. The one thing that other threads may call.
+  /// Runs `task` as soon as possible. Other threads may call this, and nothing else.
   virtual void post(Task task) = 0;
 };
 

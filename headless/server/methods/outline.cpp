@@ -9,7 +9,7 @@
 namespace vell::headless::methods {
 namespace {
 
-/// What a file can be written in and read back from; `fallback` where none is named.
+/// A format that files can have; `fallback` if none is named.
 const formats::Format& fileFormatParam(const Params& params, std::string_view fallback) {
   const std::string name = params.string("format").value_or(std::string(fallback));
   std::string names;

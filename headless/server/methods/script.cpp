@@ -6,7 +6,7 @@
 namespace vell::headless::methods {
 namespace {
 
-/// Gives a script the application's methods, as a client has them, the neighbours of a row, and saving.
+/// Gives a script the methods that a client has, and besides the neighbours of a row and saving.
 class Host : public ScriptHost {
  public:
   explicit Host(Application& application) : application_(application) {}
@@ -50,7 +50,7 @@ class Host : public ScriptHost {
   Application& application_;
 };
 
-/// What is changed while it lives is one step to undo in each outline.
+/// Makes all changes during its life one undo step in each outline.
 class UndoGroup {
  public:
   explicit UndoGroup(Application& application) : application_(application) {
