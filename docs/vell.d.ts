@@ -84,7 +84,7 @@ interface OutlineEditor {
   readonly id: string;
   readonly outline: Outline;
   /** `word` is the word at the caret. */
-  readonly selection: { anchor: Row; head: Row; rows: Row[]; text: string; word: string | null };
+  readonly selection: { anchor: Row | null; head: Row | null; rows: Row[]; text: string; word: string | null };
   /** null at the root */
   readonly focusedRow: Row | null;
   readonly collapsed: Row[];

@@ -123,8 +123,9 @@
       this.#state = state;
     }
 
-    get anchor() { return this.#outline.row(this.#state.anchor); }
-    get head() { return this.#outline.row(this.#state.head); }
+    // Null while nothing is selected.
+    get anchor() { return this.#state.rows.length === 0 ? null : this.#outline.row(this.#state.anchor); }
+    get head() { return this.#state.rows.length === 0 ? null : this.#outline.row(this.#state.head); }
     get rows() { return listed(this.#outline, this.#state.rows); }
     get text() { return this.#state.text; }
     // The word at the caret, which stands at the start of the row's text.

@@ -194,6 +194,28 @@ bool isFunction(JSContextRef context, JSValueRef value) {
          JSObjectIsFunction(context, JSValueToObject(context, value, nullptr));
 }
 
+/// What a promise settled to; other values as they are. The engine has run everything that was waiting by the
+/// time the call returns, and nothing else can settle a promise: there are no timers.
+JSValueRef awaited(JSContextRef context, JSValueRef value) {
+  JSValueRef observe = evaluate(context, R"((value) => {
+      if (!(value instanceof Promise)) return { value, settled: true };
+      const state = { settled: false };
+      value.then((result) => Object.assign(state, { value: result, settled: true }),
+                 (error) => Object.assign(state, { error, failed: true, settled: true }));
+      return state;
+    })",
+                                "vell");
+  JSValueRef state = callFunction(context, observe, {value});
+  const auto property = [&](const char* name) {
+    JSObjectRef object = JSValueToObject(context, state, nullptr);
+    return JSObjectGetProperty(context, object, JsText(std::string(name)).get(), nullptr);
+  };
+  if (!JSValueToBoolean(context, property("settled")))
+    throw ScriptError("The script's promise never settled.");
+  if (JSValueToBoolean(context, property("failed"))) throw ScriptError(describe(context, property("error")));
+  return property("value");
+}
+
 std::string jsonOf(JSContextRef context, JSValueRef value) {
   JSValueRef exception = nullptr;
   const JsText text(JSValueCreateJSONString(context, value, 0, &exception));
@@ -213,7 +235,7 @@ std::string evaluateScript(const Script& script, const ScriptSettings& settings,
     value = script.input ? callFunction(context, value, {makeString(context, *script.input)})
                          : callFunction(context, value, {});
   }
-  return jsonOf(context, value);
+  return jsonOf(context, awaited(context, value));
 }
 
 }  // namespace vell::headless

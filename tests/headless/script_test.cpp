@@ -55,6 +55,9 @@ TEST(Script, ReturnsItsValueAsJson) {
       {"(input) => input.length", "2"},
       {"function f(text) { return text + '!' }\nf", R"("ab!")"},
       {"(() => vell.frontmostOutlineEditor?.selection?.word)()", "null"},
+      {"Promise.resolve({a: 1})", R"({"a":1})"},
+      {"async (input) => { const n = await Promise.resolve(input.length); return n + 1 }", "3"},
+      {"new Promise((resolve) => resolve())", "null"},
   };
   for (const auto& row : rows) {
     FakeHost host(std::map<std::string, std::string>{{"editor.list", "[]"}});
@@ -74,6 +77,9 @@ TEST(Script, NamesWhatStoppedIt) {
       {"\nvell.outlines", "Error: no such thing: outline.list (line 2)"},
       {"while (true) {}", "The script ran out of time and was stopped."},
       {"try { while (true) {} } catch (e) {}", "The script ran out of time and was stopped."},
+      {"async () => { await null; throw new Error('late') }", "Error: late (line 1)"},
+      {"Promise.reject('no')", "Uncaught no"},
+      {"new Promise(() => {})", "The script's promise never settled."},
       {"const a = {}; a.a = a; a", "TypeError: JSON.stringify cannot serialize cyclic structures."},
   };
   for (const auto& row : rows) {
