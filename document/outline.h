@@ -33,7 +33,8 @@ class Outline {
   const Attributes& frontMatter() const { return frontMatter_; }
   void setFrontMatter(Attributes frontMatter) { frontMatter_ = std::move(frontMatter); }
   Timestamp created() const { return created_; }
-  void setCreated(Timestamp time) { created_ = time; }
+  /// The root's times as well.
+  void setCreated(Timestamp time) { created_ = root_->created_ = root_->modified_ = time; }
 
   /// The root: type `root`, no text, session id 1, not counted as a row of the document.
   Row& root() { return *root_; }

@@ -16,12 +16,25 @@ TEST_F(Reading, FindsRowsByEveryKindOfReference) {
       {{"//*"}, "Groceries(Milk Bread) Later"},
       {{"4"}, "Bread"},
       {{"milk", "2"}, "Groceries(Milk)"},
-      {{"@selection"}, "Groceries"},
+      {{"@selection"}, "Bread"},
       {{"5", "3", "5"}, "Milk Later"},
   };
+  call("editor.update", {{"selectRow", "4"}});
   for (const auto& [refs, expected] : cases)
     EXPECT_EQ(texts(call("outline.get", {{"rowRefs", refs}, {"rows", true}})), expected) << refs;
   EXPECT_EQ(texts(call("outline.get", {{"shape", "flat"}, {"rows", true}})), "Groceries Milk Bread Later");
+}
+
+TEST_F(Reading, NamesTheRootWithTheTimesOfItsOutline) {
+  server_.open("groceries.json", groceries);
+  const json created = call("outline.get", json::object())["created"];
+  for (const char* ref : {"/", "@focused"}) {
+    const json rows = call("outline.get", {{"rowRefs", {ref}}, {"rows", true}});
+    ASSERT_EQ(rows.size(), 1U) << ref;
+    EXPECT_EQ(rows[0]["type"], "root") << ref;
+    EXPECT_EQ(rows[0]["created"], created) << ref;
+    EXPECT_EQ(rows[0]["modified"], created) << ref;
+  }
 }
 
 TEST_F(Reading, SaysWhichReferenceNamesNothing) {
@@ -79,7 +92,7 @@ TEST_F(Reading, KnowsTheFrontmostOutlineAndItsEditor) {
   EXPECT_EQ(editors[0]["outlineId"], "outline-1");
   const json snapshot = call("editor.get", {});
   EXPECT_EQ(snapshot, call("editor.get", {{"editor", editors[0]["id"]}}));
-  const json selection = {{"anchor", 2}, {"head", 2}, {"rows", {2}}, {"text", "Groceries"}};
+  const json selection = {{"anchor", 1}, {"head", 1}, {"rows", json::array()}, {"text", ""}};
   EXPECT_EQ(snapshot["focused"], json({1}));
   EXPECT_EQ(snapshot["selection"], selection);
   EXPECT_EQ(snapshot["collapsed"], json::array());
