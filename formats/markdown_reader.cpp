@@ -74,7 +74,7 @@ class MarkdownReader {
 
   void read() {
     outline_.setCreated(time_);
-    if (scope_ == Scope::document) readFrontMatter();
+    readFrontMatter();
     while (lines_.next()) {
       if (!trim(lines_.line()).empty()) readRow();
     }

@@ -4,6 +4,7 @@
 
 #include "formats/format.h"
 #include "headless/editing/problem.h"
+#include "headless/editing/row_refs.h"
 
 namespace vell::headless {
 namespace {
@@ -14,11 +15,20 @@ std::string_view withoutLineEnd(std::string_view line) {
   return line;
 }
 
+void refuseIds(const Outline& outline) {
+  for (const Row* row = &outline.root(); row; row = nextInOrder(row, &outline.root())) {
+    if (row->persistentId().empty()) continue;
+    if (const std::string fault = persistentIdFault(row->persistentId()); !fault.empty())
+      throw Problem("The persistent id " + fault);
+  }
+}
+
 }  // namespace
 
 std::vector<const Row*> createRows(Edit& edit, std::string_view markdown, const Destination& destination) {
   Outline read;
   formats::readMarkdownRows(markdown, {edit.now()}, read);
+  refuseIds(read);
   std::vector<const Row*> created;
   created.reserve(read.rowCount());
   for (const Row* row = read.root().firstChild(); row; row = row->next()) {

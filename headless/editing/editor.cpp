@@ -11,10 +11,11 @@ bool holds(const Row& ancestor, const Row& row) { return &ancestor == &row || is
 
 }  // namespace
 
-Editor::Editor(const Outline& outline) : outline_(outline), id_(newUuid()) {
-  const Row* first = outline.root().firstChild();
-  const SessionId start = first != nullptr ? first->id() : outline.root().id();
-  place_ = {{outline.root().id()}, start, start};
+Editor::Editor(const Outline& outline) : outline_(outline), id_(newUuid()) { reset(); }
+
+void Editor::reset() {
+  place_ = {{outline_.root().id()}, 0, 0};
+  collapsed_.clear();
 }
 
 std::vector<const Row*> Editor::focusStack() const {
@@ -32,6 +33,7 @@ void Editor::focus(const Row& row) {
     if (isAncestor(*focused, row)) stack.push_back(focused->id());
   stack.push_back(row.id());
   place_.focus = std::move(stack);
+  if (row.parent() == nullptr && !hasSelection()) return;
   if (isAncestor(row, head()) && isAncestor(row, anchor())) return;
   const Row& target = row.firstChild() != nullptr ? *row.firstChild() : row;
   place_.anchor = place_.head = target.id();
@@ -48,6 +50,7 @@ bool Editor::focusOut() {
 }
 
 const Row& Editor::selected(SessionId id) const {
+  if (id == 0) return outline_.root();
   const Row* row = outline_.find(id);
   if (row != nullptr && row->parent() != nullptr) return *row;
   const Row& top = focused();

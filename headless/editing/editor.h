@@ -12,7 +12,7 @@ namespace vell::headless {
 struct EditorPlace {
   /// The focus stack: from the root to the drilled-in row.
   std::vector<SessionId> focus;
-  /// Both ends of the selection; the root in an outline without rows.
+  /// Both ends of the selection; 0 until something is selected.
   SessionId anchor;
   SessionId head;
 };
@@ -34,6 +34,9 @@ class Editor {
   /// Back to the row focused before; false at the root.
   bool focusOut();
 
+  /// Whether a row is selected; nothing is until `select` or `focus` is called.
+  bool hasSelection() const { return head().parent() != nullptr; }
+  /// The ends of the selection; the root where nothing is selected.
   const Row& anchor() const { return selected(place_.anchor); }
   const Row& head() const { return selected(place_.head); }
   /// Every row from one end to the other, in document order; empty where nothing can be selected.
@@ -48,6 +51,8 @@ class Editor {
   std::vector<const Row*> collapsedRows() const;
 
   const EditorPlace& place() const { return place_; }
+  /// Forgets focus, folds and selection.
+  void reset();
   void restore(EditorPlace place) { place_ = std::move(place); }
 
  private:

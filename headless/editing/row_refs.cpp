@@ -13,7 +13,7 @@ namespace {
 
 bool isPath(const std::string& ref) { return ref.starts_with('/'); }
 
-bool isSessionId(const std::string& ref) {
+bool isSessionId(std::string_view ref) {
   return !ref.empty() && std::all_of(ref.begin(), ref.end(), [](char c) { return c >= '0' && c <= '9'; });
 }
 
@@ -30,6 +30,15 @@ const Row* findSession(const Outline& outline, const std::string& digits) {
 }
 
 }  // namespace
+
+std::string persistentIdFault(std::string_view id) {
+  if (id.empty()) return "A persistent id cannot be empty";
+  const std::string quoted = "\"" + std::string(id) + "\"";
+  if (isSessionId(id)) return quoted + " would be taken for a session id";
+  if (id.front() == '/' || id.front() == '(') return quoted + " would be taken for a path";
+  if (id.front() == '@') return quoted + " would be taken for @selection or @focused";
+  return {};
+}
 
 std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor, std::string_view path) {
   const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
@@ -66,6 +75,7 @@ const Row& RowRefs::named(const std::string& ref) const {
   if (ref == "@focused") return editor_.focused();
   if (ref == "@selection") {
     if (outline_.rowCount() == 0) throw Problem("Nothing is selected: \"" + name_ + "\" has no rows");
+    if (!editor_.hasSelection()) throw Problem("Nothing is selected in \"" + name_ + "\"");
     return editor_.head();
   }
   const bool session = isSessionId(ref);

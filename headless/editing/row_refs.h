@@ -12,6 +12,9 @@ namespace vell::headless {
 /// focus, folds and selection. Throws Problem for a path that is not valid or selects a value.
 std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor, std::string_view path);
 
+/// Why no row can have that persistent id: it would read as another kind of reference. Empty if a row can.
+std::string persistentIdFault(std::string_view id);
+
 /// Finds the rows that a client calls by session id, persistent id, outline path, "@selection" or "@focused".
 /// Throws Problem for a reference that names nothing.
 class RowRefs {

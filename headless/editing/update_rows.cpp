@@ -1,9 +1,9 @@
 #include "headless/editing/update_rows.h"
 
-#include <algorithm>
 #include <unordered_map>
 
 #include "headless/editing/problem.h"
+#include "headless/editing/row_refs.h"
 
 namespace vell::headless {
 namespace {
@@ -15,18 +15,6 @@ std::string knownTypes() {
     names += name(type);
   }
   return names;
-}
-
-/// Why a row cannot have that id; empty if it can. It must not read as another kind of row reference.
-std::string refusalOf(std::string_view persistentId) {
-  const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
-  if (persistentId.empty()) return "A persistent id cannot be empty";
-  const std::string quoted = "\"" + std::string(persistentId) + "\"";
-  if (std::all_of(persistentId.begin(), persistentId.end(), isDigit))
-    return quoted + " would be taken for a session id";
-  if (persistentId.front() == '/') return quoted + " would be taken for a path";
-  if (persistentId.front() == '@') return quoted + " would be taken for @selection or @focused";
-  return {};
 }
 
 /// Applies one update to rows, one at a time.
@@ -41,8 +29,8 @@ class RowUpdater {
     } else {
       setType(row);
       setText(row);
+      setAttributes(row);
     }
-    setAttributes(row);
     setPersistentId(row);
     return std::move(errors_);
   }
@@ -67,6 +55,7 @@ class RowUpdater {
 void RowUpdater::rejectForRoot() {
   if (update_.type) reject("type", "The root has no other type");
   if (hasText()) reject(textField(), "The root has no text");
+  if (!update_.attributes.empty()) reject("attributes", "The root has no attributes");
 }
 
 void RowUpdater::setType(const Row& row) {
@@ -103,7 +92,7 @@ void RowUpdater::setAttributes(const Row& row) {
 
 void RowUpdater::setPersistentId(const Row& row) {
   if (!update_.persistentId) return;
-  std::string refusal = refusalOf(*update_.persistentId);
+  std::string refusal = persistentIdFault(*update_.persistentId);
   if (row.type() == RowType::root) refusal = "The root goes by the outline's own id";
   if (!refusal.empty()) return reject("persistentId", std::move(refusal));
   edit_.setPersistentId(row, *update_.persistentId);

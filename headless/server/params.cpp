@@ -64,6 +64,12 @@ std::string Params::requiredString(std::string_view key) const {
   return std::move(*text);
 }
 
+std::optional<std::string> Params::nonEmpty(std::string_view key, const char* expected) const {
+  auto text = string(key);
+  if (text && text->empty()) fail(key, expected, "\"\"");
+  return text;
+}
+
 bool Params::flag(std::string_view key, bool fallback) const {
   const auto value = member(key);
   if (!value) return fallback;

@@ -47,6 +47,8 @@ class Params {
 
   std::optional<std::string> string(std::string_view key) const;
   std::string requiredString(std::string_view key) const;
+  /// A string that is not empty; `expected` is what messages call it.
+  std::optional<std::string> nonEmpty(std::string_view key, const char* expected) const;
   bool flag(std::string_view key, bool fallback) const;
   /// Empty where the member is absent.
   std::vector<std::string> strings(std::string_view key) const;

@@ -20,7 +20,11 @@ Application::Application(Scheduler& scheduler, ApplicationSettings settings)
       settings_(std::move(settings)),
       container_(settings_.container),
       saver_(scheduler, {.report = settings_.report,
-                         .reloaded = [this](OpenOutline& opened) { notifyChanged(opened); },
+                         .reloaded =
+                             [this](OpenOutline& opened) {
+                               reportFaultyIds(opened);
+                               notifyChanged(opened);
+                             },
                          .moved = [this](OpenOutline& opened) { moved(opened); }}) {
   followFiles();
 }
@@ -34,7 +38,9 @@ OpenOutline& Application::open(const std::string& path) {
     return *already;
   }
   removeAbandoned(standard);
-  return add(OpenOutline::read(standard));
+  auto opened = OpenOutline::read(standard);
+  reportFaultyIds(*opened);
+  return add(std::move(opened));
 }
 
 OpenOutline& Application::newUntitled() {
@@ -83,6 +89,20 @@ void Application::remember(const OpenOutline& opened, const std::string& path) {
   } catch (const std::system_error& error) {
     report(std::string("Cannot keep persistent ids: ") + error.what());
   }
+}
+
+/// Warns about persistent ids that read as another kind of reference, so that they cannot name their rows.
+void Application::reportFaultyIds(const OpenOutline& opened) const {
+  std::string first;
+  std::size_t count = 0;
+  const Row& root = opened.outline().root();
+  for (const Row* row = nextInOrder(&root, &root); row != nullptr; row = nextInOrder(row, &root)) {
+    std::string fault = row->persistentId().empty() ? "" : persistentIdFault(row->persistentId());
+    if (!fault.empty() && ++count == 1) first = std::move(fault);
+  }
+  if (count == 0) return;
+  report(opened.storagePath() + ": the persistent id " + first +
+         (count > 1 ? ", and so would " + std::to_string(count - 1) + " more" : ""));
 }
 
 void Application::bringToFront(const OpenOutline& outline) {

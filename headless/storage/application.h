@@ -92,6 +92,7 @@ class Application {
   OpenOutline& current(OpenOutline& opened);
   void identify(OpenOutline& opened);
   void remember(const OpenOutline& opened, const std::string& path);
+  void reportFaultyIds(const OpenOutline& opened) const;
   OpenOutline& add(std::unique_ptr<OpenOutline> opened);
   void setAside(const OpenOutline& outline);
   bool rescue(OpenOutline& outline);

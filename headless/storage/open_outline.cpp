@@ -110,6 +110,7 @@ bool OpenOutline::reload() {
     decode(*format_, content, path_, trial);
     const std::string id = persistentId();
     history_.clear();
+    editor_.reset();
     removeRows(*outline_);
     outline_->setFrontMatter({});
     decode(*format_, content, path_, *outline_);

@@ -79,6 +79,16 @@ const ChangeCase createCases[] = {
      "\td {created=2026-09-21T14:13:25Z}\ny\n",
      nullptr},
     {"", [](Bench& b) { createMany(b, "\n  \n"); }, "", nullptr},
+    // The front matter of a whole document is no row.
+    {"", [](Bench& b) { createMany(b, "---\nid: x\ntitle: T\n---\n\na\n"); },
+     "a {created=2026-09-21T14:13:25Z}\n", nullptr},
+    // Ids that read as another kind of reference.
+    {"", [](Bench& b) { create(b, "a {#12}"); }, nullptr,
+     "The persistent id \"12\" would be taken for a session id"},
+    {"", [](Bench& b) { createMany(b, "- a\n  - b {#/p}\n"); }, nullptr,
+     "The persistent id \"/p\" would be taken for a path"},
+    {"", [](Bench& b) { createMany(b, "a {#@p}"); }, nullptr,
+     "The persistent id \"@p\" would be taken for @selection or @focused"},
     // Places.
     {"", [](Bench& b) { create(b, "x", below(nullptr, "1")); }, nullptr,
      "There is no position 1: the row has 0 children; use start, end or 0 to 0"},
@@ -221,6 +231,7 @@ const ChangeCase updateCases[] = {
      [](Bench& b) {
        update(b, {"a"}, {.persistentId = "12"}, {{"persistentId", "\"12\" would be taken for a session id"}});
        update(b, {"a"}, {.persistentId = "/x"}, {{"persistentId", "\"/x\" would be taken for a path"}});
+       update(b, {"a"}, {.persistentId = "(x"}, {{"persistentId", "\"(x\" would be taken for a path"}});
        update(b, {"a"}, {.persistentId = "@x"},
               {{"persistentId", "\"@x\" would be taken for @selection or @focused"}});
        update(b, {"a"}, {.persistentId = ""}, {{"persistentId", "A persistent id cannot be empty"}});
@@ -228,9 +239,11 @@ const ChangeCase updateCases[] = {
      "a {#a}\n", nullptr},
     {"a {#a}\n",
      [](Bench& b) {
-       update(b, {"root"}, {.prepend = Text("x"), .type = "task", .persistentId = "p"},
+       update(b, {"root"},
+              {.prepend = Text("x"), .type = "task", .attributes = {{"k", "v"}}, .persistentId = "p"},
               {{"type", "The root has no other type"},
                {"prepend", "The root has no text"},
+               {"attributes", "The root has no attributes"},
                {"persistentId", "The root goes by the outline's own id"}});
      },
      "a {#a}\n", nullptr},

@@ -36,9 +36,14 @@ class EditorTest : public testing::Test {
   std::optional<Editor> editor;
 };
 
-TEST_F(EditorTest, StartsAtTheRootOnTheFirstRow) {
+TEST_F(EditorTest, StartsAtTheRootWithNothingSelected) {
   EXPECT_THAT(ids(editor->focusStack()), ElementsAre(1));
-  EXPECT_THAT(ids(editor->selectedRows()), ElementsAre(2));
+  EXPECT_THAT(ids(editor->selectedRows()), IsEmpty());
+  EXPECT_FALSE(editor->hasSelection());
+  editor->focus(row(1));
+  EXPECT_FALSE(editor->hasSelection());
+  editor->select(row(2), row(2));
+  EXPECT_TRUE(editor->hasSelection());
   const Outline empty;
   const Editor onNothing(empty);
   EXPECT_EQ(onNothing.head().id(), empty.root().id());

@@ -45,7 +45,6 @@ TEST_F(Changing, PutsRowsWhereTheyWereAskedFor) {
       {"row.move", {{"rows", {"5", "4"}}, {"to", "2"}, {"position", 0}}, "Groceries(Later Bread Milk)"},
       {"row.move", {{"rows", {"2", "3", "2"}}, {"after", "5"}}, "Later Groceries(Milk Bread)"},
       {"row.delete", {{"rows", {"3", "2", "4"}}}, "Later"},
-      {"row.delete", {{"rows", {"@selection"}}}, "Later"},
       {"row.update",
        {{"rows", {"milk", "5"}}, {"append", " **now**"}},
        "Groceries(Milk now Bread) Later now"},
@@ -76,6 +75,18 @@ TEST_F(Changing, RefusesWhatCannotBeAndChangesNothing) {
       {"row.update",
        {{"rows", {"5"}}, {"text", 5}},
        "text: expected a markdown string or an array of runs, got the number 5"},
+      // A fresh outline has no caret.
+      {"row.delete", {{"rows", {"@selection"}}}, R"(Nothing is selected in "groceries.json")"},
+      {"row.update", {{"rows", {"@selection"}}, {"text", "x"}}, R"(Nothing is selected in "groceries.json")"},
+      {"row.update",
+       {{"rows", {"5"}}, {"text", json::array({{{"strng", "x"}}})}},
+       R"(text[0]: expected a run {string, attrs?}, got one with the member "strng")"},
+      {"row.update",
+       {{"rows", {"5"}}, {"append", json::array({{{"attrs", {{"em", ""}}}}})}},
+       "append[0].string: expected a string, got nothing"},
+      {"row.update",
+       {{"rows", {"5"}}, {"prepend", json::array({{{"string", "a"}}, {{"string", "b"}, {"style", "em"}}})}},
+       R"(prepend[1]: expected a run {string, attrs?}, got one with the member "style")"},
       {"row.update",
        {{"rows", {"5"}}, {"text", json::array({5})}},
        "text: expected an array of runs {string, attrs?}"},
@@ -108,7 +119,7 @@ TEST_F(Changing, AnUpdateDoesWhatItCanAndSaysWhatItCannot) {
 
 TEST_F(Changing, DeletingCountsDescendantsOnceAndKeepsTheCaretNear) {
   call("editor.update", {{"selectRow", "3"}});
-  EXPECT_EQ(call("row.delete", {{"rows", {"3"}}}), json::parse(R"({"deleted":1})"));
+  EXPECT_EQ(call("row.delete", {{"rows", {"@selection"}}}), json::parse(R"({"deleted":1})"));
   EXPECT_EQ(call("editor.get", {})["selection"]["head"], 4);
   EXPECT_EQ(call("row.delete", {{"rows", {"2", "4"}}}), json::parse(R"({"deleted":2})"));
   EXPECT_EQ(call("editor.get", {})["selection"]["head"], 5);

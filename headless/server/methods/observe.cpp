@@ -21,7 +21,7 @@ std::string begun(const std::string& id) {
 
 std::string outlineObserve(const Call& call) {
   const OutlineView view = viewParams(call.params);
-  const std::string path = call.params.string("path").value_or("//*");
+  const std::string path = call.params.nonEmpty("path", "an outline path").value_or("//*");
   const auto& [subscriptions, client] = subscriber(call);
   OpenOutline& opened = call.application.outline(call.params.string("outline"));
   return begun(subscriptions.observeOutline(client, opened, path, view));

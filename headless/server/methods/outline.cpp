@@ -62,6 +62,7 @@ std::string outlineGet(const Call& call) {
 }
 
 std::string outlineFindByPath(const Call& call) {
+  call.params.nonEmpty("path", "a path");
   return orNull(call.application.findByPath(call.params.requiredString("path")));
 }
 

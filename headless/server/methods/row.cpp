@@ -32,12 +32,26 @@ Destination newRowsDestination(const Params& params, const OpenOutline& opened) 
   return resolve(opened.outline(), destinationParams(params, opened.refs(), "parent"));
 }
 
+/// Files may hold runs with other members; a request that names one means something else.
+void checkRuns(std::string_view key, const json::Node& runs) {
+  std::size_t index = 0;
+  for (const json::Node& run : runs.elements()) {
+    const std::string place = std::string(key) + "[" + std::to_string(index++) + "]";
+    if (run.kind() != json::Kind::object) continue;
+    for (const auto& [name, value] : run.members())
+      if (name != "string" && name != "attrs")
+        Params::fail(place, "a run {string, attrs?}", "one with the member " + json::quoted(name));
+    if (!run.find("string")) Params::fail(place + ".string", "a string", "nothing");
+  }
+}
+
 std::optional<Text> textParam(const Params& params, std::string_view key) {
   const auto value = params.member(key);
   if (!value) return std::nullopt;
   if (const auto markdown = value->string()) return formats::parseInline(*markdown);
   if (value->kind() != json::Kind::array)
     Params::fail(key, "a markdown string or an array of runs", describe(*value));
+  checkRuns(key, *value);
   try {
     return formats::readRuns(*value);
   } catch (const formats::ShapeError& error) {
@@ -109,11 +123,11 @@ std::string rowUpdate(const Call& call) {
 
 std::string rowMove(const Call& call) {
   const auto refs = call.params.requiredStrings("rows");
+  if (!call.params.member("to") && !call.params.member("before") && !call.params.member("after"))
+    Params::fail("to", "a row reference (or before, or after)", "nothing");
   OpenOutline& opened = outlineParam(call);
   Transaction transaction = call.application.begin(opened);
   const DestinationRequest request = destinationParams(call.params, opened.refs(), "to");
-  if (request.parent == nullptr && request.before == nullptr && request.after == nullptr)
-    Params::fail("to", "a row reference (or before, or after)", "nothing");
   const auto rows = moveRows(transaction.edit(), opened.refs().rows(refs), request);
   transaction.commit();
   return rowsAnswer(rows);
