@@ -102,6 +102,7 @@ TEST_F(Reading, RowsByReference) {
       {{"-o", "txt", "milk"}, "Milk\n\n"},
       {{"-o", "txt", "--refs", "milk", "--", "bread"}, "Bread from the bakery, not sliced\nMilk\n\n"},
   };
+  printed({"update", "editor", "--outline", outline, "--select", "week"});
   for (const auto& row : rows) {
     std::vector<std::string> arguments = {"get", "outline", "--outline", outline};
     arguments.insert(arguments.end(), row.arguments.begin(), row.arguments.end());
