@@ -13,8 +13,8 @@ class Console;
 
 using ArgumentList = std::vector<std::string>;
 
-/// How many values follow an option: none (a flag); one, the option given at most once; one at each of
-/// its repetitions; or all up to the next option.
+/// How many values follow an option: none (a flag); one, of which the last given counts; one at each of its
+/// repetitions, which all count; or all up to the next option.
 enum class Takes { nothing, one, each, list };
 
 /// An option, or a positional argument when its name carries no dashes. Whatever reads, explains or completes

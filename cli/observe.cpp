@@ -15,10 +15,10 @@ constexpr Option pathOption{.name = "--path",
 constexpr Option pathArgument{.name = "path", .value = "path", .help = "The same as --path."};
 
 std::string observedPath(const Arguments& arguments) {
-  const auto named = arguments.value(pathOption);
-  const auto plain = arguments.value(pathArgument);
-  if (named && plain) throw UsageError("Give one path only, as an argument or with --path.");
-  return named ? *named : plain.value_or("//*");
+  auto paths = arguments.values(pathOption);
+  if (const auto plain = arguments.value(pathArgument)) paths.push_back(*plain);
+  if (paths.size() > 1) throw UsageError("Give one path only, as an argument or with --path.");
+  return paths.empty() ? "//*" : paths.front();
 }
 
 /// The options of both commands.

@@ -135,9 +135,6 @@ class Parser {
   void check(const Option& option) {
     const auto values = line_.arguments.values(option);
     for (const std::string& value : values) checkChoice(option, value);
-    if (option.takes == Takes::one && values.size() > 1) {
-      refuse("The option '" + std::string(option.name) + "' can be given only once.");
-    }
     if (!option.required || !values.empty()) return;
     refuse(option.missing.empty() ? "Missing required '" + optionLabel(option) + "'."
                                   : std::string(option.missing));
@@ -188,7 +185,7 @@ void Arguments::add(const Option& option, const std::vector<std::string>& values
 std::optional<std::string> Arguments::value(const Option& option) const {
   const auto all = values(option);
   if (all.empty()) return std::nullopt;
-  return all.front();
+  return all.back();
 }
 
 std::vector<std::string> Arguments::values(const Option& option) const {

@@ -16,7 +16,7 @@ class Arguments {
 
   /// Whether the option was named, with or without values.
   bool has(const Option& option) const { return given_.contains(&option); }
-  /// The value of an option that takes one.
+  /// The value of an option that takes one; the last where it was given several times.
   std::optional<std::string> value(const Option& option) const;
   /// All values in the order given; empty when there are none.
   std::vector<std::string> values(const Option& option) const;

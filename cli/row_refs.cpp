@@ -36,6 +36,18 @@ OptionNames namesOf(Takes takes) {
   return names;
 }
 
+/// Appends the option and the references behind it. One that looks like an option is attached to the name, so
+/// that it is read as a value.
+void appendReferences(ArgumentList& arguments, const std::string& option, const ArgumentList& references) {
+  bool open = false;
+  for (const std::string& reference : references) {
+    const bool attached = isOptionToken(reference);
+    if (!attached && !open) arguments.push_back(option);
+    arguments.push_back(attached ? option + "=" + reference : reference);
+    open = !attached;
+  }
+}
+
 }  // namespace
 
 std::optional<std::size_t> optionSpan(std::size_t at, const ArgumentList& arguments,
@@ -68,9 +80,7 @@ ArgumentList Vell::preprocessOutlineRefs(const ArgumentList& arguments) {
   }
   const auto behindTerminator = static_cast<std::ptrdiff_t>(std::min(i + 1, arguments.size()));
   references.insert(references.end(), arguments.begin() + behindTerminator, arguments.end());
-  if (references.empty()) return result;
-  result.emplace_back(command->plainArguments->name);
-  result.insert(result.end(), references.begin(), references.end());
+  appendReferences(result, std::string(command->plainArguments->name), references);
   return result;
 }
 

@@ -41,8 +41,9 @@ TEST(RowRefs, AreCollectedBehindTheOptionThatTakesThem) {
       {"get outline --refs --pretty 2", "get outline --refs --pretty --refs 2"},
       // Everything behind "--" is a reference.
       {"get outline --refs a b -- c", "get outline --refs a b --refs c"},
-      {"get outline -- -o --refs", "get outline --refs -o --refs"},
-      {"get outline 1 -- -- 2", "get outline --refs 1 -- 2"},
+      {"get outline -- -o --refs", "get outline --refs=-o --refs=--refs"},
+      {"get outline 1 -- -- 2 3", "get outline --refs 1 --refs=-- --refs 2 3"},
+      {"observe outline -- -x", "observe outline --path=-x"},
       {"get outline --", "get outline"},
       // An option that takes a value takes whatever follows.
       {"get outline --outline --pretty 3", "get outline --outline --pretty --refs 3"},

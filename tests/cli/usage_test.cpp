@@ -84,7 +84,6 @@ TEST(UsageErrors, NameTheFaultAndTheWayOut) {
       {"get outline --shape", "Missing value for '--shape <shape>'.", "vell get outline"},
       {"get outline --shape round",
        "The value 'round' is invalid for '--shape <shape>'. Choose one of tree or flat.", "vell get outline"},
-      {"move rows --to 1 --to 2", "The option '--to' can be given only once.", "vell move rows"},
       {"create rows", "Missing required '-f, --file <path>'.", "vell create rows"},
       // Arguments.
       {"get outlines 12", "Unexpected argument '12'.", "vell get outlines"},
@@ -115,7 +114,8 @@ TEST(UsageErrors, NameTheFaultAndTheWayOut) {
        "vell open outline"},
       {"open outline a --timeout 2s", "--timeout takes a positive number of seconds, got: '2s'",
        "vell open outline"},
-      {"observe outline /a --path /b", "The option '--path' can be given only once.", "vell observe outline"},
+      {"observe outline /a --path /b", "Give one path only, as an argument or with --path.",
+       "vell observe outline"},
       {"observe outline /a /b", "Unknown command '/b'.", "vell observe outline"},
       {"observe outline rows /a --path /b", "Give one path only, as an argument or with --path.",
        "vell observe outline rows"},
