@@ -8,7 +8,7 @@ namespace {
 void deleteRows(const Arguments& arguments, Console& console) {
   const ipc::RowDelete deletion{.rows = rowsOrSelection(arguments),
                                 .outline = arguments.value(outlineOption)};
-  callAndPrint(deletion, arguments, console);
+  warnOfNoMatch(callAndPrint(deletion, arguments, console), deletion.rows, console);
 }
 
 const Command rows{.name = "rows",

@@ -28,7 +28,7 @@ void moveRows(const Arguments& arguments, Console& console) {
       .outline = arguments.value(outlineOption),
   };
   if (!move.to && !move.before && !move.after) throw UsageError("Specify --to, --before, or --after.");
-  callAndPrint(move, arguments, console);
+  warnOfNoMatch(callAndPrint(move, arguments, console), move.rows, console);
 }
 
 const Command rows{

@@ -3,10 +3,29 @@
 #include "json/rewrite.h"
 
 namespace vell::cli {
+namespace {
+
+/// Whether an answer that is about rows, their number or a text made of them is about none.
+bool holdsNoRow(const json::Node& answer) {
+  if (answer.kind() == json::Kind::array) return answer.elements().empty();
+  if (answer.kind() == json::Kind::string) return answer.string()->empty();
+  if (const auto rows = answer.find("rows")) return holdsNoRow(*rows);
+  const auto deleted = answer.find("deleted");
+  return deleted && deleted->integer() == 0;
+}
+
+}  // namespace
 
 std::vector<std::string> rowsOrSelection(const Arguments& arguments) {
   return arguments.has(rowsArgument) ? arguments.values(rowsArgument)
                                      : std::vector<std::string>{"@selection"};
+}
+
+void warnOfNoMatch(const ipc::Answer& answer, const std::vector<std::string>& references, Console& console) {
+  if (references.empty() || !holdsNoRow(answer.result())) return;
+  std::string list;
+  for (const std::string& reference : references) list += (list.empty() ? "" : ", ") + reference;
+  console.say("warning: no row matches " + list + "\n");
 }
 
 void GlobalOptions::print(const json::Node& data) const {

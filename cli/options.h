@@ -6,6 +6,7 @@
 
 #include "cli/console.h"
 #include "cli/parser.h"
+#include "ipc/message.h"
 #include "ipc/vell_client.h"
 #include "json/document.h"
 
@@ -44,11 +45,17 @@ class GlobalOptions {
   Console& console_;
 };
 
-/// Sends one of the params records on a connection of its own and prints the answer.
+/// Sends one of the params records on a connection of its own, and prints and returns the answer.
 template <class Record>
-void callAndPrint(const Record& record, const Arguments& arguments, Console& console) {
+ipc::Answer callAndPrint(const Record& record, const Arguments& arguments, Console& console) {
   ipc::VellClient client;
-  GlobalOptions(arguments, console).print(client.request(record).result());
+  ipc::Answer answer = client.request(record);
+  GlobalOptions(arguments, console).print(answer.result());
+  return answer;
 }
+
+/// Warns on standard error that the references match nothing, where there are some and the answer holds no
+/// row.
+void warnOfNoMatch(const ipc::Answer& answer, const std::vector<std::string>& references, Console& console);
 
 }  // namespace vell::cli

@@ -45,6 +45,7 @@ void fetchOutline(const OutlineReadCommonOptions& options, std::vector<std::stri
   ipc::VellClient client;
   const ipc::Answer answer = client.request(read);
   writeEncoded(answer.result(), console.out);
+  warnOfNoMatch(answer, *read.rowRefs, console);
 }
 
 void writeEncoded(const json::Node& data, Output& out) {

@@ -1,3 +1,5 @@
+#include <set>
+
 #include "cli/commands.h"
 #include "cli/options.h"
 #include "ipc/methods.h"
@@ -79,6 +81,18 @@ constexpr Option persistentId{
     .value = "id",
     .help = "Assign a persistent id (requires exactly one row ref). See `vell --help`."};
 
+/// Warns on standard error of the fields that were refused, once of each fault.
+void warnOfFieldErrors(const ipc::Answer& answer, Console& console) {
+  std::set<std::string> faults;
+  for (const json::Node& entry : answer.result().elements()) {
+    const auto errors = entry.find("fieldErrors");
+    if (!errors) continue;
+    for (const auto& [field, fault] : errors->members())
+      faults.insert(field + ": " + fault.string().value_or(""));
+  }
+  for (const std::string& fault : faults) console.say("warning: " + fault + "\n");
+}
+
 void updateRows(const Arguments& arguments, Console& console) {
   const ipc::RowUpdate update{
       .rows = rowsOrSelection(arguments),
@@ -93,7 +107,9 @@ void updateRows(const Arguments& arguments, Console& console) {
   if (update.persistentId && update.rows.size() != 1) {
     throw UsageError("--persistent-id requires exactly one row ref.");
   }
-  callAndPrint(update, arguments, console);
+  const ipc::Answer answer = callAndPrint(update, arguments, console);
+  warnOfNoMatch(answer, update.rows, console);
+  warnOfFieldErrors(answer, console);
 }
 
 const Command rows{

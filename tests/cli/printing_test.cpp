@@ -30,6 +30,19 @@ TEST(Printing, OfResults) {
       {"get outline -o markdown", R"("# A\n- b\u00e4")", "# A\n- bä\n", ""},
       {"get outline rows -o txt --pretty", R"("a\n")", "a\n\n",
        "warning: --pretty has no effect on txt output (JSON formats only)\n"},
+      // What came of it is also said on standard error.
+      {"get outline rows //x 12", "[]", "[]\n", "warning: no row matches //x, 12\n"},
+      {"get outline rows //x -o txt", R"("")", "\n", "warning: no row matches //x\n"},
+      {"get outline //x", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", "warning: no row matches //x\n"},
+      {"get outline", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", ""},
+      {"update rows //x --type task", "[]", "[]\n", "warning: no row matches //x\n"},
+      {"move rows //x --to 3", "[]", "[]\n", "warning: no row matches //x\n"},
+      {"delete rows //x", R"({"deleted":0})", "{\"deleted\":0}\n", "warning: no row matches //x\n"},
+      {"delete rows //x", R"({"deleted":2})", "{\"deleted\":2}\n", ""},
+      {"update rows 1 2 --type tsk",
+       R"([{"fieldErrors":{"type":"No."},"row":1},{"fieldErrors":{"type":"No."}}])",
+       "[{\"fieldErrors\":{\"type\":\"No.\"},\"row\":1},{\"fieldErrors\":{\"type\":\"No.\"}}]\n",
+       "warning: type: No.\n"},
       {"create row --pretty", R"({"id":3})", "{\n  \"id\": 3\n}\n", ""},
   };
   tests::TemporaryHome home;
