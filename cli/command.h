@@ -77,6 +77,9 @@ inline constexpr Option versionOption{
 /// The command's options that are typed with dashes, and those that every command has.
 std::vector<const Option*> namedOptions(const Command& command);
 
+/// In front of a command: shows its help.
+inline constexpr std::string_view helpCommand = "help";
+
 /// A command and the words that lead to it, beginning with the root's name.
 struct TreeEntry {
   const Command* command;

@@ -94,6 +94,7 @@ std::string bashWords(const Command& root) {
   for (const TreeEntry& entry : wholeTree(root)) {
     std::string words, files;
     for (const Command* next : entry.command->subcommands) words += std::string(next->name) + " ";
+    if (entry.command == &root) words.append(helpCommand).append(" ");
     for (const Option* option : entry.command->options) {
       if (option->positional()) words += offeredValues(*option) + " ";
       if (option->positional() && option->file) files = "; files=yes";
@@ -151,6 +152,7 @@ std::string zshWords(const Command& root) {
     std::string subcommands, options, values, files;
     for (const Command* next : entry.command->subcommands)
       subcommands += described(next->name, next->abstract);
+    if (entry.command == &root) subcommands += described(helpCommand, helpOption.help);
     for (const Option* option : namedOptions(*entry.command))
       options += described(option->name, option->help);
     for (const Option* option : entry.command->options) {
@@ -216,6 +218,7 @@ std::string fishCompletion(const Command& root) {
     for (const Command* next : entry.command->subcommands) {
       add(" -a " + std::string(next->name) + explained(next->abstract));
     }
+    if (entry.command == &root) add(" -a " + std::string(helpCommand) + explained(helpOption.help));
     for (const Option* option : entry.command->options) {
       if (option->positional()) add(fishOption(*option));
     }

@@ -78,17 +78,24 @@ constexpr Option text{
         "Vell-flavored markdown for one row, single line (default: ''). Use `vell create rows` "
         "for multi-row or hierarchical input."};
 
+constexpr Option textArgument{.name = "text", .value = "markdown", .help = "The same as --text."};
+
+std::string rowText(const Arguments& arguments) {
+  const auto named = arguments.value(text), plain = arguments.value(textArgument);
+  if (named && plain) throw UsageError("Give one text only, as an argument or with --text.");
+  return named ? *named : plain.value_or("");
+}
+
 void createRow(const Arguments& arguments, Console& console) {
-  const ipc::RowCreate creation{.markdown = arguments.value(text).value_or(""),
-                                .outline = arguments.value(outlineOption),
-                                .place = place(arguments)};
+  const ipc::RowCreate creation{
+      .markdown = rowText(arguments), .outline = arguments.value(outlineOption), .place = place(arguments)};
   callAndPrint(creation, arguments, console);
 }
 
 const Command row{
     .name = "row",
-    .options = {&outlineOption, &parent, &position, &before, &after, &text, &prettyOption},
-    .examples = {{"create row --text 'Call **Ada**'", "A row at the end of the frontmost outline:"},
+    .options = {&textArgument, &outlineOption, &parent, &position, &before, &after, &text, &prettyOption},
+    .examples = {{"create row 'Call **Ada**'", "A row at the end of the frontmost outline:"},
                  {"create row --parent 12 --position start --text '- [ ] Buy milk'",
                   "A task as the first child of row 12:"}},
     .run = createRow};

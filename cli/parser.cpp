@@ -8,7 +8,6 @@
 namespace vell::cli {
 namespace {
 
-constexpr std::string_view helpWord = "help";
 constexpr std::string_view terminator = "--";
 
 using Words = std::span<const std::string>;
@@ -39,23 +38,16 @@ std::size_t followingValues(const Option& option, Words rest) {
   return static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isOptionToken) - rest.begin());
 }
 
-/// " Did you mean '…'?" for a word that is no subcommand or option of the command; empty when nothing is
-/// near.
-std::string didYouMean(std::string_view word, const Command& command) {
-  std::vector<std::string_view> candidates;
-  if (word.starts_with('-')) {
-    for (const Option* option : namedOptions(command)) candidates.push_back(option->name);
-  } else {
-    for (const Command* next : command.subcommands) candidates.push_back(next->name);
-  }
+/// " Did you mean '…'?" where a candidate is near the word; else empty.
+std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates) {
   const std::string_view meant = text::nearest(word, candidates);
-  if (meant.empty()) return {};
-  return " Did you mean '" + std::string(meant) + "'?";
+  return meant.empty() ? "" : " Did you mean '" + std::string(meant) + "'?";
 }
 
 class Parser {
  public:
-  explicit Parser(const Command& root) : line_{&root, std::string(root.name), Action::run, {}, {}} {}
+  explicit Parser(const Command& root)
+      : root_(root), line_{&root, std::string(root.name), Action::run, {}, {}} {}
 
   CommandLine parse(const ArgumentList& words) {
     split(words);
@@ -71,7 +63,7 @@ class Parser {
   /// Finds the command, and splits what else is there into tokens, as the options of the command say that is
   /// reached so far.
   void split(Words words) {
-    if (!words.empty() && words.front() == helpWord) {
+    if (!words.empty() && words.front() == helpCommand) {
       line_.action = Action::help;
       words = words.subspan(1);
     }
@@ -149,16 +141,21 @@ class Parser {
       if (choice != choices.front()) fault += choice == choices.back() ? " or " : ", ";
       fault += choice;
     }
-    refuse(fault + ".");
+    refuse(fault + "." + didYouMean(value, choices));
   }
 
   void refuseCommand(const std::string& word) {
     if (line_.action == Action::help) line_.action = Action::run;
-    refuse("Unknown command '" + word + "'." + didYouMean(word, *line_.command));
+    std::vector<std::string_view> names;
+    for (const Command* next : line_.command->subcommands) names.push_back(next->name);
+    if (line_.command == &root_) names.push_back(helpCommand);
+    refuse("Unknown command '" + word + "'." + didYouMean(word, names));
   }
 
   void refuseOption(const std::string& name) {
-    std::string hint = didYouMean(name, *line_.command);
+    std::vector<std::string_view> names;
+    for (const Option* option : namedOptions(*line_.command)) names.push_back(option->name);
+    std::string hint = didYouMean(name, names);
     const auto& options = line_.command->options;
     const bool takesArguments = std::any_of(options.begin(), options.end(),
                                             [](const Option* option) { return option->positional(); });
@@ -171,6 +168,7 @@ class Parser {
     if (line_.fault.empty()) line_.fault = fault;
   }
 
+  const Command& root_;
   CommandLine line_;
   std::vector<Token> tokens_;
 };

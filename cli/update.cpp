@@ -5,17 +5,29 @@
 #include "ipc/methods.h"
 #include "json/error.h"
 #include "json/rewrite.h"
+#include "text/utf8.h"
 
 namespace vell::cli {
 namespace {
 
 // Rows.
 
+/// Unicode's white space.
+bool isBlank(char32_t c) {
+  return (c >= '\t' && c <= '\r') || c == ' ' || c == 0x85 || c == 0xA0 || c == 0x1680 ||
+         (c >= 0x2000 && c <= 0x200A) || c == 0x2028 || c == 0x2029 || c == 0x202F || c == 0x205F ||
+         c == 0x3000;
+}
+
 std::string_view trimmed(std::string_view text) {
-  constexpr std::string_view blanks = " \t\r\n\v\f";
-  const std::size_t first = text.find_first_not_of(blanks);
-  if (first == std::string_view::npos) return {};
-  return text.substr(first, text.find_last_not_of(blanks) - first + 1);
+  std::size_t begin = 0, end = 0, at = 0;
+  for (text::CodePoint c = text::firstCodePoint(text); c.length > 0;
+       c = text::firstCodePoint(text.substr(at))) {
+    if (isBlank(c.value) && end == 0) begin = at + c.length;
+    at += c.length;
+    if (!isBlank(c.value)) end = at;
+  }
+  return end == 0 ? std::string_view() : text.substr(begin, end - begin);
 }
 
 /// The styled runs that the text is a JSON array of; none for other texts.
@@ -118,7 +130,8 @@ const Command rows{
     .options = {&rowsArgument, &outlineOption, &text, &append, &prepend, &type, &attr, &unset, &persistentId,
                 &prettyOption},
     .examples = {{"update rows //task --attr color=red --unset done", "Every task turns red and open again:"},
-                 {"update rows 12 --text '- [x] Buy **oat** milk'", "A new text for row 12:"}},
+                 {"update rows 12 --text 'Buy **oat** milk' --type task --attr done=true",
+                  "Row 12 becomes a finished task with a new text:"}},
     .run = updateRows};
 
 // The editor.

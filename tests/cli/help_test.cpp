@@ -79,6 +79,8 @@ TEST(Completion, OfBashFollowsTheTree) {
   const std::string script = directory.write("vell.bash", completionScript(vellCommand, "bash"));
   const CompletionCase cases[] = {
       {"g", "get\n"},
+      {"he", "help\n"},
+      {"help get outl", "outline outlines\n"},
       {"get outl", "outline outlines\n"},
       {"get outline r", "rows\n"},
       {"get outline -o m", "markdown\n"},

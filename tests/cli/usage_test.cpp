@@ -41,6 +41,10 @@ const std::map<std::string_view, std::string_view> usages = {
      "Usage: vell update editor [--focus <row-ref>] [--select <row-ref>]\n"
      "           [--select-head <row-ref>] [--expand <row-refs>...]\n"
      "           [--collapse <row-refs>...] [--outline <outline-id>] [--pretty]\n"},
+    {"vell create row",
+     "Usage: vell create row [<markdown>] [--outline <outline-id>]\n"
+     "           [--parent <row-ref>] [--position <position>] [--before <row-ref>]\n"
+     "           [--after <row-ref>] [--text <markdown>] [--pretty]\n"},
     {"vell create rows",
      "Usage: vell create rows --file <path> [--outline <outline-id>]\n"
      "           [--parent <row-ref>] [--position <position>] [--before <row-ref>]\n"
@@ -63,6 +67,7 @@ TEST(UsageErrors, NameTheFaultAndTheWayOut) {
       {"gte", "Unknown command 'gte'. Did you mean 'get'?", "vell"},
       {"xyzzy", "Unknown command 'xyzzy'.", "vell"},
       {"''", "Unknown command ''.", "vell"},
+      {"hlep", "Unknown command 'hlep'. Did you mean 'help'?", "vell"},
       {"get outlin", "Unknown command 'outlin'. Did you mean 'outline'?", "vell get"},
       {"help get editro", "Unknown command 'editro'. Did you mean 'editor'?", "vell get"},
       {"get rows --help", "Unknown command 'rows'.", "vell get"},
@@ -82,6 +87,12 @@ TEST(UsageErrors, NameTheFaultAndTheWayOut) {
        "vell get outline"},
       {"move --to rows 3", "Missing value for '--to <row-ref>'.", "vell move rows"},
       {"get outline --shape", "Missing value for '--shape <shape>'.", "vell get outline"},
+      {"get outline -o json -o markdwon",
+       "The value 'markdwon' is invalid for '-o, --output <output>'. Choose one of json, session, markdown, "
+       "vell, opml or txt. Did you mean 'markdown'?",
+       "vell get outline"},
+      {"create row a --text b", "Give one text only, as an argument or with --text.", "vell create row"},
+      {"create row a b", "Unexpected argument 'b'.", "vell create row"},
       {"get outline --shape round",
        "The value 'round' is invalid for '--shape <shape>'. Choose one of tree or flat.", "vell get outline"},
       {"create rows", "Missing required '-f, --file <path>'.", "vell create rows"},
