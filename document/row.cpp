@@ -14,6 +14,12 @@ std::optional<RowType> rowType(std::string_view wanted) {
   return std::nullopt;
 }
 
+std::vector<const Row*> childrenOf(const Row& parent) {
+  std::vector<const Row*> children;
+  for (const Row* child = parent.firstChild(); child; child = child->next()) children.push_back(child);
+  return children;
+}
+
 const Row* nextInOrder(const Row* row, const Row* top) {
   return row->firstChild() ? row->firstChild() : nextAfterSubtree(row, top);
 }

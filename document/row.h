@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "document/attributes.h"
 #include "document/text.h"
@@ -86,6 +87,7 @@ class Row {
   Timestamp modified_ = 0;
 };
 
+std::vector<const Row*> childrenOf(const Row& parent);
 /// The row after `row` in document order, not leaving the subtree of `top`; null at its end.
 const Row* nextInOrder(const Row* row, const Row* top);
 /// The row behind the whole subtree of `row`, not leaving the subtree of `top`.

@@ -11,13 +11,6 @@ void placeAll(Transaction& transaction, const std::vector<const Row*>& block, co
   for (const Row* row : block) transaction.edit().place(*row, parent, before);
 }
 
-std::vector<const Row*> childrenOf(const Row& parent) {
-  std::vector<const Row*> children;
-  for (const Row* child = parent.firstChild(); child != nullptr; child = child->next())
-    children.push_back(child);
-  return children;
-}
-
 bool arrange(Transaction& transaction, const Row& parent, const std::vector<const Row*>& children) {
   if (children == childrenOf(parent)) return false;
   placeAll(transaction, children, parent, nullptr);

@@ -5,10 +5,19 @@
 
 #include "headless/editing/update_rows.h"
 #include "headless/storage/application.h"
+#include "json/writer.h"
 
 namespace vell::headless {
 
 // The JSON texts that several methods answer with. Rows stand in session shape, without their children.
+
+/// {"key":value}
+template <class Value>
+std::string memberAnswer(std::string_view key, const Value& value) {
+  std::string text;
+  json::Writer(text).beginObject().member(key, value).endObject();
+  return text;
+}
 
 std::string rowAnswer(const Row& row);
 /// [row,…]

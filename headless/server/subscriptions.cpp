@@ -129,9 +129,8 @@ std::string Subscriptions::render(const Subject& subject) const {
 void Subscriptions::close(const std::string& id, const char* reason) {
   const auto found = subscriptions_.find(id);
   const std::uint64_t client = found->second.client;
-  std::string data;
-  json::Writer(data).beginObject().member("reason", reason).endObject();
-  sink_.send(client, notification(id, found->second.subject, "subscription.closed", data));
+  sink_.send(client,
+             notification(id, found->second.subject, "subscription.closed", memberAnswer("reason", reason)));
   subscriptions_.erase(found);
   const bool others = std::any_of(subscriptions_.begin(), subscriptions_.end(),
                                   [&](const auto& entry) { return entry.second.client == client; });

@@ -24,10 +24,13 @@ TEST_F(ApplicationTest, ReportsPersistentIdsThatCannotNameTheirRows) {
   EXPECT_THAT(reports, ElementsAre());
   const std::string path = directory.write("bad.md", "one {#1}\n\ntwo {#/b}\n\nthree {#c}\n");
   application.open(path);
-  EXPECT_THAT(reports, ElementsAre(path + ": the persistent id \"1\" would be taken for a session id, and so would 1 more"));
+  EXPECT_THAT(
+      reports,
+      ElementsAre(path + ": the persistent id \"1\" would be taken for a session id, and so would 1 more"));
   directory.write("good.md", "one {#@a}\n");
   scheduler.runTimers();
-  EXPECT_EQ(reports.back(), (directory / "good.md") + (": the persistent id \"@a\" would be taken for @selection or @focused"));
+  EXPECT_EQ(reports.back(), (directory / "good.md") +
+                                (": the persistent id \"@a\" would be taken for @selection or @focused"));
 }
 
 TEST_F(ApplicationTest, AFileReadAnewHasNoCaret) {

@@ -1,7 +1,7 @@
 #include "headless/editing/problem.h"
+#include "headless/server/answers.h"
 #include "headless/server/methods.h"
 #include "headless/server/subscriptions.h"
-#include "json/writer.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -11,12 +11,6 @@ const Subscriber& subscriber(const Call& call) {
   return *call.subscriber;
 }
 
-std::string begun(const std::string& id) {
-  std::string text;
-  json::Writer(text).beginObject().member("subscriptionId", id).endObject();
-  return text;
-}
-
 }  // namespace
 
 std::string outlineObserve(const Call& call) {
@@ -24,12 +18,12 @@ std::string outlineObserve(const Call& call) {
   const std::string path = call.params.nonEmpty("path", "an outline path").value_or("//*");
   const auto& [subscriptions, client] = subscriber(call);
   OpenOutline& opened = call.application.outline(call.params.string("outline"));
-  return begun(subscriptions.observeOutline(client, opened, path, view));
+  return memberAnswer("subscriptionId", subscriptions.observeOutline(client, opened, path, view));
 }
 
 std::string documentsObserve(const Call& call) {
   const auto& [subscriptions, client] = subscriber(call);
-  return begun(subscriptions.observeDocuments(client));
+  return memberAnswer("subscriptionId", subscriptions.observeDocuments(client));
 }
 
 }  // namespace vell::headless::methods

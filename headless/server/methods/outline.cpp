@@ -94,9 +94,7 @@ std::string outlineNewContent(const Call& call) {
 std::string outlineClose(const Call& call) {
   OpenOutline& opened = call.application.outline(call.params.string("outline"));
   call.application.close(opened, call.params.flag("discard", false));
-  std::string text;
-  json::Writer(text).beginObject().member("closed", true).endObject();
-  return text;
+  return memberAnswer("closed", true);
 }
 
 }  // namespace vell::headless::methods

@@ -141,9 +141,7 @@ std::string rowDelete(const Call& call) {
   transaction.deselect(rows);
   const std::size_t deleted = deleteRows(transaction.edit(), rows);
   transaction.commit();
-  std::string text;
-  json::Writer(text).beginObject().member("deleted", deleted).endObject();
-  return text;
+  return memberAnswer("deleted", deleted);
 }
 
 }  // namespace vell::headless::methods

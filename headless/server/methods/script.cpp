@@ -34,12 +34,7 @@ class Host : public ScriptHost {
     return parent == nullptr || parent->parent() == nullptr ? "null" : rowAnswer(*parent);
   }
 
-  static std::string children(const Call& call) {
-    std::vector<const Row*> children;
-    for (const Row* child = row(call).firstChild(); child != nullptr; child = child->next())
-      children.push_back(child);
-    return rowsAnswer(children);
-  }
+  static std::string children(const Call& call) { return rowsAnswer(childrenOf(row(call))); }
 
   static std::string save(const Call& call) {
     OpenOutline& opened = call.application.outline(call.params.string("outline"));
