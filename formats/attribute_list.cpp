@@ -5,7 +5,7 @@
 #include "formats/inline_markdown.h"
 #include "json/document.h"
 #include "json/error.h"
-#include "json/strings.h"
+#include "json/writer.h"
 
 namespace vell::formats {
 namespace {

@@ -5,7 +5,7 @@
 
 #include "formats/attribute_list.h"
 #include "formats/inline_markdown.h"
-#include "json/strings.h"
+#include "json/writer.h"
 
 namespace vell::formats {
 namespace {
