@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <iterator>
+#include <optional>
 #include <string>
 #include <utility>
 #include <valijson/internal/adapter.hpp>
@@ -90,8 +91,8 @@ class Content {
   bool getString(std::string& result) const { return get(value_->string(), result); }
   bool getArraySize(std::size_t& result) const { return getSize(value_->array(), result); }
   bool getObjectSize(std::size_t& result) const { return getSize(value_->object(), result); }
-  opt::optional<Array> getArrayOptional() const { return view<Array>(value_->array()); }
-  opt::optional<Object> getObjectOptional() const { return view<Object>(value_->object()); }
+  std::optional<Array> getArrayOptional() const { return view<Array>(value_->array()); }
+  std::optional<Object> getObjectOptional() const { return view<Object>(value_->object()); }
   valijson::adapters::FrozenValue* freeze() const;
 
  private:
@@ -106,8 +107,8 @@ class Content {
     return container != nullptr;
   }
   template <class View, class Container>
-  static opt::optional<View> view(const Container* container) {
-    return container ? opt::optional<View>(View(*container)) : opt::optional<View>();
+  static std::optional<View> view(const Container* container) {
+    return container ? std::optional<View>(View(*container)) : std::optional<View>();
   }
 
   const Value* value_;
