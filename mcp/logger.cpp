@@ -80,6 +80,12 @@ std::optional<LogLevel> levelNamed(std::string_view name) {
   return static_cast<LogLevel>(found - levels.begin());
 }
 
+std::vector<std::string_view> levelNames() {
+  std::vector<std::string_view> names;
+  for (const LevelTraits& level : levels) names.push_back(level.name);
+  return names;
+}
+
 std::shared_ptr<LogSink> standardErrorSink() { return std::make_shared<SpdlogSink>(); }
 
 }  // namespace vell::mcp

@@ -14,6 +14,8 @@ enum class LogLevel { debug, info, notice, warning, error, critical, alert, emer
 
 std::string_view levelName(LogLevel level);
 std::optional<LogLevel> levelNamed(std::string_view name);
+/// In the order of the levels.
+std::vector<std::string_view> levelNames();
 
 /// Key and value pairs that go with an entry.
 using LogMetadata = std::vector<std::pair<std::string, std::string>>;

@@ -74,6 +74,12 @@ MCPError::MCPError(Kind kind, Detail detail)
   if (detail_) message_.append(message_.empty() ? "" : ": ").append(*detail_);
 }
 
+MCPError MCPError::invalidParams(Detail detail, std::optional<Value> data) {
+  MCPError error(Kind::invalidParams, std::move(detail));
+  error.data_ = std::move(data);
+  return error;
+}
+
 MCPError MCPError::urlElicitationRequired(Value::Array elicitations, std::string message) {
   MCPError error(Kind::urlElicitationRequired, std::move(message));
   error.data_ = Value::Object{{"elicitations", std::move(elicitations)}};

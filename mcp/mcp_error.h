@@ -32,7 +32,7 @@ class MCPError : public std::exception {
   static MCPError parseError(Detail detail = {}) { return {Kind::parseError, std::move(detail)}; }
   static MCPError invalidRequest(Detail detail = {}) { return {Kind::invalidRequest, std::move(detail)}; }
   static MCPError methodNotFound(Detail detail = {}) { return {Kind::methodNotFound, std::move(detail)}; }
-  static MCPError invalidParams(Detail detail = {}) { return {Kind::invalidParams, std::move(detail)}; }
+  static MCPError invalidParams(Detail detail = {}, std::optional<Value> data = {});
   static MCPError internalError(Detail detail = {}) { return {Kind::internalError, std::move(detail)}; }
   static MCPError resourceNotFound(Detail detail = {}) { return {Kind::resourceNotFound, std::move(detail)}; }
   static MCPError urlElicitationRequired(Value::Array elicitations, std::string message);

@@ -1,5 +1,7 @@
 #include "mcp/message.h"
 
+#include <algorithm>
+
 namespace vell::mcp {
 
 namespace {
@@ -18,10 +20,29 @@ std::optional<RequestId> idIn(const json::Node& message) {
   return std::nullopt;
 }
 
-Message decodeResponse(const json::Node& message, const std::optional<RequestId>& id) {
-  if (!id) return invalid(std::nullopt, "A message needs a method, or an id and a result or error");
-  if (message.find("error") || message.find("result")) return Response{*id};
-  return invalid(id, "A message needs a method, a result or an error");
+/// The length of the JSON string that a text begins with, its quotes included; of the whole text where it
+/// does not end.
+std::size_t stringLength(std::string_view text) {
+  std::size_t at = 1;
+  while (at < text.size() && text[at] != '"') at += text[at] == '\\' ? 2 : 1;
+  return std::min(at + 1, text.size());
+}
+
+std::string_view withoutBlanks(std::string_view text) {
+  return text.substr(std::min(text.find_first_not_of(" \t\r"), text.size()));
+}
+
+/// The identifier that the text behind a key holds; none where there is no colon or no valid identifier.
+std::optional<RequestId> idBehindKey(std::string_view text) {
+  text = withoutBlanks(text);
+  if (!text.starts_with(':')) return std::nullopt;
+  text = withoutBlanks(text.substr(1));
+  const std::size_t length = text.starts_with('"') ? stringLength(text) : text.find_first_of(",} \t\r");
+  try {
+    return RequestId::from(decode(text.substr(0, length)));
+  } catch (const json::ParseError&) {
+    return std::nullopt;
+  }
 }
 
 Value::Object envelope(const std::optional<RequestId>& id) {
@@ -33,10 +54,11 @@ Value::Object envelope(const std::optional<RequestId>& id) {
 Message decodeMessage(const json::Node& node) {
   if (node.kind() != json::Kind::object) return invalid(std::nullopt, "A message is a JSON object");
   const auto id = idIn(node);
+  const auto method = node.find("method");
+  if (!method && (node.find("result") || node.find("error"))) return Response{id};
   const auto version = node.find("jsonrpc");
   if (!version || version->string() != jsonrpc) return invalid(id, "Invalid JSON-RPC version");
-  const auto method = node.find("method");
-  if (!method) return decodeResponse(node, id);
+  if (!method) return invalid(id, "A message needs a method, a result or an error");
   const auto name = method->string();
   if (!name) return invalid(id, "The method is not a string");
   if (node.find("id") && !id) return invalid(std::nullopt, "An id is a string or an integer");
@@ -49,6 +71,23 @@ Message decodeMessage(const json::Node& node) {
     if (id) return InvalidMessage{id, MCPError::invalidParams("Invalid params field: " + error.fault())};
     return Notification{*name, {}};
   }
+}
+
+std::optional<RequestId> findId(std::string_view text) {
+  text = withoutBlanks(text);
+  std::optional<RequestId> id;
+  int depth = 0;
+  while (!text.empty() && (depth > 0 || text.front() == '{')) {
+    const char first = text.front();
+    const std::string_view token = text.substr(0, first == '"' ? stringLength(text) : 1);
+    text.remove_prefix(token.size());
+    if (first == '{' || first == '[') ++depth;
+    if (first == '}' || first == ']') --depth;
+    if (depth == 0) break;
+    if (depth > 1 || token != "\"id\"") continue;
+    if (auto found = idBehindKey(text)) id = std::move(found);
+  }
+  return id;
 }
 
 std::string encodeResult(const RequestId& id, Value result) {

@@ -57,7 +57,7 @@ struct Notification {
 
 /// The client's answer to a request. The server sends no requests, so nobody reads its result.
 struct Response {
-  RequestId id;
+  std::optional<RequestId> id;
 };
 
 /// JSON that is not a valid message, and the error to answer; with the identifier where it has a valid one.
@@ -69,6 +69,8 @@ struct InvalidMessage {
 using Message = std::variant<Request, Notification, Response, InvalidMessage>;
 
 Message decodeMessage(const json::Node& node);
+/// The identifier of a message that is not JSON, as far as its outermost object shows one.
+std::optional<RequestId> findId(std::string_view text);
 
 /// Each on one line, without line feed.
 std::string encodeResult(const RequestId& id, Value result);

@@ -141,9 +141,11 @@ void Server::initialized(const std::optional<Value>&) {
 }
 
 void Server::setLevel(const std::optional<Value>& params, const RequestContextPtr& context) {
-  const std::string name = Params(params, Params::Presence::required).text("level");
-  const auto level = levelNamed(name);
-  if (!level) throw MCPError::invalidParams("Unknown level: " + name);
+  const auto level = levelNamed(Params(params, Params::Presence::required).text("level"));
+  const auto names = levelNames();
+  if (!level)
+    throw MCPError::invalidParams("Invalid params field",
+                                  Value::Object{{"levels", Value::Array(names.begin(), names.end())}});
   clientLevel_ = level;
   context->succeed(Value::Object{});
 }
@@ -158,7 +160,7 @@ void Server::receive(std::string_view line) {
     dispatch(decodeMessage(document.root()), answer);
   } catch (const json::ParseError& error) {
     const std::string place = "at byte " + std::to_string(error.offset()) + ": ";
-    send(encodeError(std::nullopt, MCPError::parseError(place + error.fault())));
+    send(encodeError(findId(line), MCPError::parseError(place + error.fault())));
   }
 }
 
@@ -182,7 +184,8 @@ void Server::dispatch(Message message, const RequestContext::Deliver& deliver) {
   if (auto* notification = std::get_if<Notification>(&message)) {
     handle(*notification);
   } else if (auto* response = std::get_if<Response>(&message)) {
-    log(LogLevel::debug, "Response to no request of ours", {{"id", response->id.description()}});
+    log(LogLevel::debug, "Response to no request of ours",
+        {{"id", response->id ? response->id->description() : "none"}});
   } else {
     const auto& invalid = std::get<InvalidMessage>(message);
     return deliver(encodeError(invalid.id, invalid.error));

@@ -5,6 +5,7 @@
 namespace vell::mcp::tests {
 namespace {
 
+using ::testing::AllOf;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
@@ -69,7 +70,14 @@ TEST_F(Session, AnswersEveryRequestOnceAndNothingElse) {
       {R"({"jsonrpc":"2.0","method":"ping"})", {}},
       {R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":99}})", {}},
       {R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":[]})", {}},
+      // Nor are responses, whatever their identifier.
       {R"({"jsonrpc":"2.0","id":4,"result":{}})", {}},
+      {R"({"jsonrpc":"2.0","id":null,"error":{"code":-32700,"message":"x"}})", {}},
+      {R"({"jsonrpc":"2.0","id":1.5,"result":null})", {}},
+      {R"({"jsonrpc":"2.0","error":{}})", {}},
+      {R"([{"jsonrpc":"2.0","result":{}},{"jsonrpc":"2.0","id":{},"error":{}}])", {}},
+      {R"({"jsonrpc":"2.0","id":1})",
+       {error("1", -32600, "Invalid Request: A message needs a method, a result or an error")}},
       // Methods and params.
       {R"({"jsonrpc":"2.0","id":1,"method":"foo/bar"})",
        {error("1", -32601, "Method not found: Unknown method: foo/bar")}},
@@ -90,7 +98,8 @@ TEST_F(Session, AnswersEveryRequestOnceAndNothingElse) {
       {R"({"jsonrpc":"2.0","id":1,"method":"resources/subscribe","params":{"uri":"x"}})",
        {R"({"id":1,"jsonrpc":"2.0","result":{}})"}},
       {R"({"jsonrpc":"2.0","id":1,"method":"logging/setLevel","params":{"level":"loud"}})",
-       {error("1", -32602, "Invalid params: Unknown level: loud")}},
+       {R"({"error":{"code":-32602,"data":{"levels":["debug","info","notice","warning","error","critical",)"
+        R"("alert","emergency"]},"message":"Invalid params: Invalid params field"},"id":1,"jsonrpc":"2.0"})"}},
       {R"({"jsonrpc":"2.0","id":1,"method":"boom"})",
        {error("1", -32603, "Internal error: An internal error occurred")}},
       {hello, {error("0", -32600, "Invalid Request: Server is already initialized")}},
@@ -116,10 +125,34 @@ TEST_F(Session, AnswersEveryRequestOnceAndNothingElse) {
 TEST_F(Session, RefusesWhatIsNotJson) {
   begin();
   const std::string tooDeep(json::maxDepth + 1, '[');
-  for (const std::string& line : {std::string("{"), std::string("{}x"), std::string("\xff"), tooDeep}) {
-    EXPECT_THAT(ask(line),
-                ElementsAre(HasSubstr(R"({"code":-32700,"message":"Parse error: Invalid JSON: at byte )")))
-        << line.substr(0, 9);
+  const std::string nul(1, '\0');
+  // What comes in, and the identifier of the answer.
+  const std::pair<std::string, std::string> rows[] = {
+      {"{", "null"},
+      {"{}x", "null"},
+      {"\xff", "null"},
+      {tooDeep, "null"},
+      {"\"id\":1", "null"},
+      {R"([{"id":1},)", "null"},
+      {R"({"params":{"id":1}},)", "null"},
+      {R"({"x":["id",{"id":1}],"y":"id",)", "null"},
+      {R"({"id":1.5,"x":tru})", "null"},
+      {"{\"id\":\"\xff\"}", "null"},
+      {R"({"id":7)", "7"},
+      {R"( {"method":"\"","params":{"id":1},"id" : 7 , "x":})", "7"},
+      {R"({"id":"a\"b","x":01})", R"("a\"b")"},
+      {R"({"id":"a","method":"\ud8"})", R"("a")"},
+      {R"({"id":"\ud800","x":01})", "\"\xEF\xBF\xBD\""},
+      {"{\"method\":\"\xff\",\"id\":7}", "7"},
+      {R"({"jsonrpc":"2.0","id":7,"method":"ping"})" + nul, "7"},
+      {R"({"jsonrpc":"2.0","id":7,"method":")" + nul + "\"}", "7"},
+      {R"({"id":7,"params":)" + tooDeep, "7"},
+  };
+  for (const auto& [line, id] : rows) {
+    EXPECT_THAT(ask(line), ElementsAre(AllOf(
+                               HasSubstr(R"({"code":-32700,"message":"Parse error: Invalid JSON: at byte )"),
+                               HasSubstr("\"id\":" + id + ",\"jsonrpc\""))))
+        << line.substr(0, 30);
   }
 }
 
