@@ -57,12 +57,11 @@ std::string shown(const Value& value) {
 }
 
 bool accepts(const Value& schema, const char* type) {
-  if (const Value* any = schema.find("anyOf")) {
-    const auto& alternatives = *any->array();
-    return std::any_of(alternatives.begin(), alternatives.end(),
-                       [type](const Value& each) { return accepts(each, type); });
-  }
-  return typeOf(schema) == type;
+  const Value* any = schema.find("anyOf");
+  if (!any || !any->array()) return typeOf(schema) == type;
+  const auto& alternatives = *any->array();
+  return std::any_of(alternatives.begin(), alternatives.end(),
+                     [type](const Value& each) { return accepts(each, type); });
 }
 
 /// The value of a string that holds JSON text; null for other strings.
@@ -74,23 +73,36 @@ Value spelledOut(const std::string& text) {
   }
 }
 
-/// What to write instead, where that is known; begins with a blank or a colon.
-std::string repair(const Value& schema, const Value& value) {
-  if (schema.find("enum")) return "";
-  const bool isScalar = value.boolean() || value.integer() || value.number();
-  if (accepts(schema, "string") && isScalar) return " (write \"" + encode(value) + "\")";
-  if (accepts(schema, "array") && isScalar) return " (write [\"" + encode(value) + "\"])";
-  if (!value.string()) return "";
-  const Value meant = spelledOut(*value.string());
-  if (meant.array() && accepts(schema, "array"))
+bool fits(const Value& schema, const Value& value);
+
+std::string advice(const Value& schema, const Value& instead) {
+  return fits(schema, instead) ? " (write " + encode(instead) + ")" : "";
+}
+
+/// A list of one for a single value. A reference to a row may be a number, but no fraction and no boolean.
+std::string repairToList(const Value& schema, const Value& value) {
+  if (value.integer()) return advice(schema, Value::Array{encode(value)});
+  const bool isShort = value.string() && value.string()->size() <= longestShown;
+  return isShort ? advice(schema, Value::Array{value}) : "";
+}
+
+/// What to write instead, where that is known and free of further faults; begins with a blank or a colon.
+std::string repair(const Value& schema, const Value& value, bool inList) {
+  const bool isNumber = value.integer() || value.number();
+  // A number in the place of a text. Where whole numbers fit as they are, the text would not be any text.
+  const bool isText = accepts(schema, "string") && !accepts(schema, "integer");
+  if (isText && (inList ? value.integer() != nullptr : isNumber || value.boolean())) {
+    return advice(schema, encode(value));
+  }
+  const Value meant = value.string() ? spelledOut(*value.string()) : Value();
+  if (meant.array() && fits(schema, meant))
     return ": a list written as a JSON string (pass the array itself)";
-  if (meant.object() && accepts(schema, "object"))
+  if (meant.object() && fits(schema, meant))
     return ": an object written as a JSON string (pass the object itself)";
-  if (accepts(schema, "array") && value.string()->size() <= longestShown)
-    return " (write [" + encode(value) + "])";
-  const bool unquoted =
-      (meant.integer() && accepts(schema, "integer")) || (meant.boolean() && accepts(schema, "boolean"));
-  return unquoted ? " (write " + encode(meant) + ")" : "";
+  if (meant.integer() || meant.boolean()) {
+    if (const std::string unquoted = advice(schema, meant); !unquoted.empty()) return unquoted;
+  }
+  return meant.array() || meant.object() ? "" : repairToList(schema, value);
 }
 
 std::string suggestion(const std::string& name, const std::vector<std::string>& candidates) {
@@ -110,23 +122,36 @@ std::vector<std::string> textsOf(const Value* array) {
 
 class Explainer {
  public:
+  /// Whether a mismatch names what to write instead.
+  explicit Explainer(bool advises) : advises_(advises) {}
+
   void check(const Value& schema, const Value& value, const std::string& place) {
-    if (const Value* any = schema.find("anyOf"))
+    if (const Value* any = schema.find("anyOf"); any && any->array())
       return checkAlternatives(schema, *any->array(), value, place);
     const std::string type = typeOf(schema);
     if (!type.empty() && !fitsType(value, type)) return mismatch(schema, value, place);
-    if (schema.find("enum")) checkNamed(schema, value, place);
+    if (const Value* accepted = schema.find("enum"); accepted && accepted->array())
+      checkEnum(schema, *accepted->array(), value, place);
     if (value.array()) checkElements(schema, *value.array(), place);
     if (value.object()) checkMembers(schema, *value.object(), place);
   }
 
-  std::string text() const { return text_; }
+  std::string text() const {
+    const std::size_t more = faults_ > mostShown ? faults_ - mostShown : 0;
+    return more == 0 ? text_ : text_ + "\nand " + std::to_string(more) + " more";
+  }
 
  private:
-  void add(const std::string& fault) { text_ += (text_.empty() ? "" : "\n") + fault; }
+  static constexpr std::size_t mostShown = 10;
+
+  void add(const std::string& fault) {
+    if (++faults_ <= mostShown) text_ += (text_.empty() ? "" : "\n") + fault;
+  }
 
   void mismatch(const Value& schema, const Value& value, const std::string& place) {
-    add(place + ": expected " + schema::describe(schema) + ", got " + shown(value) + repair(schema, value));
+    const bool inList = place.ends_with(']');
+    add(place + ": expected " + schema::describe(schema) + ", got " + shown(value) +
+        (advises_ ? repair(schema, value, inList) : ""));
   }
 
   void checkAlternatives(const Value& schema, const Value::Array& alternatives, const Value& value,
@@ -137,12 +162,11 @@ class Explainer {
     mismatch(schema, value, place);
   }
 
-  void checkNamed(const Value& schema, const Value& value, const std::string& place) {
-    const auto accepted = textsOf(schema.find("enum"));
-    if (!value.string() || std::find(accepted.begin(), accepted.end(), *value.string()) != accepted.end())
-      return;
+  void checkEnum(const Value& schema, const Value::Array& accepted, const Value& value,
+                 const std::string& place) {
+    if (std::find(accepted.begin(), accepted.end(), value) != accepted.end()) return;
     add(place + ": expected " + schema::describe(schema) + ", got " + shown(value) +
-        suggestion(*value.string(), accepted));
+        (value.string() ? suggestion(*value.string(), textsOf(schema.find("enum"))) : ""));
   }
 
   void checkElements(const Value& schema, const Value::Array& elements, const std::string& place) {
@@ -165,25 +189,35 @@ class Explainer {
       if (property || (others && others->object())) {
         check(property ? *property : *others, member, inner);
       } else if (others && others->boolean() && !*others->boolean()) {
-        unknown(*properties, name, inner);
+        unknown(properties, name, inner);
       }
     }
   }
 
-  void unknown(const Value& properties, const std::string& name, const std::string& place) {
+  void unknown(const Value* properties, const std::string& name, const std::string& place) {
     std::vector<std::string> known;
-    for (const auto& property : *properties.object()) known.push_back(property.first);
+    if (properties && properties->object()) {
+      for (const auto& property : *properties->object()) known.push_back(property.first);
+    }
     const std::string accepted = known.empty() ? "none" : schema::listOf(known, "and");
     add(place + ": unknown parameter (accepted: " + accepted + ")" + suggestion(name, known));
   }
 
+  bool advises_;
+  std::size_t faults_ = 0;
   std::string text_;
 };
+
+bool fits(const Value& schema, const Value& value) {
+  Explainer explainer(false);
+  explainer.check(schema, value, "");
+  return explainer.text().empty();
+}
 
 }  // namespace
 
 std::string explainFaults(const Value& schema, const Value& arguments) {
-  Explainer explainer;
+  Explainer explainer(true);
   explainer.check(schema, arguments, "");
   return explainer.text();
 }

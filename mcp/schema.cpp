@@ -53,12 +53,14 @@ static std::string plural(const std::string& description) {
 
 std::string describe(const Value& schema) {
   std::vector<std::string> alternatives;
-  if (const Value* any = schema.find("anyOf")) {
+  if (const Value* any = schema.find("anyOf"); any && any->array()) {
     for (const Value& alternative : *any->array()) alternatives.push_back(describe(alternative));
     return listOf(alternatives, "or");
   }
-  if (const Value* accepted = schema.find("enum")) {
-    for (const Value& value : *accepted->array()) alternatives.push_back("'" + *value.string() + "'");
+  if (const Value* accepted = schema.find("enum"); accepted && accepted->array()) {
+    for (const Value& value : *accepted->array()) {
+      alternatives.push_back(value.string() ? "'" + *value.string() + "'" : encode(value));
+    }
     return listOf(alternatives, "or");
   }
   const Value* type = schema.find("type");

@@ -54,7 +54,7 @@ struct McpTextInput {
   static mcp::Value schema() {
     using namespace mcp;
     const Value run = schema::object(
-        {{"string", schema::string()}, {"attrs", Value::Object{{"type", "object"}}}}, {"string"}, true);
+        {{"string", schema::string()}, {"attrs", schema::mapOf(schema::string())}}, {"string"}, true);
     return schema::anyOf({schema::string(), schema::arrayOf(run)});
   }
   static ipc::RowText decode(const mcp::Value& value) {

@@ -64,29 +64,48 @@ TEST(Arguments, AreDecodedIntoTheRecord) {
   EXPECT_EQ(record.attributes->at("gone"), std::nullopt);
 }
 
+std::string tenFaults(int count) {
+  std::string text;
+  for (int i = 0; i < count; ++i) {
+    const std::string number = std::to_string(i + 1);
+    text += (i == 0 ? "" : "\n") + ("rows[" + std::to_string(i)) + "]: expected a string, got the number " +
+            number + " (write \"" + number + "\")";
+  }
+  return text;
+}
+
 TEST(Arguments, FaultsSayHowToRepairTheCall) {
-  const std::pair<const char*, const char*> rows[] = {
+  const std::pair<const char*, std::string> rows[] = {
       {R"({})", "Missing required parameter 'rows'"},
       {R"({"rows":["a",12]})", R"(rows[1]: expected a string, got the number 12 (write "12"))"},
       {R"({"rows":["a",true,null]})",
-       "rows[1]: expected a string, got true (write \"true\")\nrows[2]: expected a string, got null"},
+       "rows[1]: expected a string, got true\nrows[2]: expected a string, got null"},
+      {R"({"rows":["a",1.5]})", "rows[1]: expected a string, got the number 1.5"},
+      {R"({"rows":true})", "rows: expected an array of strings, got true"},
+      {R"({"rows":1.5})", "rows: expected an array of strings, got the number 1.5"},
+      {R"({"rows":"[1]"})", R"(rows: expected an array of strings, got the string "[1]")"},
+      {R"({"rows":[1,2,3,4,5,6,7,8,9,10]})", tenFaults(10)},
+      {R"({"rows":[1,2,3,4,5,6,7,8,9,10,11,12]})", tenFaults(10) + "\nand 2 more"},
       {R"({"rows":"a"})", R"(rows: expected an array of strings, got the string "a" (write ["a"]))"},
       {R"({"rows":7})", R"(rows: expected an array of strings, got the number 7 (write ["7"]))"},
       {R"({"rows":"[\"a\"]"})",
        "rows: expected an array of strings, got the string \"[\\\"a\\\"]\": a list written as "
        "a JSON string (pass the array itself)"},
       {R"({"rows":[],"count":[]})", "count: expected a string or an integer, got an array"},
-      {R"({"rows":[],"count":1.5})",
-       "count: expected a string or an integer, got the number 1.5 (write \"1.5\")"},
+      {R"({"rows":[],"count":1.5})", "count: expected a string or an integer, got the number 1.5"},
+      {R"({"rows":[],"count":true})", "count: expected a string or an integer, got true"},
       {R"({"rows":[],"count":1.0})", ""},
-      {R"({"rows":[],"count":1e300})",
-       "count: expected a string or an integer, got the number 1e+300 (write \"1e+300\")"},
+      {R"({"rows":[],"count":1e300})", "count: expected a string or an integer, got the number 1e+300"},
       {R"({"rows":[],"shape":"Flatt"})",
        R"(shape: expected 'tree' or 'flat', got the string "Flatt"; did you mean 'flat'?)"},
       {R"({"rows":[],"shape":3})", "shape: expected 'tree' or 'flat', got the number 3"},
       {R"({"rows":[],"deep":"true"})", R"(deep: expected a boolean, got the string "true" (write true))"},
       {R"({"rows":[],"attributes":{"n":1}})",
        R"(attributes.n: expected a string or null, got the number 1 (write "1"))"},
+      {R"({"rows":[],"attributes":{"n":true}})",
+       R"(attributes.n: expected a string or null, got true (write "true"))"},
+      {R"({"rows":[],"attributes":"{\"n\":1}"})",
+       R"(attributes: expected an object, got the string "{\"n\":1}")"},
       {R"({"rows":[],"attributes":"{}"})",
        R"(attributes: expected an object, got the string "{}": an object written as a JSON string (pass the object itself))"},
       {R"({"row":["a"],"zzz":1})",
@@ -103,6 +122,24 @@ TEST(Arguments, OfDeclaredToolsWithoutParameters) {
   ArgumentValidator validator(Parameters<Record>().schema());
   EXPECT_EQ(validator.faults(Value::Object{}), "");
   EXPECT_EQ(validator.faults(Value::Object{{"x", 1}}), "x: unknown parameter (accepted: none)");
+}
+
+TEST(Arguments, OfSchemasThatOthersWrote) {
+  struct Row {
+    const char* schema;
+    const char* arguments;
+    const char* faults;
+  };
+  const Row rows[] = {
+      {R"({"additionalProperties":false})", R"({"x":1})", "x: unknown parameter (accepted: none)"},
+      {R"({"properties":{"x":{"enum":[1,null,"a"]}}})", R"({"x":2})",
+       "x: expected 1, null or 'a', got the number 2"},
+      {R"({"properties":{"x":{"enum":[1,null,"a"]}}})", R"({"x":null})", ""},
+      {R"({"maxProperties":0})", R"({"x":2})", "The arguments do not fit the input schema."},
+  };
+  for (const Row& row : rows) {
+    EXPECT_EQ(ArgumentValidator(decode(row.schema)).faults(decode(row.arguments)), row.faults) << row.schema;
+  }
 }
 
 /// Whether a schema says no more than schema.h can write.
