@@ -7,6 +7,8 @@
 
 #include "ipc/client_error.h"
 #include "outlines/location.h"
+#include "outlines/resource_uri.h"
+#include "platform/container.h"
 #include "platform/files.h"
 #include "platform/process.h"
 
@@ -101,6 +103,8 @@ void bringOutlineToFront(ipc::Application& application, const std::string& persi
 ipc::Answer openOutlineViaLaunchServices(ipc::Application& application, const std::string& absolutePath,
                                          const OpenOptions& options) {
   if (!exists(absolutePath)) throw OpenError("File not found: " + absolutePath);
+  if (std::filesystem::is_directory(absolutePath))
+    throw OpenError("File not found: " + absolutePath + " is a folder");
   if (auto open = raise(application, ipc::OutlineFindByPath{absolutePath})) return std::move(*open);
   return launchAndAwait(application, absolutePath, ": " + absolutePath, options);
 }
@@ -115,10 +119,26 @@ ipc::Answer openOutlineByPersistentId(ipc::Application& application, const std::
   return launchAndAwait(application, *file, " persistentId: " + persistentId, options);
 }
 
+/// What to write instead of a target that leads to no file; empty where nothing is known.
+static std::string advice(const std::string& target) {
+  if (target.rfind("file://", 0) == 0) {
+    const auto path = filePath({.persistentId = {}, .displayName = {}, .fileURL = target});
+    return path ? " (write the path: " + *path + ")" : " (write a path)";
+  }
+  if (target.rfind("~/", 0) == 0)
+    return " (write the path: " + platform::homeDirectory() + target.substr(1) + ")";
+  if (target.find_first_of("/.") == std::string::npos)
+    return " (for a persistent id write id:" + target + ")";
+  return {};
+}
+
 ipc::Answer openOutline(ipc::Application& application, const std::string& target,
                         const OpenOptions& options) {
+  if (target.empty()) throw OpenError("File not found: the path is empty");
   if (target.rfind("id:", 0) == 0) return openOutlineByPersistentId(application, target.substr(3), options);
-  return openOutlineViaLaunchServices(application, absolutize(target), options);
+  const std::string path = absolutize(target);
+  if (!exists(path)) throw OpenError("File not found: " + path + advice(target));
+  return openOutlineViaLaunchServices(application, path, options);
 }
 
 std::vector<std::string> resolveFileURLs(const std::string& persistentId) {

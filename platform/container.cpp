@@ -7,7 +7,7 @@
 
 namespace vell::platform {
 
-static std::string homeDirectory() {
+std::string homeDirectory() {
   const char* home = std::getenv("HOME");
   if (home != nullptr && home[0] == '/') return home;
   const passwd* user = getpwuid(getuid());

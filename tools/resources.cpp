@@ -62,6 +62,7 @@ std::string variable(const mcp::ResourceReadPtr& read, const std::string& name) 
 /// Answers the read with the file's outline; opens it, and the application, where need be.
 void readFile(const Services& services, const std::string& path, const mcp::ResourceReadPtr& read) {
   if (path.find('\0') != std::string::npos) throw std::invalid_argument("A path holds no NUL character");
+  if (path.rfind('/', 0) != 0) throw std::invalid_argument("The path is not absolute: " + path);
   const auto open = [path](ipc::Application& application, const outlines::OpenOptions& options) {
     return outlines::openOutlineViaLaunchServices(application, path, options);
   };

@@ -41,7 +41,9 @@ std::vector<const Row*> createRows(Edit& edit, std::string_view markdown, const 
 const Row& createRow(Edit& edit, std::string_view markdown, const Destination& destination) {
   const std::string_view line = withoutLineEnd(markdown);
   if (line.find_first_of("\r\n") != std::string_view::npos) {
-    throw Problem("The markdown of one row must be a single line; use row.createMany for several rows");
+    throw Problem(
+        "The markdown of one row must be a single line; use vell_create_rows (vell create rows) for several "
+        "rows");
   }
   const std::vector<const Row*> created = createRows(edit, line, destination);
   if (!created.empty()) return *created.front();

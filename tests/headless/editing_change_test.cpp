@@ -66,9 +66,11 @@ const ChangeCase createCases[] = {
      "[ ] **x** {#p color=red created=2026-09-21T14:13:25Z}\n", nullptr},
     {"", [](Bench& b) { create(b, "## x"); }, "# x {created=2026-09-21T14:13:25Z}\n", nullptr},
     {"", [](Bench& b) { create(b, "a\nb"); }, nullptr,
-     "The markdown of one row must be a single line; use row.createMany for several rows"},
+     "The markdown of one row must be a single line; use vell_create_rows (vell create rows) for several "
+     "rows"},
     {"", [](Bench& b) { create(b, "a\n\n"); }, nullptr,
-     "The markdown of one row must be a single line; use row.createMany for several rows"},
+     "The markdown of one row must be a single line; use vell_create_rows (vell create rows) for several "
+     "rows"},
     // An id goes over to the new row.
     {"a {#p}\n", [](Bench& b) { create(b, "b {#p}"); },
      "a {modified=2026-09-21T14:13:25Z}\nb {#p created=2026-09-21T14:13:25Z}\n", nullptr},

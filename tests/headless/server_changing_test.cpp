@@ -95,7 +95,11 @@ TEST_F(Changing, RefusesWhatCannotBeAndChangesNothing) {
        "attributes.a: expected a string or null, got a value of type number"},
       {"command.perform",
        {{"ids", {"row:delete", "row:no-such"}}},
-       R"(ids[1]: expected a command that command.list names, got "row:no-such")"},
+       R"(ids[1]: expected a command that vell_get_commands (vell get commands) lists, got "row:no-such")"},
+      {"command.perform",
+       {{"ids", {"row:togle-done"}}},
+       R"(ids[0]: expected a command that vell_get_commands (vell get commands) lists, got "row:togle-done" (did )"
+       R"(you mean "row:toggle-done"?))"},
   };
   for (const Case& c : cases) {
     const json message = call(c.method, c.params);

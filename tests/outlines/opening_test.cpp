@@ -108,6 +108,18 @@ TEST_F(Opening, GivesUpWhenTheTimeIsOver) {
 TEST_F(Opening, SaysWhatCannotBeOpened) {
   const FakeApplication fake(application(1000));
   EXPECT_EQ(open(home / "missing"), "File not found: " + (home / "missing"));
+  const std::string here = std::filesystem::current_path().string() + "/";
+  const std::pair<std::string, std::string> rows[] = {
+      {"", "the path is empty"},
+      {home.path(), home.path() + " is a folder"},
+      {"missing.vell", here + "missing.vell"},
+      {"P-1", here + "P-1 (for a persistent id write id:P-1)"},
+      {"~/a.vell", here + "~/a.vell (write the path: " + (home / "a.vell") + ")"},
+      {"file://" + home.path() + "/a%20b.vell",
+       here + "file:" + home.path() + "/a%20b.vell (write the path: " + (home / "a b.vell") + ")"},
+      {"file://", here + "file: (write a path)"},
+  };
+  for (const auto& [target, message] : rows) EXPECT_EQ(open(target), "File not found: " + message) << target;
   EXPECT_THAT(fake.requests(), ElementsAre());
   EXPECT_EQ(open("id:P"), "No outline found with persistentId: P");
   platform::IdentifierIndex().put("P", home / "gone");

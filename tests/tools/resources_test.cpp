@@ -96,6 +96,10 @@ TEST_F(Resources, AreReadAsMarkdown) {
        "Internal error: Error reading resource vell://file/%2Fno%2Fwhere: File not found: /no/where"},
       {"vell://file/%2Fa%00",
        "Internal error: Error reading resource vell://file/%2Fa%00: A path holds no NUL character"},
+      {"vell://file/a.vell",
+       "Internal error: Error reading resource vell://file/a.vell: The path is not absolute: a.vell"},
+      {"vell://file/..%2Fa.vell",
+       "Internal error: Error reading resource vell://file/..%2Fa.vell: The path is not absolute: ../a.vell"},
       {"vell://file/a/b", "Resource not found: vell://file/a/b"},
       {"vell://nothing", "Resource not found: vell://nothing"},
   };

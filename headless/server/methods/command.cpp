@@ -1,17 +1,24 @@
 #include "headless/commands/commands.h"
 #include "headless/server/methods.h"
 #include "json/writer.h"
+#include "text/edit_distance.h"
 
 namespace vell::headless::methods {
 namespace {
+
+[[noreturn]] void failAsUnknown(const std::string& place, const std::string& id) {
+  std::vector<std::string_view> ids;
+  for (const Command& command : commands()) ids.push_back(command.id);
+  const std::string_view meant = text::nearest(id, ids);
+  Params::fail(place, "a command that vell_get_commands (vell get commands) lists",
+               json::quoted(id) + (meant.empty() ? "" : " (did you mean " + json::quoted(meant) + "?)"));
+}
 
 std::vector<const Command*> commandsParam(const Params& params) {
   std::vector<const Command*> found;
   for (const std::string& id : params.requiredStrings("ids")) {
     const Command* command = findCommand(id);
-    if (command == nullptr)
-      Params::fail("ids[" + std::to_string(found.size()) + "]", "a command that command.list names",
-                   json::quoted(id));
+    if (command == nullptr) failAsUnknown("ids[" + std::to_string(found.size()) + "]", id);
     found.push_back(command);
   }
   return found;
