@@ -209,7 +209,7 @@ struct PathExpressionUnionParser : seq<PathExpresionExceptParser, opt<UnionTail>
 struct PathExpressionParser : seq<PathExpressionUnionParser> {};
 
 // The whole text: a path, or a value that is more than one bare word
-struct LoneWord       : seq<star<sor<Blank, one<'('>>>, WordThat<isUnquotedWord>, star<sor<Blank, one<')'>>>, eof> {};
+struct LoneWord       : Before<isLoneWord> {};
 struct EndOfInput     : eof {};
 struct TopLevelPath   : seq<PathExpressionUnionParser> {};
 struct TopLevelValue  : seq<ValueAllowed, not_at<LoneWord>, ValueExpressionAdditiveParser> {};

@@ -58,8 +58,8 @@ bool Lookahead::relationFollows(std::size_t at) {
     if (end == kNone) break;
     const Comparison known = comparisonAt(operand);
     behindChain = skipBlanks(text_, end);
-    found =
-        known == Comparison::unknown && relationAt(text_.substr(behindChain)) ? Comparison::possible : known;
+    const bool mayCompare = isOpenCall(operand) || relationAt(text_.substr(behindChain));
+    found = known == Comparison::unknown && mayCompare ? Comparison::possible : known;
     operand = nextOperand(behindChain);
   }
   if (behindChain == kNone) return false;
@@ -108,9 +108,18 @@ std::size_t Lookahead::operandEnd(std::size_t at) {
   }
   if (rest.front() == '"') return behindString(text_, at);
   if (rest.front() == '(') return behindBracket(at);
-  if (const std::size_t length = functionNameLength(rest); length != 0) return behindBracket(at + length);
+  if (const std::size_t length = functionNameLength(rest); length != 0)
+    return std::min(behindBracket(at + length), text_.size());
   const std::size_t length = wordLength(rest);
   return length == 0 || isKeyword(rest.substr(0, length)) ? kNone : at + length;
+}
+
+bool Lookahead::isOpenCall(std::size_t operand) {
+  const std::size_t at = skipMinusSigns(text_, operand);
+  const std::size_t length = functionNameLength(text_.substr(at));
+  const bool isOpen = length != 0 && behindBracket(at + length) == kNone;
+  sawOpenCall_ = sawOpenCall_ || isOpen;
+  return isOpen;
 }
 
 /// The operand behind the arithmetic sign at `sign`, `kNone` where there is no such sign.

@@ -25,6 +25,8 @@ class Lookahead {
   /// Whether a relation follows the value at `at`, which may be a chain of operands, and the comparison is
   /// not known to fail.
   bool relationFollows(std::size_t at);
+  /// Whether there is a function call whose bracket is not closed. A relation may follow such a call.
+  bool sawOpenCall() const { return sawOpenCall_; }
   /// Where the comparison that was given up last would have wanted the relation that does not follow.
   std::optional<std::size_t> missingRelation() const { return missingRelation_; }
   /// Notes that the comparison at `at` failed though a relation follows. So will those at the further
@@ -40,6 +42,7 @@ class Lookahead {
   Comparison& comparisonAt(std::size_t at);
   bool operandFailed(std::size_t at) const;
   std::size_t operandEnd(std::size_t at);
+  bool isOpenCall(std::size_t operand);
   std::size_t nextOperand(std::size_t sign) const;
   std::size_t behindBracket(std::size_t open);
 
@@ -51,6 +54,7 @@ class Lookahead {
   /// For each opening bracket the offset behind the closing one.
   std::vector<std::size_t> brackets_;
   std::optional<std::size_t> missingRelation_;
+  bool sawOpenCall_ = false;
   std::size_t steps_ = 0;
 };
 

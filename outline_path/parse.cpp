@@ -9,11 +9,6 @@ namespace {
 
 namespace pegtl = tao::pegtl;
 
-bool isLoneWord(std::string_view text) {
-  rules::Input in = rules::inputOf(text);
-  return pegtl::parse<pegtl::seq<grammar::OptionalBlanks, grammar::LoneWord>>(in);
-}
-
 /// Why the text of a parse that failed is no expression as a whole.
 Diagnostic diagnose(const ParseState& state, const TopLevel& top) {
   using Kind = Diagnostic::Kind;
@@ -21,6 +16,9 @@ Diagnostic diagnose(const ParseState& state, const TopLevel& top) {
     return {Kind::loneWord, state.text.find_first_not_of("( \t\n\v\f\r"), {Expected::path}};
   if (state.tooDeepAt) return {Kind::tooDeep, *state.tooDeepAt, {}};
   Diagnostic diagnostic{Kind::unexpected, state.expectations.furthest(), state.expectations.all()};
+  // The argument of an open call ends where a relation stands: the call was meant to be closed before it.
+  if (state.lookahead.sawOpenCall() && relationAt(state.text.substr(diagnostic.index)))
+    return {Kind::unexpected, state.text.size(), {Expected::closingBracket}};
   if (diagnostic.expected.contains(Expected::integer)) diagnostic.kind = Kind::notAnInteger;
   if (top.expression && skipBlanks(state.text, top.end) == diagnostic.index) diagnostic.kind = Kind::leftover;
   return diagnostic;

@@ -25,6 +25,19 @@ bool isTextWord(std::string_view word) {
          !typeTestOf(word) && isBareWord(word);
 }
 
+bool isLoneWord(std::string_view text) {
+  std::size_t open = 0, closed = 0;
+  const auto skip = [&text](char bracket, std::size_t& count) {
+    for (; !text.empty() && (isBlank(text.front()) || text.front() == bracket); text.remove_prefix(1))
+      count += text.front() == bracket ? 1 : 0;
+  };
+  skip('(', open);
+  const std::string_view word = text.substr(0, wordLength(text));
+  text.remove_prefix(word.size());
+  skip(')', closed);
+  return text.empty() && open == closed && !word.empty() && isUnquotedWord(word);
+}
+
 bool isFiniteNumber(std::string_view word) { return isNumber(word) && std::isfinite(numberOf(word)); }
 bool isBoolean(std::string_view word) { return word == kTrue || word == kFalse; }
 bool isNull(std::string_view word) { return word == kNull; }

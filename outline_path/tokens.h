@@ -15,6 +15,8 @@ namespace vell::outline_path {
 bool isUnquotedWord(std::string_view word);
 /// A bare word that a step may consist of, a test for the text.
 bool isTextWord(std::string_view word);
+/// Nothing but a bare word, perhaps in brackets.
+bool isLoneWord(std::string_view text);
 /// A number that a double can hold.
 bool isFiniteNumber(std::string_view word);
 bool isBoolean(std::string_view word);
