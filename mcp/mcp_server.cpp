@@ -27,7 +27,7 @@ Value::Object withoutNulls(Value::Object arguments) {
 }  // namespace
 
 MCPServer::MCPServer(ServerInfo info, std::optional<ServerCapabilities> capabilities, Logger logger)
-    : info_(std::move(info)), capabilities_(capabilities), logger_(std::move(logger)) {
+    : info_(std::move(info)), capabilities_(std::move(capabilities)), logger_(std::move(logger)) {
   toolRegistry_.notice().onChanged(
       [this] { forEachSession([](Server& session) { session.sendToolListChanged(); }); });
   resourceRegistry_.notice().onChanged(
@@ -50,7 +50,11 @@ void MCPServer::registerResourceTemplate(std::string uriTemplate, ResourceDescri
 
 ServerCapabilities MCPServer::capabilities() const {
   if (capabilities_) return *capabilities_;
-  return {.logging = true, .tools = hasTools(), .resources = hasResources(), .prompts = hasPrompts()};
+  ServerCapabilities offered{.logging = true};
+  if (hasTools()) offered.tools = {.listChanged = true};
+  if (hasResources()) offered.resources = {.listChanged = true, .subscribe = true};
+  if (hasPrompts()) offered.prompts = {.listChanged = true};
+  return offered;
 }
 
 std::shared_ptr<Server> MCPServer::run(Transport& transport) {

@@ -35,13 +35,13 @@ std::shared_ptr<Server> Server::make(ServerInfo info, ServerCapabilities capabil
   if (configuration.supportedProtocolVersions.empty())
     throw std::logic_error("A server supports some version");
   return std::shared_ptr<Server>(
-      new Server(std::move(info), capabilities, std::move(configuration), std::move(logger)));
+      new Server(std::move(info), std::move(capabilities), std::move(configuration), std::move(logger)));
 }
 
 Server::Server(ServerInfo info, ServerCapabilities capabilities, ServerConfiguration configuration,
                Logger logger)
     : info_(std::move(info)),
-      capabilities_(capabilities),
+      capabilities_(std::move(capabilities)),
       configuration_(std::move(configuration)),
       logger_(std::move(logger)) {
   bindDefaultHandlers();

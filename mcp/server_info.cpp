@@ -11,13 +11,36 @@ Value ServerInfo::toValue() const {
   return object;
 }
 
-Value ServerCapabilities::toValue() const {
-  const Value::Object changing{{"listChanged", true}};
+namespace {
+
+void addFlag(Value::Object& object, const char* key, bool flag) {
+  if (flag) object.emplace(key, true);
+}
+
+Value valueOf(const ServerCapabilities::List& list) {
   Value::Object object;
+  addFlag(object, "listChanged", list.listChanged);
+  return object;
+}
+
+Value valueOf(const ServerCapabilities::Resources& resources) {
+  Value::Object object;
+  addFlag(object, "listChanged", resources.listChanged);
+  addFlag(object, "subscribe", resources.subscribe);
+  return object;
+}
+
+}  // namespace
+
+Value ServerCapabilities::toValue() const {
+  Value::Object object;
+  if (tools) object.emplace("tools", valueOf(*tools));
+  if (resources) object.emplace("resources", valueOf(*resources));
+  if (prompts) object.emplace("prompts", valueOf(*prompts));
   if (logging) object.emplace("logging", Value::Object{});
-  if (tools) object.emplace("tools", changing);
-  if (prompts) object.emplace("prompts", changing);
-  if (resources) object.emplace("resources", Value::Object{{"listChanged", true}, {"subscribe", true}});
+  if (completions) object.emplace("completions", Value::Object{});
+  if (tasks) object.emplace("tasks", *tasks);
+  if (experimental) object.emplace("experimental", *experimental);
   return object;
 }
 

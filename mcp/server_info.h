@@ -36,12 +36,24 @@ struct ServerInfo {
   Value toValue() const;
 };
 
-/// What the server offers. A list that is offered announces its changes.
+/// What the server offers; a capability that is absent is not written.
 struct ServerCapabilities {
+  /// Of a list: whether the server announces its changes.
+  struct List {
+    bool listChanged = false;
+  };
+  struct Resources {
+    bool listChanged = false;
+    bool subscribe = false;
+  };
+
+  std::optional<List> tools = {};
+  std::optional<Resources> resources = {};
+  std::optional<List> prompts = {};
   bool logging = false;
-  bool tools = false;
-  bool resources = false;
-  bool prompts = false;
+  bool completions = false;
+  std::optional<Value::Object> tasks = {};
+  std::optional<Value::Object> experimental = {};
 
   Value toValue() const;
 };

@@ -13,6 +13,11 @@ void addIfPresent(Value::Object& object, const char* key, const std::optional<Fi
   if (field) object.emplace(key, *field);
 }
 
+const char* nameOf(TaskSupport support) {
+  static constexpr const char* names[] = {"required", "optional", "forbidden"};
+  return names[static_cast<std::size_t>(support)];
+}
+
 }  // namespace
 
 Value ToolAnnotations::toValue() const {
@@ -30,6 +35,9 @@ Value ToolDefinition::toValue() const {
   addIfPresent(object, "title", title);
   addIfPresent(object, "description", description);
   addIfPresent(object, "outputSchema", outputSchema);
+  addIfPresent(object, "_meta", meta);
+  addIfPresent(object, "icons", icons);
+  if (taskSupport) object.emplace("execution", Value::Object{{"taskSupport", nameOf(*taskSupport)}});
   if (annotations) object.emplace("annotations", annotations->toValue());
   return object;
 }
@@ -87,6 +95,7 @@ Value CallToolResult::toValue() && {
   object.emplace("content", std::move(content));
   if (structuredContent) object.emplace("structuredContent", std::move(*structuredContent));
   if (isError) object.emplace("isError", true);
+  addIfPresent(object, "_meta", meta);
   return object;
 }
 

@@ -21,6 +21,9 @@ struct ToolAnnotations {
   Value toValue() const;
 };
 
+/// Whether a call of a tool may, must or must not run as a task.
+enum class TaskSupport { required, optional, forbidden };
+
 /// How a tool is listed.
 struct ToolDefinition {
   std::string name;
@@ -28,6 +31,9 @@ struct ToolDefinition {
   std::optional<std::string> description = {};
   Value inputSchema;                       // an object schema
   std::optional<Value> outputSchema = {};  // of the structured content
+  std::optional<Value::Object> meta = {};  // written as `_meta`
+  std::optional<Value::Array> icons = {};
+  std::optional<TaskSupport> taskSupport = {};  // written in `execution`
   std::optional<ToolAnnotations> annotations = {};
 
   Value toValue() const;
@@ -53,6 +59,7 @@ struct CallToolResult {
   std::vector<Value> content;  // content blocks
   std::optional<Value> structuredContent = {};
   bool isError = false;
+  std::optional<Value::Object> meta = {};  // written as `_meta`
 
   static CallToolResult text(std::string text);
   static CallToolResult error(std::string description);

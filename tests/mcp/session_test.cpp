@@ -46,6 +46,41 @@ TEST_F(Session, OffersWhatIsRegistered) {
                   R"("protocolVersion":"2025-11-25","serverInfo":{"name":"test","version":"1"}}})"));
 }
 
+TEST(ServerCapabilities, AreWrittenAsTheyAreSet) {
+  const std::pair<ServerCapabilities, const char*> rows[] = {
+      {{}, "{}"},
+      {{.tools = ServerCapabilities::List{}, .resources = ServerCapabilities::Resources{.subscribe = true}},
+       R"({"resources":{"subscribe":true},"tools":{}})"},
+      {{.prompts = ServerCapabilities::List{.listChanged = true},
+        .completions = true,
+        .tasks = Value::Object{{"list", Value::Object{}}},
+        .experimental = Value::Object{}},
+       R"({"completions":{},"experimental":{},"prompts":{"listChanged":true},"tasks":{"list":{}}})"},
+  };
+  for (const auto& [capabilities, text] : rows) EXPECT_EQ(encode(capabilities.toValue()), text);
+}
+
+TEST(ToolDefinition, HasAllItsFields) {
+  const ToolDefinition definition{.name = "n",
+                                  .title = "T",
+                                  .description = "D",
+                                  .inputSchema = schema::object({}, {}, true),
+                                  .outputSchema = Value::Object{},
+                                  .meta = Value::Object{{"m", 1}},
+                                  .icons = Value::Array{Value::Object{{"src", "i"}}},
+                                  .taskSupport = TaskSupport::optional,
+                                  .annotations = ToolAnnotations{.title = "A", .openWorldHint = false}};
+  EXPECT_EQ(encode(definition.toValue()),
+            R"({"_meta":{"m":1},"annotations":{"openWorldHint":false,"title":"A"},"description":"D",)"
+            R"("execution":{"taskSupport":"optional"},"icons":[{"src":"i"}],)"
+            R"("inputSchema":{"properties":{},"required":[],"type":"object"},"name":"n","outputSchema":{},)"
+            R"("title":"T"})");
+  CallToolResult result = CallToolResult::error("x");
+  result.meta = Value::Object{{"m", 1}};
+  EXPECT_EQ(encode(std::move(result).toValue()),
+            R"({"_meta":{"m":1},"content":[{"text":"x","type":"text"}],"isError":true})");
+}
+
 TEST_F(Session, AnswersEveryRequestOnceAndNothingElse) {
   addTool("odd", [](const auto&, const auto&) {});
   initialize();
