@@ -18,7 +18,9 @@ RequestContext::RequestContext(std::weak_ptr<Server> server, RequestId id, const
       deliver_(std::move(deliver)) {}
 
 RequestContext::~RequestContext() {
-  if (!server_.expired() && deliver_) fail(MCPError::internalError("The request was left unanswered"));
+  if (server_.expired()) return;
+  if (deliver_) fail(MCPError::internalError("The request was left unanswered"));
+  if (cancelled_ && !suppressed_) mayAnswer("Request cancelled, suppressing response");
 }
 
 std::shared_ptr<Server> RequestContext::server() const {
@@ -60,7 +62,9 @@ void RequestContext::fail(const std::exception_ptr& failure) {
 }
 
 bool RequestContext::mayAnswer(const char* suppressed) {
-  if (cancelled_) log(LogLevel::debug, suppressed, {{"id", id_.description()}});
+  if (cancelled_ && !std::exchange(suppressed_, true)) {
+    log(LogLevel::debug, suppressed, {{"id", id_.description()}});
+  }
   return deliver_ != nullptr;
 }
 

@@ -56,6 +56,7 @@ class RequestContext {
   Deliver deliver_;  // none once answered or cancelled
   std::function<void()> onCancelled_;
   bool cancelled_ = false;
+  bool suppressed_ = false;  // whether the log tells that a cancelled request got no response
 };
 
 using RequestContextPtr = std::shared_ptr<RequestContext>;

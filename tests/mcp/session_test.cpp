@@ -310,6 +310,24 @@ TEST_F(SlowCalls, AreNeverAnsweredOnceCancelled) {
       ElementsAre(R"([{"id":3,"jsonrpc":"2.0","result":{"content":[{"text":"in time","type":"text"}]}}])"));
 }
 
+TEST_F(SlowCalls, LogOnceThatACancelledOneGetsNoResponse) {
+  const auto logged = [](const std::string& text) {
+    return HasSubstr(R"("data":{"id":"1","message":")" + text + ", suppressing response\"}");
+  };
+  for (const char* outcome : {"dropped", "answered", "failed"}) {
+    ask(callLine("1"));
+    ask(R"({"jsonrpc":"2.0","id":2,"method":"logging/setLevel","params":{"level":"debug"}})");
+    ask(R"({"jsonrpc":"2.0","method":"notifications/cancelled","params":{"requestId":1}})");
+    const bool failed = outcome == std::string("failed");
+    if (outcome == std::string("answered")) calls[0]->answerText("late");
+    if (failed) calls[0]->request().fail(MCPError::internalError());
+    calls.clear();
+    EXPECT_THAT(transport.take(),
+                ElementsAre(logged(failed ? "Request cancelled during error handling" : "Request cancelled")))
+        << outcome;
+  }
+}
+
 TEST_F(SlowCalls, ReportProgressWhereTheClientAsks) {
   ask(callLine("1", R"({"progressToken":"p"})"));
   ask(callLine("2"));
