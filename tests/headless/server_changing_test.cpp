@@ -36,6 +36,12 @@ TEST_F(Changing, PutsRowsWhereTheyWereAskedFor) {
       {"row.create",
        {{"markdown", "New"}, {"before", "milk"}, {"parent", "5"}},
        "Groceries(New Milk Bread) Later"},
+      {"row.create",
+       {{"markdown", "New"}, {"before", "milk"}, {"parent", "nobody"}, {"position", "nowhere"}},
+       "Groceries(New Milk Bread) Later"},
+      {"row.move",
+       {{"rows", {"5"}}, {"after", "milk"}, {"to", "nobody"}, {"position", 99}},
+       "Groceries(Milk Later Bread)"},
       {"row.create", {{"markdown", "New"}, {"after", "2"}}, "Groceries(Milk Bread) New Later"},
       {"row.createMany",
        {{"markdown", "- a\n  - b\n- c"}, {"after", "milk"}},
@@ -119,6 +125,31 @@ TEST_F(Changing, AnUpdateDoesWhatItCanAndSaysWhatItCannot) {
   const json second = call("row.update", {{"rows", {"4"}}, {"attributes", {{"color", nullptr}}}})[0];
   EXPECT_FALSE(second["row"].contains("attributes"));
   EXPECT_FALSE(second.contains("fieldErrors"));
+}
+
+TEST_F(Changing, TheMarkOfATaskIsItsTypeAndState) {
+  struct Step {
+    json params;
+    const char* type;
+    const char* text;
+    const char* done;  ///< null where the row has no attributes
+  };
+  const Step steps[] = {
+      {{{"text", "- [x] Rye"}}, "task", "Rye", "true"},
+      {{{"append", "- [ ]  bread"}}, "task", "Rye bread", nullptr},
+      {{{"text", "- [X] Oats"}, {"type", "task"}}, "task", "Oats", "true"},
+      {{{"text", "- [x] Rice"}, {"attributes", {{"done", nullptr}}}}, "task", "Rice", nullptr},
+      {{{"text", "- [x] as it is"}, {"type", "note"}}, "note", "- [x] as it is", nullptr},
+      {{{"text", "- [x]"}}, "note", "- [x]", nullptr},
+  };
+  for (const auto& [params, type, text, done] : steps) {
+    json update = params;
+    update["rows"] = {"4"};
+    const json row = call("row.update", update)[0]["row"];
+    EXPECT_EQ(row["type"], type) << params;
+    EXPECT_EQ(row["text"][0]["string"], text) << params;
+    EXPECT_EQ(row.value("attributes", json()), done == nullptr ? json() : json({{"done", done}})) << params;
+  }
 }
 
 TEST_F(Changing, DeletingCountsDescendantsOnceAndKeepsTheCaretNear) {

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "formats/format.h"
 #include "formats/inline_markdown.h"
 #include "formats/json_format.h"
@@ -21,11 +23,13 @@ const Row* rowParam(const Params& params, const RowRefs& refs, std::string_view 
   return ref ? &refs.row(*ref) : nullptr;
 }
 
-/// `before` and `after` win over the parent, `before` over `after`.
+/// `before` and `after` win over the parent and position, which are then not looked at; `before` over
+/// `after`.
 DestinationRequest destinationParams(const Params& params, const RowRefs& refs, std::string_view parentKey) {
   const Row* before = rowParam(params, refs, "before");
   const Row* after = before == nullptr ? rowParam(params, refs, "after") : nullptr;
-  return {rowParam(params, refs, parentKey), params.stringOrInteger("position"), before, after};
+  if (before != nullptr || after != nullptr) return {nullptr, {}, before, after};
+  return {rowParam(params, refs, parentKey), params.stringOrInteger("position"), nullptr, nullptr};
 }
 
 Destination newRowsDestination(const Params& params, const OpenOutline& opened) {
@@ -45,10 +49,24 @@ void checkRuns(std::string_view key, const json::Node& runs) {
   }
 }
 
-std::optional<Text> textParam(const Params& params, std::string_view key) {
+/// Takes the mark of a task, "- [ ] " or "- [x] ", off the front of markdown for a task's text: it means the
+/// row's type and state.
+std::string_view takeTaskMark(std::string_view markdown, RowUpdate& update) {
+  const bool done = markdown.starts_with("- [x] ") || markdown.starts_with("- [X] ");
+  if (!done && !markdown.starts_with("- [ ] ")) return markdown;
+  if (update.type.value_or("task") != "task") return markdown;
+  update.type = "task";
+  const bool given = std::any_of(update.attributes.begin(), update.attributes.end(),
+                                 [](const auto& attribute) { return attribute.first == "done"; });
+  if (!given)
+    update.attributes.emplace_back("done", done ? std::optional<std::string>("true") : std::nullopt);
+  return markdown.substr(std::string_view("- [ ] ").size());
+}
+
+std::optional<Text> textParam(const Params& params, std::string_view key, RowUpdate& update) {
   const auto value = params.member(key);
   if (!value) return std::nullopt;
-  if (const auto markdown = value->string()) return formats::parseInline(*markdown);
+  if (const auto markdown = value->string()) return formats::parseInline(takeTaskMark(*markdown, update));
   if (value->kind() != json::Kind::array)
     Params::fail(key, "a markdown string or an array of runs", describe(*value));
   checkRuns(key, *value);
@@ -87,8 +105,14 @@ std::vector<std::pair<std::string, std::optional<std::string>>> attributesParam(
 }
 
 RowUpdate updateParams(const Params& params) {
-  return {textParam(params, "text"), textParam(params, "append"), textParam(params, "prepend"),
-          params.string("type"),     attributesParam(params),     params.string("persistentId")};
+  RowUpdate update;
+  update.type = params.string("type");
+  update.attributes = attributesParam(params);
+  update.persistentId = params.string("persistentId");
+  update.text = textParam(params, "text", update);
+  update.append = textParam(params, "append", update);
+  update.prepend = textParam(params, "prepend", update);
+  return update;
 }
 
 }  // namespace
