@@ -33,7 +33,6 @@ endif()
 
 add_library(vell_options INTERFACE)
 target_include_directories(vell_options INTERFACE ${PROJECT_SOURCE_DIR})
-target_include_directories(vell_options SYSTEM BEFORE INTERFACE ${PROJECT_SOURCE_DIR}/cmake/lean)
 target_compile_options(vell_options INTERFACE
   -Wall -Wextra -Wpedantic -Wshadow -Wconversion -Werror
   -ffunction-sections -fdata-sections)
