@@ -6,13 +6,11 @@ configure_file(${PROJECT_SOURCE_DIR}/app/Info.plist.in ${VELL_BUNDLE}/Info.plist
 set_target_properties(vell PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VELL_BUNDLE}/Helpers)
 set_target_properties(vell-headless PROPERTIES RUNTIME_OUTPUT_DIRECTORY ${VELL_BUNDLE}/MacOS)
 
-# Start-up is most of a short command. A shared C++ runtime would cost more than the whole run does; the shared
-# mathematics of which the schema validator needs one function, a tenth.
+# Start-up is most of a short command. A shared C++ runtime would cost more than the whole run does.
 target_link_options(vell PRIVATE ${VELL_LTO_LINK})
 # A runtime that a library needs all the same must be the only one in the process.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND NOT VELL_SANITIZE AND NOT VELL_SHARED_RUNTIME)
   target_link_options(vell PRIVATE -static-libstdc++ -static-libgcc -Wl,--gc-sections -Wl,--as-needed)
-  target_link_libraries(vell_mcp PRIVATE $<$<CONFIG:Release>:-l:libm.a>)
 endif()
 # The script engine brings the shared runtime into vell-headless; two of them must not meet in one process.
 target_link_options(vell-headless PRIVATE ${VELL_LTO_LINK})
