@@ -17,7 +17,7 @@ TEST(Methods, SortTheirParamsAndLeaveOutWhatIsAbsent) {
       {OutlineClose{}.toJson(), "{}"},
       {OutlineClose{.discard = true}.toJson(), R"({"discard":true})"},
       {OutlineGet{.format = "json"}.toJson(), R"({"format":"json","rows":false,"shape":"tree"})"},
-      {OutlineGet{.rowRefs = {{}}, .format = "txt", .rows = true}.toJson(),
+      {OutlineGet{.rowRefs = std::vector<std::string>{}, .format = "txt", .rows = true}.toJson(),
        R"({"format":"txt","rowRefs":[],"rows":true,"shape":"tree"})"},
       {OutlineFindByPath{"/\xC3\xA9/\"\n"}.toJson(), "{\"path\":\"/\xC3\xA9/\\\"\\n\"}"},
       {EditorUpdate{.selectRow = "2", .expand = {{"4"}}, .collapse = {{"5", "6"}}}.toJson(),
