@@ -6,6 +6,36 @@ namespace vell::evaluation {
 namespace {
 
 using outline_path::Axis;
+using outline_path::TypeTest;
+
+RowType typeOf(TypeTest test) {
+  switch (test) {
+    case TypeTest::heading:
+      return RowType::heading;
+    case TypeTest::quote:
+      return RowType::quote;
+    case TypeTest::code:
+      return RowType::code;
+    case TypeTest::note:
+      return RowType::note;
+    case TypeTest::unordered:
+      return RowType::unordered;
+    case TypeTest::ordered:
+      return RowType::ordered;
+    case TypeTest::task:
+      return RowType::task;
+    case TypeTest::hr:
+      return RowType::hr;
+    case TypeTest::body:
+      return RowType::body;
+    case TypeTest::any:
+    case TypeTest::row:
+    case TypeTest::run:
+      break;
+  }
+  // No row is a run, and the root is on no axis.
+  return RowType::root;
+}
 
 bool isBefore(const Row* left, const Row* right) { return left->order() < right->order(); }
 
@@ -109,6 +139,9 @@ Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter f
 }
 
 }  // namespace
+
+TypeFilter::TypeFilter(TypeTest test)
+    : any_(test == TypeTest::any || test == TypeTest::row), type_(typeOf(test)) {}
 
 std::optional<Places> stretchOf(Axis axis, const Row& from, const Outline& outline) {
   const bool isRoot = &from == &outline.root();

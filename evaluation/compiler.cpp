@@ -1,8 +1,7 @@
 #include "evaluation/compiler.h"
 
-#include "evaluation/functions.h"
-#include "evaluation/pattern.h"
-#include "evaluation/relation.h"
+#include "evaluation/comparison.h"
+#include "evaluation/evaluate.h"
 #include "text/folding.h"
 
 namespace vell::evaluation {
@@ -220,6 +219,21 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   return [editor = editor_, function = &call.name()](const Context& context) {
     return *editor->call(*function, *context.row);
   };
+}
+
+Evaluated evaluate(const Expression& expression, const Outline& outline, const EditorView* editor) {
+  outline.number();
+  const Compiler compiler(outline, editor);
+  if (const auto* path = std::get_if<PathExpression>(&expression)) {
+    return compiler.compile(*path)(outline.root());
+  }
+  return compiler.compile(std::get<ValueExpression>(expression))(Context::of(outline.root()));
+}
+
+Rows evaluateRows(const Expression& expression, const Outline& outline, const EditorView* editor) {
+  Evaluated result = evaluate(expression, outline, editor);
+  if (auto* rows = std::get_if<Rows>(&result)) return std::move(*rows);
+  throw EvaluationError(std::string("it gives ") + kindOf(std::get<Value>(result)) + ", not rows");
 }
 
 }  // namespace vell::evaluation

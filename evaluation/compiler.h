@@ -1,10 +1,11 @@
 #pragma once
 
 #include <functional>
+#include <optional>
+#include <vector>
 
 #include "evaluation/axes.h"
 #include "evaluation/context.h"
-#include "evaluation/editor_view.h"
 #include "evaluation/value.h"
 #include "outline_path/expression.h"
 
@@ -57,5 +58,10 @@ class Compiler {
   const Outline& outline_;
   const EditorView* editor_;
 };
+
+/// A function of the language with its compiled arguments; none where the name is not one of them. Throws
+/// EvaluationError where the arguments do not fit.
+std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
+                                      const std::vector<Getter>& arguments);
 
 }  // namespace vell::evaluation

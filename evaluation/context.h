@@ -1,11 +1,23 @@
 #pragma once
 
 #include <cstddef>
+#include <optional>
 #include <string_view>
 
-#include "evaluation/document.h"
+#include "document/outline.h"
+#include "evaluation/value.h"
 
 namespace vell::evaluation {
+
+using document::Attribute;
+using document::Attributes;
+using document::Outline;
+using document::Row;
+using document::RowType;
+using document::Run;
+using document::SessionId;
+using document::Text;
+using document::Timestamp;
 
 /// What a predicate is asked about: a row, or one of its runs, and where it stands among the candidates of
 /// its step.
@@ -19,6 +31,14 @@ struct Context {
   std::size_t last = 0;
 
   static Context of(const Row& row) { return {&row, row.text().string(), &row.attributes()}; }
+};
+
+/// The editor that an expression is evaluated in: what its functions say about a row.
+class EditorView {
+ public:
+  virtual ~EditorView() = default;
+  /// The value of the function of that name for the row; none where there is no such function.
+  virtual std::optional<Value> call(std::string_view function, const Row& row) const = 0;
 };
 
 }  // namespace vell::evaluation

@@ -3,7 +3,7 @@
 #include <variant>
 
 #include "evaluation/axes.h"
-#include "evaluation/editor_view.h"
+#include "evaluation/context.h"
 #include "evaluation/value.h"
 #include "outline_path/expression.h"
 

@@ -1,4 +1,4 @@
-#include "evaluation/functions.h"
+#include "evaluation/compiler.h"
 
 #include <cmath>
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 
+#include "evaluation/axes.h"
 #include "evaluation/compiler.h"
 #include "evaluation/slices.h"
-#include "evaluation/type_filter.h"
 #include "text/folding.h"
 
 namespace vell::evaluation {

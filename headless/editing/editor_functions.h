@@ -2,7 +2,7 @@
 
 #include <unordered_set>
 
-#include "evaluation/editor_view.h"
+#include "evaluation/context.h"
 #include "headless/editing/editor.h"
 
 namespace vell::headless {

@@ -1,9 +1,26 @@
 #pragma once
 
+#include <memory>
+#include <string>
+#include <string_view>
+
 #include "evaluation/value.h"
 #include "outline_path/expression.h"
 
 namespace vell::evaluation {
+
+/// A regular expression in the syntax of Perl, over characters and not bytes. Throws EvaluationError where it
+/// is not valid.
+class Pattern {
+ public:
+  Pattern(std::string_view pattern, bool ignoreCase);
+  /// Throws EvaluationError where searching the text would take too long.
+  bool isIn(std::string_view text) const;
+
+ private:
+  struct Compiled;
+  std::shared_ptr<const Compiled> compiled_;
+};
 
 /// Whether `left relation right` holds. Without a modifier numbers are compared where one side is a number,
 /// truth values where one is a truth value, else text with its case. A comparison with nothing holds only
