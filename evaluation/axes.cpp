@@ -43,16 +43,16 @@ bool contains(const Row& above, const Row& below) {
   return above.order() < below.order() && below.order() < above.orderEnd();
 }
 
-void append(Rows& rows, Places places, const Outline& outline, TypeFilter filter) {
-  const Row* const* row = outline.rowsInOrder().data() + places.begin;
+void append(Rows& rows, Range range, const Outline& outline, TypeFilter filter) {
+  const Row* const* row = outline.rowsInOrder().data() + range.begin;
   if (filter.passesAny()) {
-    rows.insert(rows.end(), row, row + (places.end - places.begin));
+    rows.insert(rows.end(), row, row + (range.end - range.begin));
     return;
   }
   // Writes every row and keeps those that pass, as types that come in no order cannot be foreseen.
-  const RowType* type = outline.typesInOrder().data() + places.begin;
+  const RowType* type = outline.typesInOrder().data() + range.begin;
   std::size_t kept = rows.size();
-  rows.resize(kept + countIn(places, outline, filter));
+  rows.resize(kept + countIn(range, outline, filter));
   for (; kept < rows.size(); ++row, ++type) {
     rows[kept] = *row;
     kept += *type == filter.type() ? 1 : 0;
@@ -68,7 +68,7 @@ Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFi
       return true;
     });
   }
-  putInOrder(found, outline);
+  sortInDocumentOrder(found, outline);
   return found;
 }
 
@@ -78,7 +78,7 @@ Rows collectDescendants(Axis axis, const Rows& contexts, const Outline& outline,
   std::size_t passed = 0;
   for (const Row* context : contexts) {
     if (context->order() < passed) continue;
-    append(found, *stretchOf(axis, *context, outline), outline, filter);
+    append(found, *rangeOf(axis, *context, outline), outline, filter);
     passed = context->orderEnd();
   }
   return found;
@@ -97,7 +97,7 @@ Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, T
     });
     last = context;
   }
-  putInOrder(found, outline);
+  sortInDocumentOrder(found, outline);
   return found;
 }
 
@@ -110,7 +110,7 @@ Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter fil
       parents.push_back(parent);
     }
   }
-  putInOrder(parents, outline);
+  sortInDocumentOrder(parents, outline);
   return parents;
 }
 
@@ -134,7 +134,7 @@ Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter f
   };
   const Row* first = *std::min_element(contexts.begin(), contexts.end(), endsBefore);
   Rows found;
-  append(found, *stretchOf(Axis::following, *first, outline), outline, filter);
+  append(found, *rangeOf(Axis::following, *first, outline), outline, filter);
   return found;
 }
 
@@ -143,29 +143,29 @@ Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter f
 TypeFilter::TypeFilter(TypeTest test)
     : any_(test == TypeTest::any || test == TypeTest::row), type_(typeOf(test)) {}
 
-std::optional<Places> stretchOf(Axis axis, const Row& from, const Outline& outline) {
+std::optional<Range> rangeOf(Axis axis, const Row& from, const Outline& outline) {
   const bool isRoot = &from == &outline.root();
   switch (axis) {
     case Axis::descendant:
     case Axis::descendantShortcut:
-      return Places{from.order() + std::size_t{1}, from.orderEnd()};
+      return Range{from.order() + std::size_t{1}, from.orderEnd()};
     case Axis::descendantOrSelf:
     case Axis::descendantOrSelfShortcut:
-      return Places{isRoot ? 1 : std::size_t{from.order()}, from.orderEnd()};
+      return Range{isRoot ? 1 : std::size_t{from.order()}, from.orderEnd()};
     case Axis::following:
-      return Places{from.orderEnd(), outline.rowsInOrder().size()};
+      return Range{from.orderEnd(), outline.rowsInOrder().size()};
     default:
       return std::nullopt;
   }
 }
 
-std::size_t countIn(Places places, const Outline& outline, TypeFilter filter) {
-  if (filter.passesAny()) return places.end - places.begin;
+std::size_t countIn(Range range, const Outline& outline, TypeFilter filter) {
+  if (filter.passesAny()) return range.end - range.begin;
   const RowType* types = outline.typesInOrder().data();
-  return static_cast<std::size_t>(std::count(types + places.begin, types + places.end, filter.type()));
+  return static_cast<std::size_t>(std::count(types + range.begin, types + range.end, filter.type()));
 }
 
-void putInOrder(Rows& rows, const Outline& outline) {
+void sortInDocumentOrder(Rows& rows, const Outline& outline) {
   const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
   if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
   constexpr std::size_t fewer = 64;
@@ -176,11 +176,11 @@ void putInOrder(Rows& rows, const Outline& outline) {
     return;
   }
   // Ticking them off on the list of all rows takes one pass.
-  std::vector<bool> ticked(all.size());
-  for (const Row* row : rows) ticked[row->order()] = true;
+  std::vector<bool> isIn(all.size());
+  for (const Row* row : rows) isIn[row->order()] = true;
   rows.clear();
   for (std::size_t place = 0; place < all.size(); ++place) {
-    if (ticked[place]) rows.push_back(all[place]);
+    if (isIn[place]) rows.push_back(all[place]);
   }
 }
 

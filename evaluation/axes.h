@@ -8,7 +8,7 @@
 
 namespace vell::evaluation {
 
-/// A type test, made ready to be asked of many rows.
+/// The row types that a type test lets pass.
 class TypeFilter {
  public:
   explicit TypeFilter(outline_path::TypeTest test);
@@ -88,20 +88,21 @@ void walk(outline_path::Axis axis, const Row& from, const Row& root, Visit visit
   }
 }
 
-/// Places in Outline::rowsInOrder(), the end exclusive.
-struct Places {
+/// Positions in a list of rows, the end exclusive.
+struct Range {
   std::size_t begin, end;
 };
-/// The places that make up an axis in document order, where one stretch does: below a row, or behind it.
-std::optional<Places> stretchOf(outline_path::Axis axis, const Row& from, const Outline& outline);
-/// How many rows of a stretch pass.
-std::size_t countIn(Places places, const Outline& outline, TypeFilter filter);
+/// The positions in Outline::rowsInOrder() of the rows on an axis, where they stand side by side: below a
+/// row, or behind it.
+std::optional<Range> rangeOf(outline_path::Axis axis, const Row& from, const Outline& outline);
+/// How many rows of a range pass the filter.
+std::size_t countIn(Range range, const Outline& outline, TypeFilter filter);
 
-/// All rows along `axis` from any of `contexts` that pass, in one pass over the rows that there are: no row
-/// is looked at for each context anew.
+/// All rows along `axis` from any of `contexts` that pass the filter. Each row is looked at once, however
+/// many contexts reach it.
 Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter);
 
-/// Puts rows in document order, each once.
-void putInOrder(Rows& rows, const Outline& outline);
+/// Sorts rows in document order and drops repeated ones.
+void sortInDocumentOrder(Rows& rows, const Outline& outline);
 
 }  // namespace vell::evaluation

@@ -176,8 +176,8 @@ bool plainHolds(const Value& left, RelationOp op, const Value& right) {
 }  // namespace
 
 bool holds(const Value& left, const Relation& relation, const Value& right) {
-  if (isNothing(left) || isNothing(right)) {
-    const bool same = isNothing(left) && isNothing(right);
+  if (isNull(left) || isNull(right)) {
+    const bool same = isNull(left) && isNull(right);
     return relation.op == RelationOp::equal ? same : relation.op == RelationOp::notEqual && !same;
   }
   if (!relation.modifier) return plainHolds(left, relation.op, right);

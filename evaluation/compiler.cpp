@@ -36,7 +36,7 @@ const std::string* storedAttribute(const ValueExpression& value) {
 }
 
 /// The commonest comparison, without making values of its sides.
-std::optional<Test> compileAttributeEquals(const Comparison& comparison) {
+std::optional<Predicate> compileAttributeEquals(const Comparison& comparison) {
   const std::string* name = storedAttribute(comparison.left);
   const std::string* text = constantText(comparison.right);
   if (name == nullptr || text == nullptr || comparison.relation != Relation{RelationOp::equal, {}})
@@ -48,7 +48,7 @@ std::optional<Test> compileAttributeEquals(const Comparison& comparison) {
 }
 
 /// A pattern that is the same for every row is compiled once.
-std::optional<Test> compileMatches(const Comparison& comparison, const Getter& left) {
+std::optional<Predicate> compileMatches(const Comparison& comparison, const Getter& left) {
   const std::string* text = constantText(comparison.right);
   if (text == nullptr || comparison.relation.op != RelationOp::matches) return std::nullopt;
   const auto& modifier = comparison.relation.modifier;
@@ -56,7 +56,7 @@ std::optional<Test> compileMatches(const Comparison& comparison, const Getter& l
   return [left, pattern = Pattern(*text, ignoreCase)](const Context& context) {
     std::string buffer;
     const Value value = left(context);
-    return !isNothing(value) && pattern.isIn(textOf(value, buffer));
+    return !isNull(value) && pattern.isIn(textOf(value, buffer));
   };
 }
 
@@ -73,7 +73,7 @@ const PathExpression* countedPath(const ValueExpression& value) {
 }
 
 /// A count that is compared with a number need not go further than one above it.
-std::size_t mostToCount(const Comparison& comparison) {
+std::size_t countLimit(const Comparison& comparison) {
   constexpr double kGreatest = 1e9;
   const auto* number = std::get_if<double>(&comparison.right.node);
   const bool comparesNumbers = comparison.relation.op >= RelationOp::equal && !comparison.relation.modifier;
@@ -83,7 +83,7 @@ std::size_t mostToCount(const Comparison& comparison) {
 
 }  // namespace
 
-Test Compiler::compile(const PredicateExpression& predicate) const {
+Predicate Compiler::compile(const PredicateExpression& predicate) const {
   return std::visit([this](const auto& node) { return compileNode(node); }, predicate.node);
 }
 
@@ -91,44 +91,44 @@ Getter Compiler::compile(const ValueExpression& value) const {
   return std::visit([this](const auto& node) { return compileNode(node); }, value.node);
 }
 
-Test Compiler::compileNode(const ContainsText& node) const {
+Predicate Compiler::compileNode(const ContainsText& node) const {
   return [search = text::TextSearch(node.text)](const Context& context) { return search.isIn(context.text); };
 }
 
-Test Compiler::compileNode(const ContainsAttribute& node) const {
+Predicate Compiler::compileNode(const ContainsAttribute& node) const {
   if (node.attribute.meta().kind != AttributeKind::other) return [](const Context&) { return true; };
   return [name = &node.attribute.name()](const Context& context) {
     return context.attributes->find(*name) != nullptr;
   };
 }
 
-Test Compiler::compileNode(const Comparison& node) const {
+Predicate Compiler::compileNode(const Comparison& node) const {
   if (auto test = compileAttributeEquals(node)) return *test;
   const PathExpression* counted = countedPath(node.left);
-  const Getter left = counted != nullptr ? compileCount(*counted, mostToCount(node)) : compile(node.left);
+  const Getter left = counted != nullptr ? compileCount(*counted, countLimit(node)) : compile(node.left);
   if (auto test = compileMatches(node, left)) return *test;
   return [left, right = compile(node.right), relation = &node.relation](const Context& context) {
     return holds(left(context), *relation, right(context));
   };
 }
 
-Test Compiler::compileNode(const Or& node) const {
+Predicate Compiler::compileNode(const Or& node) const {
   return [left = compile(*node.left), right = compile(*node.right)](const Context& context) {
     return left(context) || right(context);
   };
 }
 
-Test Compiler::compileNode(const And& node) const {
+Predicate Compiler::compileNode(const And& node) const {
   return [left = compile(*node.left), right = compile(*node.right)](const Context& context) {
     return left(context) && right(context);
   };
 }
 
-Test Compiler::compileNode(const Not& node) const {
+Predicate Compiler::compileNode(const Not& node) const {
   return [operand = compile(*node.operand)](const Context& context) { return !operand(context); };
 }
 
-Test Compiler::compileNode(const PredicateGroup& node) const { return compile(*node.inner); }
+Predicate Compiler::compileNode(const PredicateGroup& node) const { return compile(*node.inner); }
 
 Getter Compiler::compileNode(const Null&) const {
   return [](const Context&) { return Value(); };

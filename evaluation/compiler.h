@@ -15,7 +15,7 @@ namespace vell::evaluation {
 // expression, the outline and the editor, which must outlive them.
 
 /// Whether a predicate holds.
-using Test = std::function<bool(const Context&)>;
+using Predicate = std::function<bool(const Context&)>;
 /// The value of an expression.
 using Getter = std::function<Value(const Context&)>;
 
@@ -24,7 +24,7 @@ class Compiler {
   /// `editor` may be null: then there are no editor functions.
   Compiler(const Outline& outline, const EditorView* editor) : outline_(outline), editor_(editor) {}
 
-  Test compile(const outline_path::PredicateExpression& predicate) const;
+  Predicate compile(const outline_path::PredicateExpression& predicate) const;
   Getter compile(const outline_path::ValueExpression& value) const;
   /// The rows that a path selects from a context row.
   std::function<Rows(const Row&)> compile(const outline_path::PathExpression& path) const;
@@ -33,13 +33,13 @@ class Compiler {
   Getter compileCount(const outline_path::PathExpression& path, std::size_t most) const;
 
  private:
-  Test compileNode(const outline_path::ContainsText& node) const;
-  Test compileNode(const outline_path::ContainsAttribute& node) const;
-  Test compileNode(const outline_path::Comparison& node) const;
-  Test compileNode(const outline_path::Or& node) const;
-  Test compileNode(const outline_path::And& node) const;
-  Test compileNode(const outline_path::Not& node) const;
-  Test compileNode(const outline_path::PredicateGroup& node) const;
+  Predicate compileNode(const outline_path::ContainsText& node) const;
+  Predicate compileNode(const outline_path::ContainsAttribute& node) const;
+  Predicate compileNode(const outline_path::Comparison& node) const;
+  Predicate compileNode(const outline_path::Or& node) const;
+  Predicate compileNode(const outline_path::And& node) const;
+  Predicate compileNode(const outline_path::Not& node) const;
+  Predicate compileNode(const outline_path::PredicateGroup& node) const;
 
   Getter compileNode(const outline_path::Null& node) const;
   Getter compileNode(bool truth) const;

@@ -2,7 +2,6 @@
 
 #include <cmath>
 
-#include "outline_path/characters.h"
 #include "text/folding.h"
 
 namespace vell::evaluation {
@@ -16,23 +15,23 @@ Value number(std::size_t value) { return static_cast<double>(value); }
 bool isAlone(const Row& row) { return row.previous() == nullptr && row.next() == nullptr; }
 
 /// The next row of the same type among the siblings, in the direction of `next`.
-const Row* ofSameType(const Row& row, const Row* (Row::*next)() const) {
+const Row* siblingOfSameType(const Row& row, const Row* (Row::*next)() const) {
   const Row* other = (row.*next)();
   while (other != nullptr && other->type() != row.type()) other = (other->*next)();
   return other;
 }
 
-std::size_t placeAmongSameType(const Row& row) {
+std::size_t positionAmongSameType(const Row& row) {
   std::size_t place = 1;
-  for (const Row* other = ofSameType(row, &Row::previous); other != nullptr;
-       other = ofSameType(*other, &Row::previous)) {
+  for (const Row* other = siblingOfSameType(row, &Row::previous); other != nullptr;
+       other = siblingOfSameType(*other, &Row::previous)) {
     ++place;
   }
   return place;
 }
 
 /// Functions of the row alone.
-Value aboutRow(FunctionKind kind, const Row& row) {
+Value functionOfRow(FunctionKind kind, const Row& row) {
   switch (kind) {
     case FunctionKind::root:
       return truth(row.level() == 1);
@@ -49,15 +48,16 @@ Value aboutRow(FunctionKind kind, const Row& row) {
     case FunctionKind::onlyChild:
       return truth(isAlone(row));
     case FunctionKind::firstOfType:
-      return truth(ofSameType(row, &Row::previous) == nullptr);
+      return truth(siblingOfSameType(row, &Row::previous) == nullptr);
     case FunctionKind::lastOfType:
-      return truth(ofSameType(row, &Row::next) == nullptr);
+      return truth(siblingOfSameType(row, &Row::next) == nullptr);
     case FunctionKind::onlyOfType:
-      return truth(ofSameType(row, &Row::previous) == nullptr && ofSameType(row, &Row::next) == nullptr);
+      return truth(siblingOfSameType(row, &Row::previous) == nullptr &&
+                   siblingOfSameType(row, &Row::next) == nullptr);
     case FunctionKind::nthChild:
       return number(row.index() + std::size_t{1});
     case FunctionKind::nthOfType:
-      return number(placeAmongSameType(row));
+      return number(positionAmongSameType(row));
     default:
       return {};
   }
@@ -70,7 +70,7 @@ std::size_t charactersIn(std::string_view text) {
 }
 
 /// Where the first match of `wanted` in the text begins, or where the last one ends, in characters.
-Value placeOfMatches(std::string_view text, std::string_view wanted, bool atEnd) {
+Value positionOfMatch(std::string_view text, std::string_view wanted, bool atEnd) {
   const std::string folded = text::foldCase(text);
   const std::string term = text::foldCase(wanted);
   const std::size_t found = atEnd ? folded.rfind(term) : folded.find(term);
@@ -139,14 +139,14 @@ std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
       return [kind, get = arguments[0]](const Context& context) {
         std::string buffer;
         const Value wanted = get(context);
-        return placeOfMatches(context.text, textOf(wanted, buffer), kind == FunctionKind::endOfMatches);
+        return positionOfMatch(context.text, textOf(wanted, buffer), kind == FunctionKind::endOfMatches);
       };
     default:
       break;
   }
-  if (arguments.empty()) return [kind](const Context& context) { return aboutRow(kind, *context.row); };
+  if (arguments.empty()) return [kind](const Context& context) { return functionOfRow(kind, *context.row); };
   return [kind, get = arguments[0]](const Context& context) {
-    return truth(numberOf(aboutRow(kind, *context.row)) == numberOf(get(context)));
+    return truth(numberOf(functionOfRow(kind, *context.row)) == numberOf(get(context)));
   };
 }
 

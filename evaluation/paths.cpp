@@ -1,4 +1,4 @@
-// Plans for paths: which rows a step takes from the rows of the step before.
+// Paths: which rows each step selects from those that the step before has selected.
 #include <algorithm>
 #include <memory>
 #include <optional>
@@ -13,7 +13,7 @@ using namespace outline_path;
 
 constexpr std::size_t kAll = static_cast<std::size_t>(-1);
 
-/// A path, made ready to be followed from any row.
+/// A compiled path.
 class PathPlan {
  public:
   PathPlan(const Path& path, const Compiler& compiler, const Outline& outline)
@@ -49,11 +49,11 @@ class PathPlan {
     if (path_.meta().matchShape != MatchShape::general) return onlyRow(context) == nullptr ? 0 : 1;
     if (steps_.size() != 1 || path_.meta().requiresContextPositions) return rows(context).size();
     const StepPlan& step = steps_[0];
-    const auto stretch = stretchOf(step.axis(), start(context), outline_);
-    if (stretch && !step.hasPredicate()) return countIn(*stretch, outline_, step.filter());
+    const auto range = rangeOf(step.axis(), start(context), outline_);
+    if (range && !step.hasPredicate()) return countIn(*range, outline_, step.filter());
     std::size_t count = 0;
     walk(step.axis(), start(context), root_, [&](const Row& row) {
-      count += step.accepts(row) ? 1 : 0;
+      count += step.matches(row) ? 1 : 0;
       return count < most;
     });
     return count;
@@ -79,7 +79,7 @@ class PathPlan {
         contexts.size() > 1 && !step.asksForPositions() && (!step.slice() || sharesCandidates(step.axis()));
     if (!together) return fromEach(step, contexts);
     Rows rows = rowsAlong(step.axis(), contexts, outline_, step.filter());
-    step.keepAccepted(rows);
+    step.keepMatching(rows);
     if (!step.slice()) return rows;
     return slicesFromEach(step.axis(), contexts, std::move(rows), *step.slice(), outline_);
   }
@@ -90,20 +90,20 @@ class PathPlan {
       const Rows taken = fromOne(step, *context, kAll);
       all.insert(all.end(), taken.begin(), taken.end());
       // Contexts that take the same rows again and again must not fill the memory.
-      if (all.size() > 2 * outline_.rowsInOrder().size()) putInOrder(all, outline_);
+      if (all.size() > 2 * outline_.rowsInOrder().size()) sortInDocumentOrder(all, outline_);
     }
-    putInOrder(all, outline_);
+    sortInDocumentOrder(all, outline_);
     return all;
   }
 
   /// What a step takes from one context, the nearest first; `most` of it where there is no slice.
   Rows fromOne(const StepPlan& step, const Row& context, std::size_t most) const {
     const auto& slice = step.slice();
-    Rows rows = candidates(step, context, slice ? neededFor(*slice) : most);
+    Rows rows = candidates(step, context, slice ? candidatesNeeded(*slice) : most);
     if (!slice) return rows;
-    const Places places = placesOf(*slice, rows.size());
-    return {rows.begin() + static_cast<std::ptrdiff_t>(places.begin),
-            rows.begin() + static_cast<std::ptrdiff_t>(places.end)};
+    const Range range = sliceRange(*slice, rows.size());
+    return {rows.begin() + static_cast<std::ptrdiff_t>(range.begin),
+            rows.begin() + static_cast<std::ptrdiff_t>(range.end)};
   }
 
   /// The rows from one context that pass the step's filter, as many as are needed.
@@ -111,17 +111,17 @@ class PathPlan {
     Rows rows;
     if (most == 0) return rows;
     const bool takesAll = most == kAll || step.asksForPositions();
-    if (takesAll && stretchOf(step.axis(), context, outline_)) {
+    if (takesAll && rangeOf(step.axis(), context, outline_)) {
       rows = rowsAlong(step.axis(), {&context}, outline_, step.filter());
-      step.keepAccepted(rows);
+      step.keepMatching(rows);
       return rows;
     }
     walk(step.axis(), context, root_, [&](const Row& row) {
-      const bool passes = step.asksForPositions() ? step.filter().passes(row.type()) : step.accepts(row);
+      const bool passes = step.asksForPositions() ? step.filter().passes(row.type()) : step.matches(row);
       if (passes) rows.push_back(&row);
       return takesAll || rows.size() < most;
     });
-    if (step.asksForPositions()) step.keepAccepted(rows);
+    if (step.asksForPositions()) step.keepMatching(rows);
     return rows;
   }
 
@@ -200,7 +200,7 @@ Getter Compiler::compileCount(const PathExpression& expression, std::size_t most
   if (!isAbsolute(expression)) return count;
   // The same for every row: counted once.
   return [count, known = std::make_shared<Value>()](const Context& context) {
-    if (isNothing(*known)) *known = count(context);
+    if (isNull(*known)) *known = count(context);
     return *known;
   };
 }

@@ -13,7 +13,7 @@ using outline_path::SliceRange;
 
 constexpr std::size_t kAll = static_cast<std::size_t>(-1);
 
-std::size_t placeOf(std::int64_t bound, std::size_t count) {
+std::size_t positionOf(std::int64_t bound, std::size_t count) {
   if (bound >= 0) return std::min(static_cast<std::size_t>(bound), count);
   const auto back = static_cast<std::size_t>(-(bound + 1)) + 1;
   return back > count ? 0 : count - back;
@@ -35,18 +35,18 @@ class SharedCandidates {
   }
 
   void take(const Row& context, const Slice& slice) {
-    const std::vector<Places> stretches = stretchesFrom(context);
+    const std::vector<Range> ranges = rangesFrom(context);
     std::size_t count = 0;
-    for (const Places& stretch : stretches) count += stretch.end - stretch.begin;
+    for (const Range& range : ranges) count += range.end - range.begin;
     const bool nearestLast = axis_ == Axis::preceding || axis_ == Axis::precedingSibling;
-    Places left = placesOf(slice, count);
-    // Counted from the end, as the stretches are.
+    Range left = sliceRange(slice, count);
+    // Counted from the end, as the ranges are.
     if (!nearestLast) left = {count - left.end, count - left.begin};
-    for (const Places& stretch : stretches) {
-      const std::size_t length = stretch.end - stretch.begin;
-      const Places part{std::min(left.begin, length), std::min(left.end, length)};
-      ++changes_[stretch.end - part.end];
-      --changes_[stretch.end - part.begin];
+    for (const Range& range : ranges) {
+      const std::size_t length = range.end - range.begin;
+      const Range part{std::min(left.begin, length), std::min(left.end, length)};
+      ++changes_[range.end - part.end];
+      --changes_[range.end - part.begin];
       left = {left.begin - part.begin, left.end - part.end};
     }
   }
@@ -58,7 +58,7 @@ class SharedCandidates {
       takers += changes_[i];
       if (takers > 0) rows.push_back(rows_[i]);
     }
-    putInOrder(rows, outline_);
+    sortInDocumentOrder(rows, outline_);
     return rows;
   }
 
@@ -72,12 +72,12 @@ class SharedCandidates {
   std::size_t firstFrom(Key key) const {
     return static_cast<std::size_t>(std::lower_bound(keys_.begin(), keys_.end(), key) - keys_.begin());
   }
-  Places between(Key begin, Key end) const { return {firstFrom(begin), firstFrom(end)}; }
+  Range between(Key begin, Key end) const { return {firstFrom(begin), firstFrom(end)}; }
 
-  /// Where the candidates from one context stand, the last stretch first.
-  std::vector<Places> stretchesFrom(const Row& context) const {
-    if (axis_ == Axis::preceding) return stretchesBefore(context);
-    if (const auto all = stretchOf(axis_, context, outline_)) return {between(all->begin, all->end)};
+  /// Where the candidates from one context stand, the last range first.
+  std::vector<Range> rangesFrom(const Row& context) const {
+    if (axis_ == Axis::preceding) return rangesBefore(context);
+    if (const auto all = rangeOf(axis_, context, outline_)) return {between(all->begin, all->end)};
     if (context.parent() == nullptr) return {};
     const std::uint32_t parent = context.parent()->order(), order = context.order();
     if (axis_ == Axis::precedingSibling) return {between(childKey(parent, 0), childKey(parent, order))};
@@ -85,17 +85,17 @@ class SharedCandidates {
   }
 
   /// What is above the context does not precede it.
-  std::vector<Places> stretchesBefore(const Row& context) const {
-    std::vector<Places> stretches;
+  std::vector<Range> rangesBefore(const Row& context) const {
+    std::vector<Range> ranges;
     std::size_t end = firstFrom(context.order());
     for (const Row* above = context.parent(); above != nullptr; above = above->parent()) {
       const std::size_t place = firstFrom(above->order());
       if (place == end || rows_[place] != above) continue;
-      stretches.push_back({place + 1, end});
+      ranges.push_back({place + 1, end});
       end = place;
     }
-    stretches.push_back({0, end});
-    return stretches;
+    ranges.push_back({0, end});
+    return ranges;
   }
 
   Axis axis_;
@@ -108,20 +108,20 @@ class SharedCandidates {
 
 }  // namespace
 
-Places placesOf(const Slice& slice, std::size_t count) {
-  if (const auto* range = std::get_if<SliceRange>(&slice)) {
-    const Places places{range->start ? placeOf(*range->start, count) : 0,
-                        range->end ? placeOf(*range->end, count) : count};
-    return {places.begin, std::max(places.begin, places.end)};
+Range sliceRange(const Slice& slice, std::size_t count) {
+  if (const auto* bounds = std::get_if<SliceRange>(&slice)) {
+    const std::size_t begin = bounds->start ? positionOf(*bounds->start, count) : 0;
+    const std::size_t end = bounds->end ? positionOf(*bounds->end, count) : count;
+    return {begin, std::max(begin, end)};
   }
   const std::int64_t index = std::get<SliceIndex>(slice).index;
   const bool isOutside =
       index < 0 ? static_cast<std::size_t>(-(index + 1)) >= count : static_cast<std::size_t>(index) >= count;
-  const std::size_t begin = placeOf(index, count);
-  return isOutside ? Places{count, count} : Places{begin, begin + 1};
+  const std::size_t begin = positionOf(index, count);
+  return isOutside ? Range{count, count} : Range{begin, begin + 1};
 }
 
-std::size_t neededFor(const Slice& slice) {
+std::size_t candidatesNeeded(const Slice& slice) {
   if (const auto* index = std::get_if<SliceIndex>(&slice)) {
     return index->index < 0 ? kAll : static_cast<std::size_t>(index->index) + 1;
   }

@@ -8,11 +8,11 @@ using namespace outline_path;
 TypeTest typeTestOf(const Step& step) { return step.filter().typeTest.value_or(TypeTest::any); }
 
 /// Whether a predicate costs more than looking for a text, going by what it asks first.
-bool isDear(const PredicateExpression& predicate) {
-  if (const auto* node = std::get_if<And>(&predicate.node)) return isDear(*node->left);
-  if (const auto* node = std::get_if<Or>(&predicate.node)) return isDear(*node->left);
-  if (const auto* node = std::get_if<Not>(&predicate.node)) return isDear(*node->operand);
-  if (const auto* node = std::get_if<PredicateGroup>(&predicate.node)) return isDear(*node->inner);
+bool isExpensive(const PredicateExpression& predicate) {
+  if (const auto* node = std::get_if<And>(&predicate.node)) return isExpensive(*node->left);
+  if (const auto* node = std::get_if<Or>(&predicate.node)) return isExpensive(*node->left);
+  if (const auto* node = std::get_if<Not>(&predicate.node)) return isExpensive(*node->operand);
+  if (const auto* node = std::get_if<PredicateGroup>(&predicate.node)) return isExpensive(*node->inner);
   const auto* comparison = std::get_if<Comparison>(&predicate.node);
   if (comparison == nullptr) return false;
   if (comparison->relation.op == RelationOp::matches) return true;
@@ -34,11 +34,11 @@ StepPlan::StepPlan(const Step& step, const Compiler& compiler) : step_(step), fi
   // more; that pays only where the predicate does not begin with something as cheap. The terms of all steps
   // together would tell whether the path can select anything at all, but to go through all texts for that
   // costs as much as a step does.
-  if (!isDear(*predicate)) return;
+  if (!isExpensive(*predicate)) return;
   for (const MatchTerm& term : step.meta().matchingTerms) terms_.emplace_back(term.text);
 }
 
-void StepPlan::keepAccepted(Rows& rows) const {
+void StepPlan::keepMatching(Rows& rows) const {
   if (!predicate_) return;
   std::size_t kept = 0;
   for (std::size_t i = 0; i < rows.size(); ++i) {
@@ -47,7 +47,7 @@ void StepPlan::keepAccepted(Rows& rows) const {
       context.position = i + 1;
       context.last = rows.size();
     }
-    if (passesPredicate(context)) rows[kept++] = rows[i];
+    if (satisfiesPredicate(context)) rows[kept++] = rows[i];
   }
   rows.resize(kept);
 }
@@ -58,11 +58,11 @@ std::size_t StepPlan::countRuns(const Row& row) const {
   row.text().forEachRun([&](std::string_view, const Attributes&) { ++total; });
   std::size_t passed = 0, position = 0;
   row.text().forEachRun([&](std::string_view text, const Attributes& attributes) {
-    passed += passesPredicate({&row, text, &attributes, true, ++position, total}) ? 1 : 0;
+    passed += satisfiesPredicate({&row, text, &attributes, true, ++position, total}) ? 1 : 0;
   });
   if (!slice()) return passed;
-  const Places places = placesOf(*slice(), passed);
-  return places.end - places.begin;
+  const Range range = sliceRange(*slice(), passed);
+  return range.end - range.begin;
 }
 
 }  // namespace vell::evaluation

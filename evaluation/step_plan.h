@@ -9,7 +9,7 @@
 
 namespace vell::evaluation {
 
-/// One step of a path, made ready to be taken. Refers to the step.
+/// A compiled step of a path; refers to the step.
 class StepPlan {
  public:
   StepPlan(const outline_path::Step& step, const Compiler& compiler);
@@ -22,25 +22,25 @@ class StepPlan {
   /// Whether the predicate asks for positions; a slice alone takes what has passed.
   bool asksForPositions() const { return asksForPositions_; }
 
-  /// Whether a row passes that no position is asked of.
-  bool accepts(const Row& row) const {
-    return filter_.passes(row.type()) && passesPredicate(Context::of(row));
+  /// Whether a row passes the type test and the predicate, where the predicate asks for no position.
+  bool matches(const Row& row) const {
+    return filter_.passes(row.type()) && satisfiesPredicate(Context::of(row));
   }
-  /// Leaves those that pass the predicate of all candidates from one context, or from many where it does not
-  /// ask for positions.
-  void keepAccepted(Rows& rows) const;
+  /// Drops the rows that the predicate does not hold for. `rows` are all candidates from one context; from
+  /// several where the predicate does not ask for positions.
+  void keepMatching(Rows& rows) const;
   /// How many runs of the row the step takes.
   std::size_t countRuns(const Row& row) const;
 
  private:
-  bool passesPredicate(const Context& context) const {
+  bool satisfiesPredicate(const Context& context) const {
     const auto isIn = [&](const text::TextSearch& term) { return term.isIn(context.text); };
     return std::all_of(terms_.begin(), terms_.end(), isIn) && (!predicate_ || predicate_(context));
   }
 
   const outline_path::Step& step_;
   TypeFilter filter_;
-  Test predicate_;                       ///< empty where there is none
+  Predicate predicate_;                  ///< empty where there is none
   std::vector<text::TextSearch> terms_;  ///< what to look for before the predicate is asked
   bool asksForPositions_ = false;
 };

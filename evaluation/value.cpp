@@ -54,7 +54,7 @@ double numberOf(const Value& value) {
 }
 
 bool truthOf(const Value& value) {
-  if (isNothing(value)) return false;
+  if (isNull(value)) return false;
   if (const auto* truth = std::get_if<bool>(&value)) return *truth;
   if (const auto* number = std::get_if<double>(&value)) return *number != 0 && !std::isnan(*number);
   std::string buffer;

@@ -17,10 +17,10 @@ class EvaluationError : public std::runtime_error {
 /// the outline or the expression is not copied, so a value lives no longer than both.
 using Value = std::variant<std::monostate, bool, double, std::string_view, std::string>;
 
-inline bool isNothing(const Value& value) { return std::holds_alternative<std::monostate>(value); }
+inline bool isNull(const Value& value) { return std::holds_alternative<std::monostate>(value); }
 /// The text of a value that is text, else null.
 inline const char* kindOf(const Value& value) {
-  if (isNothing(value)) return "nothing";
+  if (isNull(value)) return "nothing";
   if (std::holds_alternative<bool>(value)) return "a truth value";
   return std::holds_alternative<double>(value) ? "a number" : "text";
 }
