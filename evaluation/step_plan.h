@@ -1,11 +1,8 @@
 #pragma once
 
-#include <algorithm>
-
 #include "evaluation/axes.h"
 #include "evaluation/compiler.h"
 #include "evaluation/slices.h"
-#include "text/folding.h"
 
 namespace vell::evaluation {
 
@@ -33,15 +30,11 @@ class StepPlan {
   std::size_t countRuns(const Row& row) const;
 
  private:
-  bool satisfiesPredicate(const Context& context) const {
-    const auto isIn = [&](const text::TextSearch& term) { return term.isIn(context.text); };
-    return std::all_of(terms_.begin(), terms_.end(), isIn) && (!predicate_ || predicate_(context));
-  }
+  bool satisfiesPredicate(const Context& context) const { return !predicate_ || predicate_(context); }
 
   const outline_path::Step& step_;
   TypeFilter filter_;
-  Predicate predicate_;                  ///< empty where there is none
-  std::vector<text::TextSearch> terms_;  ///< what to look for before the predicate is asked
+  Predicate predicate_;  ///< empty where there is none
   bool asksForPositions_ = false;
 };
 
