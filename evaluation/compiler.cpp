@@ -29,24 +29,6 @@ const std::string* constantText(const ValueExpression& value) {
   return nullptr;
 }
 
-const std::string* storedAttribute(const ValueExpression& value) {
-  const auto* attribute = std::get_if<RowAttribute>(&value.node);
-  const bool isStored = attribute != nullptr && attribute->meta().kind == AttributeKind::other;
-  return isStored ? &attribute->name() : nullptr;
-}
-
-/// The commonest comparison, without making values of its sides.
-std::optional<Predicate> compileAttributeEquals(const Comparison& comparison) {
-  const std::string* name = storedAttribute(comparison.left);
-  const std::string* text = constantText(comparison.right);
-  if (name == nullptr || text == nullptr || comparison.relation != Relation{RelationOp::equal, {}})
-    return std::nullopt;
-  return [name, text](const Context& context) {
-    const std::string* value = context.attributes->find(*name);
-    return value != nullptr && *value == *text;
-  };
-}
-
 /// A pattern that is the same for every row is compiled once.
 std::optional<Predicate> compileMatches(const Comparison& comparison, const Getter& left) {
   const std::string* text = constantText(comparison.right);
@@ -103,7 +85,6 @@ Predicate Compiler::compileNode(const ContainsAttribute& node) const {
 }
 
 Predicate Compiler::compileNode(const Comparison& node) const {
-  if (auto test = compileAttributeEquals(node)) return *test;
   const PathExpression* counted = countedPath(node.left);
   const Getter left = counted != nullptr ? compileCount(*counted, countLimit(node)) : compile(node.left);
   if (auto test = compileMatches(node, left)) return *test;
