@@ -94,7 +94,6 @@ void Outline::structureChanged() {
 
 void Outline::setType(Row& row, RowType type) {
   row.type_ = type;
-  if (numbered_ && row.inTree_) typesInOrder_[row.order_] = type;
   ++revision_;
 }
 
@@ -124,12 +123,10 @@ void Outline::setTimes(Row& row, Timestamp created, Timestamp modified) {
 void Outline::number() const {
   if (numbered_) return;
   rowsInOrder_.resize(rowCount_ + 1);
-  typesInOrder_.resize(rowCount_ + 1);
   std::uint32_t order = 0;
   const Row* row = root_;
   while (row) {
     rowsInOrder_[order] = row;
-    typesInOrder_[order] = row->type_;
     row->order_ = order++;
     row->level_ = row->parent_ ? row->parent_->level_ + 1 : 0;
     row->index_ = row->previous_ ? row->previous_->index_ + 1 : 0;

@@ -68,13 +68,11 @@ class Outline {
   void setPersistentId(Row& row, std::string_view id);
   void setTimes(Row& row, Timestamp created, Timestamp modified);
 
-  /// Makes Row::order(), orderEnd(), index() and level() valid, and the two lists below. Does nothing if the
+  /// Makes Row::order(), orderEnd(), index() and level() valid, and the list below. Does nothing if the
   /// structure has not changed since the last call.
   void number() const;
   /// All rows by their order, the root first; those below a row stand from its order() + 1 to its orderEnd().
   const std::vector<const Row*>& rowsInOrder() const { return rowsInOrder_; }
-  /// Their types at the same places, so that a search for a type does not go through the rows themselves.
-  const std::vector<RowType>& typesInOrder() const { return typesInOrder_; }
   /// Grows with every change of any kind.
   std::uint64_t revision() const { return revision_; }
 
@@ -93,7 +91,6 @@ class Outline {
   std::uint64_t revision_ = 0;
   mutable bool numbered_ = false;
   mutable std::vector<const Row*> rowsInOrder_;
-  mutable std::vector<RowType> typesInOrder_;
 };
 
 }  // namespace vell::document

@@ -44,18 +44,9 @@ bool contains(const Row& above, const Row& below) {
 }
 
 void append(Rows& rows, Range range, const Outline& outline, TypeFilter filter) {
-  const Row* const* row = outline.rowsInOrder().data() + range.begin;
-  if (filter.passesAny()) {
-    rows.insert(rows.end(), row, row + (range.end - range.begin));
-    return;
-  }
-  // Writes every row and keeps those that pass, as types that come in no order cannot be foreseen.
-  const RowType* type = outline.typesInOrder().data() + range.begin;
-  std::size_t kept = rows.size();
-  rows.resize(kept + countIn(range, outline, filter));
-  for (; kept < rows.size(); ++row, ++type) {
-    rows[kept] = *row;
-    kept += *type == filter.type() ? 1 : 0;
+  for (std::size_t at = range.begin; at < range.end; ++at) {
+    const Row* row = outline.rowsInOrder()[at];
+    if (filter.passes(row->type())) rows.push_back(row);
   }
 }
 
@@ -161,8 +152,11 @@ std::optional<Range> rangeOf(Axis axis, const Row& from, const Outline& outline)
 
 std::size_t countIn(Range range, const Outline& outline, TypeFilter filter) {
   if (filter.passesAny()) return range.end - range.begin;
-  const RowType* types = outline.typesInOrder().data();
-  return static_cast<std::size_t>(std::count(types + range.begin, types + range.end, filter.type()));
+  const auto row = [&](std::size_t at) {
+    return outline.rowsInOrder().begin() + static_cast<std::ptrdiff_t>(at);
+  };
+  const auto passes = [&](const Row* each) { return filter.passes(each->type()); };
+  return static_cast<std::size_t>(std::count_if(row(range.begin), row(range.end), passes));
 }
 
 void sortInDocumentOrder(Rows& rows, const Outline& outline) {

@@ -14,8 +14,6 @@ class TypeFilter {
   explicit TypeFilter(outline_path::TypeTest test);
 
   bool passesAny() const { return any_; }
-  /// The one type that passes, where not any does.
-  RowType type() const { return type_; }
   bool passes(RowType type) const { return any_ || type == type_; }
 
  private:
