@@ -45,8 +45,6 @@ class PathPlan {
   }
 
   std::size_t countRows(const Row& context, std::size_t most) const {
-    // Each of the other shapes is one self step, or steps that leave one row at most: nothing is collected.
-    if (path_.meta().matchShape != MatchShape::general) return onlyRow(context) == nullptr ? 0 : 1;
     if (steps_.size() != 1 || path_.meta().requiresContextPositions) return rows(context).size();
     const StepPlan& step = steps_[0];
     const auto range = rangeOf(step.axis(), start(context), outline_);
@@ -57,16 +55,6 @@ class PathPlan {
       return count < most;
     });
     return count;
-  }
-
-  /// The row that a path leads to whose steps leave one at most; null where there is none.
-  const Row* onlyRow(const Row& context) const {
-    const Row* row = &start(context);
-    for (std::size_t i = 0; i < steps_.size() && row != nullptr; ++i) {
-      const Rows found = fromOne(steps_[i], *row, 1);
-      row = found.empty() ? nullptr : found.front();
-    }
-    return row;
   }
 
   Rows apply(const StepPlan& step, const Rows& contexts) const {
@@ -87,7 +75,7 @@ class PathPlan {
   Rows fromEach(const StepPlan& step, const Rows& contexts) const {
     Rows all;
     for (const Row* context : contexts) {
-      const Rows taken = fromOne(step, *context, kAll);
+      const Rows taken = fromOne(step, *context);
       all.insert(all.end(), taken.begin(), taken.end());
       // Contexts that take the same rows again and again must not fill the memory.
       if (all.size() > 2 * outline_.rowsInOrder().size()) sortInDocumentOrder(all, outline_);
@@ -96,10 +84,10 @@ class PathPlan {
     return all;
   }
 
-  /// What a step takes from one context, the nearest first; `most` of it where there is no slice.
-  Rows fromOne(const StepPlan& step, const Row& context, std::size_t most) const {
+  /// What a step takes from one context, the nearest first.
+  Rows fromOne(const StepPlan& step, const Row& context) const {
     const auto& slice = step.slice();
-    Rows rows = candidates(step, context, slice ? candidatesNeeded(*slice) : most);
+    Rows rows = candidates(step, context, slice ? candidatesNeeded(*slice) : kAll);
     if (!slice) return rows;
     const Range range = sliceRange(*slice, rows.size());
     return {rows.begin() + static_cast<std::ptrdiff_t>(range.begin),
