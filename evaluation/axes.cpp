@@ -59,7 +59,7 @@ Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFi
       return true;
     });
   }
-  sortInDocumentOrder(found, outline);
+  sortInDocumentOrder(found);
   return found;
 }
 
@@ -88,7 +88,7 @@ Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, T
     });
     last = context;
   }
-  sortInDocumentOrder(found, outline);
+  sortInDocumentOrder(found);
   return found;
 }
 
@@ -101,7 +101,7 @@ Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter fil
       parents.push_back(parent);
     }
   }
-  sortInDocumentOrder(parents, outline);
+  sortInDocumentOrder(parents);
   return parents;
 }
 
@@ -159,23 +159,11 @@ std::size_t countIn(Range range, const Outline& outline, TypeFilter filter) {
   return static_cast<std::size_t>(std::count_if(row(range.begin), row(range.end), passes));
 }
 
-void sortInDocumentOrder(Rows& rows, const Outline& outline) {
+void sortInDocumentOrder(Rows& rows) {
   const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
   if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
-  constexpr std::size_t fewer = 64;
-  const auto& all = outline.rowsInOrder();
-  if (rows.size() < all.size() / fewer) {
-    std::sort(rows.begin(), rows.end(), isBefore);
-    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
-    return;
-  }
-  // Ticking them off on the list of all rows takes one pass.
-  std::vector<bool> isIn(all.size());
-  for (const Row* row : rows) isIn[row->order()] = true;
-  rows.clear();
-  for (std::size_t place = 0; place < all.size(); ++place) {
-    if (isIn[place]) rows.push_back(all[place]);
-  }
+  std::sort(rows.begin(), rows.end(), isBefore);
+  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
 }
 
 Rows rowsAlong(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {

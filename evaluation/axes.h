@@ -101,6 +101,6 @@ std::size_t countIn(Range range, const Outline& outline, TypeFilter filter);
 Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter);
 
 /// Sorts rows in document order and drops repeated ones.
-void sortInDocumentOrder(Rows& rows, const Outline& outline);
+void sortInDocumentOrder(Rows& rows);
 
 }  // namespace vell::evaluation

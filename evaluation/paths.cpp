@@ -78,9 +78,9 @@ class PathPlan {
       const Rows taken = fromOne(step, *context);
       all.insert(all.end(), taken.begin(), taken.end());
       // Contexts that take the same rows again and again must not fill the memory.
-      if (all.size() > 2 * outline_.rowsInOrder().size()) sortInDocumentOrder(all, outline_);
+      if (all.size() > 2 * outline_.rowsInOrder().size()) sortInDocumentOrder(all);
     }
-    sortInDocumentOrder(all, outline_);
+    sortInDocumentOrder(all);
     return all;
   }
 

@@ -58,7 +58,7 @@ class SharedCandidates {
       takers += changes_[i];
       if (takers > 0) rows.push_back(rows_[i]);
     }
-    sortInDocumentOrder(rows, outline_);
+    sortInDocumentOrder(rows);
     return rows;
   }
 
