@@ -46,7 +46,7 @@ bool contains(const Row& above, const Row& below) {
 void append(Rows& rows, Range range, const Outline& outline, TypeFilter filter) {
   for (std::size_t at = range.begin; at < range.end; ++at) {
     const Row* row = outline.rowsInOrder()[at];
-    if (filter.passes(row->type())) rows.push_back(row);
+    if (filter.passes(*row)) rows.push_back(row);
   }
 }
 
@@ -55,7 +55,7 @@ Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFi
   Rows found;
   for (const Row* context : contexts) {
     walk(axis, *context, outline.root(), [&](const Row& row) {
-      if (filter.passes(row.type())) found.push_back(&row);
+      if (filter.passes(row)) found.push_back(&row);
       return true;
     });
   }
@@ -83,7 +83,7 @@ Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, T
     walk(axis, *context, outline.root(), [&](const Row& row) {
       const bool hasPassed =
           last != nullptr && (contains(row, *last) || (axis == Axis::ancestorOrSelf && &row == last));
-      if (!hasPassed && filter.passes(row.type())) found.push_back(&row);
+      if (!hasPassed && filter.passes(row)) found.push_back(&row);
       return !hasPassed;
     });
     last = context;
@@ -97,7 +97,7 @@ Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter fil
   for (const Row* context : contexts) {
     const Row* parent = context->parent();
     const bool isNew = parents.empty() || parents.back() != parent;
-    if (isNew && parent != nullptr && parent != &outline.root() && filter.passes(parent->type())) {
+    if (isNew && parent != nullptr && parent != &outline.root() && filter.passes(*parent)) {
       parents.push_back(parent);
     }
   }
@@ -155,7 +155,7 @@ std::size_t countIn(Range range, const Outline& outline, TypeFilter filter) {
   const auto row = [&](std::size_t at) {
     return outline.rowsInOrder().begin() + static_cast<std::ptrdiff_t>(at);
   };
-  const auto passes = [&](const Row* each) { return filter.passes(each->type()); };
+  const auto passes = [&](const Row* each) { return filter.passes(*each); };
   return static_cast<std::size_t>(std::count_if(row(range.begin), row(range.end), passes));
 }
 

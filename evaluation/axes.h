@@ -14,7 +14,7 @@ class TypeFilter {
   explicit TypeFilter(outline_path::TypeTest test);
 
   bool passesAny() const { return any_; }
-  bool passes(RowType type) const { return any_ || type == type_; }
+  bool passes(const Row& row) const { return any_ || row.type() == type_; }
 
  private:
   bool any_ = false;

@@ -105,7 +105,7 @@ class PathPlan {
       return rows;
     }
     walk(step.axis(), context, root_, [&](const Row& row) {
-      const bool passes = step.asksForPositions() ? step.filter().passes(row.type()) : step.matches(row);
+      const bool passes = step.asksForPositions() ? step.filter().passes(row) : step.matches(row);
       if (passes) rows.push_back(&row);
       return takesAll || rows.size() < most;
     });

@@ -20,9 +20,7 @@ class StepPlan {
   bool asksForPositions() const { return asksForPositions_; }
 
   /// Whether a row passes the type test and the predicate, where the predicate asks for no position.
-  bool matches(const Row& row) const {
-    return filter_.passes(row.type()) && satisfiesPredicate(Context::of(row));
-  }
+  bool matches(const Row& row) const { return filter_.passes(row) && satisfiesPredicate(Context::of(row)); }
   /// Drops the rows that the predicate does not hold for. `rows` are all candidates from one context; from
   /// several where the predicate does not ask for positions.
   void keepMatching(Rows& rows) const;
