@@ -94,14 +94,14 @@ struct Wraps : Makes<Wraps<Node, Inner>, Inner> {
 template <typename Node, typename Side>
 struct Joins : Makes<Joins<Node, Side>, Side> {
   static void finish(Side&& right, Side& outer) {
-    Box left(std::move(outer));
+    Box left(std::exchange(outer, Side()));
     outer.node = Node{std::move(left), Box(std::move(right))};
   }
 };
 template <typename Node, typename Op>
 struct JoinsValues : Makes<JoinsValues<Node, Op>, BinaryTail<Op>> {
   static void finish(BinaryTail<Op>&& tail, ValueExpression& outer) {
-    Box left(std::move(outer));
+    Box left(std::exchange(outer, ValueExpression()));
     outer.node = Node{std::move(left), tail.op, Box(std::move(tail.right))};
   }
 };

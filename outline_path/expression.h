@@ -212,7 +212,7 @@ class Step {
     bool operator==(const Meta&) const = default;
   };
 
-  Step(Axis axis, Filter filter, std::optional<Slice> slice = {});
+  Step(Axis axis, Filter filter, const std::optional<Slice>& slice = {});
   Axis axis() const { return axis_; }
   const Filter& filter() const { return filter_; }
   const std::optional<Slice>& slice() const { return slice_; }

@@ -118,8 +118,8 @@ bool FunctionCall::operator==(const FunctionCall& other) const {
   return name_ == other.name_ && arguments_ == other.arguments_;
 }
 
-Step::Step(Axis axis, Filter filter, std::optional<Slice> slice)
-    : axis_(axis), filter_(std::move(filter)), slice_(std::move(slice)) {
+Step::Step(Axis axis, Filter filter, const std::optional<Slice>& slice)
+    : axis_(axis), filter_(std::move(filter)), slice_(slice) {
   meta_.requiresContextPositions = slice_.has_value();
   if (!filter_.predicate) return;
   meta_.requiresContextPositions = meta_.requiresContextPositions || asksForPosition(*filter_.predicate);

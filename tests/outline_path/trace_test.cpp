@@ -1,5 +1,5 @@
 // What a trace holds: every label of the grammar, nested as the rules are, and errors with their reasons.
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
 #include <set>
 
@@ -7,8 +7,6 @@
 
 namespace vell::outline_path {
 namespace {
-
-using testing::ElementsAreArray;
 
 const char* const kLabels[] = {
     "OutlinePathParser",
