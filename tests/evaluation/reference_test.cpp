@@ -2,6 +2,7 @@
 // on the axis, and against XPath where both languages say the same.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <pugixml.hpp>
 #include <random>
 #include <set>
