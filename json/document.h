@@ -49,7 +49,6 @@ class Node {
 
  private:
   friend class Document;
-  template <class Output>
   friend class Reprinter;
   Node(const Index& index, std::uint32_t entry) : index_(&index), entry_(entry) {}
 

@@ -43,12 +43,10 @@ class KeySorter {
 
 }  // namespace
 
-/// Prints a value again, to an output with `put(char)` and `write(std::string_view)`. The stack of open
-/// containers is its own: depth costs memory, never call frames.
-template <class Output>
+/// Prints a value again. The stack of open containers is its own: depth costs memory, never call frames.
 class Reprinter {
  public:
-  Reprinter(const Node& value, Layout layout, Output& out)
+  Reprinter(const Node& value, Layout layout, Sink& out)
       : index_(*value.index_), sorter_(index_), indented_(layout == Layout::indented), out_(out) {
     put(value.entry_);
     while (!open_.empty()) open_.back().isObject ? members(open_.back()) : elements(open_.back());
@@ -138,7 +136,7 @@ class Reprinter {
   const Index& index_;
   KeySorter sorter_;
   const bool indented_;
-  Output& out_;
+  Sink& out_;
   std::vector<Container> open_;
   std::vector<std::uint32_t> keys_;  // of the members of all open objects, the innermost last
   std::string scratch_;
@@ -146,29 +144,14 @@ class Reprinter {
 
 namespace {
 
-class StringOutput {
+class StringSink : public Sink {
  public:
-  explicit StringOutput(std::string& text) : text_(text) {}
-  void put(char c) { text_.push_back(c); }
-  void write(std::string_view piece) { text_.append(piece); }
+  explicit StringSink(std::string& text) : Sink(4096), text_(text) {}
+  void finish() { passAll(); }
 
  private:
-  std::string& text_;
-};
+  void pass(std::string_view part) override { text_.append(part); }
 
-/// Appends to the inside of a JSON string. What is written holds no control characters.
-class QuotedOutput {
- public:
-  explicit QuotedOutput(std::string& text) : text_(text) {}
-  void put(char c) {
-    if (c == '"' || c == '\\') text_.push_back('\\');
-    text_.push_back(c);
-  }
-  void write(std::string_view piece) {
-    for (const char c : piece) put(c);
-  }
-
- private:
   std::string& text_;
 };
 
@@ -178,16 +161,10 @@ void write(const Node& value, Layout layout, Sink& sink) { Reprinter(value, layo
 
 std::string toString(const Node& value, Layout layout) {
   std::string text;
-  StringOutput out(text);
-  Reprinter(value, layout, out);
+  StringSink sink(text);
+  write(value, layout, sink);
+  sink.finish();
   return text;
-}
-
-void appendQuoted(const Node& value, std::string& out) {
-  out += '"';
-  QuotedOutput inside(out);
-  Reprinter(value, Layout::compact, inside);
-  out += '"';
 }
 
 std::string rewrite(std::string_view text, Layout layout) {

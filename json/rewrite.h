@@ -16,10 +16,6 @@ enum class Layout { compact, indented };
 void write(const Node& value, Layout layout, Sink& sink);
 std::string toString(const Node& value, Layout layout);
 
-/// Appends the value's compact text as a JSON string, quotes included: the form in which one JSON text
-/// carries another.
-void appendQuoted(const Node& value, std::string& out);
-
 /// Parses and rewrites a whole text. Throws ParseError.
 std::string rewrite(std::string_view text, Layout layout);
 

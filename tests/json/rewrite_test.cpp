@@ -146,19 +146,5 @@ TEST(Write, CrossesTheEndsOfParts) {
   }
 }
 
-TEST(Quoted, IsTheCompactTextAsAString) {
-  for (const std::string text :
-       {"null", R"("")", R"({"b":[1.0,"\"\\\u0001\/\ud800"],"a\"":{"é":"\n😀"}, "":[]})"}) {
-    const Document document{Text(text)};
-    std::string quoted = ":";
-    appendQuoted(document.root(), quoted);
-    EXPECT_EQ(Document(Text(quoted.substr(1))).root().string(), toString(document.root(), Layout::compact))
-        << quoted;
-  }
-  std::string quoted;
-  appendQuoted(Document(Text(R"({ "b" : "\"" , "a" : 1 })")).root(), quoted);
-  EXPECT_EQ(quoted, R"("{\"a\":1,\"b\":\"\\\"\"}")");
-}
-
 }  // namespace
 }  // namespace vell::json
