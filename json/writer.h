@@ -47,11 +47,6 @@ class Writer {
   Writer& member(std::string_view name, const Value& content) {
     return key(name).value(content);
   }
-  /// Nothing where there is no value.
-  template <class Value>
-  Writer& memberIfAny(std::string_view name, const std::optional<Value>& content) {
-    return content ? member(name, *content) : *this;
-  }
   template <class Values>
   Writer& array(const Values& values) {
     beginArray();
