@@ -2,17 +2,30 @@
 #include <sstream>
 #include <vector>
 
+#include "json/writer.h"
 #include "tests/headless/server_conversation.h"
 
 namespace vell::headless {
 namespace {
 
-using nlohmann::json;
+std::vector<std::string> split(const std::string& words) {
+  std::istringstream stream(words);
+  return {std::istream_iterator<std::string>(stream), {}};
+}
 
 class Commands : public Conversation {
  protected:
   Commands() { server_.open("groceries.json", groceries); }
-  void perform(const std::vector<std::string>& ids) { call("command.perform", {{"ids", ids}}); }
+
+  /// Performs commands, separated by blanks, and tells for each whether it did something.
+  std::string perform(const std::string& ids) {
+    std::string params;
+    json::Writer(params).beginObject().key("ids").array(split(ids)).endObject();
+    std::string performed;
+    for (const std::string& entry : elements(call("command.perform", params)))
+      performed += at(entry, "performed") == "true" ? "yes " : "no ";
+    return performed;
+  }
 };
 
 struct Case {
@@ -21,11 +34,6 @@ struct Case {
   std::string rows;  ///< afterwards
   std::string performed = "yes";
 };
-
-std::vector<std::string> split(const std::string& words) {
-  std::istringstream stream(words);
-  return {std::istream_iterator<std::string>(stream), {}};
-}
 
 TEST_F(Commands, ChangeRowsAndAreOneStepToUndo) {
   const std::string before = picture();
@@ -59,15 +67,13 @@ TEST_F(Commands, ChangeRowsAndAreOneStepToUndo) {
   };
   for (const Case& c : cases) {
     const std::size_t dash = c.row.find('-');
-    json place = {{"selectRow", c.row.substr(0, dash)}};
-    if (dash != std::string::npos) place["selectHead"] = c.row.substr(dash + 1);
-    call("editor.update", place);
-    std::string performed;
-    for (const json& entry : call("command.perform", {{"ids", split(c.ids)}}))
-      performed += entry["performed"].get<bool>() ? "yes " : "no ";
+    const std::string head =
+        dash == std::string::npos ? "" : R"(,"selectHead":")" + c.row.substr(dash + 1) + '"';
+    call("editor.update", R"({"selectRow":")" + c.row.substr(0, dash) + '"' + head + "}");
+    const std::string performed = perform(c.ids);
     EXPECT_EQ(picture(), c.rows) << c.ids << " at " << c.row;
     EXPECT_EQ(performed.substr(0, c.performed.size()), c.performed) << c.ids << " at " << c.row;
-    while (picture() != before && call("command.perform", {{"ids", {"edit:undo"}}})[0]["performed"]) continue;
+    while (picture() != before && perform("edit:undo") == "yes ") continue;
     ASSERT_EQ(picture(), before) << c.ids;
   }
 }
@@ -94,39 +100,37 @@ TEST_F(Commands, MoveTheSelectionOverWhatIsSeen) {
       {"2", "selection:parent", "[2]", "no"},
   };
   for (const Case& c : cases) {
-    perform({"focus:home", "fold:expand-all"});
-    call("editor.update", {{"selectRow", c.row}});
-    std::string performed;
-    for (const json& entry : call("command.perform", {{"ids", split(c.ids)}}))
-      performed += entry["performed"].get<bool>() ? "yes " : "no ";
-    EXPECT_EQ(call("editor.get", {})["selection"]["rows"].dump(), c.rows) << c.ids << " at " << c.row;
+    perform("focus:home fold:expand-all");
+    call("editor.update", R"({"selectRow":)" + json::quoted(c.row) + R"(})");
+    const std::string performed = perform(c.ids);
+    EXPECT_EQ(at(call("editor.get"), "selection.rows"), c.rows) << c.ids << " at " << c.row;
     EXPECT_EQ(performed.substr(0, c.performed.size()), c.performed) << c.ids << " at " << c.row;
   }
 }
 
 TEST_F(Commands, StyleAndMarkRows) {
   const auto row = [&](const char* ref) {
-    return call("outline.get", {{"rowRefs", {ref}}, {"rows", true}})[0];
+    return at(call("outline.get", R"({"rowRefs":[)" + json::quoted(ref) + R"(],"rows":true})"), "0");
   };
-  call("editor.update", {{"selectRow", "3"}, {"selectHead", "4"}});
-  perform({"row:toggle-done", "format:toggle-bold"});
-  EXPECT_EQ(row("3")["attributes"]["done"], "true");
-  EXPECT_FALSE(row("4").contains("attributes"));
-  EXPECT_EQ(row("4")["text"], json::parse(R"([{"string":"Bread","attrs":{"strong":""}}])"));
-  perform({"format:toggle-bold", "row:toggle-done", "format:quote"});
-  EXPECT_EQ(row("4")["text"], json::parse(R"([{"string":"Bread"}])"));
-  EXPECT_FALSE(row("3").contains("attributes"));
-  EXPECT_EQ(row("3")["type"], "quote");
-  call("editor.update", {{"selectRow", "3"}});
-  perform({"row:join-with-next"});
-  EXPECT_EQ(row("3")["text"], json::parse(R"([{"string":"Milk Bread"}])"));
+  call("editor.update", R"({"selectRow":"3","selectHead":"4"})");
+  perform("row:toggle-done format:toggle-bold");
+  EXPECT_EQ(at(row("3"), "attributes.done"), R"("true")");
+  EXPECT_EQ(at(row("4"), "attributes"), "");
+  EXPECT_EQ(at(row("4"), "text"), R"([{"attrs":{"strong":""},"string":"Bread"}])");
+  perform("format:toggle-bold row:toggle-done format:quote");
+  EXPECT_EQ(at(row("4"), "text"), R"([{"string":"Bread"}])");
+  EXPECT_EQ(at(row("3"), "attributes"), "");
+  EXPECT_EQ(at(row("3"), "type"), R"("quote")");
+  call("editor.update", R"({"selectRow":"3"})");
+  perform("row:join-with-next");
+  EXPECT_EQ(at(row("3"), "text"), R"([{"string":"Milk Bread"}])");
 }
 
 TEST_F(Commands, AreListedInOrder) {
-  const json list = call("command.list", {});
-  EXPECT_GE(list.size(), 40U);
-  for (std::size_t i = 1; i < list.size(); ++i) EXPECT_LT(list[i - 1]["id"], list[i]["id"]);
-  EXPECT_EQ(list[0]["source"], "Vell Menu");
+  const auto list = elements(call("command.list"));
+  ASSERT_GE(list.size(), 40U);
+  for (std::size_t i = 1; i < list.size(); ++i) EXPECT_LT(at(list[i - 1], "id"), at(list[i], "id"));
+  EXPECT_EQ(at(list[0], "source"), R"("Vell Menu")");
 }
 
 }  // namespace

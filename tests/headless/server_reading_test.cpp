@@ -1,39 +1,39 @@
 #include <filesystem>
 #include <vector>
 
+#include "json/writer.h"
 #include "tests/headless/server_conversation.h"
 
 namespace vell::headless {
 namespace {
 
 using Reading = Conversation;
-using nlohmann::json;
 
 TEST_F(Reading, FindsRowsByEveryKindOfReference) {
   server_.open("groceries.json", groceries);
-  const std::vector<std::pair<json, std::string>> cases = {
-      {json::array(), "Groceries(Milk Bread) Later"},
-      {{"//*"}, "Groceries(Milk Bread) Later"},
-      {{"4"}, "Bread"},
-      {{"milk", "2"}, "Groceries(Milk)"},
-      {{"@selection"}, "Bread"},
-      {{"5", "3", "5"}, "Milk Later"},
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {"[]", "Groceries(Milk Bread) Later"},
+      {R"(["//*"])", "Groceries(Milk Bread) Later"},
+      {R"(["4"])", "Bread"},
+      {R"(["milk","2"])", "Groceries(Milk)"},
+      {R"(["@selection"])", "Bread"},
+      {R"(["5","3","5"])", "Milk Later"},
   };
-  call("editor.update", {{"selectRow", "4"}});
+  call("editor.update", R"({"selectRow":"4"})");
   for (const auto& [refs, expected] : cases)
-    EXPECT_EQ(texts(call("outline.get", {{"rowRefs", refs}, {"rows", true}})), expected) << refs;
-  EXPECT_EQ(texts(call("outline.get", {{"shape", "flat"}, {"rows", true}})), "Groceries Milk Bread Later");
+    EXPECT_EQ(texts(call("outline.get", R"({"rows":true,"rowRefs":)" + refs + "}")), expected) << refs;
+  EXPECT_EQ(texts(call("outline.get", R"({"shape":"flat","rows":true})")), "Groceries Milk Bread Later");
 }
 
 TEST_F(Reading, NamesTheRootWithTheTimesOfItsOutline) {
   server_.open("groceries.json", groceries);
-  const json created = call("outline.get", json::object())["created"];
+  const std::string created = at(call("outline.get"), "created");
   for (const char* ref : {"/", "@focused"}) {
-    const json rows = call("outline.get", {{"rowRefs", {ref}}, {"rows", true}});
-    ASSERT_EQ(rows.size(), 1U) << ref;
-    EXPECT_EQ(rows[0]["type"], "root") << ref;
-    EXPECT_EQ(rows[0]["created"], created) << ref;
-    EXPECT_EQ(rows[0]["modified"], created) << ref;
+    const std::string rows = call("outline.get", R"({"rows":true,"rowRefs":[")" + std::string(ref) + "\"]}");
+    ASSERT_EQ(elements(rows).size(), 1U) << ref;
+    EXPECT_EQ(at(rows, "0.type"), R"("root")") << ref;
+    EXPECT_EQ(at(rows, "0.created"), created) << ref;
+    EXPECT_EQ(at(rows, "0.modified"), created) << ref;
   }
 }
 
@@ -46,22 +46,24 @@ TEST_F(Reading, SaysWhichReferenceNamesNothing) {
       {"", R"(No row of "groceries.json" has the persistent id "")"},
       {"..", R"(No row of "groceries.json" has the persistent id ".." (a path begins with "/"))"},
   };
-  for (const auto& [ref, message] : cases) EXPECT_EQ(call("outline.get", {{"rowRefs", {ref}}}), message);
+  for (const auto& [ref, message] : cases)
+    EXPECT_EQ(call("outline.get", R"({"rowRefs":[)" + json::quoted(ref) + R"(]})"), message);
   server_.open("empty.json", R"({"rows":[]})");
-  EXPECT_EQ(call("outline.get", {{"rowRefs", {"@selection"}}}),
+  EXPECT_EQ(call("outline.get", R"({"rowRefs":["@selection"]})"),
             R"(Nothing is selected: "empty.json" has no rows)");
 }
 
 TEST_F(Reading, AnswersInEveryFormatAndNamesThemWhereItIsNoneOfThem) {
   server_.open("groceries.json", groceries);
+  const auto formatParams = [](const std::string& format) { return R"({"format":")" + format + "\"}"; };
   for (const char* format : {"session", "json"})
-    EXPECT_TRUE(call("outline.get", {{"format", format}}).is_object());
+    EXPECT_TRUE(call("outline.get", formatParams(format)).starts_with('{')) << format;
   for (const char* format : {"markdown", "vell", "opml", "txt"}) {
-    const json text = call("outline.get", {{"format", format}});
-    ASSERT_TRUE(text.is_string()) << format;
-    EXPECT_NE(text.get<std::string>().find("Milk"), std::string::npos) << text;
+    const std::string text = call("outline.get", formatParams(format));
+    EXPECT_TRUE(text.starts_with('"')) << format;
+    EXPECT_NE(text.find("Milk"), std::string::npos) << text;
   }
-  const std::string message = call("outline.get", {{"format", "pdf"}});
+  const std::string message = call("outline.get", R"({"format":"pdf"})");
   EXPECT_EQ(message.find("format: expected one of \"session\", \"json\""), 0U) << message;
 }
 
@@ -71,31 +73,33 @@ TEST_F(Reading, AFileIsOneOutlineHoweverOftenAndByWhateverPathItIsOpened) {
   const std::string path = server_.home() / "groceries.json";
   const std::string link = server_.home() / "link.json";
   std::filesystem::create_symlink(path, link);
-  const json summary = {
-      {"displayName", "groceries.json"}, {"fileURL", "file://" + path}, {"persistentId", "outline-1"}};
-  EXPECT_EQ(call("application.open", {{"paths", {server_.home() / "./x/../groceries.json"}}})[0]["outline"],
+  const std::string summary =
+      R"({"displayName":"groceries.json","fileURL":"file://)" + path + R"(","persistentId":"outline-1"})";
+  EXPECT_EQ(at(call("application.open",
+                    R"({"paths":[)" + json::quoted(server_.home() / "./x/../groceries.json") + R"(]})"),
+               "0.outline"),
             summary);
-  EXPECT_EQ(call("application.open", {{"paths", {link}}})[0]["outline"], summary);
-  EXPECT_EQ(call("outline.findByPath", {{"path", link}}), summary);
-  EXPECT_EQ(call("outline.findByPersistentId", {{"persistentId", "outline-1"}}), summary);
-  EXPECT_EQ(call("outline.findByPersistentId", {{"persistentId", "outline-3"}}), json());
-  EXPECT_EQ(call("outline.list", {}).size(), 2U);
+  EXPECT_EQ(at(call("application.open", R"({"paths":[)" + json::quoted(link) + R"(]})"), "0.outline"),
+            summary);
+  EXPECT_EQ(call("outline.findByPath", R"({"path":)" + json::quoted(link) + R"(})"), summary);
+  EXPECT_EQ(call("outline.findByPersistentId", R"({"persistentId":"outline-1"})"), summary);
+  EXPECT_EQ(call("outline.findByPersistentId", R"({"persistentId":"outline-3"})"), "null");
+  EXPECT_EQ(elements(call("outline.list")).size(), 2U);
 }
 
 TEST_F(Reading, KnowsTheFrontmostOutlineAndItsEditor) {
   server_.open("groceries.json", groceries);
   server_.open("other.json", R"({"id":"outline-2","rows":[]})");
-  EXPECT_EQ(call("outline.list", {})[0]["persistentId"], "outline-2");
-  EXPECT_EQ(call("outline.bringToFront", {{"outline", "outline-1"}})["persistentId"], "outline-1");
-  const json editors = call("editor.list", {});
-  ASSERT_EQ(editors.size(), 2U);
-  EXPECT_EQ(editors[0]["outlineId"], "outline-1");
-  const json snapshot = call("editor.get", {});
-  EXPECT_EQ(snapshot, call("editor.get", {{"editor", editors[0]["id"]}}));
-  const json selection = {{"anchor", 1}, {"head", 1}, {"rows", json::array()}, {"text", ""}};
-  EXPECT_EQ(snapshot["focused"], json({1}));
-  EXPECT_EQ(snapshot["selection"], selection);
-  EXPECT_EQ(snapshot["collapsed"], json::array());
+  EXPECT_EQ(at(call("outline.list"), "0.persistentId"), R"("outline-2")");
+  EXPECT_EQ(at(call("outline.bringToFront", R"({"outline":"outline-1"})"), "persistentId"), R"("outline-1")");
+  const std::string editors = call("editor.list");
+  ASSERT_EQ(elements(editors).size(), 2U);
+  EXPECT_EQ(at(editors, "0.outlineId"), R"("outline-1")");
+  const std::string snapshot = call("editor.get");
+  EXPECT_EQ(snapshot, call("editor.get", R"({"editor":)" + at(editors, "0.id") + "}"));
+  EXPECT_EQ(at(snapshot, "focused"), "[1]");
+  EXPECT_EQ(at(snapshot, "selection"), R"({"anchor":1,"head":1,"rows":[],"text":""})");
+  EXPECT_EQ(at(snapshot, "collapsed"), "[]");
 }
 
 TEST_F(Reading, LargeAnswersGoOutWhileASlowClientHoldsItsOwnBack) {
@@ -105,7 +109,7 @@ TEST_F(Reading, LargeAnswersGoOutWhileASlowClientHoldsItsOwnBack) {
   const TestClient slow = server_.client();
   slow.send(
       "{\"id\":1,\"method\":\"outline.get\"}\n{\"id\":2,\"method\":\"outline.get\"}\n");  // reads nothing
-  EXPECT_EQ(call("outline.get", {{"rowRefs", {"3"}}, {"rows", true}}).size(), 1U);
+  EXPECT_EQ(elements(call("outline.get", R"({"rowRefs":["3"],"rows":true})")).size(), 1U);
   EXPECT_GT(client_.ask(R"({"id":1,"method":"outline.get"})").size(),
             20'000 * std::string(R"("string":"row")").size());
 }

@@ -1,37 +1,38 @@
 #include "headless/storage/container.h"
 #include "headless/storage/files.h"
+#include "json/writer.h"
 #include "platform/container.h"
 #include "tests/headless/server_conversation.h"
 
 namespace vell::headless {
 namespace {
 
-using nlohmann::json;
-
 class ServedScript : public Conversation {
  protected:
   ServedScript() { server_.open("groceries.json", groceries); }
 
-  json run(const std::string& script) { return call("script.evaluate", {{"script", script}}); }
+  std::string run(const std::string& script) {
+    return call("script.evaluate", R"({"script":)" + json::quoted(script) + R"(})");
+  }
 };
 
 TEST_F(ServedScript, ReadsWhatIsOpen) {
   const struct {
     const char* script;
-    json value;
+    const char* value;
   } rows[] = {
-      {"vell.version", "1.2"},
-      {"vell.frontmostOutline.rows().map(String)", {"Groceries", "Milk", "Bread", "Later"}},
-      {"vell.frontmostOutline.row('milk').parent.text", "Groceries"},
-      {"vell.frontmostOutline.row(2).parent", nullptr},
-      {"vell.frontmostOutline.row(2).children.map((row) => row.type)", {"task", "body"}},
-      {"vell.frontmostOutlineEditor.outline.id", "outline-1"},
-      {"vell.frontmostOutlineEditor.selection.rows.length", 0},
-      {"vell.frontmostOutlineEditor.selection.head", nullptr},
-      {"(async () => (await vell.frontmostOutline).row('milk').text)()", "Milk"},
-      {"vell.commands.some(({id}) => id === 'row:toggle-done')", true},
+      {"vell.version", R"("1.2")"},
+      {"vell.frontmostOutline.rows().map(String)", R"(["Groceries","Milk","Bread","Later"])"},
+      {"vell.frontmostOutline.row('milk').parent.text", R"("Groceries")"},
+      {"vell.frontmostOutline.row(2).parent", "null"},
+      {"vell.frontmostOutline.row(2).children.map((row) => row.type)", R"(["task","body"])"},
+      {"vell.frontmostOutlineEditor.outline.id", R"("outline-1")"},
+      {"vell.frontmostOutlineEditor.selection.rows.length", "0"},
+      {"vell.frontmostOutlineEditor.selection.head", "null"},
+      {"(async () => (await vell.frontmostOutline).row('milk').text)()", R"("Milk")"},
+      {"vell.commands.some(({id}) => id === 'row:toggle-done')", "true"},
       {"try { vell.frontmostOutline.row('nobody') } catch (error) { error.message.includes('nobody') }",
-       true},
+       "true"},
   };
   for (const auto& row : rows) EXPECT_EQ(run(row.script), row.value) << row.script;
 }
@@ -46,10 +47,10 @@ TEST_F(ServedScript, IsOneStepToUndoEvenWhenItFails) {
     outline.row(4).delete();)";
   const std::string before = picture();
   for (const std::string ending : {"1", "nothing.at.all"}) {
-    const json value = run(changes + ending);
+    const std::string value = run(changes + ending);
     EXPECT_EQ(picture(), "a(b) Groceries Later Oat milk") << ending;
-    EXPECT_TRUE(value == 1 || value == "ReferenceError: Can't find variable: nothing (line 7)") << value;
-    EXPECT_EQ(call("command.perform", {{"ids", {"edit:undo"}}})[0]["performed"], true);
+    EXPECT_TRUE(value == "1" || value == "ReferenceError: Can't find variable: nothing (line 7)") << value;
+    EXPECT_EQ(at(call("command.perform", R"({"ids":["edit:undo"]})"), "0.performed"), "true");
     EXPECT_EQ(picture(), before) << ending;
   }
 }
@@ -62,7 +63,7 @@ TEST_F(ServedScript, CutsItsStepWhereItTakesSomethingBack) {
     row.text = "two";
     row.append(" three");)");
   EXPECT_EQ(picture(), "Groceries(two three Bread) Later");
-  call("command.perform", {{"ids", {"edit:undo"}}});
+  call("command.perform", R"({"ids":["edit:undo"]})");
   EXPECT_EQ(picture(), "Groceries(Milk Bread) Later");
 }
 
@@ -71,8 +72,8 @@ TEST_F(ServedScript, SavesUnderANewName) {
   const auto save = [&](const std::string& path) {
     return run("vell.frontmostOutline.save('" + path + "').fileURL?.slice(7)");
   };
-  call("outline.new", {});
-  call("row.create", {{"markdown", "kept"}});
+  call("outline.new");
+  call("row.create", R"({"markdown":"kept"})");
   const struct {
     std::string path, problem;
   } refused[] = {
@@ -85,11 +86,11 @@ TEST_F(ServedScript, SavesUnderANewName) {
   };
   for (const auto& row : refused) EXPECT_EQ(save(row.path), row.problem);
   EXPECT_EQ(run("vell.frontmostOutline.save()"), "Error: path: expected a string, got nothing (line 1)");
-  EXPECT_EQ(call("outline.list", {})[0]["fileURL"], nullptr);
-  EXPECT_EQ(save(home + "/./a.md"), home + "/a.md");
-  EXPECT_EQ(save(home + "/Untitled 7.vell"), home + "/Untitled%207.vell");
+  EXPECT_EQ(at(call("outline.list"), "0.fileURL"), "null");
+  EXPECT_EQ(save(home + "/./a.md"), json::quoted(home + "/a.md"));
+  EXPECT_EQ(save(home + "/Untitled 7.vell"), json::quoted(home + "/Untitled%207.vell"));
   EXPECT_TRUE(readFile(home + "/a.md").bytes.ends_with("\n\nkept\n"));
-  call("outline.close", {{"discard", true}});
+  call("outline.close", R"({"discard":true})");
   EXPECT_NE(readFile(home + "/Untitled 7.vell").bytes.find("\nkept"), std::string::npos);
   EXPECT_EQ(Container(platform::containerDirectory()).untitledFiles(), std::vector<std::string>());
 }
