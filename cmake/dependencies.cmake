@@ -1,7 +1,6 @@
 # Third-party libraries. README.md says what each is for and how it is found on macOS.
 
 find_package(Threads REQUIRED)
-find_package(nlohmann_json 3.11 REQUIRED)
 find_package(CLI11 2.1 REQUIRED)
 find_package(pugixml 1.13 REQUIRED)
 # Its package file refuses a request for another major version, and the grammar compiles against 3.2 and 4.
