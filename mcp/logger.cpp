@@ -82,6 +82,7 @@ std::optional<LogLevel> levelNamed(std::string_view name) {
 
 std::vector<std::string_view> levelNames() {
   std::vector<std::string_view> names;
+  names.reserve(levels.size());
   for (const LevelTraits& level : levels) names.push_back(level.name);
   return names;
 }

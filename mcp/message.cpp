@@ -93,19 +93,19 @@ std::optional<RequestId> findId(std::string_view text) {
 std::string encodeResult(const RequestId& id, Value result) {
   Value::Object message = envelope(id);
   message.emplace("result", std::move(result));
-  return encode(message);
+  return encode(std::move(message));
 }
 
 std::string encodeError(const std::optional<RequestId>& id, const MCPError& error) {
   Value::Object message = envelope(id);
   message.emplace("error", error.toValue());
-  return encode(message);
+  return encode(std::move(message));
 }
 
 std::string encodeNotification(const std::string& method, const std::optional<Value>& params) {
   Value::Object message{{"jsonrpc", jsonrpc}, {"method", method}};
   if (params) message.emplace("params", *params);
-  return encode(message);
+  return encode(std::move(message));
 }
 
 }  // namespace vell::mcp
