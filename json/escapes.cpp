@@ -2,6 +2,7 @@
 
 #include <simdjson.h>
 
+#include <array>
 #include <cstdio>
 
 #include "json/error.h"
@@ -13,6 +14,10 @@ namespace {
 constexpr std::string_view shortEscapes = "\"\\/bfnrt";
 // What they stand for, in the same order.
 constexpr std::string_view shortMeanings = "\"\\/\b\f\n\r\t";
+
+// From here on room is made at once: an escape for each quote of JSON text makes it longer by about a
+// seventh.
+constexpr std::size_t largeText = 4096;
 
 int hexDigit(char c) {
   if (c >= '0' && c <= '9') return c - '0';
@@ -61,6 +66,14 @@ bool needsEscape(char32_t character) {
   return character < 0x20 || character == '"' || character == '\\' || isSurrogate(character);
 }
 
+/// Which bytes of UTF-8 need an escape.
+constexpr auto escapedBytes = [] {
+  std::array<bool, 256> escaped{};
+  for (std::size_t control = 0; control < 0x20; ++control) escaped[control] = true;
+  escaped['"'] = escaped['\\'] = true;
+  return escaped;
+}();
+
 void appendEscape(char32_t character, std::string& out) {
   const std::size_t named =
       character < 0x80 ? shortMeanings.find(static_cast<char>(character)) : std::string_view::npos;
@@ -79,14 +92,20 @@ void appendString(std::string_view text, std::string& out) {
   if (!simdjson::validate_utf8(text.data(), text.size())) {
     return appendString(text::replaceInvalidUtf8(text), out);
   }
+  if (text.size() >= largeText) out.reserve(out.size() + text.size() + text.size() / 5);
   out += '"';
   std::size_t plain = 0;  // where the stretch begins that needs no escape
   for (std::size_t at = 0; at < text.size(); ++at) {
     const auto byte = static_cast<unsigned char>(text[at]);
-    if (!needsEscape(byte)) continue;
+    if (!escapedBytes[byte]) continue;
     out.append(text, plain, at - plain);
-    appendEscape(byte, out);
-    plain = at + 1;
+    plain = at;
+    if (byte == '"' || byte == '\\') {
+      out += '\\';  // and the character begins the next stretch
+    } else {
+      appendEscape(byte, out);
+      ++plain;
+    }
   }
   out.append(text, plain);
   out += '"';

@@ -146,7 +146,7 @@ namespace {
 
 class StringSink : public Sink {
  public:
-  explicit StringSink(std::string& text) : Sink(4096), text_(text) {}
+  explicit StringSink(std::string& text) : Sink(1 << 15), text_(text) {}
   void finish() { passAll(); }
 
  private:
