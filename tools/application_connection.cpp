@@ -53,8 +53,11 @@ void ApplicationConnection::send(std::string_view bytes) {
 }
 
 void ApplicationConnection::write() {
+  std::error_code ignored;  // the loop will find it again
+  const std::size_t written = socket_.write_some(asio::buffer(waiting_), ignored);
+  if (written == waiting_.size()) return waiting_.clear();
   writing_.swap(waiting_);
-  asio::async_write(socket_, asio::buffer(writing_),
+  asio::async_write(socket_, asio::buffer(writing_) + written,
                     [self = shared_from_this()](std::error_code error, std::size_t) {
                       if (!self->open_) return;
                       if (error) return self->end(ClientError::writeFailed(error.value()));
