@@ -10,6 +10,7 @@
 
 #include "mcp/mcp_server.h"
 #include "mcp/stdio_transport.h"
+#include "platform/allocator.h"
 #include "platform/container.h"
 #include "tools/all_tools.h"
 #include "tools/documents_subscription.h"
@@ -22,6 +23,9 @@ namespace {
 /// How long to wait, at the end of input, for the next of the replies in flight. Hosts kill a server that
 /// takes much longer.
 constexpr std::chrono::milliseconds longestWaitForReply{1900};
+
+/// What a result of a megabyte takes on its way.
+constexpr std::size_t keptMemory = 16 << 20;
 
 /// The parts of the server around one event loop.
 class Program {
@@ -107,6 +111,7 @@ void Program::stop() {
 
 void serveMCP(const std::string& version, int input, int output) {
   std::signal(SIGPIPE, [](int) {});  // unlike SIG_IGN, not handed on to programs started from here
+  platform::keepFreedMemory(keptMemory);
   const int signal = Program(version, input, output).run();
   if (signal != 0) std::raise(signal);
 }
