@@ -20,7 +20,7 @@ std::string lastRequest(const FakeApplication& application) {
   return last;
 }
 
-TEST(TwoDoors, LeadIntoOneRoom) {
+TEST(CommandAndTool, SendTheSameRequest) {
   struct Row {
     const char* command;
     const char* tool;
