@@ -12,7 +12,7 @@ namespace {
 constexpr std::array<std::string_view, 4> markedKeys = {"strong", "mark", "s", "em"};
 
 /// Where a stretch of literal text has no markup beside it.
-struct Beside {
+struct LineEdges {
   bool lineStart;
   bool lineEnd;
 };
@@ -21,8 +21,8 @@ struct Beside {
 /// care.
 class LiteralWriter {
  public:
-  LiteralWriter(std::string& out, std::string_view text, Beside beside)
-      : out_(out), text_(text), beside_(beside), alone_(beside.lineStart && beside.lineEnd) {}
+  LiteralWriter(std::string& out, std::string_view text, LineEdges edges)
+      : out_(out), text_(text), edges_(edges), alone_(edges.lineStart && edges.lineEnd) {}
 
   void write() {
     while (at_ < text_.size()) step();
@@ -35,13 +35,13 @@ class LiteralWriter {
   bool marksAreHarmless(std::size_t length) const;
   bool needsBackslash(char c) const;
   bool isLineEdge() const {
-    return (beside_.lineStart && at_ == 0) || (beside_.lineEnd && at_ + 1 == text_.size());
+    return (edges_.lineStart && at_ == 0) || (edges_.lineEnd && at_ + 1 == text_.size());
   }
   char next() const { return at_ + 1 < text_.size() ? text_[at_ + 1] : '\0'; }
 
   std::string& out_;
   std::string_view text_;
-  Beside beside_;
+  LineEdges edges_;
   bool alone_;
   std::size_t at_ = 0;
 };
@@ -207,8 +207,8 @@ void RunWriter::writeLeaf(const Run& run) {
 
 void RunWriter::writeLiteral(const Run& run) {
   const bool styled = !run.attrs.empty();
-  const Beside beside{!styled && &run == &runs_.front(), !styled && &run == &runs_.back()};
-  LiteralWriter(out_, run.string, beside).write();
+  const LineEdges edges{!styled && &run == &runs_.front(), !styled && &run == &runs_.back()};
+  LiteralWriter(out_, run.string, edges).write();
 }
 
 void RunWriter::writeCode(std::string_view code) {

@@ -32,7 +32,7 @@ constexpr std::array<LevelTraits, 8> levels{{{"debug", spdlog::level::debug},
 /// POSIX promises that a pipe which poll(2) calls writable takes this much at once.
 constexpr std::size_t longestEntry = 512;
 
-class UnwaitingStandardError : public spdlog::sinks::base_sink<std::mutex> {
+class NonBlockingStandardError : public spdlog::sinks::base_sink<std::mutex> {
  protected:
   void sink_it_(const spdlog::details::log_msg& message) override {
     spdlog::memory_buf_t line;
@@ -50,7 +50,7 @@ class UnwaitingStandardError : public spdlog::sinks::base_sink<std::mutex> {
 
 class SpdlogSink : public LogSink {
  public:
-  SpdlogSink() : logger_("", std::make_shared<UnwaitingStandardError>()) {
+  SpdlogSink() : logger_("", std::make_shared<NonBlockingStandardError>()) {
     logger_.set_level(spdlog::level::warn);
     logger_.set_pattern("%Y-%m-%dT%H:%M:%S%z %l %v");
   }

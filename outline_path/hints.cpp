@@ -1,4 +1,4 @@
-// A sentence for each habit from other languages, and for slips.
+// A sentence for each spelling from other languages, and for slips.
 #include <algorithm>
 #include <array>
 #include <cstdio>
@@ -72,15 +72,15 @@ bool isOneOf(std::string_view word, const Words& words) {
 }
 
 /// What people write for something that is written otherwise here.
-struct Habit {
+struct ForeignSpelling {
   std::string_view written;
   std::string_view hint;
 };
 
 template <std::size_t count>
-std::string hintAmong(const std::array<Habit, count>& habits, std::string_view written) {
-  for (const Habit& habit : habits) {
-    if (habit.written == written) return std::string(habit.hint);
+std::string hintAmong(const std::array<ForeignSpelling, count>& spellings, std::string_view written) {
+  for (const ForeignSpelling& spelling : spellings) {
+    if (spelling.written == written) return std::string(spelling.hint);
   }
   return "";
 }
@@ -103,16 +103,16 @@ std::string characterHint(const Place& place) {
   return std::string("the character U+") + digits.data() + " is no blank here: write a plain one, or none.";
 }
 
-constexpr std::array kRelationHabits{
-    Habit{"==", "a single \"=\" compares: write @name = \"value\"."},
-    Habit{"<>", "\"!=\" says that values differ: write @name != \"value\"."},
-    Habit{"=~", "\"matches\" compares with a pattern: write @name matches \"pattern\"."},
-    Habit{"=>", "write \">=\" for greater or equal."},
-    Habit{"=<", "write \"<=\" for less or equal."},
+constexpr std::array kForeignRelations{
+    ForeignSpelling{"==", "a single \"=\" compares: write @name = \"value\"."},
+    ForeignSpelling{"<>", "\"!=\" says that values differ: write @name != \"value\"."},
+    ForeignSpelling{"=~", "\"matches\" compares with a pattern: write @name matches \"pattern\"."},
+    ForeignSpelling{"=>", "write \">=\" for greater or equal."},
+    ForeignSpelling{"=<", "write \"<=\" for less or equal."},
 };
 
 std::string relationSignHint(const Place& place) {
-  return place.index == 0 ? "" : hintAmong(kRelationHabits, place.text.substr(place.index - 1, 2));
+  return place.index == 0 ? "" : hintAmong(kForeignRelations, place.text.substr(place.index - 1, 2));
 }
 
 std::string modifierHint(const Place& place) {
@@ -244,12 +244,12 @@ std::string predicateHint(const Place& place) {
   return place.expects(Expected::predicateOp) ? "write \"and\" or \"or\" between predicates." : "";
 }
 
-constexpr std::array kWordHabits{
-    Habit{"startswith", "\"startswith\" is no relation: write \"beginswith\"."},
-    Habit{"starts-with", "\"starts-with\" is no relation: write \"beginswith\"."},
-    Habit{"like", "\"like\" is no relation: write \"contains\" or \"matches\"."},
-    Habit{"in", "\"in\" is no relation: write @name = 1 or @name = 2."},
-    Habit{"is", "\"is\" is no relation: write @name = true."},
+constexpr std::array kForeignWords{
+    ForeignSpelling{"startswith", "\"startswith\" is no relation: write \"beginswith\"."},
+    ForeignSpelling{"starts-with", "\"starts-with\" is no relation: write \"beginswith\"."},
+    ForeignSpelling{"like", "\"like\" is no relation: write \"contains\" or \"matches\"."},
+    ForeignSpelling{"in", "\"in\" is no relation: write @name = 1 or @name = 2."},
+    ForeignSpelling{"is", "\"is\" is no relation: write @name = true."},
 };
 
 /// A word where only a keyword may stand, or text without its quotes.
@@ -257,7 +257,7 @@ std::string wordHint(const Place& place) {
   const std::string_view word = place.nextWord();
   if (word.empty() || !place.isBehindBlank() || isKeyword(word) || isNumber(word) || word.front() == '-')
     return "";
-  std::string hint = hintAmong(kWordHabits, word);
+  std::string hint = hintAmong(kForeignWords, word);
   if (!hint.empty()) return hint;
   std::vector<std::string_view> words(keywords().begin(), keywords().end());
   const std::string_view nearby = text::nearest(word, words);
