@@ -52,6 +52,7 @@ void ApplicationConnection::send(std::string_view bytes) {
   if (writing_.empty()) write();
 }
 
+// A request mostly fits into the socket at once; the loop writes what does not.
 void ApplicationConnection::write() {
   std::error_code ignored;  // the loop will find it again
   const std::size_t written = socket_.write_some(asio::buffer(waiting_), ignored);
