@@ -6,6 +6,8 @@
 #include <new>
 #include <utility>
 
+#include "json/large_pages.h"
+
 namespace vell::json {
 
 Text::Text(std::string_view bytes) { append(bytes); }
@@ -37,6 +39,7 @@ char* Text::reserveTail(std::size_t count) {
     void* grown = std::realloc(data_, capacity + padding);
     if (grown == nullptr) throw std::bad_alloc();
     data_ = static_cast<char*>(grown);
+    preferLargePages(data_, capacity);
     capacity_ = capacity;
   }
   return data_ + size_;

@@ -6,6 +6,7 @@
 #include <new>
 
 #include "json/error.h"
+#include "json/large_pages.h"
 #include "text/utf8.h"
 
 namespace vell::json {
@@ -54,6 +55,7 @@ TokenOffsets tokenize(const Text& text, std::size_t first) {
   // As much as the stage needs at most. The memory is not cleared: only what is used is ever touched.
   const std::size_t size = first + (text.size() + 63) / 64 * 64 + 9;
   TokenOffsets tokens{std::unique_ptr<std::uint32_t[]>(new std::uint32_t[size]), first, 0};
+  preferLargePages(tokens.offsets.get(), size * sizeof(std::uint32_t));
 
   stage->structural_indexes.reset(tokens.offsets.get() + first);
   const auto* bytes = reinterpret_cast<const std::uint8_t*>(text.data());
