@@ -6,24 +6,6 @@
 namespace vell::evaluation {
 namespace {
 
-constexpr const char* kOutline = R"(
-heading A
-  task b @done=true @n=3
-    note c @n=12
-  task d @due=2024-01-02T10:00:00Z @who=Ana
-  hr e
-heading F @who=ana
-  heading G
-    task h @done=false @n=abc
-  body Éclair @who=Éva
-body j
-)";
-
-struct Selection {
-  const char* path;
-  const char* rows;
-};
-
 const Selection kRows[] = {
     // Axes
     {"/", "ROOT"},

@@ -7,33 +7,15 @@
 namespace vell::headless {
 namespace {
 
-constexpr const char* kOutline = R"(
-heading A
-  task b @done=true @n=3
-    note c @n=12
-  task d @due=2024-01-02T10:00:00Z @who=Ana
-  hr e
-heading F @who=ana
-  heading G
-    task h @done=false @n=abc
-  body Éclair @who=Éva
-body j
-)";
-
-struct Selection {
-  const char* path;
-  const char* rows;
-};
-
 TEST(EditorFunctions, AnswerForTheRowsOfAnOutline) {
-  const auto outline = evaluation::outlineOf(kOutline);
+  const auto outline = evaluation::outlineOf(evaluation::kOutline);
   Editor editor(*outline);
   const Row& heading = *outline->root().firstChild();
   editor.focus(heading);
   editor.setCollapsed(*heading.firstChild(), true);
   editor.select(*heading.firstChild(), *heading.firstChild());
   const EditorFunctions functions(*outline, editor);
-  const Selection rows[] = {
+  const evaluation::Selection rows[] = {
       {"//* focused-root() = true", "A"},
       {"//* focused-branch() = true", "A b c d e"},
       {"//* focused-level() = 2", "c"},
@@ -47,7 +29,7 @@ TEST(EditorFunctions, AnswerForTheRowsOfAnOutline) {
       {"//* selection-descendant() = true", "c"},
       {"//* drop-indicator() = \"on\"", ""},
   };
-  for (const Selection& row : rows)
+  for (const evaluation::Selection& row : rows)
     EXPECT_EQ(evaluation::selected(*outline, row.path, &functions), row.rows) << row.path;
 }
 
