@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "text/folding.h"
+#include "text/utf8.h"
 
 namespace vell::evaluation {
 namespace {
@@ -63,9 +64,9 @@ Value functionOfRow(FunctionKind kind, const Row& row) {
   }
 }
 
-std::size_t charactersIn(std::string_view text) {
+std::size_t charactersIn(std::string_view string) {
   std::size_t count = 0;
-  for (const char c : text) count += (static_cast<unsigned char>(c) & 0xC0) != 0x80 ? 1 : 0;
+  for (const char c : string) count += text::isContinuation(c) ? 0 : 1;
   return count;
 }
 

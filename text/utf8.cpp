@@ -11,7 +11,9 @@ unsigned byteAt(std::string_view text, std::size_t at) {
   return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
 }
 
-bool continues(unsigned byte) { return (byte & 0xC0) == 0x80; }
+bool continuesAt(std::string_view text, std::size_t at) {
+  return at < text.size() && isContinuation(text[at]);
+}
 
 }  // namespace
 
@@ -19,14 +21,14 @@ std::size_t utf8Length(std::string_view text) {
   const unsigned first = byteAt(text, 0);
   const unsigned second = byteAt(text, 1);
   if (first < 0x80) return text.empty() ? 0 : 1;
-  if (first < 0xC2 || first > 0xF4 || !continues(second)) return 0;
+  if (first < 0xC2 || first > 0xF4 || !continuesAt(text, 1)) return 0;
   if (first < 0xE0) return 2;
   // Overlong forms, surrogates and what lies beyond U+10FFFF show in the second byte.
   const bool tooLow = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
   const bool tooHigh = (first == 0xED && second > 0x9F) || (first == 0xF4 && second > 0x8F);
-  if (tooLow || tooHigh || !continues(byteAt(text, 2))) return 0;
+  if (tooLow || tooHigh || !continuesAt(text, 2)) return 0;
   if (first < 0xF0) return 3;
-  return continues(byteAt(text, 3)) ? 4 : 0;
+  return continuesAt(text, 3) ? 4 : 0;
 }
 
 std::optional<std::size_t> findInvalidUtf8(std::string_view text) {

@@ -10,6 +10,9 @@ namespace vell::text {
 /// Bytes of the UTF-8 character that the text begins with; 0 where it begins with none.
 std::size_t utf8Length(std::string_view text);
 
+/// Whether a byte of UTF-8 goes on with a character instead of beginning one.
+constexpr bool isContinuation(char byte) { return (static_cast<unsigned char>(byte) & 0xC0) == 0x80; }
+
 /// Offset of the first byte that is part of no UTF-8 character.
 std::optional<std::size_t> findInvalidUtf8(std::string_view text);
 

@@ -1,6 +1,7 @@
 #include "headless/server/params.h"
 
 #include "json/rewrite.h"
+#include "text/utf8.h"
 
 namespace vell::headless {
 namespace {
@@ -11,7 +12,7 @@ std::string quoted(const json::Node& value) {
   std::string text = json::toString(value, json::Layout::compact);
   if (text.size() <= quotedLimit) return text;
   std::size_t end = quotedLimit;
-  while (end > 0 && (static_cast<unsigned char>(text[end]) & 0xC0) == 0x80) --end;
+  while (end > 0 && text::isContinuation(text[end])) --end;
   return text.substr(0, end) + "…";
 }
 
