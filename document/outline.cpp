@@ -92,32 +92,37 @@ void Outline::structureChanged() {
   ++revision_;
 }
 
-void Outline::setType(Row& row, RowType type) {
-  row.type_ = type;
+void Outline::contentChanges(const Row& row) {
+  if (source_) source_->keepOriginal(row);
   ++revision_;
+}
+
+void Outline::setType(Row& row, RowType type) {
+  contentChanges(row);
+  row.type_ = type;
 }
 
 void Outline::setText(Row& row, Text text) {
+  contentChanges(row);
   row.text_ = std::move(text);
-  ++revision_;
 }
 
 void Outline::setAttributes(Row& row, Attributes attributes) {
+  contentChanges(row);
   row.attributes_ = std::move(attributes);
-  ++revision_;
 }
 
 void Outline::setPersistentId(Row& row, std::string_view id) {
+  contentChanges(row);
   if (row.inTree_) persistentIds_.erase(row.persistentId_);
   row.persistentId_ = id;
   if (row.inTree_ && !id.empty()) persistentIds_.emplace(row.persistentId_, &row);
-  ++revision_;
 }
 
 void Outline::setTimes(Row& row, Timestamp created, Timestamp modified) {
+  contentChanges(row);
   row.created_ = created;
   row.modified_ = modified;
-  ++revision_;
 }
 
 void Outline::number() const {

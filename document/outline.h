@@ -1,12 +1,14 @@
 #pragma once
 
 #include <deque>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 #include "document/row.h"
+#include "document/source.h"
 
 namespace vell::document {
 
@@ -35,6 +37,11 @@ class Outline {
   Timestamp created() const { return created_; }
   /// The root's times as well.
   void setCreated(Timestamp time) { created_ = root_->created_ = root_->modified_ = time; }
+
+  /// What the rows were read from; null where they were made here.
+  const Source* source() const { return source_.get(); }
+  Source* source() { return source_.get(); }
+  void setSource(std::unique_ptr<Source> source) { source_ = std::move(source); }
 
   /// The root: type `root`, no text, session id 1, not counted as a row of the document.
   Row& root() { return *root_; }
@@ -77,6 +84,7 @@ class Outline {
   std::uint64_t revision() const { return revision_; }
 
  private:
+  void contentChanges(const Row& row);
   void enterTree(Row& top);
   void leaveTree(Row& top);
   void structureChanged();
@@ -84,6 +92,7 @@ class Outline {
   std::string persistentId_;
   Attributes frontMatter_;
   Timestamp created_ = 0;
+  std::unique_ptr<Source> source_;
   std::deque<Row> rows_;  ///< all there ever were; a row's id is its index + 1
   Row* root_;
   std::size_t rowCount_ = 0;

@@ -72,8 +72,6 @@ struct RowTrailer {
   }
 };
 
-enum class Times { kept, dropped };
-
 /// Takes the trailer off the end of the line, with the blanks before it. False where the line has none.
 /// Unquoted keys mean what they say: `type` the row's type and, where times are kept, `created` and
 /// `modified`.

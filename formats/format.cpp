@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "text/lines.h"
 #include "text/utf8.h"
@@ -34,12 +35,12 @@ std::string_view checkedSource(std::string_view text) {
 std::span<const Format> formats() {
   // clang-format off
   static const std::array table = {
-      Format{"session",  {},                 nullptr,      writeSession,  true},
-      Format{"json",     {"json"},           readJson,     writeJson,     true},
-      Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, false},
-      Format{"vell",     {"vell"},           readVell,     writeVell,     false},
-      Format{"opml",     {"opml"},           readOpml,     writeOpml,     false},
-      Format{"txt",      {"txt"},            readTxt,      writeTxt,      false},
+      Format{"session",  {},                 nullptr,      writeSession,  nullptr, true},
+      Format{"json",     {"json"},           readJson,     writeJson,     nullptr, true},
+      Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, nullptr, false},
+      Format{"vell",     {"vell"},           readVell,     writeVell,     nullptr, false},
+      Format{"opml",     {"opml"},           readOpml,     writeOpml,     nullptr, false},
+      Format{"txt",      {"txt"},            readTxt,      writeTxt,      nullptr, false},
   };
   // clang-format on
   return table;
@@ -60,6 +61,22 @@ const Format* formatForFile(std::string_view path) {
     if (std::count(format.extensions.begin(), format.extensions.end(), extension) > 0) return &format;
   }
   return nullptr;
+}
+
+void readFile(const Format& format, std::string text, const ReadOptions& options, Outline& outline) {
+  auto kept = std::make_unique<document::Source>(format.name, std::move(text));
+  document::Source& source = *kept;
+  outline.setSource(std::move(kept));
+  format.read(source.text(), options, outline);
+  source.setDocument({outline.persistentId(), outline.frontMatter(), outline.created()});
+}
+
+std::string fileText(const Format& format, const Outline& outline) {
+  const document::Source* source = outline.source();
+  if (format.update && source && source->format() == format.name) return format.update(outline);
+  std::string text;
+  format.write(outline, placeAll(outline), false, text);
+  return text;
 }
 
 }  // namespace vell::formats

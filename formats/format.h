@@ -27,12 +27,17 @@ using Reader = void(std::string_view text, const ReadOptions& options, Outline& 
 /// Appends the document, or with `rowsOnly` the rows without what surrounds them.
 using Writer = void(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out);
 
+/// The text of a file that was read with `readFile` into this outline, as it is to be now: what did not
+/// change is copied from the outline's source.
+using Updater = std::string(const Outline& outline);
+
 struct Format {
   std::string_view name;
   std::vector<std::string_view> extensions;  ///< lower case, without the dot, the usual one first
   Reader* read;                              ///< null where the format is only written
   Writer* write;
-  bool isJson;  ///< what is written is a JSON value; else it is text
+  Updater* update;  ///< null where all rows are written anew
+  bool isJson;      ///< what is written is a JSON value; else it is text
 };
 
 /// Every format, in the order in which they are told to people:
@@ -45,6 +50,12 @@ std::span<const Format> formats();
 const Format* formatNamed(std::string_view name);
 /// By the file name's extension, letter case ignored; null where it is none of ours.
 const Format* formatForFile(std::string_view path);
+
+/// Reads a file: the outline keeps the text as its source. Throws FormatError.
+void readFile(const Format& format, std::string text, const ReadOptions& options, Outline& outline);
+/// The text of a file that holds the outline. Rows that are as they were read from a file of this format are
+/// copied from there with what stands between them.
+std::string fileText(const Format& format, const Outline& outline);
 
 /// Like readMarkdown for text that is to become part of an outline: no front matter, and the number of "#" of
 /// a heading says how headings nest but is not kept.

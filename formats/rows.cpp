@@ -4,15 +4,30 @@
 
 namespace vell::formats {
 
-Row& TreeBuilder::add(std::size_t depth, RowContent content) {
+Row& TreeBuilder::add(std::size_t depth, RowContent content, SourceSpan span) {
   path_.resize(depth + 1);
   Row* row = outline_.create(content.type, std::move(content.text), content.created);
   outline_.setTimes(*row, content.created, content.modified);
   if (!content.attributes.empty()) outline_.setAttributes(*row, std::move(content.attributes));
   outline_.setPersistentId(*row, content.persistentId);
   outline_.insert(*row, *path_.back());
+  if (document::Source* source = outline_.source()) {
+    span.parent = path_.back()->id();
+    source->add(*row, span);
+  }
   path_.push_back(row);
   return *row;
+}
+
+bool isAsRead(const Outline& outline, const Row& row, Times times) {
+  const document::Source* source = outline.source();
+  if (!source || !source->find(row.id())) return false;
+  const RowContent* read = source->original(row.id());
+  if (!read) return true;
+  const bool sameTimes =
+      times == Times::dropped || (read->created == row.created() && read->modified == row.modified());
+  return sameTimes && read->type == row.type() && read->text == row.text() &&
+         read->attributes == row.attributes() && read->persistentId == row.persistentId();
 }
 
 PlacedRows placeAll(const Outline& outline, Shape shape) {

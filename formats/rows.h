@@ -12,21 +12,16 @@ using document::Attribute;
 using document::Attributes;
 using document::Outline;
 using document::Row;
+using document::RowContent;
 using document::RowType;
 using document::Run;
 using document::SessionId;
+using document::SourceSpan;
 using document::Text;
 using document::Timestamp;
 
-/// What a reader knows about a row.
-struct RowContent {
-  RowType type = RowType::body;
-  Text text;
-  Attributes attributes;
-  std::string persistentId;  ///< empty: none
-  Timestamp created = 0;
-  Timestamp modified = 0;
-};
+/// Whether a format keeps the times of rows.
+enum class Times { kept, dropped };
 
 /// Adds rows in document order by their depth.
 class TreeBuilder {
@@ -35,13 +30,17 @@ class TreeBuilder {
 
   /// The depth that the next row can have at most; top level is 0.
   std::size_t maxDepth() const { return path_.size() - 1; }
-  /// A persistent id that an earlier row has is dropped: ids are unique in an outline.
-  Row& add(std::size_t depth, RowContent content);
+  /// A persistent id that an earlier row has is dropped: ids are unique in an outline. Where the outline has
+  /// a source the span says where in its text the row stands; its parent is filled in.
+  Row& add(std::size_t depth, RowContent content, SourceSpan span = {});
 
  private:
   Outline& outline_;
   std::vector<Row*> path_;  ///< the root, then the last row of each depth
 };
+
+/// True if the row says what it said when it was read. Formats without times do not compare them.
+bool isAsRead(const Outline& outline, const Row& row, Times times);
 
 /// `tree` hangs each row below its nearest chosen ancestor, `flat` puts every row at top level.
 enum class Shape { tree, flat };

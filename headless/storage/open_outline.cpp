@@ -18,10 +18,10 @@ std::string readableExtensions() {
   return list;
 }
 
-void decode(const formats::Format& format, const FileContent& content, const std::string& path,
-            Outline& outline) {
+void decode(const formats::Format& format, FileContent content, const std::string& path, Outline& outline) {
   try {
-    format.read(content.bytes, {static_cast<Timestamp>(content.stamp.seconds) * 1000}, outline);
+    formats::readFile(format, std::move(content.bytes),
+                      {static_cast<Timestamp>(content.stamp.seconds) * 1000}, outline);
   } catch (const formats::FormatError& error) {
     throw Problem("Cannot open " + path + ": " + error.what());
   }
@@ -44,12 +44,13 @@ const formats::Format& fileFormat(const std::string& path) {
 }
 
 std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
-  const FileContent content = readFile(path);
+  FileContent content = readFile(path);
   const formats::Format& format = fileFormat(path);
   auto outline = std::make_unique<Outline>();
-  decode(format, content, path, *outline);
-  return std::make_unique<OpenOutline>(std::move(outline), format, path, content.stamp,
-                                       hashOf(content.bytes));
+  const FileStamp stamp = content.stamp;
+  const std::size_t hash = hashOf(content.bytes);
+  decode(format, std::move(content), path, *outline);
+  return std::make_unique<OpenOutline>(std::move(outline), format, path, stamp, hash);
 }
 
 std::unique_ptr<OpenOutline> OpenOutline::create(const std::string& path) {

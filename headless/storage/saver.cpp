@@ -16,9 +16,7 @@ constexpr milliseconds slowestPace{2'000};
 constexpr milliseconds retryPace{2'000};
 
 std::string encoded(const OpenOutline& opened, const formats::Format& format) {
-  std::string bytes;
-  format.write(opened.outline(), formats::placeAll(opened.outline()), false, bytes);
-  return bytes;
+  return formats::fileText(format, opened.outline());
 }
 
 std::string encoded(const OpenOutline& opened) { return encoded(opened, opened.format()); }

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "document/row.h"
+
+namespace vell::document {
+
+/// What a row says, apart from its place.
+struct RowContent {
+  RowType type = RowType::body;
+  Text text;
+  Attributes attributes;
+  std::string persistentId;  ///< empty: none
+  Timestamp created = 0;
+  Timestamp modified = 0;
+};
+
+/// The bytes of a source that are one row's own. What stands between them and the bytes of the neighbours
+/// separates the two.
+struct SourceSpan {
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  // Where a format closes a row behind its children; else both 0.
+  std::size_t closeBegin = 0;
+  std::size_t closeEnd = 0;
+  /// The row that was its parent.
+  SessionId parent = 0;
+};
+
+/// What a source says about the whole document.
+struct DocumentContent {
+  std::string persistentId;
+  Attributes frontMatter;
+  Timestamp created = 0;
+};
+
+/// The text that an outline was read from, and where in it each row stands. It stays as it was read while the
+/// outline changes, so that what is written follows from the source and the rows alone: a row that is as it
+/// was read is written by copying its span, and a change that is undone leaves no trace.
+class Source {
+ public:
+  /// `format` names the format of the text and must outlive the source.
+  Source(std::string_view format, std::string text) : format_(format), text_(std::move(text)) {}
+
+  std::string_view format() const { return format_; }
+  const std::string& text() const { return text_; }
+  const DocumentContent& document() const { return document_; }
+  void setDocument(DocumentContent document) { document_ = std::move(document); }
+
+  /// Rows must be added in the order of the text; their ids follow one another.
+  void add(const Row& row, const SourceSpan& span);
+  /// The span of the row; null where it was not read from this text.
+  const SourceSpan* find(SessionId row) const;
+  /// What the row said when it was read, null where it has said nothing else since.
+  const RowContent* original(SessionId row) const;
+  /// Keeps what a row of this source says, before its first change.
+  void keepOriginal(const Row& row);
+
+ private:
+  std::string_view format_;
+  std::string text_;
+  DocumentContent document_;
+  SessionId first_ = 0;
+  std::vector<SourceSpan> spans_;  ///< the first is that of the row with the id `first_`
+  std::unordered_map<SessionId, RowContent> originals_;
+};
+
+}  // namespace vell::document
