@@ -17,6 +17,10 @@ Text parseInline(std::string_view source);
 /// list of its own.
 void appendInline(std::string& out, const Text& text);
 
+/// Inline markdown that parseInline reads as exactly `now`, keeping of `source` what still means the same:
+/// all of it where nothing changed.
+std::string rewriteInline(std::string_view source, const Text& now);
+
 // What the reader and the writer of inline markdown must agree on.
 
 /// ASCII punctuation: what a backslash takes its meaning from.

@@ -268,4 +268,11 @@ void appendInline(std::string& out, const Text& text) {
   out += exact ? marked : RunWriter(runs).bracketed();
 }
 
+std::string rewriteInline(std::string_view source, const Text& now) {
+  if (parseInline(source) == now) return std::string(source);
+  std::string rendered;
+  appendInline(rendered, now);
+  return rendered;
+}
+
 }  // namespace vell::formats
