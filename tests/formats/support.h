@@ -23,12 +23,12 @@ class OutlineGenerator {
 
   void fill(Outline& outline, std::size_t rows);
   std::string text();
+  Text styledText();
+  Attributes attributes(std::string_view first);
+  std::size_t below(std::size_t limit) { return random_() % limit; }
 
  private:
-  std::size_t below(std::size_t limit) { return random_() % limit; }
   bool oneIn(std::size_t count) { return below(count) == 0; }
-  Text styledText();
-  Attributes attributes(std::string_view keys);
   Timestamp time();
   Row* row(Outline& outline);
 

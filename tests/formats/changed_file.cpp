@@ -1,0 +1,197 @@
+#include "tests/formats/changed_file.h"
+
+#include <algorithm>
+
+namespace vell::formats {
+namespace {
+
+constexpr Timestamp readTime = 1'790'000'000'000;
+constexpr Timestamp changeTime = readTime + 5'000;
+constexpr std::string_view kindNames[changeKinds] = {"text",   "append", "type",  "attribute", "persistentId",
+                                                     "remove", "before", "after", "child",     "move"};
+
+/// Seed 0 stands for what people do all day, the others for what is easily misread.
+Text newText(OutlineGenerator& random, unsigned seed) {
+  return seed == 0 ? Text("new words") : random.styledText();
+}
+
+bool isWithin(const Row& row, const Row& top) { return &row == &top || document::isAncestor(top, row); }
+
+}  // namespace
+
+Holds heldBy(const Format& format) {
+  if (format.name == "markdown") return {.times = false};
+  if (format.name == "opml") return {.controls = false};
+  if (format.name == "txt") return {.styles = false, .times = false, .lineEnds = false};
+  return {};
+}
+
+ChangedFile::ChangedFile(const Format& format, const std::string& text)
+    : format_(&format), holds_(heldBy(format)) {
+  readFile(format, text, {readTime}, *outline_);
+}
+
+bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
+  outline_->number();
+  const Row& row = *outline_->rowsInOrder().at(place + 1);
+  const bool isSource = changes_.empty();
+  if (isSource) story_.clear();
+  OutlineGenerator random(seed, holds_);
+  headless::Edit edit(*outline_, changeTime);
+  const Row* before = nullptr;
+  const Row* parent = row.parent();
+  switch (kind) {
+    case ChangeKind::text:
+    case ChangeKind::append: {
+      if (!headless::carriesText(row.type())) return false;
+      Text text = kind == ChangeKind::append ? row.text() : Text();
+      text.append(newText(random, seed));
+      edit.setText(row, std::move(text));
+      break;
+    }
+    case ChangeKind::type:
+      if (!holds_.styles) return false;
+      edit.setType(row, document::rowTypes[(place + seed) % document::rowTypes.size()]);
+      break;
+    case ChangeKind::attribute: {
+      if (!holds_.styles) return false;
+      Attributes attributes = row.attributes();
+      attributes.set("color", "red");
+      if (seed != 0) {
+        for (const Attribute& entry : random.attributes("done")) attributes.set(entry.key, entry.value);
+      }
+      if (seed % 3 == 2) attributes = {};
+      edit.setAttributes(row, std::move(attributes));
+      break;
+    }
+    case ChangeKind::persistentId:
+      if (!holds_.styles) return false;
+      edit.setPersistentId(row, seed == 0 ? "new-id" : seed % 3 == 2 ? "" : random.text() + "new id");
+      break;
+    case ChangeKind::remove:
+      if (isSource) {
+        const Row* last = &row;
+        while (last->lastChild()) last = last->lastChild();
+        free_ = around({span(row).begin, std::max(span(row).closeEnd, span(*last).end)});
+        if (!row.previous() && !row.next()) free_ = around(ownLines(*parent));
+      }
+      edit.remove(row);
+      break;
+    case ChangeKind::before:
+    case ChangeKind::after:
+    case ChangeKind::child: {
+      before = kind == ChangeKind::before ? &row : kind == ChangeKind::after ? row.next() : row.firstChild();
+      if (kind == ChangeKind::child) parent = &row;
+      if (isSource) free_ = beside(*parent, before);
+      headless::NewRow content{.type = row.type(), .text = newText(random, seed)};
+      if (seed != 0) {
+        content.type = document::rowTypes[random.below(document::rowTypes.size())];
+        content.attributes = random.attributes("done");
+      }
+      if (!headless::carriesText(content.type)) content.text = Text();
+      if (!holds_.styles) content = {.text = content.text};
+      edit.insert(edit.make(std::move(content)), *parent, before);
+      break;
+    }
+    case ChangeKind::move: {
+      const Row* to = outline_->rowsInOrder()[random.below(outline_->rowCount() + 1)];
+      if (isWithin(*to, row)) return false;
+      for (before = to->firstChild(); before && random.below(2) == 0;) before = before->next();
+      free_ = {0, outline_->source()->text().size()};
+      edit.place(row, *to, before);
+      break;
+    }
+  }
+  if (edit.empty()) return false;
+  if (isSource && kind < ChangeKind::remove) free_ = ownLines(row);
+  if (isSource && kind == ChangeKind::type) free_ = around(free_);
+  story_.append(kindNames[static_cast<std::size_t>(kind)]).append(" of row ").append(std::to_string(place));
+  story_.append(", seed ").append(std::to_string(seed)).append("; ");
+  for (headless::Change& change : edit.take()) changes_.push_back(std::move(change));
+  return true;
+}
+
+void ChangedFile::undo() {
+  headless::undo(*outline_, changes_);
+  changes_.clear();
+  story_ += "undone; ";
+}
+
+std::string ChangedFile::differs() const {
+  const std::string written = now();
+  return written == outline_->source()->text() ? "" : "differs from what was read:\n" + written;
+}
+
+std::string ChangedFile::readsOtherwise() const {
+  const std::string written = now();
+  Outline again;
+  try {
+    readFile(*format_, written, {readTime}, again);
+  } catch (const FormatError& error) {
+    return std::string("cannot be read: ") + error.what() + "\n" + written;
+  }
+  const std::string expected = dump(*outline_, holds_);
+  const std::string found = dump(again, holds_);
+  if (found == expected) return "";
+  return "rows:" + expected + "\nread back as:" + found + "\nfrom:\n" + written;
+}
+
+std::string ChangedFile::touchesOthers() const {
+  const std::string_view before = outline_->source()->text();
+  const std::string written = now();
+  const std::string_view head = before.substr(0, free_.begin);
+  const std::string_view tail = before.substr(free_.end);
+  if (written.size() >= head.size() + tail.size() && written.starts_with(head) && written.ends_with(tail)) {
+    return "";
+  }
+  return "changes more than bytes " + std::to_string(free_.begin) + " to " + std::to_string(free_.end) +
+         ":\n" + written;
+}
+
+/// What rows call their own, in the order of the text.
+std::vector<ChangedFile::Range> ChangedFile::pieces() const {
+  std::vector<Range> pieces;
+  for (const Row* row = outline_->root().firstChild(); row; row = nextInOrder(row, &outline_->root())) {
+    const SourceSpan& own = span(*row);
+    pieces.push_back({own.begin, own.end});
+    if (own.closeEnd != 0) pieces.push_back({own.closeBegin, own.closeEnd});
+  }
+  std::sort(pieces.begin(), pieces.end(), [](Range a, Range b) { return a.begin < b.begin; });
+  return pieces;
+}
+
+/// The row's own lines, with those of its children where it closes behind them.
+ChangedFile::Range ChangedFile::ownLines(const Row& row) const {
+  if (&row == &outline_->root()) return {0, outline_->source()->text().size()};
+  return {span(row).begin, std::max(span(row).end, span(row).closeEnd)};
+}
+
+/// The range with what separates it from its neighbours.
+ChangedFile::Range ChangedFile::around(Range range) const {
+  const std::string_view text = outline_->source()->text();
+  std::size_t begin =
+      std::min(text.find_last_not_of(" \t\r\n", range.begin - (range.begin > 0)) + 1, range.begin);
+  std::size_t end = std::min(text.find_first_not_of(" \t\r\n", range.end), text.size());
+  for (const Range piece : pieces()) {
+    if (piece.end <= range.begin) begin = piece.end;
+    if (piece.begin >= range.end) {
+      end = piece.begin;
+      break;
+    }
+  }
+  return {begin, end};
+}
+
+/// What a new row there may change.
+ChangedFile::Range ChangedFile::beside(const Row& parent, const Row* before) const {
+  if (before) return around({span(*before).begin, span(*before).begin});
+  const Row* last = parent.lastChild();
+  if (!last) {
+    const bool closes = span(parent).closeEnd != 0;
+    return closes ? ownLines(parent) : around({span(parent).end, span(parent).end});
+  }
+  while (span(*last).closeEnd == 0 && last->lastChild()) last = last->lastChild();
+  return around({ownLines(*last).end, ownLines(*last).end});
+}
+
+}  // namespace vell::formats
