@@ -1,7 +1,6 @@
 #include "cli/console.h"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -40,13 +39,7 @@ std::string readFile(const std::string& path) {
 }
 
 void watchReader(int output, int stop) {
-  pollfd watched[] = {{output, 0, 0}, {stop, 0, 0}};
-  while (true) {
-    if (poll(watched, 2, -1) < 0 && errno != EINTR) return;
-    if (watched[1].revents != 0) return;
-    if ((watched[0].revents & (POLLERR | POLLHUP)) != 0) _exit(ExitStatus::closedPipe);
-    if (watched[0].revents != 0) return;  // a descriptor that cannot be watched
-  }
+  if (platform::waitUntilReaderIsGone(output, stop)) _exit(ExitStatus::closedPipe);
 }
 
 }  // namespace

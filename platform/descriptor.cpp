@@ -45,4 +45,17 @@ bool writeAll(int descriptor, std::string_view bytes, ssize_t (*write)(int, cons
   return true;
 }
 
+bool readerIsGone(int descriptor) {
+  pollfd asked{descriptor, POLLOUT, 0};
+  return ::poll(&asked, 1, 0) > 0 && (asked.revents & (POLLHUP | POLLERR)) != 0;
+}
+
+bool waitUntilReaderIsGone(int output, int stop) {
+  // macOS reports nothing at all for a descriptor that is asked for no event. Urgent data never comes.
+  pollfd watched[] = {{output, POLLRDBAND, 0}, {stop, POLLIN, 0}};
+  int ready = 0;
+  while (ready == 0 || (ready < 0 && errno == EINTR)) ready = ::poll(watched, 2, -1);
+  return ready > 0 && watched[1].revents == 0 && readerIsGone(output);
+}
+
 }  // namespace vell::platform

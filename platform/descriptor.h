@@ -35,4 +35,12 @@ ssize_t writeSome(int descriptor, const char* data, std::size_t size);
 bool writeAll(int descriptor, std::string_view bytes,
               ssize_t (*write)(int descriptor, const char* data, std::size_t size) = writeSome);
 
+/// Whether nobody is left to read what is written to a pipe or a socket. A peer that has only ended its own
+/// writing still reads.
+bool readerIsGone(int descriptor);
+
+/// Waits until the reader of `output` is gone, and returns true; or until `stop` can be read or is at its
+/// end, or `output` turns out to be nothing that can be watched, and returns false.
+bool waitUntilReaderIsGone(int output, int stop);
+
 }  // namespace vell::platform

@@ -70,14 +70,20 @@ void Server::dropLongestIdle() {
 void Server::onReady(std::uint64_t id, short events) {
   Client& client = *clients_.at(id);
   const bool wasBehind = client.backlog() >= Client::backlogLimit;
-  if ((events & POLLOUT) != 0) client.flush();
+  // Of a client that is gone macOS reports the hang-up alone, whatever was asked for.
+  if ((events & (POLLOUT | POLLHUP | POLLERR)) != 0) client.flush();
   if (wasBehind && client.backlog() < Client::backlogLimit) subscriptions_.clientCaughtUp(id);
   if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) client.receive();
-  // The client is gone and nothing is left to carry out: poll would report it again and again.
-  if ((events & (POLLHUP | POLLERR)) != 0 && client.interest() == 0 && !client.hasRequest())
-    client.markBroken();
+  // Linux would report the hang-up again and again.
+  if (isGone(client)) client.markBroken();
   serve(client);
   settle(client);
+}
+
+/// Nobody reads what the client would be sent, and nothing of its requests is left to carry out. A subscriber
+/// that has ended its input is still there; macOS reports a hang-up for it all the same.
+bool Server::isGone(const Client& client) {
+  return client.interest() == 0 && !client.hasRequest() && platform::readerIsGone(client.descriptor());
 }
 
 void Server::serve(Client& client) {
@@ -148,7 +154,8 @@ void Server::dropStalled() {
   const auto oldest = Client::Clock::now() - limits_.stall;
   for (auto at = clients_.begin(); at != clients_.end();) {
     const Client& client = *(at++)->second;
-    if (client.backlog() > 0 && client.lastMoved() < oldest) drop(client.id());
+    const bool stalled = client.backlog() > 0 && client.lastMoved() < oldest;
+    if (stalled || isGone(client)) drop(client.id());  // macOS does not report a client without an interest
   }
   stallTimer_ = loop_.after(limits_.stall / 4, [this] { dropStalled(); });
 }

@@ -47,6 +47,7 @@ class Server : private NotificationSink {
   void dropLongestIdle();
 
   void onReady(std::uint64_t id, short events);
+  static bool isGone(const Client& client);
   void takeTurn(std::uint64_t id);
   void serve(Client& client);
   void settle(Client& client);
