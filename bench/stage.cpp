@@ -20,7 +20,8 @@ Command sdkServer(const std::string& socket) {
   return {"node", "--no-warnings", VELL_BENCH_SDK_SERVER, VELL_MCP_SDK, socket};
 }
 
-Stage::Stage() : directory_((std::filesystem::temp_directory_path() / "vell-bench-XXXXXX").string()) {
+// $TMPDIR may be too long for a home's socket.
+Stage::Stage() : directory_("/tmp/vell-bench-XXXXXX") {
   if (mkdtemp(directory_.data()) == nullptr) throw std::runtime_error("cannot make " + directory_);
   setenv("HOME", directory_.c_str(), 1);
   std::filesystem::create_directories(std::filesystem::path(socket()).parent_path());

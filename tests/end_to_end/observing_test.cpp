@@ -21,7 +21,8 @@ struct Observation {
     platform::prepareSocket(reader.get());  // the child must not hold its own reader
     const platform::Descriptor output(ends[1]);
     platform::prepareSocket(output.get());
-    observer.emplace(std::vector<std::string>{VELL, "observe", "outline", "//*", "-o", "txt"}, "", output.get());
+    observer.emplace(std::vector<std::string>{VELL, "observe", "outline", "//*", "-o", "txt"}, "",
+                     output.get());
   }
 
   std::string read() const {
@@ -44,11 +45,16 @@ TEST(Observing, EndsWithWhateverEndsFirst) {
     int status;
     const char* error;
   } rows[] = {
-      {"the outline is closed", false, [](Observation&) { printed({"close", "outline"}); }, 0, ""},
+      {"the outline is closed", false,
+       [](Observation&) {
+         printed({"close", "outline"});
+       },
+       0, ""},
       {"the application quits", false, [](Observation& o) { o.application.stop(); }, 0, ""},
       {"the application is killed", false, [](Observation& o) { o.application.kill(); }, 1,
        "Error: Vell closed the connection without sending a response.\n"},
-      {"the reader leaves its pipe", false, [](Observation& o) { o.reader = platform::Descriptor(); }, 141, ""},
+      {"the reader leaves its pipe", false, [](Observation& o) { o.reader = platform::Descriptor(); }, 141,
+       ""},
       {"the reader leaves its socket", true, [](Observation& o) { o.reader = platform::Descriptor(); }, 141,
        ""},
       {"an interrupt", false, [](Observation& o) { o.observer->signal(SIGINT); }, -SIGINT, ""},

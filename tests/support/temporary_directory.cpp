@@ -1,6 +1,7 @@
 #include "tests/support/temporary_directory.h"
 
 #include <stdlib.h>  // NOLINT: mkdtemp and setenv are POSIX
+#include <unistd.h>  // where macOS declares mkdtemp
 
 #include <fstream>
 #include <stdexcept>
@@ -12,7 +13,7 @@ namespace vell::tests {
 namespace fs = std::filesystem;
 
 TemporaryDirectory::TemporaryDirectory() {
-  std::string name = (fs::temp_directory_path() / "vell-XXXXXX").string();
+  std::string name = "/tmp/vell-XXXXXX";  // $TMPDIR may be too long for a home's socket
   if (mkdtemp(name.data()) == nullptr) throw std::runtime_error("cannot make " + name);
   path_ = fs::canonical(name);
 }

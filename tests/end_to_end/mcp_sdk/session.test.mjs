@@ -3,10 +3,9 @@
 import assert from 'node:assert/strict';
 import { spawn } from 'node:child_process';
 import {
-  copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, readlinkSync, rmSync,
+  copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, readlinkSync, realpathSync, rmSync,
 } from 'node:fs';
 import { once } from 'node:events';
-import { tmpdir } from 'node:os';
 import { join } from 'node:path';
 import { test } from 'node:test';
 import { Client } from '@modelcontextprotocol/sdk/client/index.js';
@@ -15,7 +14,7 @@ import {
   ResourceListChangedNotificationSchema, ResourceUpdatedNotificationSchema,
 } from '@modelcontextprotocol/sdk/types.js';
 
-const home = mkdtempSync(join(tmpdir(), 'vell-mcp-'));
+const home = realpathSync(mkdtempSync('/tmp/vell-mcp-')); // $TMPDIR may be too long for a home's socket
 const env = { HOME: home, PATH: process.env.PATH };
 const plans = join(home, 'my plans.vell');
 const notRunning = /^Vell\.app must be running for CLI\/MCP access\./;
