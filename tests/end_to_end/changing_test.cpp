@@ -75,26 +75,6 @@ TEST(Changing, AnOutlineFromNothingToItsFile) {
             "ladder\n");
 }
 
-TEST(Changing, AnAnsweredChangeOutlivesAKill) {
-  const TemporaryHome home;
-  const std::string file = home.write("list.vell", "");
-  for (int run = 0; run < 5; ++run) {
-    Application application({file});
-    const std::string text = "row " + std::to_string(run);
-    printed({"create", "row", "--text", text});
-    while (read(file).find(text) == std::string::npos) {  // on disk soon behind the answer
-    }
-    printed({"create", "row", "--text", "maybe"});
-    application.kill();
-    application.stop();
-  }
-  const Application application({file});
-  const std::string rows = printed({"get", "outline", "-o", "txt"});
-  for (int run = 0; run < 5; ++run) {
-    EXPECT_NE(rows.find("row " + std::to_string(run) + "\n"), std::string::npos) << rows;
-  }
-}
-
 TEST(Changing, AnUntitledOutlineIsThereAgain) {
   const TemporaryHome home;
   {
