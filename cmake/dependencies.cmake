@@ -16,6 +16,9 @@ target_include_directories(vell_options SYSTEM INTERFACE ${VELL_HEADERS})
 # A plain library on every system; not all of them give it a package file for CMake.
 find_library(VELL_PCRE2 pcre2-8 REQUIRED)
 
+# Linked statically where that can be, so that `vell` starts without it.
+find_library(VELL_UTF8PROC NAMES libutf8proc.a utf8proc REQUIRED)
+
 # simdjson is linked statically where that can be: a shared one brings the shared C++ runtime into every start of `vell`.
 # Debian has no archive: scripts/setup fetches the source package, and installs the shared library where there is none.
 find_library(VELL_SIMDJSON NAMES libsimdjson.a libsimdjson_static.a simdjson)

@@ -205,10 +205,9 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
 Evaluated evaluate(const Expression& expression, const Outline& outline, const EditorView* editor) {
   outline.number();
   const Compiler compiler(outline, editor);
-  if (const auto* path = std::get_if<PathExpression>(&expression)) {
-    return compiler.compile(*path)(outline.root());
-  }
-  return compiler.compile(std::get<ValueExpression>(expression))(Context::of(outline.root()));
+  const Context root = Context::of(outline.root());
+  if (const auto* path = std::get_if<PathExpression>(&expression)) return compiler.compile(*path)(root);
+  return compiler.compile(std::get<ValueExpression>(expression))(root);
 }
 
 Rows evaluateRows(const Expression& expression, const Outline& outline, const EditorView* editor) {

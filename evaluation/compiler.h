@@ -26,8 +26,8 @@ class Compiler {
 
   Predicate compile(const outline_path::PredicateExpression& predicate) const;
   Getter compile(const outline_path::ValueExpression& value) const;
-  /// The rows that a path selects from a context row.
-  std::function<Rows(const Row&)> compile(const outline_path::PathExpression& path) const;
+  /// The rows that a path selects from a context.
+  std::function<Rows(const Context&)> compile(const outline_path::PathExpression& path) const;
   /// How many rows a path selects from a context row; of runs, where its last step yields runs. Where there
   /// are more than `most` it may be any number from there.
   Getter compileCount(const outline_path::PathExpression& path, std::size_t most) const;

@@ -23,28 +23,39 @@ class PathPlan {
     hasRuns_ = std::any_of(steps_.begin(), steps_.end(), isRun);
   }
 
-  Rows rows(const Row& context) const { return rowsUpTo(context, steps_.size()); }
+  Rows rows(const Context& context) const { return rowsUpTo(context, steps_.size()); }
 
   /// How many rows or runs it selects; at least `most` where there are more.
-  double count(const Row& context, std::size_t most) const {
+  double count(const Context& context, std::size_t most) const {
     if (!hasRuns_) return static_cast<double>(countRows(context, most));
     if (!steps_.back().isRun()) return static_cast<double>(rows(context).size());
     double total = 0;
+    if (isBehindRun(steps_.size() - 1, context)) return total;
     for (const Row* row : rowsUpTo(context, steps_.size() - 1))
       total += static_cast<double>(steps_.back().countRuns(*row));
     return total;
   }
 
  private:
-  const Row& start(const Row& context) const { return path_.absolute() ? root_ : context; }
+  const Row& start(const Context& context) const { return path_.absolute() ? root_ : *context.row; }
 
-  Rows rowsUpTo(const Row& context, std::size_t steps) const {
+  /// A step behind runs starts from the rows that hold them; runs have no runs themselves.
+  Rows rowsUpTo(const Context& context, std::size_t steps) const {
     Rows rows{&start(context)};
-    for (std::size_t i = 0; i < steps && !rows.empty(); ++i) rows = apply(steps_[i], rows);
+    for (std::size_t i = 0; i < steps && !rows.empty(); ++i) {
+      if (steps_[i].isRun() && isBehindRun(i, context)) return {};
+      rows = apply(steps_[i], rows);
+    }
     return rows;
   }
 
-  std::size_t countRows(const Row& context, std::size_t most) const {
+  /// Whether the step begins at runs.
+  bool isBehindRun(std::size_t step, const Context& context) const {
+    if (step == 0) return context.isRun && !path_.absolute();
+    return steps_[step - 1].isRun();
+  }
+
+  std::size_t countRows(const Context& context, std::size_t most) const {
     if (steps_.size() != 1 || path_.meta().requiresContextPositions) return rows(context).size();
     const StepPlan& step = steps_[0];
     const auto range = rangeOf(step.axis(), start(context), outline_);
@@ -122,7 +133,7 @@ class PathPlan {
 
 bool isBefore(const Row* left, const Row* right) { return left->order() < right->order(); }
 
-using RowsOf = std::function<Rows(const Row&)>;
+using RowsOf = std::function<Rows(const Context&)>;
 using SetAlgorithm = void (*)(const Rows&, const Rows&, Rows&);
 
 void unite(const Rows& left, const Rows& right, Rows& out) {
@@ -138,7 +149,7 @@ void intersect(const Rows& left, const Rows& right, Rows& out) {
 }
 
 RowsOf combine(RowsOf left, RowsOf right, SetAlgorithm algorithm) {
-  return [left = std::move(left), right = std::move(right), algorithm](const Row& context) {
+  return [left = std::move(left), right = std::move(right), algorithm](const Context& context) {
     Rows out;
     algorithm(left(context), right(context), out);
     return out;
@@ -169,7 +180,7 @@ RowsOf Compiler::compile(const PathExpression& expression) const {
   if (const auto* node = std::get_if<Union>(&expression.node)) return sides(*node, unite);
   if (const auto* node = std::get_if<Except>(&expression.node)) return sides(*node, subtract);
   if (const auto* node = std::get_if<Intersect>(&expression.node)) return sides(*node, intersect);
-  return [planned = plan(std::get<Path>(expression.node), *this, outline_)](const Row& context) {
+  return [planned = plan(std::get<Path>(expression.node), *this, outline_)](const Context& context) {
     return planned->rows(context);
   };
 }
@@ -178,11 +189,11 @@ Getter Compiler::compileCount(const PathExpression& expression, std::size_t most
   Getter count;
   if (const auto* path = std::get_if<Path>(&expression.node)) {
     count = [most, planned = plan(*path, *this, outline_)](const Context& context) {
-      return Value(planned->count(*context.row, most));
+      return Value(planned->count(context, most));
     };
   } else {
     count = [rows = compile(expression)](const Context& context) {
-      return Value(static_cast<double>(rows(*context.row).size()));
+      return Value(static_cast<double>(rows(context).size()));
     };
   }
   if (!isAbsolute(expression)) return count;

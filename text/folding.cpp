@@ -1,41 +1,43 @@
 #include "text/folding.h"
 
+#include <utf8proc.h>
+
 #include <algorithm>
+#include <array>
+#include <cstdlib>
+#include <memory>
 
 #include "text/utf8.h"
 
 namespace vell::text {
 namespace {
 
-// The letters U+00C0 to U+017F without accents; "." for those that are no accented letter.
-constexpr std::string_view kWithoutAccents =
-    "AAAAAA.CEEEEIIII.NOOOOO.OUUUUY..aaaaaa.ceeeeiiii.nooooo.ouuuuy.y"
-    "AaAaAaCcCcCcCcDdDdEeEeEeEeEeGgGgGgGgHh..IiIiIiIiI...JjKk.LlLlLl."
-    ".LlNnNnNn...OoOoOo..RrRrRrSsSsSsSsTtTt..UuUuUuUuUuUuWwYyYZzZzZz.";
+constexpr char32_t kFirstAccent = 0x300, kLastAccent = 0x36F;
+/// Stands for a character that is left out.
+constexpr char32_t kNone = 0xFFFFFFFF;
 
 constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
-/// From U+0100 to U+017F upper and lower case alternate, with the even or the odd one in upper case.
-char32_t lowerLatinExtended(char32_t c) {
-  const bool oddIsUpper = (c >= 0x139 && c <= 0x148) || (c >= 0x179 && c <= 0x17E);
-  const bool hasNoPair = c == 0x130 || c == 0x131 || c == 0x138 || c == 0x149 || c == 0x17F;
-  if (c == 0x178) return 0xFF;
-  if (hasNoPair) return c;
-  return (c % 2 == 1) == oddIsUpper ? c + 1 : c;
-}
-
 char32_t lower(char32_t c) {
+  constexpr char32_t kCapitalIWithDot = 0x130;
   if (c < 0x80) return static_cast<char32_t>(toLower(static_cast<char>(c)));
-  if (c >= 0xC0 && c <= 0xDE && c != 0xD7) return c + 32;
-  if (c >= 0x100 && c <= 0x17F) return lowerLatinExtended(c);
-  if (c >= 0x391 && c <= 0x3A9 && c != 0x3A2) return c + 32;
-  if (c == 0x3C2) return 0x3C3;
-  if (c >= 0x410 && c <= 0x42F) return c + 32;
-  if (c >= 0x400 && c <= 0x40F) return c + 80;
-  return c;
+  const auto letter = static_cast<utf8proc_int32_t>(c);
+  std::array<utf8proc_int32_t, 4> folded{};
+  int unused = 0;
+  const auto count =
+      utf8proc_decompose_char(letter, folded.data(), folded.size(), UTF8PROC_CASEFOLD, &unused);
+  if (count == 1) return static_cast<char32_t>(folded[0]);
+  // What full folding turns into several letters becomes its lower case; that of this one is Turkish.
+  return c == kCapitalIWithDot ? c : static_cast<char32_t>(utf8proc_tolower(letter));
 }
 
-bool isCombiningAccent(char32_t c) { return c >= 0x300 && c <= 0x36F; }
+/// Strokes are part of their letter and are not taken off as accents are.
+char32_t withoutAccent(char32_t c) {
+  constexpr std::u32string_view kStroked = U"ØøĐđŁł", kPlain = U"OoDdLl";
+  const std::size_t at = kStroked.find(c);
+  if (at != std::u32string_view::npos) return kPlain[at];
+  return c >= kFirstAccent && c <= kLastAccent ? kNone : c;
+}
 
 template <typename Change>
 std::string changed(std::string_view text, Change change) {
@@ -43,16 +45,35 @@ std::string changed(std::string_view text, Change change) {
   out.reserve(text.size());
   while (!text.empty()) {
     const CodePoint point = firstCodePoint(text);
-    if (const char32_t c = change(point.value); c != 0) appendUtf8(out, c);
+    if (const char32_t c = change(point.value); c != kNone) appendUtf8(out, c);
     text.remove_prefix(point.length);
   }
   return out;
 }
 
+/// In composed or decomposed form. What is not UTF-8 stays as it is.
+std::string normalised(std::string_view text, utf8proc_option_t form) {
+  utf8proc_uint8_t* out = nullptr;
+  const auto size = utf8proc_map(reinterpret_cast<const utf8proc_uint8_t*>(text.data()),
+                                 static_cast<utf8proc_ssize_t>(text.size()), &out,
+                                 static_cast<utf8proc_option_t>(UTF8PROC_STABLE | form));
+  const std::unique_ptr<utf8proc_uint8_t, void (*)(void*)> held(out, std::free);
+  if (size < 0) return std::string(text);
+  return {reinterpret_cast<const char*>(out), static_cast<std::size_t>(size)};
+}
+
+std::string composed(std::string text) {
+  // All characters before the first accent are in composed form.
+  constexpr unsigned char kFirstByte = 0xCC;
+  const auto isBefore = [](char c) { return static_cast<unsigned char>(c) < kFirstByte; };
+  return std::all_of(text.begin(), text.end(), isBefore) ? text : normalised(text, UTF8PROC_COMPOSE);
+}
+
 }  // namespace
 
 std::string foldCase(std::string_view text) {
-  if (!isAscii(text)) return changed(text, lower);
+  // Some letters have a composed form in lower case only.
+  if (!isAscii(text)) return composed(changed(composed(std::string(text)), lower));
   std::string out(text);
   std::transform(out.begin(), out.end(), out.begin(), toLower);
   return out;
@@ -60,19 +81,13 @@ std::string foldCase(std::string_view text) {
 
 std::string foldAccents(std::string_view text) {
   if (isAscii(text)) return std::string(text);
-  return changed(text, [](char32_t c) -> char32_t {
-    if (isCombiningAccent(c)) return 0;
-    const char32_t offset = c - 0xC0;
-    if (c < 0xC0 || offset >= kWithoutAccents.size() || kWithoutAccents[offset] == '.') return c;
-    return static_cast<char32_t>(kWithoutAccents[offset]);
-  });
+  return composed(changed(normalised(text, UTF8PROC_DECOMPOSE), withoutAccent));
 }
 
 TextSearch::TextSearch(std::string_view wanted) : folded_(foldCase(wanted)), isAscii_(isAscii(folded_)) {}
 
 bool TextSearch::isIn(std::string_view text) const {
-  // A letter beyond ASCII never folds to one within it.
-  if (isAscii_) return isInAscii(text);
+  if (isAscii_ && isAscii(text)) return isInAscii(text);
   return foldCase(text).find(folded_) != std::string::npos;
 }
 

@@ -5,9 +5,11 @@
 
 namespace vell::text {
 
-/// Letters without their case: ASCII, Latin, Greek and Cyrillic; what has no case stays.
+/// The text without its case, in composed form (NFC), so that "É" and "e" with an accent behind it are the
+/// same. A letter becomes one letter (Unicode's simple folding): "ß" is not "ss". Bytes that are no UTF-8
+/// become U+FFFD.
 std::string foldCase(std::string_view text);
-/// Latin letters without their accents; combining accents are left out.
+/// Letters without their accents, in composed form.
 std::string foldAccents(std::string_view text);
 
 /// Looks for one text, whatever its case, in many.

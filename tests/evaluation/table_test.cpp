@@ -65,6 +65,8 @@ const Selection kRows[] = {
     {"//* @who =[i] ANA", "d F"},
     {"//* @who =[s] ana", "F"},
     {"//* @who =[il] eva", "Éclair"},
+    {"//* \"E\u0301CLAIR\" or @who =[i] \"ANA\"", "d F Éclair"},
+    {"//* @who =[i] \"E\u0301VA\"", "Éclair"},
     {"//* @who beginswith[i] \"é\"", "Éclair"},
     {"//* @who endswith \"na\"", "d F"},
     {"//* @who contains \"n\"", "d F"},
@@ -155,6 +157,11 @@ TEST(Evaluation, KnowsRunsAsPartsOfRows) {
   EXPECT_EQ(selected(outline, "//* count(run::*) = 1"), "bold");
   EXPECT_EQ(selected(outline, "//*/run::*[2]"), "abc");
   EXPECT_EQ(selected(outline, "//*/run::task union //run"), "");
+  EXPECT_EQ(selected(outline, "//*/run::* @em/following-sibling::* union //*/run::*[2]/."), "abc");
+  EXPECT_EQ(selected(outline, "//*/run::*/run::* union //* count(run::*/run::*) > 0"), "");
+  EXPECT_EQ(selected(outline, "//*/run::*/./run::* @em"), "abc");
+  EXPECT_EQ(selected(outline, "//*/run::* @em and count(run::* union run::*) + count(run::*) = 0"), "abc");
+  EXPECT_EQ(selected(outline, "//*/run::* @em and count(./run::*) = 3"), "abc");
 }
 
 }  // namespace

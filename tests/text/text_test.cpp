@@ -131,6 +131,7 @@ TEST(DisplayWidth, CountsColumns) {
       {"日本", "日本", 4, "日…", "…本"},
       {"a日本", "a日本", 5, "a…", "…本"},
       {"😀b", "😀b", 3, "😀b", "😀b"},
+      {"⌚🪀", "⌚🪀", 4, "⌚…", "…🪀"},
   };
   for (const Row& row : rows) {
     const DisplayText shown = displayText(row.text);
@@ -152,13 +153,20 @@ TEST(Folding, DropsCaseAndAccents) {
       {"ÀÉÿŸ", "àéÿÿ", "AEyY"},
       {"ŁódŹ×", "łódź×", "LodZ×"},
       {"ΣΑΣς", "σασσ", "ΣΑΣς"},
-      {"ЁЖ", "ёж", "ЁЖ"},
-      {"e\u0301", "e\u0301", "e"},
+      {"ЁЖ", "ёж", "ЕЖ"},
+      {"ԱՖ ႠჀ Ꭰꭰ Ⓐ Ａ 𐐀", "աֆ ⴀⴠ ᎠᎠ ⓐ ａ 𐐨", "ԱՖ ႠჀ Ꭰꭰ Ⓐ Ａ 𐐀"},
+      {"K ſ ẞ ᾼ İ ı Å", "k s ß ᾳ İ ı å", "K ſ ẞ Α I ı A"},
+      {"E\u0301 e\u0301", "é é", "E e"},
+      {"\u017F\u0301 \u212A\u030C", "ś ǩ", "ſ K"},
+      {"각 \u1100\u1161", "각 가", "각 가"},
+      {"か\u3099", "が", "が"},
+      {"\xFF\u0301É", "\uFFFD\u0301é", "\uFFFDÉ"},
       {"日本 ß", "日本 ß", "日本 ß"},
   };
   for (const Row& row : rows) {
     EXPECT_EQ(foldCase(row.text), row.withoutCase) << row.text;
     EXPECT_EQ(foldAccents(row.text), row.withoutAccents) << row.text;
+    EXPECT_TRUE(TextSearch(row.withoutCase).isIn(row.text)) << row.text;
   }
 }
 
