@@ -1,6 +1,7 @@
 #include "cli/options.h"
 
 #include "json/rewrite.h"
+#include "outline_path/near_miss.h"
 
 namespace vell::cli {
 namespace {
@@ -23,9 +24,12 @@ std::vector<std::string> rowsOrSelection(const Arguments& arguments) {
 
 void warnOfNoMatch(const ipc::Answer& answer, const std::vector<std::string>& references, Console& console) {
   if (references.empty() || !holdsNoRow(answer.result())) return;
-  std::string list;
-  for (const std::string& reference : references) list += (list.empty() ? "" : ", ") + reference;
-  console.say("warning: no row matches " + list + "\n");
+  std::string list, hint;
+  for (const std::string& reference : references) {
+    list += (list.empty() ? "" : ", ") + reference;
+    if (hint.empty()) hint = outline_path::hintForNoMatch(reference);
+  }
+  console.say("warning: no row matches " + list + (hint.empty() ? "" : " (" + hint + ")") + "\n");
 }
 
 void GlobalOptions::print(const json::Node& data) const {

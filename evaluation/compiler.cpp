@@ -194,11 +194,12 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   getters.reserve(arguments.size());
   for (const ValueExpression& argument : arguments) getters.push_back(compile(argument));
   if (auto function = compileFunction(call, getters)) return *function;
-  const bool isKnown = editor_ != nullptr && editor_->call(call.name(), outline_.root());
-  if (!isKnown) throw EvaluationError("there is no function " + call.name() + "() here");
+  const auto editorFunction = editorFunctionOf(call.name());
+  if (!editorFunction || editor_ == nullptr)
+    throw EvaluationError("there is no function " + call.name() + "() here");
   if (!arguments.empty()) throw EvaluationError(call.name() + "() takes no argument");
-  return [editor = editor_, function = &call.name()](const Context& context) {
-    return *editor->call(*function, *context.row);
+  return [editor = editor_, function = *editorFunction](const Context& context) {
+    return editor->call(function, *context.row);
   };
 }
 
@@ -213,7 +214,8 @@ Evaluated evaluate(const Expression& expression, const Outline& outline, const E
 Rows evaluateRows(const Expression& expression, const Outline& outline, const EditorView* editor) {
   Evaluated result = evaluate(expression, outline, editor);
   if (auto* rows = std::get_if<Rows>(&result)) return std::move(*rows);
-  throw EvaluationError(std::string("it gives ") + kindOf(std::get<Value>(result)) + ", not rows");
+  throw EvaluationError(std::string("it gives ") + kindOf(std::get<Value>(result)) +
+                        ", not rows (predicates compare values: //* count(child::*) > 0)");
 }
 
 }  // namespace vell::evaluation

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <cstddef>
-#include <optional>
 #include <string_view>
 
 #include "document/outline.h"
 #include "evaluation/value.h"
+#include "outline_path/words.h"
 
 namespace vell::evaluation {
 
@@ -37,8 +37,7 @@ struct Context {
 class EditorView {
  public:
   virtual ~EditorView() = default;
-  /// The value of the function of that name for the row; none where there is no such function.
-  virtual std::optional<Value> call(std::string_view function, const Row& row) const = 0;
+  virtual Value call(outline_path::EditorFunction function, const Row& row) const = 0;
 };
 
 }  // namespace vell::evaluation

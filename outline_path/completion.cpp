@@ -29,7 +29,9 @@ void addTypeTests(Items& items) {
 }
 
 void addFunctions(Items& items) {
-  for (const std::string_view name : functionNames()) items.push_back(std::string(name) + "()");
+  for (const auto names : {functionNames(), editorFunctionNames()}) {
+    for (const std::string_view name : names) items.push_back(std::string(name) + "()");
+  }
 }
 
 void addValues(Items& items, const Known& known) {

@@ -142,8 +142,7 @@ std::string_view describe(Expected expected) { return kDescriptions[static_cast<
 
 std::string render(const Diagnostic& diagnostic, std::string_view text) {
   const Line line = lineAt(text, diagnostic.index);
-  std::string out =
-      "Error at " + placeOf(line, text) + ": " + message(diagnostic, text) + ".\n\n" + picture(line);
+  std::string out = "At " + placeOf(line, text) + ": " + message(diagnostic, text) + ".\n\n" + picture(line);
   const std::string hint = hintFor(diagnostic, text);
   if (!hint.empty()) out += "\nHint: " + hint + "\n";
   return out;

@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <optional>
 #include <vector>
 
 #include "outline_path/characters.h"
@@ -89,18 +90,35 @@ std::string hintAmong(const std::array<ForeignSpelling, count>& spellings, std::
 
 constexpr std::string_view kPlainQuotes = "strings stand in double quotes: write \"text\", not 'text'.";
 
+bool isInvisible(char32_t c) {
+  const bool isControl = (c < 0x20 && !isBlank(static_cast<char>(c))) || (c >= 0x7F && c <= 0xA0);
+  return isControl || c == 0xAD || (c >= 0x2000 && c <= 0x200F) || (c >= 0x2028 && c <= 0x202F) ||
+         (c >= 0x205F && c <= 0x206F) || c == 0x3000 || (c >= 0xFE00 && c <= 0xFE0F) || c == 0xFEFF;
+}
+
+/// The first invisible character that stands in no string.
+std::optional<char32_t> findInvisible(std::string_view text) {
+  bool isInString = false;
+  while (!text.empty()) {
+    const text::CodePoint point = text::firstCodePoint(text);
+    if (!isInString && isInvisible(point.value)) return point.value;
+    if (point.value == '"') isInString = !isInString;
+    const bool isEscape = isInString && point.value == '\\' && text.size() > 1;
+    text.remove_prefix(point.length + (isEscape ? 1 : 0));
+  }
+  return std::nullopt;
+}
+
 std::string characterHint(const Place& place) {
+  if (const auto c = findInvisible(place.text)) {
+    std::array<char, 8> digits{};
+    std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(*c));
+    return std::string("the character U+") + digits.data() + " is no blank here: write a plain one, or none.";
+  }
   if (place.behind() == '\'' || place.previous() == '\'') return std::string(kPlainQuotes);
   const char32_t c = text::firstCodePoint(place.rest()).value;
   const bool isSmartQuote = (c >= 0x2018 && c <= 0x201F) || c == 0xAB || c == 0xBB;
-  if (isSmartQuote) return "strings stand in plain double quotes: write \"text\".";
-  const bool isInvisible = c == 0xA0 || c == 0xAD || (c >= 0x2000 && c <= 0x200F) ||
-                           (c >= 0x2028 && c <= 0x202F) || (c >= 0x205F && c <= 0x2064) || c == 0x3000 ||
-                           c == 0xFEFF;
-  if (!isInvisible) return "";
-  std::array<char, 8> digits{};
-  std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(c));
-  return std::string("the character U+") + digits.data() + " is no blank here: write a plain one, or none.";
+  return isSmartQuote ? "strings stand in plain double quotes: write \"text\"." : "";
 }
 
 constexpr std::array kForeignRelations{
@@ -230,6 +248,22 @@ std::string comparisonHint(const Place& place) {
              : "";
 }
 
+/// Arithmetic with a path, or with what is not compared.
+std::string arithmeticHint(const Place& place) {
+  constexpr std::string_view kSigns = "+-*";
+  const bool isBehindPath = (place.expects(Expected::setOp) || place.expects(Expected::separator)) &&
+                            !place.expects(Expected::filter) && !place.expects(Expected::arithmetic);
+  if (isBehindPath && place.behind() != '\0' && kSigns.find(place.behind()) != std::string_view::npos)
+    return std::string("arithmetic takes values, not paths: write count(//*) ") + place.behind() + " 1.";
+  std::string_view before = place.beforeBlanks();
+  before.remove_suffix(place.wordBefore().size());
+  before = before.substr(0, before.find_last_not_of(" ") + 1);
+  const bool isSum = !before.empty() && kSigns.find(before.back()) != std::string_view::npos;
+  return isSum && place.rest().empty() && place.expects(Expected::relation)
+             ? "a predicate compares values: write //* @name - 1 > 0."
+             : "";
+}
+
 /// A predicate at a place where none may stand.
 std::string predicateHint(const Place& place) {
   const bool isPredicate = place.behind() == '@' || place.behind() == '"' || place.behind() == '(';
@@ -296,7 +330,7 @@ std::string hintFor(const Diagnostic& diagnostic, std::string_view text) {
   }
   for (const auto find :
        {characterHint, relationSignHint, modifierHint, bracketHint, signHint, joinedPathsHint, operatorHint,
-        firstWordHint, axisHint, typeTestHint, comparisonHint, predicateHint, wordHint}) {
+        firstWordHint, axisHint, typeTestHint, comparisonHint, arithmeticHint, predicateHint, wordHint}) {
     std::string hint = find(place);
     if (!hint.empty()) return hint;
   }

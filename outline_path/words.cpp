@@ -38,6 +38,12 @@ constexpr std::array<std::string_view, 21> kFunctions{
     "count",       "start-of-matches", "end-of-matches",
 };
 
+constexpr std::array<std::string_view, 11> kEditorFunctions{
+    "focused-root",       "focused-branch",       "focused-level",         "expanded",
+    "collapsed",          "filter-match",         "filter-match-ancestor", "selection",
+    "selection-ancestor", "selection-descendant", "drop-indicator",
+};
+
 constexpr std::array<std::string_view, 3> kAttributes{"id", "type", "text"};
 
 constexpr auto kKeywords = [] {
@@ -66,6 +72,7 @@ std::span<const Axis> namedAxes() { return kNamedAxes; }
 std::span<const Axis> verboseAxes() { return namedAxes().first(kVerboseAxes); }
 std::span<const TypeTest> typeTests() { return kTypeTestCases; }
 std::span<const std::string_view> functionNames() { return kFunctions; }
+std::span<const std::string_view> editorFunctionNames() { return kEditorFunctions; }
 std::span<const std::string_view> keywords() { return kKeywords; }
 
 std::optional<TypeTest> typeTestOf(std::string_view word) { return entryOf<TypeTest>(kTypeTests, word); }
@@ -84,6 +91,9 @@ std::optional<RelationModifierType> relationModifierOf(char letter) {
 // The last kind, `other`, is the one of a word that is not in the table.
 FunctionKind functionKindOf(std::string_view name) {
   return static_cast<FunctionKind>(indexIn(kFunctions, name));
+}
+std::optional<EditorFunction> editorFunctionOf(std::string_view name) {
+  return entryOf<EditorFunction>(kEditorFunctions, name);
 }
 AttributeKind attributeKindOf(std::string_view name) {
   return static_cast<AttributeKind>(indexIn(kAttributes, name));

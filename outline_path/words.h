@@ -126,6 +126,21 @@ enum class FunctionKind : std::uint8_t {
   other,
 };
 
+/// Functions that ask for the state of an editor; `other` among the kinds.
+enum class EditorFunction : std::uint8_t {
+  focusedRoot,
+  focusedBranch,
+  focusedLevel,
+  expanded,
+  collapsed,
+  filterMatch,
+  filterMatchAncestor,
+  selection,
+  selectionAncestor,
+  selectionDescendant,
+  dropIndicator,
+};
+
 enum class AttributeKind : std::uint8_t { id, type, text, other };
 
 struct AxisWord {
@@ -169,12 +184,14 @@ std::span<const Axis> namedAxes();
 std::span<const Axis> verboseAxes();
 std::span<const TypeTest> typeTests();
 std::span<const std::string_view> functionNames();
+std::span<const std::string_view> editorFunctionNames();
 
 /// Whole-word look-ups; case matters.
 std::optional<Axis> namedAxisOf(std::string_view word);
 std::optional<RelationModifierType> relationModifierOf(char letter);
 std::optional<TypeTest> typeTestOf(std::string_view word);
 FunctionKind functionKindOf(std::string_view name);
+std::optional<EditorFunction> editorFunctionOf(std::string_view name);
 AttributeKind attributeKindOf(std::string_view name);
 
 constexpr bool isSelf(Axis axis) { return axis == Axis::self || axis == Axis::selfShortcut; }

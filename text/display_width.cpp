@@ -7,11 +7,13 @@
 namespace vell::text {
 namespace {
 
-std::size_t widthOf(char32_t value) {
-  return static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(value)));
-}
-
 bool isControl(char32_t value) { return value < 0x20 || (value >= 0x7F && value < 0xA0); }
+
+std::size_t widthOf(char32_t value) {
+  return isControl(value)
+             ? 1
+             : static_cast<std::size_t>(utf8proc_charwidth(static_cast<utf8proc_int32_t>(value)));
+}
 
 void append(DisplayText& out, std::string_view text, std::size_t width) {
   out.text += text;

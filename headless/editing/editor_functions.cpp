@@ -15,24 +15,39 @@ EditorFunctions::EditorFunctions(const Outline& outline, const Editor& editor)
   }
 }
 
-std::optional<evaluation::Value> EditorFunctions::call(std::string_view function, const Row& row) const {
+evaluation::Value EditorFunctions::call(outline_path::EditorFunction function, const Row& row) const {
+  using Function = outline_path::EditorFunction;
   const bool hasChildren = row.firstChild() != nullptr;
-  if (function == "focused-root") return evaluation::Value(&row == &focused_);
-  if (function == "focused-branch") return evaluation::Value(isInFocus(row));
-  if (function == "focused-level") return focusedLevel(row);
-  if (function == "expanded") return evaluation::Value(hasChildren && !editor_.isCollapsed(row));
-  if (function == "collapsed") return evaluation::Value(!hasChildren || editor_.isCollapsed(row));
-  if (function == "filter-match" || function == "filter-match-ancestor") return evaluation::Value(false);
-  if (function == "selection") return selection(row);
-  if (function == "selection-ancestor") return evaluation::Value(aboveSelected_.count(&row) != 0);
-  if (function == "selection-descendant") {
-    for (const Row* above = row.parent(); above != nullptr; above = above->parent()) {
-      if (selected_.count(above) != 0) return evaluation::Value(true);
-    }
-    return evaluation::Value(false);
+  switch (function) {
+    case Function::focusedRoot:
+      return &row == &focused_;
+    case Function::focusedBranch:
+      return isInFocus(row);
+    case Function::focusedLevel:
+      return focusedLevel(row);
+    case Function::expanded:
+      return hasChildren && !editor_.isCollapsed(row);
+    case Function::collapsed:
+      return !hasChildren || editor_.isCollapsed(row);
+    case Function::filterMatch:
+    case Function::filterMatchAncestor:
+      return false;
+    case Function::selection:
+      return selection(row);
+    case Function::selectionAncestor:
+      return aboveSelected_.count(&row) != 0;
+    case Function::selectionDescendant:
+      return isBelowSelected(row);
+    case Function::dropIndicator:
+      break;
   }
-  if (function == "drop-indicator") return evaluation::Value();
-  return std::nullopt;
+  return {};
+}
+
+bool EditorFunctions::isBelowSelected(const Row& row) const {
+  const Row* above = row.parent();
+  while (above != nullptr && selected_.count(above) == 0) above = above->parent();
+  return above != nullptr;
 }
 
 bool EditorFunctions::isInFocus(const Row& row) const {

@@ -13,10 +13,11 @@ class EditorFunctions : public evaluation::EditorView {
  public:
   /// Both must outlive the object.
   EditorFunctions(const Outline& outline, const Editor& editor);
-  std::optional<evaluation::Value> call(std::string_view function, const Row& row) const override;
+  evaluation::Value call(outline_path::EditorFunction function, const Row& row) const override;
 
  private:
   bool isInFocus(const Row& row) const;
+  bool isBelowSelected(const Row& row) const;
   evaluation::Value focusedLevel(const Row& row) const;
   evaluation::Value selection(const Row& row) const;
 

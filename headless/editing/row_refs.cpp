@@ -11,7 +11,10 @@
 namespace vell::headless {
 namespace {
 
-bool isPath(const std::string& ref) { return ref.starts_with('/'); }
+/// A file may hold ids that begin with a bracket, though no row can be given one.
+bool isPath(const std::string& ref, const Outline& outline) {
+  return ref.starts_with('/') || (ref.starts_with('(') && outline.findPersistent(ref) == nullptr);
+}
 
 bool isSessionId(std::string_view ref) {
   return !ref.empty() && std::all_of(ref.begin(), ref.end(), [](char c) { return c >= '0' && c <= '9'; });
@@ -54,7 +57,7 @@ std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor,
 std::vector<const Row*> RowRefs::rows(const std::vector<std::string>& refs) const {
   std::vector<const Row*> found;
   for (const std::string& ref : refs) {
-    if (!isPath(ref)) {
+    if (!isPath(ref, outline_)) {
       found.push_back(&named(ref));
       continue;
     }
@@ -65,7 +68,7 @@ std::vector<const Row*> RowRefs::rows(const std::vector<std::string>& refs) cons
 }
 
 const Row& RowRefs::row(const std::string& ref) const {
-  if (!isPath(ref)) return named(ref);
+  if (!isPath(ref, outline_)) return named(ref);
   const auto matches = selectRows(outline_, editor_, ref);
   if (matches.empty()) throw Problem("The path " + ref + " selects no row of \"" + name_ + "\"");
   return *matches.front();

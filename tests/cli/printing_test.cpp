@@ -33,6 +33,14 @@ TEST(Printing, OfResults) {
       // What came of it is also said on standard error.
       {"get outline rows //x 12", "[]", "[]\n", "warning: no row matches //x, 12\n"},
       {"get outline rows //x -o txt", R"("")", "\n", "warning: no row matches //x\n"},
+      {"get outline rows 12 //tasks/*", "[]", "[]\n",
+       "warning: no row matches 12, //tasks/* (\"tasks\" is no type test but searches for text; did you mean "
+       "\"task\"?)\n"},
+      {"get outline rows (/heading/quote[0])", "[]", "[]\n",
+       "warning: no row matches (/heading/quote[0]) (\"quote\" is no type test but searches for text; did "
+       "you "
+       "mean \"blockquote\"?)\n"},
+      {"get outline rows //\"tasks\" //milk", "[]", "[]\n", "warning: no row matches //\"tasks\", //milk\n"},
       {"get outline //x", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", "warning: no row matches //x\n"},
       {"get outline", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", ""},
       {"update rows //x --type task", "[]", "[]\n", "warning: no row matches //x\n"},

@@ -115,9 +115,9 @@ const Selection kRows[] = {
     {"//task intersect //* @done", "b h"},
     {"//task union //task", "b d h"},
     // What cannot be evaluated
-    {"1 + 2", "error: it gives a number, not rows"},
-    {"count(//*)", "error: it gives a number, not rows"},
-    {"\"x\"", "error: it gives text, not rows"},
+    {"1 + 2", "error: it gives a number, not rows (predicates compare values: //* count(child::*) > 0)"},
+    {"count(//*)", "error: it gives a number, not rows (predicates compare values: //* count(child::*) > 0)"},
+    {"\"x\"", "error: it gives text, not rows (predicates compare values: //* count(child::*) > 0)"},
     {"//* $v = 1", "error: there is no variable $v here"},
     {"//* nope() = 1", "error: there is no function nope() here"},
     {"//* expanded() = true", "error: there is no function expanded() here"},

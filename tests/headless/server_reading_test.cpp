@@ -18,11 +18,15 @@ TEST_F(Reading, FindsRowsByEveryKindOfReference) {
       {R"(["milk","2"])", "Groceries(Milk)"},
       {R"(["@selection"])", "Bread"},
       {R"(["5","3","5"])", "Milk Later"},
+      {R"x(["(//task)","(/*[-1] union //task)"])x", "Milk Later"},
   };
   call("editor.update", R"({"selectRow":"4"})");
   for (const auto& [refs, expected] : cases)
     EXPECT_EQ(texts(call("outline.get", R"({"rows":true,"rowRefs":)" + refs + "}")), expected) << refs;
   EXPECT_EQ(texts(call("outline.get", R"({"shape":"flat","rows":true})")), "Groceries Milk Bread Later");
+  // What has the id comes before what reads as a path.
+  server_.open("odd.json", R"x({"rows":[{"id":"(/*)","text":[{"string":"odd"}]},{"text":[]}]})x");
+  EXPECT_EQ(texts(call("outline.get", R"x({"rows":true,"rowRefs":["(/*)"]})x")), "odd");
 }
 
 TEST_F(Reading, NamesTheRootWithTheTimesOfItsOutline) {

@@ -28,6 +28,7 @@ const Completed kTexts[] = {
     {"//* @a = |", "9-9 \"one\" \"o\\\"clock\" FUNCTIONS true false null"},
     {"//* @a = \"o|", "10-11 one\" o\\\"clock\""},
     {"//task first|", "7-12 first-child() first-of-type()"},
+    {"//task sel|", "7-10 selection() selection-ancestor() selection-descendant()"},
     {"//task @done an|", "13-15 and"},
 };
 
@@ -41,7 +42,10 @@ const std::pair<const char*, const char*> kGroups[] = {
      "last() position() root() parent() level() leaf() first-child() last-child() nth-child() "
      "first-of-type() "
      "last-of-type() nth-of-type() only-child() only-of-type() round() floor() ceil() boolean() count() "
-     "start-of-matches() end-of-matches()"},
+     "start-of-matches() end-of-matches() focused-root() focused-branch() focused-level() expanded() "
+     "collapsed() "
+     "filter-match() filter-match-ancestor() selection() selection-ancestor() selection-descendant() "
+     "drop-indicator()"},
     {"RELATIONS", "contains beginswith endswith matches = != <= >= < >"},
 };
 

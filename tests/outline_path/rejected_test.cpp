@@ -9,7 +9,7 @@ namespace {
 
 struct Rejected {
   const char* text;
-  /// The error's first line, without "Error at column " and the full stop.
+  /// The error's first line, without "At column " and the full stop.
   const char* error;
   const char* hint = "";
 };
@@ -17,6 +17,7 @@ struct Rejected {
 constexpr const char* kQuotes = "strings stand in double quotes: write \"text\", not 'text'.";
 constexpr const char* kBrackets =
     "predicates are bare, brackets hold slices: write //task @done, not //task[@done].";
+constexpr const char* kArithmetic = "arithmetic takes values, not paths: write count(//*) - 1.";
 
 const Rejected kRejected[] = {
     // Not even a step
@@ -159,7 +160,15 @@ const Rejected kRejected[] = {
      "no blank stands within a step: write //task."},
     {"//* - 1",
      "5: expected input to be consumed, found \"-\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input"},
+     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
+     kArithmetic},
+    {"//*-1",
+     "4: expected input to be consumed, found \"-1\", expected \"/\" and a step, a slice ([0], [1:5]), or "
+     "the "
+     "end of the input",
+     kArithmetic},
+    {"//* @a - 1", "11: unexpected end of input, expected a relation (=, <, contains)",
+     "a predicate compares values: write //* @name - 1 > 0."},
     {"//task @done and", "17: unexpected end of input, expected a blank",
      "\"and\" stands between two predicates."},
     {"//heading union", "16: unexpected end of input, expected a blank",
@@ -246,6 +255,20 @@ const Rejected kRejected[] = {
      "14: expected input to be consumed, found \"\u00A0\", expected \"/\" and a step, a slice ([0], [1:5]), "
      "an arithmetic sign, or the end of the input",
      "the character U+00A0 is no blank here: write a plain one, or none."},
+    {"\uFEFF//task[", "3: unexpected \"/\", expected something to divide by",
+     "the character U+FEFF is no blank here: write a plain one, or none."},
+    {"//\u200Dtask @done and \"\u00A0",
+     "9: expected input to be consumed, found \"@\", expected \"union\", \"except\" or \"intersect\" or the "
+     "end of "
+     "the input",
+     "the character U+200D is no blank here: write a plain one, or none."},
+    {"//* \"a\\\"\u00A0\" and", "15: unexpected end of input, expected a blank",
+     "\"and\" stands between two predicates."},
+    {"//* @a\u2069 \x7F= 1",
+     "7: expected input to be consumed, found \"\u2069\", expected a relation (=, <, contains), \"/\" and a "
+     "step, a "
+     "slice ([0], [1:5]), or the end of the input",
+     "the character U+2069 is no blank here: write a plain one, or none."},
     {"//child::*",
      "3: expected input to be consumed, found \"child::\", expected a type test or a predicate, \"/\" and a "
      "step, a slice ([0], [1:5]), or the end of the input",
@@ -265,7 +288,7 @@ const Rejected kRejected[] = {
 
 std::string errorLine(const std::string& rendered) {
   std::string line = rendered.substr(0, rendered.find('\n'));
-  line = line.substr(std::string("Error at ").size());
+  line = line.substr(std::string("At ").size());
   if (line.substr(0, 7) == "column ") line = line.substr(7);
   line.pop_back();
   return line;
