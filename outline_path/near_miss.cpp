@@ -53,8 +53,7 @@ std::string hintFor(const PathExpression& expression, std::string_view text) {
 
 std::string hintForNoMatch(std::string_view path) {
   const ParseResult parsed = parse(path);
-  const auto* expression =
-      parsed.error ? nullptr : std::get_if<PathExpression>(&*parsed.expression);
+  const auto* expression = parsed.error ? nullptr : std::get_if<PathExpression>(&*parsed.expression);
   return expression == nullptr ? "" : hintFor(*expression, path);
 }
 

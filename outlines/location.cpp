@@ -9,6 +9,8 @@ namespace vell::outlines {
 namespace fs = std::filesystem;
 
 std::string absolutize(const std::string& path) {
+  // The system would take what stands before it for the path.
+  if (path.find('\0') != std::string::npos) throw OpenError("A path holds no NUL character");
   std::error_code error;
   const fs::path absolute = fs::path(path).is_absolute() ? fs::path(path) : fs::current_path(error) / path;
   if (error) throw OpenError("Cannot determine the current directory: " + error.message());

@@ -135,6 +135,7 @@ static std::string advice(const std::string& target) {
 ipc::Answer openOutline(ipc::Application& application, const std::string& target,
                         const OpenOptions& options) {
   if (target.empty()) throw OpenError("File not found: the path is empty");
+  if (target.find('\0') != std::string::npos) throw OpenError("A path or id holds no NUL character");
   if (target.rfind("id:", 0) == 0) return openOutlineByPersistentId(application, target.substr(3), options);
   const std::string path = absolutize(target);
   if (!exists(path)) throw OpenError("File not found: " + path + advice(target));

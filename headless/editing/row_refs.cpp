@@ -36,6 +36,9 @@ const Row* findSession(const Outline& outline, const std::string& digits) {
 
 std::string persistentIdFault(std::string_view id) {
   if (id.empty()) return "A persistent id cannot be empty";
+  const std::size_t nul = id.find('\0');
+  if (nul != std::string_view::npos)
+    return "\"" + std::string(id.substr(0, nul)) + "…\" holds a NUL character";
   const std::string quoted = "\"" + std::string(id) + "\"";
   if (isSessionId(id)) return quoted + " would be taken for a session id";
   if (id.front() == '/' || id.front() == '(') return quoted + " would be taken for a path";

@@ -232,6 +232,8 @@ const ChangeCase updateCases[] = {
     {"a {#a}\n",
      [](Bench& b) {
        update(b, {"a"}, {.persistentId = "12"}, {{"persistentId", "\"12\" would be taken for a session id"}});
+       update(b, {"a"}, {.persistentId = std::string("n\0x", 3)},
+              {{"persistentId", "\"n…\" holds a NUL character"}});
        update(b, {"a"}, {.persistentId = "/x"}, {{"persistentId", "\"/x\" would be taken for a path"}});
        update(b, {"a"}, {.persistentId = "(x"}, {{"persistentId", "\"(x\" would be taken for a path"}});
        update(b, {"a"}, {.persistentId = "@x"},

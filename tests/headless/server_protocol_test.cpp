@@ -70,6 +70,10 @@ TEST(Protocol, AnswersEveryRequestOrSaysWhatIsWrongWithIt) {
        error("5", -32602, R"(path: expected an outline path, got \"\")")},
       {R"({"id":5,"method":"application.open","params":{"paths":[""]}})",
        error("5", -32602, R"(paths: expected absolute paths, got \"\")")},
+      {R"({"id":5,"method":"application.open","params":{"paths":["/","/a\u0000b"]}})",
+       error("5", -32602, R"(paths: expected a path without NUL, got \"/a\\u0000b\")")},
+      {R"({"id":5,"method":"outline.findByPath","params":{"path":"/a\u0000b"}})",
+       error("5", -32602, R"(path: expected a path without NUL, got \"/a\\u0000b\")")},
       {R"({"id":5,"method":"row.move","params":{"rows":["1"]}})",
        error("5", -32602, "to: expected a row reference (or before, or after), got nothing")},
       // what there is not

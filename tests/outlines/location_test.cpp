@@ -35,6 +35,7 @@ TEST(Absolutize, ResolvesAgainstTheCurrentDirectoryAndNormalises) {
       {"/", "/"},
   };
   for (const auto& [path, expected] : cases) EXPECT_EQ(absolutize(path), expected) << path;
+  EXPECT_EQ(messageOf([] { absolutize(std::string("/a\0b", 4)); }), "A path holds no NUL character");
 }
 
 TEST(Absolutize, SaysThatTheCurrentDirectoryIsGone) {

@@ -108,6 +108,9 @@ TEST_F(Opening, GivesUpWhenTheTimeIsOver) {
 TEST_F(Opening, SaysWhatCannotBeOpened) {
   const FakeApplication fake(application(1000));
   EXPECT_EQ(open(home / "missing"), "File not found: " + (home / "missing"));
+  const std::string nul(1, '\0');
+  for (const std::string& target : {home.path() + nul, "id:P" + nul})
+    EXPECT_EQ(open(target), "A path or id holds no NUL character");
   const std::string here = std::filesystem::current_path().string() + "/";
   const std::pair<std::string, std::string> rows[] = {
       {"", "the path is empty"},

@@ -21,6 +21,11 @@ const formats::Format& fileFormatParam(const Params& params, std::string_view fa
   Params::fail("format", "one of " + names, "\"" + name + "\"");
 }
 
+/// The system would take what stands before a NUL for the path.
+void refuseNul(std::string_view key, const std::string& path) {
+  if (path.find('\0') != std::string::npos) Params::fail(key, "a path without NUL", json::quoted(path));
+}
+
 std::string orNull(const OpenOutline* opened) { return opened != nullptr ? summary(*opened) : "null"; }
 
 void openOne(json::Writer& entries, Application& application, const std::string& path) {
@@ -38,8 +43,10 @@ void openOne(json::Writer& entries, Application& application, const std::string&
 
 std::string applicationOpen(const Call& call) {
   const auto paths = call.params.requiredStrings("paths");
-  for (const std::string& path : paths)
+  for (const std::string& path : paths) {
     if (!path.starts_with('/')) Params::fail("paths", "absolute paths", json::quoted(path));
+    refuseNul("paths", path);
+  }
   std::string text;
   json::Writer entries(text);
   entries.beginArray();
@@ -63,7 +70,9 @@ std::string outlineGet(const Call& call) {
 
 std::string outlineFindByPath(const Call& call) {
   call.params.nonEmpty("path", "a path");
-  return orNull(call.application.findByPath(call.params.requiredString("path")));
+  const std::string path = call.params.requiredString("path");
+  refuseNul("path", path);
+  return orNull(call.application.findByPath(path));
 }
 
 std::string outlineFindByPersistentId(const Call& call) {
