@@ -27,4 +27,17 @@ add_custom_command(OUTPUT ${completions}/vell.bash ${completions}/_vell ${comple
   DEPENDS vell VERBATIM)
 add_custom_target(vell_completions ALL DEPENDS ${completions}/vell.bash)
 
+# The desktop application has the same name.
+install(CODE [[
+  set(place "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/Vell.app")
+  if(EXISTS "${place}")
+    set(ours "")
+    if(EXISTS "${place}/Contents/Info.plist")
+      file(STRINGS "${place}/Contents/Info.plist" ours REGEX VellHeadless)
+    endif()
+    if(NOT ours)
+      message(FATAL_ERROR "${place} is another application: move it away, or install elsewhere with --prefix")
+    endif()
+  endif()
+]])
 install(DIRECTORY ${CMAKE_BINARY_DIR}/Vell.app DESTINATION . USE_SOURCE_PERMISSIONS)
