@@ -14,10 +14,14 @@ ClientError ClientError::pathTooLong(const std::string& path) {
 }
 
 ClientError ClientError::connect(int error, const std::string& path) {
-  return {Kind::connect,
-          "Vell.app must be running for CLI/MCP access.\nError: (socket " + path + ": " +
-              std::strerror(error) + ")",
-          error};
+  std::string text = "Vell.app must be running for CLI/MCP access.\nError: (socket " + path + ": " +
+                     std::strerror(error) + ")";
+  if (error == EPERM)
+    text +=
+        "\nThe system keeps this program out of Vell's container. On macOS, allow the terminal or the host "
+        "that "
+        "started it under System Settings > Privacy & Security > Full Disk Access, and start that anew.";
+  return {Kind::connect, text, error};
 }
 
 ClientError ClientError::writeFailed(int error) {

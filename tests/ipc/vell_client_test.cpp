@@ -4,6 +4,7 @@
 
 #include "ipc/methods.h"
 #include "json/error.h"
+#include "platform/socket.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
 
@@ -12,8 +13,10 @@ namespace {
 
 using tests::FakeApplication;
 using Reply = FakeApplication::Reply;
+using testing::AllOf;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::StartsWith;
 
 FakeApplication::Script always(const Reply& reply) {
   return [reply](const std::string&) { return reply; };
@@ -133,8 +136,13 @@ TEST(VellClient, SaysWhyItCannotConnect) {
   };
   ReconnectingClient client;
   EXPECT_EQ(outcome(client), failure("No such file or directory"));
-  home.write("Library/Containers/app.vell.Vell/Data/cli.sock", "");
+  const sockaddr_un address = *platform::socketAddress(path);
+  ASSERT_EQ(
+      bind(platform::openStreamSocket().get(), reinterpret_cast<const sockaddr*>(&address), sizeof address),
+      0);
   EXPECT_EQ(outcome(client), failure("Connection refused"));
+  EXPECT_THAT(ClientError::connect(EPERM, path).what(),
+              AllOf(StartsWith(failure("Operation not permitted") + "\n"), HasSubstr("Full Disk Access")));
 }
 
 TEST(VellClient, TakesPathsOfUpTo103Bytes) {
