@@ -29,7 +29,8 @@ int connectSocket(int socket, const sockaddr_un& address);
 /// socket was prepared by `openStreamSocket` or `prepareSocket`.
 ssize_t writeSocket(int socket, const char* data, std::size_t size);
 
-/// Makes an accepted socket close on exec and, where the system wants it said once, free of signals.
+/// Makes an accepted socket close on exec and, where the system wants it said once, free of signals; widens
+/// its buffers where the system's are narrow.
 void prepareSocket(int socket);
 
 /// Whether the process at the other end of a connected socket runs as the same user as this one. False where

@@ -11,6 +11,10 @@ void prepareSocket(int socket) {
   ::fcntl(socket, F_SETFD, FD_CLOEXEC);
   const int on = 1;
   ::setsockopt(socket, SOL_SOCKET, SO_NOSIGPIPE, &on, sizeof on);
+  // The system's default is 8 KB: a large answer would go in hundreds of turns.
+  const int bytes = 256 * 1024;
+  ::setsockopt(socket, SOL_SOCKET, SO_SNDBUF, &bytes, sizeof bytes);
+  ::setsockopt(socket, SOL_SOCKET, SO_RCVBUF, &bytes, sizeof bytes);
 }
 
 bool peerIsCurrentUser(int socket) {
