@@ -16,10 +16,14 @@ function(vell_library folder)
   endif()
 endfunction()
 
-# vell_tests(<folder> [LINKS <target>…]): one test executable of all *.cpp below tests/<folder>.
+# vell_tests(<folder> [EXCLUDE <regular expression>] [LINKS <target>…]): one test executable of all *.cpp below
+# tests/<folder>.
 function(vell_tests folder)
-  cmake_parse_arguments(arg "" "" "LINKS" ${ARGN})
+  cmake_parse_arguments(arg "" "EXCLUDE" "LINKS" ${ARGN})
   file(GLOB_RECURSE sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+  if(arg_EXCLUDE)
+    list(FILTER sources EXCLUDE REGEX "${arg_EXCLUDE}")
+  endif()
   if(NOT sources)
     return()
   endif()

@@ -1,6 +1,7 @@
 #include "outlines/opening.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <filesystem>
 #include <thread>
@@ -16,7 +17,21 @@ namespace vell::outlines {
 
 namespace {
 
+using Seconds = std::chrono::duration<double>;
+
 constexpr double pollInterval = 0.1;
+
+/// Counts the time that opening may take.
+class Countdown {
+ public:
+  explicit Countdown(double timeout) : timeout_(timeout) {}
+  double waited() const { return Seconds(std::chrono::steady_clock::now() - start_).count(); }
+  double left() const { return timeout_ - waited(); }
+
+ private:
+  std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+  double timeout_;
+};
 
 bool exists(const std::string& path) {
   std::error_code unreadable;
@@ -31,7 +46,8 @@ std::optional<std::string> persistentIdOf(const ipc::Answer& answer) {
 /// Not open, it may be, as long as another attempt could end better.
 void throwUnlessNotOpen(const ipc::ClientError& error) {
   using Kind = ipc::ClientError::Kind;
-  if (error.kind() == Kind::pathTooLong || error.kind() == Kind::socketCreate) throw error;
+  const bool forbidden = error.kind() == Kind::connect && error.code() == EPERM;
+  if (forbidden || error.kind() == Kind::pathTooLong || error.kind() == Kind::socketCreate) throw error;
 }
 
 template <class Record>
@@ -53,9 +69,10 @@ std::optional<ipc::Answer> raise(ipc::Application& application, const Record& wh
   return found;
 }
 
-void launch(const std::string& path, const OpenOptions& options) {
+void launch(const std::string& path, const OpenOptions& options, const Countdown& time) {
   try {
-    platform::openFileWithApplication(path, options.bundle ? *options.bundle : hostVellAppURL());
+    platform::openFileWithApplication(path, options.bundle ? *options.bundle : hostVellAppURL(),
+                                      Seconds(time.left()));
   } catch (const OpenError& error) {
     throw LaunchError(error.what());
   } catch (const std::runtime_error& error) {
@@ -65,22 +82,19 @@ void launch(const std::string& path, const OpenOptions& options) {
 
 /// The outline once the application has it; none when the time is over.
 std::optional<ipc::Answer> await(ipc::Application& application, const std::string& path,
-                                 const OpenOptions& options) {
-  using Clock = std::chrono::steady_clock;
-  using Seconds = std::chrono::duration<double>;
-  const Clock::time_point start = Clock::now();
-  for (double waited = 0; waited < options.timeout; waited = Seconds(Clock::now() - start).count()) {
-    if (options.onPoll) options.onPoll(waited);
-    std::this_thread::sleep_for(Seconds(std::min(pollInterval, options.timeout - waited)));
+                                 const OpenOptions& options, const Countdown& time) {
+  for (double left = time.left(); left > 0; left = time.left()) {
+    if (options.onPoll) options.onPoll(time.waited());
+    std::this_thread::sleep_for(Seconds(std::min(pollInterval, left)));
     if (auto found = raise(application, ipc::OutlineFindByPath{path})) return found;
   }
   return std::nullopt;
 }
 
 ipc::Answer launchAndAwait(ipc::Application& application, const std::string& path, const std::string& what,
-                           const OpenOptions& options) {
-  launch(path, options);
-  if (auto found = await(application, path, options)) return std::move(*found);
+                           const OpenOptions& options, const Countdown& time) {
+  launch(path, options, time);
+  if (auto found = await(application, path, options, time)) return std::move(*found);
   throw OpenError("Timed out waiting for Vell to open" + what);
 }
 
@@ -106,17 +120,18 @@ ipc::Answer openOutlineViaLaunchServices(ipc::Application& application, const st
   if (std::filesystem::is_directory(absolutePath))
     throw OpenError("File not found: " + absolutePath + " is a folder");
   if (auto open = raise(application, ipc::OutlineFindByPath{absolutePath})) return std::move(*open);
-  return launchAndAwait(application, absolutePath, ": " + absolutePath, options);
+  return launchAndAwait(application, absolutePath, ": " + absolutePath, options, Countdown(options.timeout));
 }
 
 ipc::Answer openOutlineByPersistentId(ipc::Application& application, const std::string& persistentId,
                                       const OpenOptions& options) {
   if (auto open = raise(application, ipc::OutlineFindByPersistentId{persistentId})) return std::move(*open);
-  const std::vector<std::string> files = resolveFileURLs(persistentId);
+  const Countdown time(options.timeout);
+  const std::vector<std::string> files = resolveFileURLs(persistentId, options.timeout);
   if (files.empty()) throw OpenError("No outline found with persistentId: " + persistentId);
   const auto file = std::find_if(files.begin(), files.end(), exists);
   if (file == files.end()) throw OpenError("File not found: " + files.front());
-  return launchAndAwait(application, *file, " persistentId: " + persistentId, options);
+  return launchAndAwait(application, *file, " persistentId: " + persistentId, options, time);
 }
 
 /// What to write instead of a target that leads to no file; empty where nothing is known.
@@ -142,8 +157,8 @@ ipc::Answer openOutline(ipc::Application& application, const std::string& target
   return openOutlineViaLaunchServices(application, path, options);
 }
 
-std::vector<std::string> resolveFileURLs(const std::string& persistentId) {
-  return platform::findFilesByIdentifier(persistentId);
+std::vector<std::string> resolveFileURLs(const std::string& persistentId, double timeout) {
+  return platform::findFilesByIdentifier(persistentId, Seconds(timeout));
 }
 
 }  // namespace vell::outlines

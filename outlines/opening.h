@@ -40,7 +40,8 @@ ipc::Answer openOutlineByPersistentId(ipc::Application& application, const std::
 ipc::Answer openOutline(ipc::Application& application, const std::string& target,
                         const OpenOptions& options = {});
 
-/// The paths of the files that the system knows under a persistent id.
-std::vector<std::string> resolveFileURLs(const std::string& persistentId);
+/// The paths of the files that the system knows under a persistent id, as far as it tells them within so many
+/// seconds.
+std::vector<std::string> resolveFileURLs(const std::string& persistentId, double timeout = 5);
 
 }  // namespace vell::outlines

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <string>
 #include <vector>
 
@@ -10,7 +11,8 @@ namespace vell::platform {
 bool swapFiles(const std::string& one, const std::string& other);
 
 /// The absolute paths of the files that the system knows under a persistent identifier, likeliest first.
-/// They may be out of date. May take as long as a disk-wide search.
-std::vector<std::string> findFilesByIdentifier(const std::string& identifier);
+/// They may be out of date. A disk-wide search ends after that long, with what it has found so far.
+std::vector<std::string> findFilesByIdentifier(const std::string& identifier,
+                                               std::chrono::duration<double> limit = std::chrono::seconds(5));
 
 }  // namespace vell::platform

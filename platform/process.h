@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <optional>
 #include <string>
 
@@ -8,9 +9,12 @@ namespace vell::platform {
 /// The running executable's path, symbolic links possibly unresolved; none where the system does not tell.
 std::optional<std::string> executablePath();
 
+using Seconds = std::chrono::duration<double>;
+
 /// Asks the system to open the file with the application bundle, starting it where it does not run.
-/// Returns when the application was asked, not when the file is open. Throws std::runtime_error that says
-/// why the application could not be started. Both paths are absolute.
-void openFileWithApplication(const std::string& file, const std::string& bundle);
+/// Returns when the application was asked, not when the file is open, or when the system has said nothing for
+/// that long. Throws std::runtime_error that says why the application could not be started. Both paths are
+/// absolute.
+void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds limit = Seconds(5));
 
 }  // namespace vell::platform

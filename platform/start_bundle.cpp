@@ -72,9 +72,10 @@ int highestDescriptor() {
 /// signal settings or terminal. The system collects it when it ends.
 void startDetached(const std::string& executable, const std::string& argument) {
   std::array<int, 2> ends{};
-  if (::pipe2(ends.data(), O_CLOEXEC) != 0) fail(executable, errno);
+  if (::pipe(ends.data()) != 0) fail(executable, errno);
   const Descriptor report(ends[0]);
   Descriptor reporter(ends[1]);
+  for (const int end : ends) ::fcntl(end, F_SETFD, FD_CLOEXEC);
   std::array<char*, 3> arguments = {const_cast<char*>(executable.c_str()),
                                     const_cast<char*>(argument.c_str()), nullptr};
   const pid_t child = forkOrphan(executable.c_str(), arguments.data(), reporter.get(), highestDescriptor());

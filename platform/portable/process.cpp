@@ -13,7 +13,7 @@ std::optional<std::string> executablePath() {
   return path.string();
 }
 
-void openFileWithApplication(const std::string& file, const std::string& bundle) {
+void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds /*limit*/) {
   startBundleWithFile(file, bundle);
 }
 

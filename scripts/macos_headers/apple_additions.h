@@ -32,7 +32,6 @@
 @end
 
 extern "C" {
-int renamex_np(const char* from, const char* to, unsigned int flags);
 typedef struct dispatch_semaphore_s* dispatch_semaphore_t;
 typedef uint64_t dispatch_time_t;
 dispatch_semaphore_t dispatch_semaphore_create(intptr_t value);
@@ -40,7 +39,6 @@ intptr_t dispatch_semaphore_signal(dispatch_semaphore_t semaphore);
 intptr_t dispatch_semaphore_wait(dispatch_semaphore_t semaphore, dispatch_time_t timeout);
 dispatch_time_t dispatch_time(dispatch_time_t when, int64_t delta);
 }
-#define RENAME_SWAP 0x00000002
 #define DISPATCH_TIME_NOW 0ull
 #define DISPATCH_TIME_FOREVER (~0ull)
 #ifndef NSEC_PER_SEC

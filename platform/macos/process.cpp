@@ -1,0 +1,34 @@
+#include "platform/process.h"
+
+#include <mach-o/dyld.h>
+
+#include <cstdint>
+#include <cstring>
+
+#include "platform/macos/workspace.h"
+#include "platform/property_list.h"
+#include "platform/start_bundle.h"
+
+namespace vell::platform {
+
+std::optional<std::string> executablePath() {
+  std::uint32_t size = 0;
+  _NSGetExecutablePath(nullptr, &size);
+  std::string path(size, '\0');
+  if (_NSGetExecutablePath(path.data(), &size) != 0) return std::nullopt;
+  path.resize(std::strlen(path.c_str()));
+  return path;
+}
+
+/// The headless application takes files as arguments and not from the system's open requests.
+static bool takesArguments(const std::string& bundle) {
+  const auto info = readPropertyListStrings(bundle + "/Contents/Info.plist");
+  return info && info->contains("VellHeadless");
+}
+
+void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds limit) {
+  if (takesArguments(bundle)) return startBundleWithFile(file, bundle);
+  openFileThroughWorkspace(file, bundle, limit);
+}
+
+}  // namespace vell::platform
