@@ -39,7 +39,7 @@ std::span<const Format> formats() {
       Format{"json",     {"json"},           readJson,     writeJson,     nullptr, true},
       Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, nullptr, false},
       Format{"vell",     {"vell"},           readVell,     writeVell,     nullptr, false},
-      Format{"opml",     {"opml"},           readOpml,     writeOpml,     nullptr, false},
+      Format{"opml",     {"opml"},           readOpml,     writeOpml,     updateOpml, false},
       Format{"txt",      {"txt"},            readTxt,      writeTxt,      nullptr, false},
   };
   // clang-format on

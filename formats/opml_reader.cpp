@@ -1,10 +1,12 @@
 #include <algorithm>
 #include <pugixml.hpp>
+#include <vector>
 
 #include "formats/format.h"
 #include "formats/inline_markdown.h"
 #include "formats/json_format.h"
-#include "json/writer.h"
+#include "formats/opml_format.h"
+#include "formats/xml_text.h"
 #include "text/lines.h"
 
 namespace vell::formats {
@@ -13,7 +15,11 @@ namespace {
 class OpmlReader {
  public:
   OpmlReader(std::string_view text, const ReadOptions& options, Outline& outline)
-      : text_(text), created_(options.time), outline_(outline), builder_(outline) {}
+      : text_(checkedSource(text)),
+        skipped_(text.size() - text_.size()),
+        created_(options.time),
+        outline_(outline),
+        builder_(outline) {}
 
   void read();
 
@@ -21,9 +27,12 @@ class OpmlReader {
   pugi::xml_node load();
   void readHead(pugi::xml_node head);
   void readHeadElement(pugi::xml_node element, Attributes& frontMatter);
-  void readRow(pugi::xml_node element, std::size_t depth);
+  void readRows(pugi::xml_node body, const SourceSpan& span);
+  void readRow(pugi::xml_node element, std::size_t depth, const SourceSpan& span);
   void readAttribute(const pugi::xml_attribute& attribute, RowContent& row, std::string& markdown,
                      bool& hasModified);
+  SourceSpan spanOf(pugi::xml_node element, std::size_t parentEnd) const;
+  SourceSpan inSource(SourceSpan span) const;
   Timestamp time(const char* text, pugi::xml_node element) const;
   [[noreturn]] void fail(const std::string& fault, std::ptrdiff_t offset) const {
     const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
@@ -31,6 +40,7 @@ class OpmlReader {
   }
 
   std::string_view text_;
+  std::size_t skipped_;  ///< bytes of the source before the text: a byte order mark
   Timestamp created_;
   Outline& outline_;
   TreeBuilder builder_;
@@ -42,7 +52,8 @@ pugi::xml_node OpmlReader::load() {
   const std::size_t nul = text_.find('\0');
   if (nul != std::string_view::npos)
     fail("a NUL character, which XML cannot hold", static_cast<std::ptrdiff_t>(nul));
-  const unsigned flags = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_ws_pcdata;
+  // Every kind of node: where one begins, the element before it has ended.
+  const unsigned flags = xmlValues | pugi::parse_comments | pugi::parse_pi | pugi::parse_doctype;
   const pugi::xml_parse_result result =
       document_.load_buffer(text_.data(), text_.size(), flags, pugi::encoding_utf8);
   if (!result) fail(result.description(), result.offset);
@@ -57,21 +68,51 @@ void OpmlReader::read() {
   const pugi::xml_node body = opml.child("body");
   if (!body) fail("not OPML: there is no <body> element in <opml>", opml.offset_debug());
   readHead(opml.child("head"));
-  std::size_t depth = 0;
+  readRows(body, spanOf(body, spanOf(opml, text_.size()).closeBegin));
+}
+
+void OpmlReader::readRows(pugi::xml_node body, const SourceSpan& span) {
+  builder_.addRoot(inSource(span));
+  std::vector<std::size_t> ends{span.closeBegin};
   for (pugi::xml_node at = body.child("outline"); at;) {
-    readRow(at, depth);
+    const SourceSpan row = spanOf(at, ends.back());
+    readRow(at, ends.size() - 1, row);
     if (const pugi::xml_node child = at.child("outline")) {
+      ends.push_back(row.closeBegin);
       at = child;
-      ++depth;
       continue;
     }
     while (at != body && !at.next_sibling("outline")) {
       at = at.parent();
-      --depth;
+      ends.pop_back();
     }
     if (at == body) break;
     at = at.next_sibling("outline");
   }
+}
+
+/// `parentEnd` is where the parent's end tag begins. An element's own end tag is the last one before what
+/// follows it.
+SourceSpan OpmlReader::spanOf(pugi::xml_node element, std::size_t parentEnd) const {
+  SourceSpan span;
+  span.begin = static_cast<std::size_t>(element.offset_debug()) - 1;
+  span.end = span.begin + xmlTagLength(text_.substr(span.begin));
+  if (text_[span.end - 2] == '/') return span;
+  const pugi::xml_node next = element.next_sibling();
+  const std::size_t limit = next ? static_cast<std::size_t>(next.offset_debug()) : parentEnd;
+  span.closeBegin = text_.substr(0, limit).rfind("</");
+  span.closeEnd = text_.find('>', span.closeBegin) + 1;
+  return span;
+}
+
+/// The same with offsets from the start of the source.
+SourceSpan OpmlReader::inSource(SourceSpan span) const {
+  span.begin += skipped_;
+  span.end += skipped_;
+  if (span.closeEnd == 0) return span;
+  span.closeBegin += skipped_;
+  span.closeEnd += skipped_;
+  return span;
 }
 
 void OpmlReader::readHead(pugi::xml_node head) {
@@ -89,14 +130,14 @@ void OpmlReader::readHeadElement(pugi::xml_node element, Attributes& frontMatter
     outline_.setPersistentId(value);
   } else if (name == "vell-created") {
     outline_.setCreated(created_ = time(value, element));
-  } else if (name == "vell-frontMatter") {
-    frontMatter = readAttributes(value);
+  } else if (name == divertedElement) {
+    for (const Attribute& entry : readAttributes(value)) frontMatter.set(entry.key, entry.value);
   } else {
     frontMatter.set(name, value);
   }
 }
 
-void OpmlReader::readRow(pugi::xml_node element, std::size_t depth) {
+void OpmlReader::readRow(pugi::xml_node element, std::size_t depth, const SourceSpan& span) {
   element_ = element;
   RowContent row;
   row.created = created_;
@@ -109,14 +150,14 @@ void OpmlReader::readRow(pugi::xml_node element, std::size_t depth) {
   Text styled = parseInline(markdown);
   if (styled.string() == row.text.string())
     row.text = std::move(styled);  // else the text was edited elsewhere
-  builder_.add(depth, std::move(row));
+  builder_.add(depth, std::move(row), inSource(span));
 }
 
 void OpmlReader::readAttribute(const pugi::xml_attribute& attribute, RowContent& row, std::string& markdown,
                                bool& hasModified) {
   const std::string_view name = attribute.name();
   const char* value = attribute.value();
-  if (name == "text") {
+  if (name == textName(element_.attribute("text") != nullptr)) {
     row.text = Text(std::string(value));
   } else if (name == "vell-text") {
     markdown = value;
@@ -131,9 +172,9 @@ void OpmlReader::readAttribute(const pugi::xml_attribute& attribute, RowContent&
   } else if (name == "vell-modified") {
     row.modified = time(value, element_);
     hasModified = true;
-  } else if (name == "vell-attributes") {
-    row.attributes = readAttributes(value);
-  } else {
+  } else if (name.starts_with(divertedName)) {
+    for (const Attribute& entry : readAttributes(value)) row.attributes.set(entry.key, entry.value);
+  } else if (!isNamespaceName(name)) {
     row.attributes.set(name, value);
   }
 }
@@ -145,130 +186,10 @@ Timestamp OpmlReader::time(const char* text, pugi::xml_node element) const {
   return *time;
 }
 
-/// Characters that no XML text can hold are replaced by U+FFFD; blanks that readers would change become
-/// references.
-void appendXml(std::string& out, std::string_view text) {
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    const char c = text[at];
-    const std::string_view rest = text.substr(at, 3);
-    const bool isNonCharacter = rest == "\xEF\xBF\xBE" || rest == "\xEF\xBF\xBF";
-    if (c == '\t' || c == '\n' || c == '\r') {
-      appendReference(out, c);
-    } else if (isControl(c) || isNonCharacter) {
-      out += "\xEF\xBF\xBD";
-      if (isNonCharacter) at += 2;
-    } else if (c == '&') {
-      out += "&amp;";
-    } else if (c == '<') {
-      out += "&lt;";
-    } else if (c == '>') {
-      out += "&gt;";
-    } else if (c == '"') {
-      out += "&quot;";
-    } else {
-      out += c;
-    }
-  }
-}
-
-/// A name that can stand for itself in XML and means nothing else here.
-bool isFreeName(std::string_view name) {
-  const auto isLetter = [](char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '_'; };
-  const auto isNameByte = [&](char c) {
-    return isLetter(c) || (c >= '0' && c <= '9') || c == '-' || c == '.';
-  };
-  if (name.empty() || !isLetter(name.front()) || !std::all_of(name.begin(), name.end(), isNameByte))
-    return false;
-  return name != "text" && name != "xmlns" && !name.starts_with("vell-");
-}
-
-void appendAttribute(std::string& out, std::string_view key, std::string_view value) {
-  out.append(" ").append(key).append("=\"");
-  appendXml(out, value);
-  out += '"';
-}
-
-void appendElement(std::string& out, std::string_view name, std::string_view value) {
-  out.append("    <").append(name).append(">");
-  appendXml(out, value);
-  out.append("</").append(name).append(">\n");
-}
-
-void appendAttributes(std::string& out, const Attributes& attributes) {
-  const bool areFree = std::all_of(attributes.begin(), attributes.end(),
-                                   [](const Attribute& entry) { return isFreeName(entry.key); });
-  if (areFree) {
-    for (const Attribute& entry : attributes) appendAttribute(out, entry.key, entry.value);
-  } else {
-    std::string json;
-    json::Writer writer(json);
-    writeAttributes(writer, attributes);
-    appendAttribute(out, "vell-attributes", json);
-  }
-}
-
-void openOutline(std::string& out, const Row& row, Timestamp created) {
-  out += "<outline";
-  appendAttribute(out, "text", row.text().string());
-  if (row.type() != RowType::body) appendAttribute(out, "vell-type", name(row.type()));
-  if (!row.persistentId().empty()) appendAttribute(out, "vell-id", row.persistentId());
-  if (!row.text().isPlain()) {
-    std::string markdown;
-    appendInline(markdown, row.text());
-    appendAttribute(out, "vell-text", markdown);
-  }
-  appendAttributes(out, row.attributes());
-  if (row.created() != created)
-    appendAttribute(out, "vell-created", document::formatTimestamp(row.created()));
-  if (row.modified() != row.created())
-    appendAttribute(out, "vell-modified", document::formatTimestamp(row.modified()));
-}
-
-void appendOutlines(std::string& out, std::span<const PlacedRow> rows, Timestamp created,
-                    std::uint32_t indent) {
-  for (std::size_t index = 0; index < rows.size(); ++index) {
-    const std::uint32_t depth = rows[index].depth;
-    const std::uint32_t next = index + 1 < rows.size() ? rows[index + 1].depth : 0;
-    out.append(depth + indent, '\t');
-    openOutline(out, *rows[index].row, created);
-    out += next > depth ? ">\n" : "/>\n";
-    for (std::uint32_t closed = depth; closed > next; --closed) {
-      out.append(closed - 1 + indent, '\t').append("</outline>\n");
-    }
-  }
-}
-
-void appendHead(std::string& out, const Outline& outline) {
-  out += "  <head>\n";
-  if (!outline.persistentId().empty()) appendElement(out, "vell-id", outline.persistentId());
-  appendElement(out, "vell-created", document::formatTimestamp(outline.created()));
-  const Attributes& entries = outline.frontMatter();
-  const bool areFree = std::all_of(entries.begin(), entries.end(),
-                                   [](const Attribute& entry) { return isFreeName(entry.key); });
-  if (areFree) {
-    for (const Attribute& entry : entries) appendElement(out, entry.key, entry.value);
-  } else {
-    std::string json;
-    json::Writer writer(json);
-    writeAttributes(writer, entries);
-    appendElement(out, "vell-frontMatter", json);
-  }
-  out += "  </head>\n";
-}
-
 }  // namespace
 
 void readOpml(std::string_view text, const ReadOptions& options, Outline& outline) {
-  OpmlReader(checkedSource(text), options, outline).read();
-}
-
-void writeOpml(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out) {
-  if (rowsOnly) return appendOutlines(out, rows, outline.created(), 0);
-  out += "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n<opml version=\"2.0\">\n";
-  appendHead(out, outline);
-  out += "  <body>\n";
-  appendOutlines(out, rows, outline.created(), 2);
-  out += "  </body>\n</opml>\n";
+  OpmlReader(text, options, outline).read();
 }
 
 }  // namespace vell::formats

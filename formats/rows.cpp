@@ -19,6 +19,10 @@ Row& TreeBuilder::add(std::size_t depth, RowContent content, SourceSpan span) {
   return *row;
 }
 
+void TreeBuilder::addRoot(const SourceSpan& span) {
+  if (document::Source* source = outline_.source()) source->add(outline_.root(), span);
+}
+
 bool isAsRead(const Outline& outline, const Row& row, Times times) {
   const document::Source* source = outline.source();
   if (!source || !source->find(row.id())) return false;

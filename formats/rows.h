@@ -33,6 +33,8 @@ class TreeBuilder {
   /// A persistent id that an earlier row has is dropped: ids are unique in an outline. Where the outline has
   /// a source the span says where in its text the row stands; its parent is filled in.
   Row& add(std::size_t depth, RowContent content, SourceSpan span = {});
+  /// Before the first row, in formats where something encloses all rows: where that stands in the source.
+  void addRoot(const SourceSpan& span);
 
  private:
   Outline& outline_;

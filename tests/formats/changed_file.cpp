@@ -29,6 +29,8 @@ Holds heldBy(const Format& format) {
 ChangedFile::ChangedFile(const Format& format, const std::string& text)
     : format_(&format), holds_(heldBy(format)) {
   readFile(format, text, {readTime}, *outline_);
+  // Files that were not made here tell no times of what is new.
+  if (outline_->created() == readTime) holds_.times = false;
 }
 
 bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
@@ -187,8 +189,8 @@ ChangedFile::Range ChangedFile::beside(const Row& parent, const Row* before) con
   if (before) return around({span(*before).begin, span(*before).begin});
   const Row* last = parent.lastChild();
   if (!last) {
-    const bool closes = span(parent).closeEnd != 0;
-    return closes ? ownLines(parent) : around({span(parent).end, span(parent).end});
+    const bool encloses = format_->name == "opml" || format_->name == "json";
+    return encloses ? ownLines(parent) : around({span(parent).end, span(parent).end});
   }
   while (span(*last).closeEnd == 0 && last->lastChild()) last = last->lastChild();
   return around({ownLines(*last).end, ownLines(*last).end});

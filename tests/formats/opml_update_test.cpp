@@ -1,0 +1,112 @@
+#include <gtest/gtest.h>
+
+#include "tests/formats/row_changes.h"
+
+namespace vell::formats {
+namespace {
+
+// clang-format off
+const UpdateCase updateCases[] = {
+    // A changed row keeps what else its tag says, as it says it.
+    {"quotes and blanks", "<opml><body><outline  type='rss' text = 'a'\n\tx:u=\"b&#99;\"  /></body></opml>",
+     [](RowChanges& rows) { rows.text("a", "it's \"b\" & <c>"); },
+     "<opml><body><outline  type='rss' text = 'it&apos;s \"b\" &amp; &lt;c&gt;'\n\tx:u=\"b&#99;\"  /></body></opml>"},
+    {"title stands in", "<opml><body><outline title='a' u='1'/></body></opml>",
+     [](RowChanges& rows) { rows.text("a", "b"); },
+     "<opml><body><outline title='b' u='1'/></body></opml>"},
+    {"title becomes an attribute", "<opml><body><outline title='a'/></body></opml>",
+     [](RowChanges& rows) { rows.attributes("a", {{"title", "t"}}); },
+     "<opml><body><outline title='t' text='a'/></body></opml>"},
+    {"styles come and go", "<opml><body><outline text=\"a b\" vell-text='_a_ b'/><outline text=\"c\"/><outline text=\"d\" vell-text=\"_d_\"/></body></opml>",
+     [](RowChanges& rows) { rows.text("a b", "_a_ b e"); rows.text("c", "**c**"); rows.text("d", "d"); },
+     "<opml><body><outline text=\"a b e\" vell-text='_a_ b e'/><outline text=\"c\" vell-text=\"**c**\"/><outline text=\"d\"/></body></opml>"},
+    {"one attribute changes, one goes, one comes", "<opml><body><outline a='1' text='t' b=\"2\" c='3'/></body></opml>",
+     [](RowChanges& rows) { rows.attributes("t", {{"a", "1"}, {"c", "x"}, {"d", "4"}}); },
+     "<opml><body><outline a='1' text='t' c='x' d='4'/></body></opml>"},
+    {"attributes in another order", "<opml><body><outline text='t' a='1' b='2'/></body></opml>",
+     [](RowChanges& rows) { rows.attributes("t", {{"b", "2"}, {"n", "3"}, {"a", "1"}}); },
+     "<opml><body><outline text='t' b='2' n='3' a='1'/></body></opml>"},
+    {"attributes that XML cannot name", "<opml><body><outline text='t' vell-attributes='{ \"a b\": \"1\" }' c='2'/></body></opml>",
+     [](RowChanges& rows) { rows.attributes("t", {{"a b", "1"}, {"c", "2"}, {"text", "3"}, {"\xC3\xA9", "4"}}); },
+     "<opml><body><outline text='t' vell-attributes='{ \"a b\": \"1\" }' c='2' vell-attributes-2='{\"text\":\"3\"}' \xC3\xA9='4'/></body></opml>"},
+    {"the first of two such", "<opml><body><outline text='t' vell-attributes='{\"1\":\"1\"}' c='2' vell-attributes-2='{\"2\":\"2\",\"3\":\"3\"}'/></body></opml>",
+     [](RowChanges& rows) { rows.attributes("t", {{"c", "2"}, {"3", "x"}, {"d", "4"}, {"5", "5"}}); },
+     "<opml><body><outline text='t' c='2' vell-attributes-2='{\"3\":\"x\"}' d='4' vell-attributes-3='{\"5\":\"5\"}'/></body></opml>"},
+    {"type and id", "<opml><body><outline vell-type='task' text='t'/><outline text='u' vell-id='i'/></body></opml>",
+     [](RowChanges& rows) { rows.edit().setType(rows.row("t"), RowType::body); rows.edit().setPersistentId(rows.row("t"), "i"); },
+     "<opml><body><outline text='t' vell-id='i'/><outline text='u'/></body></opml>"},
+    {"entities of its own", "<!DOCTYPE opml [<!ENTITY co \"Company\">]>\n<opml><body><outline text=\"&co; &amp; a\" b=\"&co;\"/></body></opml>",
+     [](RowChanges& rows) { rows.text("&co; & a", "&co; & &b;"); },
+     "<!DOCTYPE opml [<!ENTITY co \"Company\">]>\n<opml><body><outline text=\"&co; &amp; &amp;b;\" b=\"&co;\"/></body></opml>"},
+    {"another declared encoding", "<?xml version='1.0' encoding='ISO-8859-1'?><opml><body><outline text='a'/></body></opml>",
+     [](RowChanges& rows) { rows.text("a", "\xC3\xA9"); rows.create("", "\xF0\x9F\x98\x80"); },
+     "<?xml version='1.0' encoding='ISO-8859-1'?><opml><body><outline text='&#233;'/><outline text=\"&#128512;\"/></body></opml>"},
+    // New rows stand as those beside them.
+    {"on lines, with a byte order mark", "\xEF\xBB\xBF<opml>\r\n<body>\r\n  <outline text='a'/>\r\n</body></opml>",
+     [](RowChanges& rows) { rows.create("", "0", "a"); rows.create("a", "b"); rows.create("b", "c"); rows.create("", "d"); },
+     "\xEF\xBB\xBF<opml>\r\n<body>\r\n  <outline text=\"0\"/>\r\n  <outline text='a'>\r\n    <outline text=\"b\">\r\n      <outline text=\"c\"/>\r\n    </outline>\r\n  </outline>\r\n  <outline text=\"d\"/>\r\n</body></opml>"},
+    {"the first row", "<opml>\n  <body />\n</opml>\n",
+     [](RowChanges& rows) { rows.create("", "a"); },
+     "<opml>\n  <body>\n    <outline text=\"a\"/>\n  </body>\n</opml>\n"},
+    {"between end tags", "<opml><body>\n<outline text='a'></outline> <!-- of a -->\n\n<outline text='b'>text</outline>\n</body></opml>",
+     [](RowChanges& rows) { rows.create("a", "c"); rows.create("", "d", "b"); rows.create("b", "e"); },
+     "<opml><body>\n<outline text='a'>\n  <outline text=\"c\"/>\n</outline> <!-- of a -->\n<outline text=\"d\"/>\n\n<outline text='b'>\n  <outline text=\"e\"/>text\n</outline>\n</body></opml>"},
+    // What stands before a row goes with it; comments outlive the rows that are deleted.
+    {"deleted rows", "<opml><body>\n\t<!-- 1 -->\n\t<outline text='a'/> <!-- of a -->\n\t<?p?>\n\t<outline text='b'><outline text='c'/></outline>\n\n\t<outline text='d'/>\n</body></opml>",
+     [](RowChanges& rows) { rows.remove("a"); rows.remove("b"); },
+     "<opml><body>\n\t<!-- 1 -->\n\t<?p?>\n\n\t<outline text='d'/>\n</body></opml>"},
+    {"all rows deleted", "<opml><body>\n\t<outline text='a'>\n\t\t<outline text='b'/>\n\t</outline>\n</body></opml>",
+     [](RowChanges& rows) { rows.remove("b"); },
+     "<opml><body>\n\t<outline text='a'>\n\t</outline>\n</body></opml>"},
+    {"a subtree that moves", "<opml><body>\n<outline text='a'>\n\t<!-- b -->\n\t<outline\n\t\ttext='b'>\n\t\t<outline text='c'/>\n\t</outline>\n</outline>\n<outline text='d'/>\n</body></opml>",
+     [](RowChanges& rows) { rows.move("b", ""); },
+     "<opml><body>\n<outline text='a'>\n</outline>\n<outline text='d'/>\n\t<!-- b -->\n<outline\n\t\ttext='b'>\n\t<outline text='c'/>\n</outline>\n</body></opml>"},
+    {"the last becomes the first", "<opml><body>\n<outline text='a'/>\n\n<outline text='b'/>\n<outline text='c'/>\n</body></opml>",
+     [](RowChanges& rows) { rows.move("c", "", "a"); },
+     "<opml><body>\n<outline text='c'/>\n<outline text='a'/>\n\n<outline text='b'/>\n</body></opml>"},
+    {"what no row is", "<opml><body><x:outline text='no'/>\n<group><outline text='no'/></group>\n<outline text='a'/>\n</body><body><outline text='no'/></body></opml>",
+     [](RowChanges& rows) { rows.text("a", "b"); rows.create("", "c"); },
+     "<opml><body><x:outline text='no'/>\n<group><outline text='no'/></group>\n<outline text='b'/>\n<outline text=\"c\"/>\n</body><body><outline text='no'/></body></opml>"},
+    // Times stand in files that were made here, and in rows that tell them.
+    {"notes of others", "<opml><head><vell-id>x</vell-id></head><body>\n<outline text='a'/>\n<outline text='b' vell-modified='2026-01-01T00:00:00Z'/>\n</body></opml>",
+     [](RowChanges& rows) { rows.text("a", "A"); rows.text("b", "B"); rows.create("", "c"); rows.outline().setPersistentId("x"); },
+     "<opml><head><vell-id>x</vell-id></head><body>\n<outline text='A'/>\n<outline text='B' vell-modified='2026-09-21T14:13:25Z'/>\n<outline text=\"c\"/>\n</body></opml>"},
+    {"a file made here", "<opml><head><vell-created>2026-01-01T00:00:00Z</vell-created></head><body>\n<outline text='a'/>\n</body></opml>",
+     [](RowChanges& rows) { rows.text("a", "A"); rows.create("", "c"); },
+     "<opml><head><vell-created>2026-01-01T00:00:00Z</vell-created></head><body>\n<outline text='A' vell-modified='2026-09-21T14:13:25Z'/>\n<outline text=\"c\" vell-created=\"2026-09-21T14:13:25Z\"/>\n</body></opml>"},
+};
+// clang-format on
+
+TEST(OpmlUpdate, ChangesWhatChanged) {
+  for (const UpdateCase& row : updateCases) checkUpdate("opml", row);
+}
+
+TEST(OpmlUpdate, WritesTheOutlinesIdWhereOneStood) {
+  for (const auto& [source, written] :
+       {std::pair("<opml><head><vell-id>a</vell-id></head><body/></opml>",
+                  "<opml><head><vell-id>b&amp;c</vell-id></head><body/></opml>"),
+        std::pair("<opml><head/><body/></opml>", "<opml><head/><body/></opml>")}) {
+    RowChanges rows("opml", source);
+    rows.outline().setPersistentId("b&c");
+    EXPECT_EQ(rows.written(), written);
+  }
+}
+
+TEST(OpmlUpdate, DepthCostsNoMoreThanRows) {
+  constexpr std::size_t depth = 20'000;
+  std::string source = "<opml><body>\n";
+  for (std::size_t level = 0; level < depth; ++level) source += "<outline text='x'>\n";
+  for (std::size_t level = 0; level < depth; ++level) source += "</outline>\n";
+  source += "</body></opml>";
+  RowChanges rows("opml", source);
+  EXPECT_EQ(rows.written(), source);
+  const Row* deepest = &rows.row("x");
+  while (deepest->firstChild()) deepest = deepest->firstChild();
+  rows.edit().setText(*deepest, Text("deepest"));
+  for (std::size_t level = 0; level < 100; ++level) rows.create(level == 0 ? "" : std::to_string(level - 1), std::to_string(level));
+  EXPECT_LT(rows.written().size(), source.size() + 100 * 200);
+  EXPECT_LT(writeAll("opml", rows.outline()).size(), depth * 200);
+}
+
+}  // namespace
+}  // namespace vell::formats
