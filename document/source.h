@@ -56,6 +56,9 @@ class Source {
   void add(const Row& row, const SourceSpan& span);
   /// The span of the row; null where it was not read from this text.
   const SourceSpan* find(SessionId row) const;
+  /// The spans of all rows, in the order of the text; the first is that of the row with the id `firstRow()`.
+  const std::vector<SourceSpan>& spans() const { return spans_; }
+  SessionId firstRow() const { return first_; }
   /// What the row said when it was read, null where it has said nothing else since.
   const RowContent* original(SessionId row) const;
   /// Keeps what a row of this source says, before its first change.
@@ -66,7 +69,7 @@ class Source {
   std::string text_;
   DocumentContent document_;
   SessionId first_ = 0;
-  std::vector<SourceSpan> spans_;  ///< the first is that of the row with the id `first_`
+  std::vector<SourceSpan> spans_;
   std::unordered_map<SessionId, RowContent> originals_;
 };
 

@@ -5,7 +5,9 @@
 
 #include "formats/attribute_list.h"
 #include "formats/inline_markdown.h"
+#include "formats/yaml_value.h"
 #include "json/writer.h"
+#include "text/lines.h"
 
 namespace vell::formats {
 namespace {
@@ -17,8 +19,10 @@ bool isPlainKey(std::string_view key) {
 
 bool continuesValue(std::string_view line) {
   return line.empty() || isBlank(line.front()) || (line.front() == '-' && line != "---") ||
-         line.front() == '#';
+         line.front() == '#' || line.front() == '}' || line.front() == ']';
 }
+
+bool isComment(std::string_view line) { return line.starts_with('#') || trim(line).empty(); }
 
 std::optional<std::string> wholeJsonString(std::string_view text) {
   auto decoded = takeJsonString(text);
@@ -43,15 +47,18 @@ bool isPlainValue(std::string_view value) {
   return true;
 }
 
-/// What stands behind the colon.
+/// What stands behind the colon and the blank.
+std::string valueText(std::string_view value) {
+  if (isPlainValue(value)) return std::string(value);
+  std::string quoted;
+  json::appendString(value, quoted);
+  return quoted;
+}
+
 void writeValue(std::string& out, std::string_view value) {
-  if (!isPlainValue(value)) {
-    out += ' ';
-    json::appendString(value, out);
-  } else {
-    if (!value.starts_with('\n')) out += ' ';
-    out += value;
-  }
+  const std::string text = valueText(value);
+  if (!text.starts_with('\n')) out += ' ';
+  out += text;
   out += '\n';
 }
 
@@ -77,7 +84,8 @@ bool DocumentHeader::readLine(std::string_view line) {
     rest.remove_prefix(colon);
   }
   if (!rest.starts_with(':')) return false;
-  lines_.push_back({std::move(key), std::string(trim(rest.substr(1))), quoted.has_value()});
+  const std::size_t keyLength = line.size() - rest.size() + 1;
+  lines_.push_back({std::move(key), std::string(trim(rest.substr(1))), quoted.has_value(), keyLength});
   return true;
 }
 
@@ -86,7 +94,7 @@ bool DocumentHeader::finish(Outline& outline) const {
   bool timesAreGood = true;
   for (const Line& line : lines_) {
     const std::string value = wholeJsonString(line.value).value_or(line.value);
-    if (line.quotedKey || !isReserved(line.key)) {
+    if (!isReserved(line)) {
       frontMatter.set(line.key, value);
     } else if (line.key == "id") {
       outline.setPersistentId(value);
@@ -100,6 +108,28 @@ bool DocumentHeader::finish(Outline& outline) const {
   return timesAreGood;
 }
 
+/// Appends with the line ends of the file.
+static void appendLines(std::string& out, std::string_view text, std::string_view lineEnd) {
+  for (const char c : text) c == '\n' ? out += lineEnd : out += c;
+}
+
+/// What the key stands for; null where that is nothing that can change.
+const std::string* DocumentHeader::valueIn(const Line& line, const std::string& id,
+                                           const Attributes& frontMatter) const {
+  if (line.keyLength == 0) return nullptr;
+  if (!isReserved(line)) return frontMatter.find(line.key);
+  return line.key == "id" ? &id : nullptr;
+}
+
+static void appendKey(std::string& out, std::string_view key, bool isReserved) {
+  if (isPlainKey(key) && !isReserved) {
+    out += key;
+  } else {
+    json::appendString(key, out);
+  }
+  out += ':';
+}
+
 void DocumentHeader::write(std::string& out, const Outline& outline) const {
   if (!outline.persistentId().empty()) {
     out += "id:";
@@ -110,14 +140,85 @@ void DocumentHeader::write(std::string& out, const Outline& outline) const {
     writeValue(out, document::formatTimestamp(outline.created()));
   }
   for (const Attribute& entry : outline.frontMatter()) {
-    if (isPlainKey(entry.key) && !isReserved(entry.key)) {
-      out += entry.key;
-    } else {
-      json::appendString(entry.key, out);
-    }
-    out += ':';
+    appendKey(out, entry.key, isReserved(entry.key));
     writeValue(out, entry.value);
   }
+}
+
+std::vector<DocumentHeader::Entry> DocumentHeader::takeApart(std::string_view lines) const {
+  DocumentHeader header(keepsTimes_);
+  std::vector<Entry> entries;
+  text::Lines reader(lines);
+  while (reader.next()) {
+    const std::string_view line = reader.line();
+    const std::size_t count = header.lines_.size();
+    header.readLine(line);
+    const bool isKey = header.lines_.size() > count;
+    if (isKey || entries.empty()) {
+      Entry entry{.line = isKey ? header.lines_.back() : Line(), .begin = reader.offset()};
+      const std::size_t behindColon =
+          std::min(line.find_first_not_of(" \t", entry.line.keyLength), line.size());
+      entry.valueFrom = entry.valueTo = entry.begin + behindColon;
+      entries.push_back(std::move(entry));
+    }
+    Entry& entry = entries.back();
+    if (isKey || !isComment(line)) entry.valueTo = reader.offset() + line.size();
+    entry.end = std::min(lines.find('\n', reader.offset()), lines.size() - 1) + 1;
+  }
+  return entries;
+}
+
+bool DocumentHeader::tells(std::string_view lines, std::string_view key) const {
+  const std::vector<Entry> entries = takeApart(lines);
+  return std::any_of(entries.begin(), entries.end(), [&](const Entry& entry) {
+    return entry.line.key == key && isReserved(entry.line) == isReserved(key);
+  });
+}
+
+/// The value as it is written over another one; YAML reads what stands in markdown.
+std::string DocumentHeader::valueOver(std::string_view before, std::string_view value) const {
+  const bool bothAreLines = before.starts_with('\n') && value.starts_with('\n');
+  return keepsTimes_ || (bothAreLines && isPlainValue(value)) ? valueText(value) : yamlValue(value, before);
+}
+
+std::string DocumentHeader::update(std::string_view lines, const Outline& outline) const {
+  const document::DocumentContent& read = outline.source()->document();
+  const std::string_view lineEnd = text::lineEndOf(outline.source()->text());
+  std::string out;
+  const std::vector<Entry> entries = takeApart(lines);
+  for (std::size_t index = 0; index < entries.size(); ++index) {
+    const Entry& entry = entries[index];
+    const auto isSameKey = [&](const Entry& other) {
+      return other.line.key == entry.line.key && isReserved(other.line) == isReserved(entry.line);
+    };
+    const bool isLast =
+        std::none_of(entries.begin() + static_cast<std::ptrdiff_t>(index) + 1, entries.end(), isSameKey);
+    const std::string* was = valueIn(entry.line, read.persistentId, read.frontMatter);
+    const std::string* now = valueIn(entry.line, outline.persistentId(), outline.frontMatter());
+    if (was && !now) {  // what follows its value stays
+      const std::size_t to = std::min(lines.find('\n', entry.valueTo), entry.end - 1) + 1;
+      out += lines.substr(to, entry.end - to);
+    } else if (!was || *was == *now || !isLast) {
+      out += lines.substr(entry.begin, entry.end - entry.begin);
+    } else {
+      const std::string_view before = lines.substr(entry.valueFrom, entry.valueTo - entry.valueFrom);
+      const std::string value = valueOver(before, *now);
+      out += lines.substr(entry.begin, entry.valueFrom - entry.begin);
+      if (out.ends_with(':') && !value.starts_with('\n')) out += ' ';
+      appendLines(out, value, lineEnd);
+      out += lines.substr(entry.valueTo, entry.end - entry.valueTo);
+    }
+  }
+  for (const Attribute& entry : outline.frontMatter()) {
+    if (read.frontMatter.find(entry.key)) continue;
+    if (!out.empty() && !out.ends_with('\n')) out += lineEnd;
+    appendKey(out, entry.key, isReserved(entry.key));
+    const std::string value = valueOver("", entry.value);
+    if (!value.starts_with('\n')) out += ' ';
+    appendLines(out, value, lineEnd);
+    out += lineEnd;
+  }
+  return out;
 }
 
 }  // namespace vell::formats

@@ -22,14 +22,33 @@ class DocumentHeader {
   bool finish(Outline& outline) const;
 
   void write(std::string& out, const Outline& outline) const;
+  /// The lines of a header that the outline was read from as they are to be now: only those of keys whose
+  /// value has changed since are written anew, and new keys follow. The id is written only where there was
+  /// one.
+  std::string update(std::string_view lines, const Outline& outline) const;
+  /// True if the lines of a header have that key.
+  bool tells(std::string_view lines, std::string_view key) const;
 
  private:
   struct Line {
     std::string key;
     std::string value;
-    bool quotedKey;
+    bool quotedKey = false;
+    std::size_t keyLength = 0;  ///< with the colon
   };
 
+  /// Where one key stands in a header.
+  struct Entry {
+    Line line = {};             ///< no key: what stands before the first one
+    std::size_t begin = 0;      ///< of its key
+    std::size_t valueFrom = 0;  ///< behind the colon and the blanks there
+    std::size_t valueTo = 0;    ///< without the blank lines and comments that follow
+    std::size_t end = 0;
+  };
+  std::vector<Entry> takeApart(std::string_view lines) const;
+  std::string valueOver(std::string_view before, std::string_view value) const;
+  const std::string* valueIn(const Line& line, const std::string& id, const Attributes& frontMatter) const;
+  bool isReserved(const Line& line) const { return !line.quotedKey && isReserved(line.key); }
   bool isReserved(std::string_view key) const { return key == "id" || (keepsTimes_ && key == "created"); }
 
   bool keepsTimes_;

@@ -38,9 +38,9 @@ std::span<const Format> formats() {
       Format{"session",  {},                 nullptr,      writeSession,  nullptr, true},
       Format{"json",     {"json"},           readJson,     writeJson,     nullptr, true},
       Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, nullptr, false},
-      Format{"vell",     {"vell"},           readVell,     writeVell,     nullptr, false},
+      Format{"vell",     {"vell"},           readVell,     writeVell,     updateVell, false},
       Format{"opml",     {"opml"},           readOpml,     writeOpml,     updateOpml, false},
-      Format{"txt",      {"txt"},            readTxt,      writeTxt,      nullptr, false},
+      Format{"txt",      {"txt"},            readTxt,      writeTxt,      updateTxt, false},
   };
   // clang-format on
   return table;

@@ -9,6 +9,11 @@ std::size_t lineNumber(std::string_view text, std::size_t offset) {
   return static_cast<std::size_t>(std::count(text.begin(), end, '\n')) + 1;
 }
 
+std::string_view lineEndOf(std::string_view text) {
+  const std::size_t feed = text.find('\n');
+  return feed != text.npos && feed > 0 && text[feed - 1] == '\r' ? "\r\n" : "\n";
+}
+
 bool Lines::next() {
   if (end_ >= text_.size()) return false;
   offset_ = end_;

@@ -8,6 +8,9 @@ namespace vell::text {
 /// Number of the line that holds the byte, from 1.
 std::size_t lineNumber(std::string_view text, std::size_t offset);
 
+/// The end of the first line: "\r\n" or "\n", a line feed where there is none.
+std::string_view lineEndOf(std::string_view text);
+
 /// Takes a text apart at its line feeds; a carriage return before one goes with it.
 class Lines {
  public:

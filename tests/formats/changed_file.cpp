@@ -75,7 +75,10 @@ bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
         const Row* last = &row;
         while (last->lastChild()) last = last->lastChild();
         free_ = around({span(row).begin, std::max(span(row).closeEnd, span(*last).end)});
-        if (!row.previous() && !row.next()) free_ = around(ownLines(*parent));
+        if (!row.previous() && !row.next()) {
+          const Range above = around(ownLines(*parent));
+          free_ = {std::min(free_.begin, above.begin), std::max(free_.end, above.end)};
+        }
       }
       edit.remove(row);
       break;
@@ -175,6 +178,7 @@ ChangedFile::Range ChangedFile::around(Range range) const {
       std::min(text.find_last_not_of(" \t\r\n", range.begin - (range.begin > 0)) + 1, range.begin);
   std::size_t end = std::min(text.find_first_not_of(" \t\r\n", range.end), text.size());
   for (const Range piece : pieces()) {
+    if (piece.begin == range.begin && piece.end == range.end) continue;
     if (piece.end <= range.begin) begin = piece.end;
     if (piece.begin >= range.end) {
       end = piece.begin;

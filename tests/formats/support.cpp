@@ -124,15 +124,16 @@ std::string dump(const Outline& outline, Holds holds) {
   }
   for (const PlacedRow& placed : placeAll(outline)) {
     const Row& row = *placed.row;
-    out += "\n" + std::string(placed.depth * 2, ' ');
+    out += '\n';
     if (holds.styles) {
+      out.append(placed.depth * 2, ' ');
       json::Writer writer(out);
       writeRuns(writer, row.text());
       out.append(" ").append(name(row.type())).append(" ");
       out += attributesOf(row.attributes());
       json::appendString(row.persistentId(), out);
-    } else {
-      json::appendString(row.text().string(), out);
+    } else {  // tabs before a text may be depth
+      json::appendString(std::string(placed.depth, '\t') + row.text().string(), out);
     }
     if (holds.times)
       out += " " + document::formatTimestamp(row.created()) + " " + document::formatTimestamp(row.modified());
