@@ -101,7 +101,7 @@ std::vector<Attribute> xmlAttributes(const Row& row, Timestamp created, bool tel
   std::vector<Attribute> result{{"text", row.text().string()}};
   if (row.type() != RowType::body) result.push_back({"vell-type", std::string(name(row.type()))});
   if (!row.persistentId().empty()) result.push_back({"vell-id", row.persistentId()});
-  if (!row.text().isPlain()) appendInline(result.emplace_back("vell-text").value, row.text());
+  if (!row.text().isPlain()) appendInline(result.emplace_back(Attribute{"vell-text", ""}).value, row.text());
   for (Attribute& entry : xmlAttributes(row.attributes(), 0, 0)) result.push_back(std::move(entry));
   if (!tellsTimes) return result;
   if (row.created() != created)
