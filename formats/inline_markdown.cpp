@@ -40,17 +40,6 @@ std::string_view trim(std::string_view text) {
   return trimEnd(text);
 }
 
-Flanks flanksOf(std::string_view source, std::size_t at, std::size_t length) {
-  const char before = at > 0 ? source[at - 1] : ' ';
-  const char after = at + length < source.size() ? source[at + length] : ' ';
-  Flanks flanks{!isBlank(after), !isBlank(before)};
-  if (source[at] == '_') {  // words_with_underscores stay as they are
-    flanks.canOpen = flanks.canOpen && !isWordByte(before);
-    flanks.canClose = flanks.canClose && !isWordByte(after);
-  }
-  return flanks;
-}
-
 std::size_t runLength(std::string_view source, std::size_t at) {
   std::size_t end = at;
   while (end < source.size() && source[end] == source[at]) ++end;

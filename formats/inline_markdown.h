@@ -7,10 +7,14 @@
 
 namespace vell::formats {
 
-/// Reads one line of inline markdown: **strong** _em_ `code` ~~s~~ ==mark== [text](url) [text]{key=value},
-/// backslash escapes and `&#10;` character references. Never fails: what is no markup is text. Linear in the
-/// source.
-Text parseInline(std::string_view source);
+/// What a line feed in inline source is: text, or, where the source is a paragraph of several lines, a line
+/// break. A break reads as a blank; as a line feed where two blanks or a backslash stand before it.
+enum class LineFeeds { text, breaks };
+
+/// Reads inline markdown: **strong** _em_ `code` ~~s~~ ==mark== [text](url) [text]{key=value} <url>,
+/// backslash escapes and `&#10;` character references. Images, html and all else is text as it stands. Never
+/// fails: what is no markup is text. Linear in the source.
+Text parseInline(std::string_view source, LineFeeds lineFeeds = LineFeeds::text);
 
 /// Appends the text as inline markdown that parseInline reads back as the very same runs, free of line feeds
 /// and control characters, without blanks at its ends, and never ending in a "}" that could close a braced
@@ -18,10 +22,11 @@ Text parseInline(std::string_view source);
 void appendInline(std::string& out, const Text& text);
 
 /// Inline markdown that parseInline reads as exactly `now`, keeping of `source` what still means the same:
-/// all of it where nothing changed.
-std::string rewriteInline(std::string_view source, const Text& now);
+/// all of it where nothing changed. What it keeps may hold line feeds; what it adds is as appendInline writes
+/// it.
+std::string rewriteInline(std::string_view source, const Text& now, LineFeeds lineFeeds = LineFeeds::text);
 
-// What the reader and the writer of inline markdown must agree on.
+// What the readers and writers of inline markdown and of lines around it must agree on.
 
 /// ASCII punctuation: what a backslash takes its meaning from.
 bool isPunctuation(char c);
@@ -33,13 +38,6 @@ bool isControl(char c);
 /// Without the blanks at its ends.
 std::string_view trim(std::string_view text);
 std::string_view trimEnd(std::string_view text);
-
-/// Whether a run of marks can begin or end a style, by what stands beside it.
-struct Flanks {
-  bool canOpen;
-  bool canClose;
-};
-Flanks flanksOf(std::string_view source, std::size_t at, std::size_t length);
 
 /// How often the character at `at` is repeated from there on.
 std::size_t runLength(std::string_view source, std::size_t at);

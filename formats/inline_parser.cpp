@@ -1,84 +1,66 @@
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <unordered_map>
-#include <vector>
+#include <utility>
 
-#include "formats/attribute_list.h"
-#include "formats/inline_markdown.h"
+#include "formats/inline_delimiters.h"
+#include "formats/inline_pieces.h"
+#include "formats/inline_units.h"
 
 namespace vell::formats {
 namespace {
 
-/// A stretch of literal text, or a mark that opens or closes a style.
-struct Piece {
-  enum class Kind { text, open, close };
-
-  Kind kind = Kind::text;
-  std::string_view text;
-  Attributes attrs;  ///< of an open mark
-};
-
-/// A mark that may turn out to open a style; until then its piece is text.
-struct Opener {
-  std::string_view mark;
-  std::size_t piece;
-};
-
-/// Marks that wait for their end at a time; what is beyond is text. Bounds the work for each character.
-constexpr std::size_t maxOpeners = 64;
-constexpr int maxUrlParentheses = 32;
+/// Brackets that wait for their end at a time; the outer ones of more are text. Bounds the work for each
+/// character.
+constexpr std::size_t maxBrackets = 64;
 
 class InlineParser {
  public:
-  explicit InlineParser(std::string_view source) : source_(source) {}
+  InlineParser(std::string_view source, LineFeeds lineFeeds) : source_(source), lineFeeds_(lineFeeds) {}
 
-  Text parse() {
+  std::vector<Piece> parse() {
     while (at_ < source_.size()) step();
-    flush();
-    return assemble();
+    delimiters_.pair(0, pieces_);
+    return tiled();
   }
 
  private:
+  /// A "[" or "![" that waits for its "]".
+  struct Bracket {
+    std::size_t begin;
+    bool isImage;
+    // What the source held before it.
+    std::size_t pieces;
+    std::size_t delimiters;
+  };
+
   void step();
   void takeEscape();
   void takeReference();
   void takeCode();
-  void takeDelimiters();
-  void takeOne(std::string_view mark, bool canOpen, bool canClose);
-  void takeOpenBracket();
+  void takeAngle();
+  void takeLineFeed();
+  void takeOpenBracket(bool isImage);
   void takeCloseBracket();
-  std::optional<Attributes> bracketTail(std::size_t& at) const;
-  bool takeTarget(std::size_t& at, Attributes& attrs) const;
-  bool takeBareTarget(std::size_t& at, Attributes& attrs) const;
-  bool takeAttributes(std::size_t& at, Attributes& attrs) const;
+  void closeImage(const Bracket& bracket, std::size_t end);
+  void closeStyle(const Bracket& bracket, BracketTail tail);
   std::size_t findCodeEnd(std::size_t from, std::size_t length);
-  bool isOpen(char mark) const;
-  bool close(std::string_view mark, Attributes attrs);
-  void flush();
-  void addText(std::string_view text) { pieces_.push_back({Piece::Kind::text, text, {}}); }
-  std::string_view keep(std::string text);
-  Text assemble() const;
+  bool breaksAt(std::size_t at) const { return lineFeeds_ == LineFeeds::breaks && source_[at] == '\n'; }
+  void addUnit(std::size_t begin, std::size_t end);
+  void addBreaks(std::size_t begin, std::size_t end);
+  void add(Piece piece);
+  std::vector<Piece> tiled();
 
   std::string_view source_;
+  LineFeeds lineFeeds_;
   std::size_t at_ = 0;
-  std::size_t literalFrom_ = 0;
-  std::vector<Piece> pieces_;
-  std::vector<Opener> openers_;
-  std::vector<std::unique_ptr<std::string>> kept_;
+  std::size_t decodedUpTo_ = 0;
+  std::vector<Piece> pieces_;  ///< all but text, in any order
+  Delimiters delimiters_;
+  std::vector<Bracket> brackets_;
+  std::size_t insideLinkBelow_ = 0;  ///< so many of the brackets hold a link already and cannot be one
   std::optional<std::unordered_map<std::size_t, std::size_t>> lastBackticks_;
 };
-
-/// Ends the literal text before the current character.
-void InlineParser::flush() {
-  if (at_ > literalFrom_) addText(source_.substr(literalFrom_, at_ - literalFrom_));
-  literalFrom_ = at_;
-}
-
-std::string_view InlineParser::keep(std::string text) {
-  kept_.push_back(std::make_unique<std::string>(std::move(text)));
-  return *kept_.back();
-}
 
 void InlineParser::step() {
   switch (source_[at_]) {
@@ -88,41 +70,79 @@ void InlineParser::step() {
       return takeReference();
     case '`':
       return takeCode();
+    case '<':
+      return takeAngle();
     case '*':
     case '_':
     case '~':
-    case '=':
-      return takeDelimiters();
+    case '=': {
+      const std::size_t length = runLength(source_, at_);
+      delimiters_.add(source_, at_, length);
+      return void(at_ += length);
+    }
+    case '!':
+      if (source_.substr(at_).starts_with("![")) return takeOpenBracket(true);
+      return void(++at_);
     case '[':
-      return takeOpenBracket();
+      return takeOpenBracket(false);
     case ']':
       return takeCloseBracket();
+    case '\n':
+      return takeLineFeed();
     default:
       ++at_;
   }
 }
 
+/// Takes what follows the last piece, or lies around it.
+void InlineParser::add(Piece piece) {
+  at_ = decodedUpTo_ = piece.end;
+  pieces_.push_back(std::move(piece));
+}
+
 void InlineParser::takeEscape() {
-  if (at_ + 1 >= source_.size() || !isPunctuation(source_[at_ + 1])) {
-    ++at_;
-    return;
+  const std::size_t next = at_ + 1;
+  if (next < source_.size() && isPunctuation(source_[next]))
+    return add({Piece::Kind::decoded, at_, at_ + 2, std::string(1, source_[next]), {}});
+  if (next < source_.size() && breaksAt(next)) {
+    const std::size_t end = std::min(source_.find_first_not_of(" \t", next + 1), source_.size());
+    return add({Piece::Kind::decoded, at_, end, "\n", {}});
   }
-  flush();
-  literalFrom_ = at_ + 1;
-  at_ += 2;
+  ++at_;
 }
 
 void InlineParser::takeReference() {
   std::string character;
   const std::size_t length = decodeReference(source_.substr(at_), character);
-  if (length == 0) {
-    ++at_;
-    return;
+  if (length == 0) return void(++at_);
+  add({Piece::Kind::decoded, at_, at_ + length, std::move(character), {}});
+}
+
+/// The blanks on both sides belong to a break.
+void InlineParser::takeLineFeed() {
+  if (!breaksAt(at_)) return void(++at_);
+  std::size_t begin = at_;
+  while (begin > decodedUpTo_ && (source_[begin - 1] == ' ' || source_[begin - 1] == '\t')) --begin;
+  const bool isHard = source_.substr(begin, at_ - begin).ends_with("  ");
+  const std::size_t end = std::min(source_.find_first_not_of(" \t", at_ + 1), source_.size());
+  add({Piece::Kind::decoded, begin, end, isHard ? "\n" : " ", {}});
+}
+
+/// Makes the breaks in what is taken as one stand for blanks.
+void InlineParser::addBreaks(std::size_t begin, std::size_t end) {
+  if (lineFeeds_ == LineFeeds::text) return;
+  for (std::size_t at = source_.find('\n', begin); at < end; at = source_.find('\n', at)) {
+    const std::size_t behind = std::min(source_.find_first_not_of(" \t", at + 1), end);
+    pieces_.push_back({Piece::Kind::decoded, at, behind, " ", {}});
+    at = behind;
   }
-  flush();
-  addText(keep(std::move(character)));
-  at_ += length;
-  literalFrom_ = at_;
+}
+
+void InlineParser::addUnit(std::size_t begin, std::size_t end) {
+  const std::size_t firstBreak = lineFeeds_ == LineFeeds::breaks ? source_.find('\n', begin) : end;
+  add({Piece::Kind::unit, begin, std::min(firstBreak, end), {}, {}});
+  addBreaks(begin, end);
+  at_ = decodedUpTo_ = end;
 }
 
 /// The start of the run of exactly `length` backticks at or behind `from`; npos where there is none.
@@ -146,176 +166,126 @@ void InlineParser::takeCode() {
   const std::size_t length = runLength(source_, at_);
   const std::size_t start = at_ + length;
   const std::size_t end = findCodeEnd(start, length);
-  if (end == std::string_view::npos) {
-    at_ = start;
-    return;
+  if (end == std::string_view::npos) return void(at_ = start);
+  const auto isPad = [&](std::size_t at) { return source_[at] == ' ' || breaksAt(at); };
+  const std::string_view code = source_.substr(start, end - start);
+  const bool padded = code.size() > 1 && isPad(start) && isPad(end - 1) &&
+                      code.find_first_not_of(lineFeeds_ == LineFeeds::breaks ? " \n" : " ") != code.npos;
+  const std::size_t pad = padded ? 1 : 0;
+  add({Piece::Kind::open, at_, start + pad, {}, {{"code", ""}}});
+  addBreaks(start + pad, end - pad);
+  add({Piece::Kind::close, end - pad, end + length, {}, {}});
+}
+
+void InlineParser::takeAngle() {
+  const std::string_view rest = source_.substr(at_);
+  if (const auto target = autolinkTarget(rest)) {
+    const std::size_t close = source_.find('>', at_);
+    add({Piece::Kind::open, at_, at_ + 1, {}, {{"a", *target}}});
+    return add({Piece::Kind::close, close, close + 1, {}, {}});
   }
-  flush();
-  std::string_view code = source_.substr(start, end - start);
-  const bool padded = code.size() > 1 && code.front() == ' ' && code.back() == ' ';
-  if (padded && code.find_first_not_of(' ') != std::string_view::npos) code = code.substr(1, code.size() - 2);
-  pieces_.push_back({Piece::Kind::open, {}, {{"code", ""}}});
-  addText(code);
-  pieces_.push_back({Piece::Kind::close, {}, {}});
-  at_ = literalFrom_ = end + length;
+  const std::size_t length = htmlLength(rest);
+  if (length == 0) return void(++at_);
+  addUnit(at_, at_ + length);
 }
 
-void InlineParser::takeDelimiters() {
-  const char c = source_[at_];
-  const std::size_t length = runLength(source_, at_);
-  Flanks flanks = flanksOf(source_, at_, length);
-  flanks.canOpen = flanks.canOpen && openers_.size() < maxOpeners;
-  flanks.canClose = flanks.canClose && isOpen(c);
-  const std::string_view run = source_.substr(at_, length);
-  const bool twin = c == '~' || c == '=';
-  const bool isMark = twin ? length == 2 : length <= 3;
-  if (!isMark || (!flanks.canOpen && !flanks.canClose)) {
-    at_ += length;
-    return;
+void InlineParser::takeOpenBracket(bool isImage) {
+  if (brackets_.size() == maxBrackets) {
+    brackets_.erase(brackets_.begin());
+    if (insideLinkBelow_ > 0) --insideLinkBelow_;
   }
-  flush();
-  at_ += length;
-  literalFrom_ = at_;
-  if (length != 3) return takeOne(run, flanks.canOpen, flanks.canClose);
-  // Three stars or underscores are two marks, the inner one shorter on the left and first on the right.
-  const bool shortFirst = flanks.canClose && !openers_.empty() && openers_.back().mark == run.substr(0, 1);
-  takeOne(run.substr(0, shortFirst ? 1 : 2), flanks.canOpen, flanks.canClose);
-  takeOne(run.substr(0, shortFirst ? 2 : 1), flanks.canOpen, flanks.canClose);
-}
-
-void InlineParser::takeOne(std::string_view mark, bool canOpen, bool canClose) {
-  if (canClose && close(mark, styleOf(mark))) return;
-  if (canOpen && openers_.size() < maxOpeners) openers_.push_back({mark, pieces_.size()});
-  addText(mark);
-}
-
-bool InlineParser::isOpen(char mark) const {
-  const auto begins = [mark](const Opener& opener) { return opener.mark.front() == mark; };
-  return std::any_of(openers_.begin(), openers_.end(), begins);
-}
-
-/// Makes the latest opener of that mark open the style and ends it here; marks left open in between are text.
-bool InlineParser::close(std::string_view mark, Attributes attrs) {
-  for (std::size_t index = openers_.size(); index-- > 0;) {
-    if (openers_[index].mark != mark) continue;
-    Piece& opener = pieces_[openers_[index].piece];
-    if (openers_[index].piece + 1 == pieces_.size()) return false;  // nothing stands between
-    opener.kind = Piece::Kind::open;
-    opener.attrs = std::move(attrs);
-    openers_.resize(index);
-    pieces_.push_back({Piece::Kind::close, {}, {}});
-    return true;
-  }
-  return false;
-}
-
-void InlineParser::takeOpenBracket() {
-  if (openers_.size() == maxOpeners) return void(++at_);
-  flush();
-  openers_.push_back({"[", pieces_.size()});
-  addText(source_.substr(at_, 1));
-  literalFrom_ = ++at_;
+  brackets_.push_back({at_, isImage, pieces_.size(), delimiters_.size()});
+  at_ += isImage ? 2 : 1;
 }
 
 void InlineParser::takeCloseBracket() {
-  if (!isOpen('[')) return void(++at_);
-  flush();
-  std::size_t end = at_ + 1;
-  std::optional<Attributes> attrs = bracketTail(end);
-  if (attrs && close("[", std::move(*attrs))) {
-    at_ = literalFrom_ = end;
-    return;
+  if (brackets_.empty()) return void(++at_);
+  const Bracket bracket = brackets_.back();
+  const bool mayLink = brackets_.size() > insideLinkBelow_;
+  brackets_.pop_back();
+  insideLinkBelow_ = std::min(insideLinkBelow_, brackets_.size());
+  auto tail = readBracketTail(source_, at_ + 1);
+  if (!tail) return void(++at_);
+  const bool isEmpty = at_ == bracket.begin + (bracket.isImage ? 2 : 1);
+  if (tail->isLink && bracket.isImage) return closeImage(bracket, tail->end);
+  if (isEmpty || (tail->isLink && !mayLink)) return void(++at_);
+  closeStyle(bracket, std::move(*tail));
+}
+
+void InlineParser::closeImage(const Bracket& bracket, std::size_t end) {
+  pieces_.resize(bracket.pieces);
+  delimiters_.drop(bracket.delimiters);
+  addUnit(bracket.begin, end);
+}
+
+void InlineParser::closeStyle(const Bracket& bracket, BracketTail tail) {
+  delimiters_.pair(bracket.delimiters, pieces_);
+  if (tail.isLink) insideLinkBelow_ = brackets_.size();
+  const std::size_t open = bracket.begin + (bracket.isImage ? 1 : 0);
+  pieces_.push_back({Piece::Kind::open, open, open + 1, {}, std::move(tail.style)});
+  add({Piece::Kind::close, at_, tail.end, {}, {}});
+}
+
+/// Puts the pieces in order and makes text of what lies between them.
+std::vector<Piece> InlineParser::tiled() {
+  std::sort(pieces_.begin(), pieces_.end(), [](const Piece& a, const Piece& b) { return a.begin < b.begin; });
+  std::vector<Piece> tiles;
+  std::size_t end = 0;
+  const auto fill = [&](std::size_t begin) {
+    if (begin > end) tiles.push_back({Piece::Kind::text, end, begin, {}, {}});
+  };
+  for (Piece& piece : pieces_) {
+    fill(piece.begin);
+    end = piece.end;
+    tiles.push_back(std::move(piece));
   }
-  if (openers_.back().mark == "[") openers_.pop_back();
-  ++at_;
+  fill(source_.size());
+  return tiles;
 }
 
-/// What a "]" gives to the text before it: `(target)`, `{list}` or both. Moves `at` behind it.
-std::optional<Attributes> InlineParser::bracketTail(std::size_t& at) const {
-  if (at >= source_.size()) return std::nullopt;
-  Attributes attrs;
-  if (source_[at] == '(' && !takeTarget(at, attrs)) return std::nullopt;
-  if (at < source_.size() && source_[at] == '{' && !takeAttributes(at, attrs) && attrs.empty())
-    return std::nullopt;
-  if (attrs.empty()) return std::nullopt;
-  return attrs;
+}  // namespace
+
+std::vector<Piece> readPieces(std::string_view source, LineFeeds lineFeeds) {
+  return InlineParser(source, lineFeeds).parse();
 }
 
-bool InlineParser::takeAttributes(std::size_t& at, Attributes& attrs) const {
-  AttributeListReader list(source_.substr(at));
-  Attributes read;
-  bool hasId = false;
-  const bool isList = list.read([&](const ListItem& item) {
-    hasId = hasId || (item.key == "#" && !item.quotedKey);
-    read.set(item.key, item.value);
-  });
-  if (!isList || hasId) return false;
-  for (const Attribute& entry : read) attrs.set(entry.key, entry.value);
-  at += list.length();
-  return true;
-}
-
-bool InlineParser::takeTarget(std::size_t& at, Attributes& attrs) const {
-  std::size_t end = at + 1;
-  if (end < source_.size() && source_[end] == '<') {
-    const std::size_t close = source_.find_first_of("<>\n", end + 1);
-    if (close == std::string_view::npos || source_[close] != '>') return false;
-    attrs.set("a", source_.substr(end + 1, close - end - 1));
-    end = close + 1;
-  } else if (!takeBareTarget(end, attrs)) {
-    return false;
+std::string_view textOf(std::string_view source, const Piece& piece) {
+  switch (piece.kind) {
+    case Piece::Kind::open:
+    case Piece::Kind::close:
+      return {};
+    case Piece::Kind::decoded:
+      return piece.decoded;
+    default:
+      return source.substr(piece.begin, piece.end - piece.begin);
   }
-  if (end + 1 < source_.size() && source_[end] == ' ' && source_[end + 1] == '"') {
-    const std::size_t close = source_.find('"', end + 2);
-    if (close == std::string_view::npos) return false;
-    attrs.set("title", source_.substr(end + 2, close - end - 2));
-    end = close + 1;
-  }
-  if (end >= source_.size() || source_[end] != ')') return false;
-  at = end + 1;
-  return true;
 }
 
-/// A target without blanks whose parentheses pair up.
-bool InlineParser::takeBareTarget(std::size_t& at, Attributes& attrs) const {
-  std::string target;
-  int open = 0;
-  for (; at < source_.size() && source_[at] != ' ' && source_[at] != '\t'; ++at) {
-    char c = source_[at];
-    if (c == ')' && open == 0) break;
-    if (c == '(' && ++open > maxUrlParentheses) return false;
-    if (c == ')') --open;
-    if (c == '\\' && at + 1 < source_.size() && isPunctuation(source_[at + 1])) c = source_[++at];
-    target += c;
-  }
-  attrs.set("a", target);
-  return open == 0;
-}
-
-Text InlineParser::assemble() const {
+Text textOf(std::string_view source, const std::vector<Piece>& pieces) {
   Text text;
-  std::vector<const Attributes*> styles;
-  for (const Piece& piece : pieces_) {
+  std::vector<Attributes> styles{{}};   // each with what the ones around it say
+  std::vector<std::size_t> current{0};  // the styles that are open
+  for (const Piece& piece : pieces) {
     if (piece.kind == Piece::Kind::open) {
-      styles.push_back(&piece.attrs);
+      Attributes style = styles[current.back()];
+      for (const Attribute& entry : piece.style) style.set(entry.key, entry.value);
+      if (style != styles[current.back()])
+        styles.push_back(std::move(style)), current.push_back(styles.size() - 1);
+      else
+        current.push_back(current.back());
     } else if (piece.kind == Piece::Kind::close) {
-      styles.pop_back();
+      current.pop_back();
+      styles.resize(current.back() + 1);
     } else {
-      Attributes attrs;
-      for (const Attributes* style : styles) {
-        for (const Attribute& entry : *style) attrs.set(entry.key, entry.value);
-      }
-      text.append(piece.text, std::move(attrs));
+      text.append(textOf(source, piece), styles[current.back()]);
     }
   }
   return text;
 }
 
-}  // namespace
-
-Text parseInline(std::string_view source) {
-  if (source.find_first_of("\\&`*_~=[") == std::string_view::npos) return Text(std::string(source));
-  return InlineParser(source).parse();
+Text parseInline(std::string_view source, LineFeeds lineFeeds) {
+  if (source.find_first_of("\\&`*_~=[<\n") == std::string_view::npos) return Text(std::string(source));
+  return textOf(source, readPieces(source, lineFeeds));
 }
 
 }  // namespace vell::formats

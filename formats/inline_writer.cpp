@@ -1,9 +1,11 @@
+#include "formats/inline_writer.h"
+
+#include <algorithm>
 #include <array>
-#include <span>
-#include <vector>
 
 #include "formats/attribute_list.h"
-#include "formats/inline_markdown.h"
+#include "formats/inline_delimiters.h"
+#include "formats/inline_units.h"
 
 namespace vell::formats {
 namespace {
@@ -11,207 +13,160 @@ namespace {
 /// Styles that have a mark, the outer ones first; all others are written behind brackets.
 constexpr std::array<std::string_view, 4> markedKeys = {"strong", "mark", "s", "em"};
 
-/// Where a stretch of literal text has no markup beside it.
-struct LineEdges {
-  bool lineStart;
-  bool lineEnd;
-};
-
-/// Writes literal text so that none of it is read as markup; beside markup its ends are escaped with more
-/// care.
-class LiteralWriter {
+class RangeWriter {
  public:
-  LiteralWriter(std::string& out, std::string_view text, LineEdges edges)
-      : out_(out), text_(text), edges_(edges), alone_(edges.lineStart && edges.lineEnd) {}
+  using Ranges = std::span<const StyledRange>;
 
-  void write() {
-    while (at_ < text_.size()) step();
-  }
+  RangeWriter(Draft& draft, std::string_view text, Ranges ranges, StyleForm form)
+      : draft_(draft), text_(text), ranges_(ranges), form_(form) {}
+
+  void write() { writeBracketGroups(ranges_); }
 
  private:
-  void step();
-  void copyWords();
-  void writeMarks();
-  bool marksAreHarmless(std::size_t length) const;
-  bool needsBackslash(char c) const;
-  bool isLineEdge() const {
-    return (edges_.lineStart && at_ == 0) || (edges_.lineEnd && at_ + 1 == text_.size());
-  }
-  char next() const { return at_ + 1 < text_.size() ? text_[at_ + 1] : '\0'; }
-
-  std::string& out_;
-  std::string_view text_;
-  LineEdges edges_;
-  bool alone_;
-  std::size_t at_ = 0;
-};
-
-void LiteralWriter::step() {
-  const char c = text_[at_];
-  if (isWordByte(c)) return copyWords();
-  if (c == '*' || c == '_' || c == '~' || c == '=') return writeMarks();
-  const bool isEndBlank = isBlank(c) && isLineEdge();
-  if ((isControl(c) && c != '\t') || isEndBlank) {
-    appendReference(out_, c);
-  } else {
-    if (needsBackslash(c)) out_ += '\\';
-    out_ += c;
-  }
-  ++at_;
-}
-
-void LiteralWriter::copyWords() {
-  const std::size_t start = at_;
-  while (at_ < text_.size() && isWordByte(text_[at_])) ++at_;
-  out_ += text_.substr(start, at_ - start);
-}
-
-bool LiteralWriter::needsBackslash(char c) const {
-  switch (c) {
-    case '\\':
-    case '`':
-      return true;
-    case '[':
-      return !alone_;
-    case ']':
-      return !alone_ || next() == '(' || next() == '{';
-    case '&':
-      return !alone_ || next() == '#';
-    case '{':
-      return !alone_ && at_ == 0;
-    case '}':
-      return at_ + 1 == text_.size();
-    default:
-      return false;
-  }
-}
-
-void LiteralWriter::writeMarks() {
-  const std::size_t length = runLength(text_, at_);
-  const bool harmless = marksAreHarmless(length);
-  for (const std::size_t end = at_ + length; at_ < end; ++at_) {
-    if (!harmless) out_ += '\\';
-    out_ += text_[at_];
-  }
-}
-
-bool LiteralWriter::marksAreHarmless(std::size_t length) const {
-  const char c = text_[at_];
-  const std::size_t end = at_ + length;
-  const bool touchesEnd = at_ == 0 || end == text_.size();
-  if ((c == '~' || c == '=') && length != 2) return alone_ || !touchesEnd;
-  if (touchesEnd) return false;
-  const char before = text_[at_ - 1];
-  const char after = text_[end];
-  if (c == '_' && isWordByte(before) && isWordByte(after)) return true;
-  return before == ' ' && after == ' ' && at_ > 1 && end + 1 < text_.size();
-}
-
-/// Writes styled runs, neighbours of one style together.
-class RunWriter {
- public:
-  explicit RunWriter(const std::vector<Run>& runs) : runs_(runs) {}
-
-  /// With marks where there are any; may come out ambiguous.
-  std::string marked() {
-    writeBracketGroups(runs_);
-    return std::move(out_);
-  }
-  /// Every run behind brackets of its own.
-  std::string bracketed() {
-    for (const Run& run : runs_) {
-      if (run.attrs.empty()) {
-        writeLiteral(run);
-      } else {
-        out_ += '[';
-        writeLiteral(run);
-        out_ += ']';
-        writeList(run.attrs);
-      }
-    }
-    return std::move(out_);
-  }
-
- private:
-  using Runs = std::span<const Run>;
-
-  static bool isMarked(const Attribute& entry) {
-    return entry.value.empty() && (entry.key == "code" || !markOf(entry.key).empty());
-  }
-  static Attributes bracketStyle(const Run& run);
-  static bool has(const Run& run, std::string_view key);
-  void writeBracketGroups(Runs runs);
-  void writeMarkGroups(Runs runs, std::size_t level);
-  void writeLeaf(const Run& run);
-  void writeLiteral(const Run& run);
+  bool isMarked(const Attribute& entry) const;
+  Attributes bracketStyle(const StyledRange& range) const;
+  static bool has(const StyledRange& range, std::string_view key);
+  std::string_view markFor(std::size_t level, Ranges group) const;
+  bool markupFollows(std::size_t level, Ranges group) const;
+  void writeBracketGroups(Ranges ranges);
+  void writeMarkGroups(Ranges ranges, std::size_t level);
+  void writeLeaf(const StyledRange& range);
+  bool isAutolink(Ranges group, const Attributes& style) const;
   void writeCode(std::string_view code);
-  void writeTail(Attributes attrs);
-  void writeList(const Attributes& attrs);
+  void writeTail(Attributes style);
+  void writeList(const Attributes& style);
 
-  const std::vector<Run>& runs_;
-  std::string out_;
+  Draft& draft_;
+  std::string_view text_;
+  Ranges ranges_;
+  StyleForm form_;
 };
 
-Attributes RunWriter::bracketStyle(const Run& run) {
+bool RangeWriter::isMarked(const Attribute& entry) const {
+  return form_ == StyleForm::marks && entry.value.empty() &&
+         (entry.key == "code" || !markOf(entry.key).empty());
+}
+
+Attributes RangeWriter::bracketStyle(const StyledRange& range) const {
   Attributes style;
-  for (const Attribute& entry : run.attrs) {
+  for (const Attribute& entry : range.style) {
     if (!isMarked(entry)) style.set(entry.key, entry.value);
   }
   return style;
 }
 
-bool RunWriter::has(const Run& run, std::string_view key) {
-  const std::string* value = run.attrs.find(key);
+bool RangeWriter::has(const StyledRange& range, std::string_view key) {
+  const std::string* value = range.style.find(key);
   return value && value->empty();
 }
 
-void RunWriter::writeBracketGroups(Runs runs) {
-  while (!runs.empty()) {
-    const Attributes style = bracketStyle(runs.front());
+void RangeWriter::writeBracketGroups(Ranges ranges) {
+  while (!ranges.empty()) {
+    const Attributes style = bracketStyle(ranges.front());
     std::size_t count = 1;
-    while (count < runs.size() && bracketStyle(runs[count]) == style) ++count;
-    if (!style.empty()) out_ += '[';
-    writeMarkGroups(runs.first(count), 0);
-    if (!style.empty()) {
-      out_ += ']';
+    while (form_ == StyleForm::marks && count < ranges.size() && bracketStyle(ranges[count]) == style)
+      ++count;
+    const Ranges group = ranges.first(count);
+    if (isAutolink(group, style)) {
+      draft_.addMarkup("<" + *style.find("a") + ">");
+    } else if (style.empty()) {
+      writeMarkGroups(group, 0);
+    } else {
+      draft_.addMarkup("[");
+      writeMarkGroups(group, 0);
+      draft_.addMarkup("]");
       writeTail(style);
     }
-    runs = runs.subspan(count);
+    ranges = ranges.subspan(count);
   }
 }
 
-void RunWriter::writeMarkGroups(Runs runs, std::size_t level) {
+/// A link that shows its own target.
+bool RangeWriter::isAutolink(Ranges group, const Attributes& style) const {
+  if (form_ != StyleForm::marks || group.size() != 1 || group.front().style != style || style.size() != 1)
+    return false;
+  const std::string* target = style.find("a");
+  const StyledRange& range = group.front();
+  return target && text_.substr(range.begin, range.end - range.begin) == *target &&
+         autolinkTarget("<" + *target + ">") == *target;
+}
+
+/// The mark that can stand on both sides of the group; empty where none can, as beside a blank within it.
+std::string_view RangeWriter::markFor(std::size_t level, Ranges group) const {
+  const std::string_view key = markedKeys[level];
+  const std::size_t begin = group.front().begin;
+  const std::size_t end = group.back().end;
+  const std::string& written = draft_.source();
+  const CharacterClass before =
+      written.empty() ? classBefore(text_, begin) : classBefore(written, written.size());
+  const CharacterClass behind =
+      markupFollows(level, group) ? CharacterClass::punctuation : classAt(text_, end);
+  for (const std::string_view mark :
+       {markOf(key), key == "em" ? std::string_view("*") : std::string_view()}) {
+    if (mark.empty()) continue;
+    const Flanks opening = flanksOf(mark.front(), before, classAt(text_, begin));
+    const Flanks closing = flanksOf(mark.front(), classBefore(text_, end), behind);
+    if (opening.canOpen && closing.canClose) return mark;
+  }
+  return {};
+}
+
+/// True where other styles begin behind the group, or end there that are written around it.
+bool RangeWriter::markupFollows(std::size_t level, Ranges group) const {
+  const StyledRange& last = group.back();
+  if (&last == &ranges_.back()) return false;
+  const Attributes& next = (&last + 1)->style;
+  const auto isInner = [&](const Attribute& entry) {
+    const auto place =
+        std::find(markedKeys.begin() + static_cast<std::ptrdiff_t>(level), markedKeys.end(), entry.key);
+    return isMarked(entry) && (entry.key == "code" || place != markedKeys.end());
+  };
+  const auto isIn = [](const Attributes& style, const Attribute& entry) {
+    const std::string* value = style.find(entry.key);
+    return value && *value == entry.value;
+  };
+  return std::any_of(next.begin(), next.end(),
+                     [&](const Attribute& entry) { return !isIn(last.style, entry); }) ||
+         std::any_of(last.style.begin(), last.style.end(),
+                     [&](const Attribute& entry) { return !isInner(entry) && !isIn(next, entry); });
+}
+
+void RangeWriter::writeMarkGroups(Ranges ranges, std::size_t level) {
   if (level == markedKeys.size()) {
-    for (const Run& run : runs) writeLeaf(run);
+    for (const StyledRange& range : ranges) writeLeaf(range);
     return;
   }
   const std::string_view key = markedKeys[level];
-  while (!runs.empty()) {
-    const bool marked = has(runs.front(), key);
+  while (!ranges.empty()) {
+    const bool marked = form_ == StyleForm::marks && has(ranges.front(), key);
     std::size_t count = 1;
-    while (count < runs.size() && has(runs[count], key) == marked) ++count;
-    if (marked) out_ += markOf(key);
-    writeMarkGroups(runs.first(count), level + 1);
-    if (marked) out_ += markOf(key);
-    runs = runs.subspan(count);
+    while (count < ranges.size() && has(ranges[count], key) == marked) ++count;
+    const Ranges group = ranges.first(count);
+    const std::string_view mark = marked ? markFor(level, group) : std::string_view();
+    draft_.addMarkup(marked && mark.empty() ? "[" : mark);
+    writeMarkGroups(group, level + 1);
+    draft_.addMarkup(marked && mark.empty() ? "]" : mark);
+    if (marked && mark.empty()) writeList({{std::string(key), ""}});
+    ranges = ranges.subspan(count);
   }
 }
 
-void RunWriter::writeLeaf(const Run& run) {
-  if (has(run, "code")) {
-    writeCode(run.string);
+void RangeWriter::writeLeaf(const StyledRange& range) {
+  const std::string_view string = text_.substr(range.begin, range.end - range.begin);
+  const auto isBad = [](char c) { return isControl(c) && c != '\t'; };
+  if (form_ == StyleForm::brackets || !has(range, "code")) {
+    draft_.addText(string);
+  } else if (std::any_of(string.begin(), string.end(), isBad)) {
+    draft_.addMarkup("[");
+    draft_.addText(string);
+    draft_.addMarkup("]");
+    writeList({{"code", ""}});
   } else {
-    writeLiteral(run);
+    writeCode(string);
   }
 }
 
-void RunWriter::writeLiteral(const Run& run) {
-  const bool styled = !run.attrs.empty();
-  const LineEdges edges{!styled && &run == &runs_.front(), !styled && &run == &runs_.back()};
-  LiteralWriter(out_, run.string, edges).write();
-}
-
-void RunWriter::writeCode(std::string_view code) {
+void RangeWriter::writeCode(std::string_view code) {
   std::size_t longest = 0;
   for (std::size_t at = 0; at < code.size(); at += runLength(code, at)) {
     if (code[at] == '`') longest = std::max(longest, runLength(code, at));
@@ -219,60 +174,68 @@ void RunWriter::writeCode(std::string_view code) {
   const std::string fence(longest + 1, '`');
   const bool padded =
       code.front() == '`' || code.back() == '`' || (code.front() == ' ' && code.back() == ' ');
-  const std::string_view pad = padded ? " " : "";
-  out_ += fence;
-  out_ += pad;
-  out_ += code;
-  out_ += pad;
-  out_ += fence;
+  const std::string pad = padded ? " " : "";
+  draft_.addMarkup(fence + pad);
+  draft_.addMarkup(code);
+  draft_.addMarkup(pad + fence);
 }
 
 /// A plain web address goes in parentheses, everything else in a list.
-void RunWriter::writeTail(Attributes attrs) {
-  const std::string* target = attrs.find("a");
-  if (target && target->find_first_of(" \t\n\r<>()[]\\\"") == std::string::npos) {
-    out_ += '(';
-    out_ += *target;
-    out_ += ')';
-    attrs.remove("a");
+void RangeWriter::writeTail(Attributes style) {
+  const std::string* target = style.find("a");
+  if (target && target->find_first_of(" \t\n\r<>()[]\\\"&") == std::string::npos) {
+    draft_.addMarkup("(" + *target + ")");
+    style.remove("a");
   }
-  if (!attrs.empty()) writeList(attrs);
+  if (!style.empty()) writeList(style);
 }
 
-void RunWriter::writeList(const Attributes& attrs) {
-  char before = '{';
-  for (const Attribute& entry : attrs) {
-    out_ += before;
-    appendListItem(out_, entry.key, entry.value);
-    before = ' ';
+void RangeWriter::writeList(const Attributes& style) {
+  std::string list;
+  for (const Attribute& entry : style) {
+    list += list.empty() ? '{' : ' ';
+    appendListItem(list, entry.key, entry.value);
   }
-  out_ += '}';
+  draft_.addMarkup(list + "}");
 }
 
-bool hasControl(std::string_view text) {
+/// True for text without anything that could be markup or stand in its way.
+bool isPlainSource(std::string_view text) {
+  if (text.empty()) return true;
+  if (isBlank(text.front()) || isBlank(text.back()) || text.back() == '}') return false;
   for (const char c : text) {
-    if (isControl(c)) return true;
+    if (isControl(c) && c != '\t') return false;
+    if (std::string_view("\\&`*_~=[<").find(c) != std::string_view::npos) return false;
   }
-  return false;
+  return true;
 }
 
 }  // namespace
 
-void appendInline(std::string& out, const Text& text) {
-  if (text.isPlain()) return LiteralWriter(out, text.string(), {true, true}).write();
-  const std::vector<Run> runs = text.runs();
-  const std::string marked = RunWriter(runs).marked();
-  // Marks that touch, or that stand beside blanks or within words, can come out ambiguous: reading back
-  // tells.
-  const bool exact = !hasControl(marked) && parseInline(marked) == text;
-  out += exact ? marked : RunWriter(runs).bracketed();
+std::vector<StyledRange> rangesOf(const Text& text) {
+  std::vector<StyledRange> ranges;
+  std::size_t end = 0;
+  text.forEachRun([&](std::string_view string, const Attributes& style) {
+    ranges.push_back({end, end + string.size(), style});
+    end += string.size();
+  });
+  return ranges;
 }
 
-std::string rewriteInline(std::string_view source, const Text& now) {
-  if (parseInline(source) == now) return std::string(source);
-  std::string rendered;
-  appendInline(rendered, now);
-  return rendered;
+void appendRanges(Draft& draft, std::string_view text, std::span<const StyledRange> ranges, StyleForm form) {
+  RangeWriter(draft, text, ranges, form).write();
+}
+
+void appendInline(std::string& out, const Text& text) {
+  if (text.isPlain() && isPlainSource(text.string())) return void(out += text.string());
+  const std::vector<StyledRange> ranges = rangesOf(text);
+  for (const StyleForm form : {StyleForm::marks, StyleForm::brackets}) {
+    Draft draft;
+    appendRanges(draft, text.string(), ranges, form);
+    if (!draft.settle(text, LineFeeds::text) && form == StyleForm::marks) continue;
+    out += draft.source();
+    return;
+  }
 }
 
 }  // namespace vell::formats

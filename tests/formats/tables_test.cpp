@@ -28,13 +28,11 @@ const InlineCase inlineCases[] = {
     // Plain text keeps what only looks like markup.
     {"", "[]", nullptr},
     {"a * b ** c _ d == e", R"([{"string":"a * b ** c _ d == e"}])", nullptr},
-    {"snake_case [note] & (x) 2*3", R"([{"string":"snake_case [note] & (x) 2*3"}])",
-     R"(snake_case [note] & (x) 2\*3)"},
-    {R"(\*a\* \\ \q)", R"([{"string":"*a* \\ \\q"}])", R"(\*a\* \\ \\q)"},
-    {"**open _only", R"([{"string":"**open _only"}])", R"(\*\*open \_only)"},
+    {"snake_case [note] & (x) 2*3", R"([{"string":"snake_case [note] & (x) 2*3"}])", nullptr},
+    {R"(\*a\* \\ \q)", R"([{"string":"*a* \\ \\q"}])", R"(\*a\* \ \q)"},
+    {"**open _only", R"([{"string":"**open _only"}])", nullptr},
     {"a&#10;b&#x41;&#32;", R"([{"string":"a\nbA "}])", "a&#10;bA&#32;"},
-    {"&amp; &#; &#xD800; &#99999999;", R"([{"string":"&amp; &#; &#xD800; &#99999999;"}])",
-     R"(&amp; \&#; \&#xD800; \&#99999999;)"},
+    {"&amp; &#; &#xD800; &#99999999;", R"([{"string":"&amp; &#; &#xD800; &#99999999;"}])", nullptr},
     // Each mark.
     {"**b** _i_ ~~s~~ ==m== `c`",
      R"([{"string":"b","attrs":{"strong":""}},{"string":" "},{"string":"i","attrs":{"em":""}},{"string":" "},)"
@@ -52,7 +50,7 @@ const InlineCase inlineCases[] = {
      R"([{"string":"a ","attrs":{"strong":""}},{"string":"b","attrs":{"em":"","strong":""}},)"
      R"({"string":" c","attrs":{"strong":""}}])",
      nullptr},
-    {"**a _b** c_", R"([{"string":"a _b","attrs":{"strong":""}},{"string":" c_"}])", R"(**a \_b** c\_)"},
+    {"**a _b** c_", R"([{"string":"a _b","attrs":{"strong":""}},{"string":" c_"}])", nullptr},
     // Links and lists of attributes.
     {"[**a** b](http://x/y_(z)w)",
      R"([{"string":"a","attrs":{"a":"http://x/y_(z)w","strong":""}},{"string":" b","attrs":{"a":"http://x/y_(z)w"}}])",
@@ -60,11 +58,10 @@ const InlineCase inlineCases[] = {
     {"[a](<b c> \"t\")", R"([{"string":"a","attrs":{"a":"b c","title":"t"}}])", R"([a]{a="b c" title=t})"},
     {"H[2]{base=sub}O", R"([{"string":"H"},{"string":"2","attrs":{"base":"sub"}},{"string":"O"}])", nullptr},
     {"[a](u){k=\"v w\"}", R"([{"string":"a","attrs":{"a":"u","k":"v w"}}])", nullptr},
-    {"[a]{#x} [b]{} [](u) ](u) x", R"([{"string":"[a]{#x} [b]{} [](u) ](u) x"}])",
-     R"([a\]{#x} [b\]{} [\](u) \](u) x)"},
+    {"[a]{#x} [b]{} [](u) ](u) x", R"([{"string":"[a]{#x} [b]{} [](u) ](u) x"}])", nullptr},
     // Where marks cannot tell the style apart, brackets do.
     {"[ a ]{strong=\"\"}", R"([{"string":" a ","attrs":{"strong":""}}])", nullptr},
-    {"[a]{em=\"\"}b", R"([{"string":"a","attrs":{"em":""}},{"string":"b"}])", nullptr},
+    {"[a]{em=\"\"}b", R"([{"string":"a","attrs":{"em":""}},{"string":"b"}])", "*a*b"},
 };
 
 TEST(InlineMarkdown, ReadsAndWrites) {
