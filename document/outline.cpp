@@ -5,14 +5,21 @@
 
 namespace vell::document {
 
-Outline::Outline() {
-  root_ = create(RowType::root, {}, 0);
+Outline::Outline(SessionId firstId) : firstId_(firstId), root_(&rows_.emplace_back()) {
+  root_->id_ = rootId;
+  root_->type_ = RowType::root;
   root_->inTree_ = true;
 }
 
+void Outline::replaceWith(Outline&& other) {
+  const std::uint64_t revision = revision_;
+  *this = std::move(other);
+  revision_ += revision + 1;
+}
+
 Row* Outline::find(SessionId id) {
-  if (id == 0 || id > rows_.size()) return nullptr;
-  Row& row = rows_[id - 1];
+  if (id != rootId && (id < firstId_ || id >= nextId())) return nullptr;
+  Row& row = rowOf(id);
   return row.inTree_ ? &row : nullptr;
 }
 
@@ -27,13 +34,14 @@ const Row* Outline::findPersistent(std::string_view id) const {
   return const_cast<Outline*>(this)->findPersistent(id);
 }
 
-Row& Outline::mutableRow(const Row& row) { return rows_[row.id_ - 1]; }
+Row& Outline::mutableRow(const Row& row) { return rowOf(row.id_); }
 
 Row* Outline::create(RowType type, Text text, Timestamp created) {
-  if (rows_.size() == std::numeric_limits<SessionId>::max())
+  const SessionId id = nextId();
+  if (id == std::numeric_limits<SessionId>::max())
     throw std::length_error("the outline has used up its row ids");
   Row& row = rows_.emplace_back();
-  row.id_ = static_cast<SessionId>(rows_.size());
+  row.id_ = id;
   row.type_ = type;
   row.text_ = std::move(text);
   row.created_ = row.modified_ = created;

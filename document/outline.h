@@ -24,7 +24,8 @@ namespace vell::document {
 /// reading included (numbering is done when it is asked for).
 class Outline {
  public:
-  Outline();
+  /// The first row that is created gets the id `firstId`, at least 2, the next ones those that follow.
+  explicit Outline(SessionId firstId = 2);
   Outline(const Outline&) = delete;
   Outline& operator=(const Outline&) = delete;
 
@@ -58,6 +59,11 @@ class Outline {
   /// The changeable form of a row of this outline.
   Row& mutableRow(const Row& row);
 
+  /// Takes over everything that the other outline holds. The rows of this one are freed, in the tree or not.
+  void replaceWith(Outline&& other);
+  /// The id of the next row that is created.
+  SessionId nextId() const { return firstId_ + static_cast<SessionId>(rows_.size() - 1); }
+
   /// A new row outside the tree; `modified` is `created`. Throws std::length_error when 2^32 ids are used up.
   Row* create(RowType type, Text text, Timestamp created);
   /// Puts a row (with the subtree it has) under `parent`, before that child or last. The row must be outside
@@ -84,6 +90,8 @@ class Outline {
   std::uint64_t revision() const { return revision_; }
 
  private:
+  Outline& operator=(Outline&&) = default;
+  Row& rowOf(SessionId id) { return rows_[id == rootId ? 0 : id - firstId_ + 1]; }
   void contentChanges(const Row& row);
   void enterTree(Row& top);
   void leaveTree(Row& top);
@@ -93,7 +101,9 @@ class Outline {
   Attributes frontMatter_;
   Timestamp created_ = 0;
   std::unique_ptr<Source> source_;
-  std::deque<Row> rows_;  ///< all there ever were; a row's id is its index + 1
+  static constexpr SessionId rootId = 1;
+  SessionId firstId_;
+  std::deque<Row> rows_;  ///< the root, then all that were created; their ids follow one another from `firstId_`
   Row* root_;
   std::size_t rowCount_ = 0;
   std::unordered_map<std::string_view, Row*> persistentIds_;  ///< of the rows in the tree

@@ -27,14 +27,6 @@ void decode(const formats::Format& format, FileContent content, const std::strin
   }
 }
 
-void removeRows(Outline& outline) {
-  while (const Row* first = outline.root().firstChild()) {
-    Row& row = outline.mutableRow(*first);
-    outline.remove(row);
-    outline.discard(row);
-  }
-}
-
 }  // namespace
 
 const formats::Format& fileFormat(const std::string& path) {
@@ -106,17 +98,16 @@ void OpenOutline::moveTo(const std::string& path, FileStamp stamp, std::size_t c
 
 bool OpenOutline::reload() {
   try {
-    const FileContent content = readFile(path_);
-    Outline trial;
-    decode(*format_, content, path_, trial);
-    const std::string id = persistentId();
+    FileContent content = readFile(path_);
+    const FileStamp stamp = content.stamp;
+    const std::size_t hash = hashOf(content.bytes);
+    Outline fresh(outline_->nextId());
+    decode(*format_, std::move(content), path_, fresh);
+    fresh.setPersistentId(persistentId());
     history_.clear();
     editor_.reset();
-    removeRows(*outline_);
-    outline_->setFrontMatter({});
-    decode(*format_, content, path_, *outline_);
-    outline_->setPersistentId(id);
-    markSaved(outline_->revision(), content.stamp, hashOf(content.bytes));
+    outline_->replaceWith(std::move(fresh));
+    markSaved(outline_->revision(), stamp, hash);
     return true;
   } catch (const Problem&) {
     return false;

@@ -61,6 +61,25 @@ TEST_F(OutlineTest, OnlyRowsInTheTreeAreFound) {
   EXPECT_EQ(outline.find(99), nullptr);
 }
 
+TEST_F(OutlineTest, AReplacedOutlineGivesNoIdTwice) {
+  Row* a = add(outline.root());
+  outline.setPersistentId(*a, "kid");
+  const std::uint64_t revision = outline.revision();
+  Outline other(outline.nextId());
+  Row* b = other.create(RowType::body, Text("y"), 0);
+  other.insert(*b, other.root());
+  other.setPersistentId(*b, "new");
+  outline.replaceWith(std::move(other));
+  EXPECT_EQ(numbers(outline), "1:0:0[0,2) 3:1:0[1,2) ");
+  EXPECT_EQ(outline.find(2), nullptr);
+  EXPECT_EQ(outline.find(3), b);
+  EXPECT_EQ(&outline.mutableRow(*b), b);
+  EXPECT_EQ(outline.findPersistent("kid"), nullptr);
+  EXPECT_EQ(outline.findPersistent("new"), b);
+  EXPECT_EQ(add(*b)->id(), 4u);
+  EXPECT_GT(outline.revision(), revision);
+}
+
 TEST_F(OutlineTest, FindsEveryPersistentIdThroughManyChanges) {
   std::mt19937 random(3);
   std::map<std::string, const Row*> held;
