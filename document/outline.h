@@ -103,7 +103,8 @@ class Outline {
   std::unique_ptr<Source> source_;
   static constexpr SessionId rootId = 1;
   SessionId firstId_;
-  std::deque<Row> rows_;  ///< the root, then all that were created; their ids follow one another from `firstId_`
+  std::deque<Row>
+      rows_;  ///< the root, then all that were created; their ids follow one another from `firstId_`
   Row* root_;
   std::size_t rowCount_ = 0;
   std::unordered_map<std::string_view, Row*> persistentIds_;  ///< of the rows in the tree

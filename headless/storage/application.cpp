@@ -1,6 +1,6 @@
 #include "headless/storage/application.h"
 
-#include <algorithm>
+#include <cstdio>
 #include <filesystem>
 #include <system_error>
 
@@ -12,6 +12,7 @@ namespace vell::headless {
 namespace {
 
 constexpr std::chrono::milliseconds followPace{1000};
+constexpr std::size_t mostRefusals = 100;
 
 }  // namespace
 
@@ -19,13 +20,17 @@ Application::Application(Scheduler& scheduler, ApplicationSettings settings)
     : scheduler_(scheduler),
       settings_(std::move(settings)),
       container_(settings_.container),
-      saver_(scheduler, {.report = settings_.report,
-                         .reloaded =
-                             [this](OpenOutline& opened) {
-                               reportFaultyIds(opened);
-                               notifyChanged(opened);
-                             },
-                         .moved = [this](OpenOutline& opened) { moved(opened); }}) {
+      saver_(scheduler, container_,
+             {.report = settings_.report,
+              .reloaded =
+                  [this](OpenOutline& opened) {
+                    remember(opened);
+                    reportFaultyIds(opened);
+                    notifyChanged(opened);
+                  },
+              .moved = [this](OpenOutline& opened) { moved(opened); },
+              .saved = [this](OpenOutline& opened) { remember(opened); }}) {
+  rescueLeftovers();
   followFiles();
 }
 
@@ -37,14 +42,40 @@ OpenOutline& Application::open(const std::string& path) {
     bringToFront(*already);
     return *already;
   }
-  removeAbandoned(standard);
-  auto opened = OpenOutline::read(standard);
+  auto opened = read(standard);
   reportFaultyIds(*opened);
   return add(std::move(opened));
 }
 
-OpenOutline& Application::newUntitled() {
-  auto opened = OpenOutline::create(container_.pathForUntitled());
+std::unique_ptr<OpenOutline> Application::read(const std::string& path) {
+  removeAbandonedBeside(path);
+  refusals_.erase(path);
+  try {
+    return OpenOutline::read(path);
+  } catch (const UnreadableFile& failure) {
+    if (refusals_.size() >= mostRefusals) refusals_.clear();
+    refusals_[path] = {stampOf(path), failure.reason()};
+    throw;
+  }
+}
+
+/// The first time that a file of its folder is opened: later there is nothing abandoned.
+void Application::removeAbandonedBeside(const std::string& path) {
+  std::string folder = folderOf(resolvedPath(path));
+  if (tidied_.contains(folder)) return;
+  removeAbandoned(folder);
+  tidied_.insert(std::move(folder));
+}
+
+std::optional<std::string> Application::refusal(const std::string& path) const {
+  const auto found = refusals_.find(standardisedPath(path));
+  if (found == refusals_.end() || found->second.stamp != stampOf(found->first)) return std::nullopt;
+  return found->second.reason;
+}
+
+OpenOutline& Application::newUntitled(const formats::Format& format) {
+  const std::string extension = "." + std::string(format.extensions.front());
+  auto opened = OpenOutline::create(container_.pathForUntitled(extension), format);
   opened->setUntitled();
   opened->outline().setPersistentId(newUuid());
   saver_.flush(*opened);
@@ -54,11 +85,10 @@ OpenOutline& Application::newUntitled() {
 void Application::reopenUntitled() {
   for (const std::string& path : container_.untitledFiles()) {
     try {
-      removeAbandoned(path);
-      auto opened = OpenOutline::read(path);
+      auto opened = read(path);
       opened->setUntitled();
       identify(*opened);
-      outlines_.push_back(std::move(opened));
+      outlines_.addBehind(std::move(opened));
     } catch (const Problem& problem) {
       report(problem.what());
     }
@@ -67,25 +97,61 @@ void Application::reopenUntitled() {
 
 OpenOutline& Application::add(std::unique_ptr<OpenOutline> opened) {
   identify(*opened);
-  outlines_.insert(outlines_.begin(), std::move(opened));
+  OpenOutline& added = outlines_.addInFront(std::move(opened));
   notifyListChanged();
-  return *outlines_.front();
+  return added;
 }
 
 /// Gives the outline its persistent id: the one in its file, else the one remembered for the file, else a new
 /// one. A copy of an open file gets a new one, too.
 void Application::identify(OpenOutline& opened) {
   std::string id = opened.persistentId();
-  if (id.empty()) id = container_.identifiers().identifierOf(opened.storagePath());
+  if (id.empty()) id = rememberedId(opened);
   if (id.empty() || findByPersistentId(id) != nullptr) id = newUuid();
   if (id != opened.persistentId()) opened.identify(id);
-  if (!opened.isUntitled()) remember(opened, opened.storagePath());
+  remember(opened);
+}
+
+/// By the file's path, also where the file was replaced meanwhile, as most editors do; but not where the
+/// former file stands beside it under another name: that one is the outline then. Else by the file itself,
+/// if it was renamed.
+std::string Application::rememberedId(const OpenOutline& opened) {
+  std::string id;
+  withIndex([&](platform::IdentifierIndex& index) {
+    const std::string& path = opened.storagePath();
+    const platform::FileIdentity& file = opened.stamp().file;
+    if (const auto* known = index.atPath(path)) {
+      const auto former = *known;
+      const auto renamed =
+          former.file == file ? std::optional<std::string>() : renamedFile(path, former.file);
+      if (renamed) index.put({former.identifier, *renamed, former.file});
+      if (!renamed) id = former.identifier;
+    } else if (const auto* renamed = index.ofFile(file)) {
+      if (stampOf(renamed->path).file != file) id = renamed->identifier;
+    }
+  });
+  return id;
+}
+
+void Application::remember(const OpenOutline& opened) {
+  withIndex([&](platform::IdentifierIndex& index) {
+    const platform::IdentifierIndex::Entry entry{opened.persistentId(), opened.storagePath(),
+                                                 opened.stamp().file};
+    const auto* known = index.atPath(entry.path);
+    if (known == nullptr || known->identifier != entry.identifier || known->file != entry.file)
+      index.put(entry);
+  });
+}
+
+void Application::forget(const std::string& path) {
+  withIndex([&](platform::IdentifierIndex& index) { index.forget(path); });
 }
 
 /// The index only helps to find files again: a failure is reported and nothing else.
-void Application::remember(const OpenOutline& opened, const std::string& path) {
+template <class Action>
+void Application::withIndex(Action action) {
   try {
-    container_.identifiers().put(opened.persistentId(), path);
+    action(container_.identifiers());
   } catch (const std::system_error& error) {
     report(std::string("Cannot keep persistent ids: ") + error.what());
   }
@@ -106,11 +172,7 @@ void Application::reportFaultyIds(const OpenOutline& opened) const {
 }
 
 void Application::bringToFront(const OpenOutline& outline) {
-  if (outlines_.front().get() == &outline) return;
-  const auto found = std::find_if(outlines_.begin(), outlines_.end(),
-                                  [&](const auto& candidate) { return candidate.get() == &outline; });
-  std::rotate(outlines_.begin(), found, std::next(found));
-  notifyListChanged();
+  if (outlines_.bringToFront(outline)) notifyListChanged();
 }
 
 void Application::saveAs(OpenOutline& outline, const std::string& path) {
@@ -134,36 +196,42 @@ void Application::close(OpenOutline& outline, bool discard) {
   if (!discard) saver_.flush(outline);
   if (!discard && outline.isDirty()) throw Problem(saver_.fault(outline) + ". The outline stays open");
   saver_.forget(outline);
-  if (discard && isKeptByUs(outline)) removeFile(outline.storagePath());
+  if (discard && isKeptByUs(outline)) {
+    removeFile(outline.storagePath());
+    forget(outline.storagePath());
+  }
   if (!discard && outline.isUntitled()) setAside(outline);
   if (listener_ != nullptr) listener_->outlineClosing(outline);
-  const auto found = std::find_if(outlines_.begin(), outlines_.end(),
-                                  [&](const auto& candidate) { return candidate.get() == &outline; });
-  outlines_.erase(found);
+  outlines_.remove(outline);
   notifyListChanged();
 }
 
 /// Keeps an untitled outline that is closed: its persistent id opens it again.
-void Application::setAside(const OpenOutline& outline) {
-  if (outline.outline().rowCount() == 0) return removeFile(outline.storagePath());
-  const std::string path = container_.pathForClosed();
-  std::filesystem::rename(outline.storagePath(), path);
-  remember(outline, path);
+void Application::setAside(OpenOutline& outline) {
+  const std::string former = outline.storagePath();
+  if (outline.outline().rowCount() == 0) {
+    removeFile(former);
+  } else {
+    const std::string path = container_.pathForClosed(std::filesystem::path(former).extension().string());
+    if (std::rename(former.c_str(), path.c_str()) != 0) throw systemProblem("Cannot move " + former);
+    outline.rename(path, stampOf(path));
+    remember(outline);
+  }
+  forget(former);
 }
 
 bool Application::saveAll() {
   bool all = true;
-  for (const auto& outline : outlines_) {
+  for (const auto& outline : outlines()) {
     saver_.flush(*outline);
     all = (!outline->isDirty() || rescue(*outline)) && all;
   }
   return all;
 }
 
-bool Application::rescue(OpenOutline& outline) {
+bool Application::rescue(const OpenOutline& outline) {
   try {
-    const std::string path = container_.pathForRescued(fileName(outline.storagePath()));
-    saver_.saveCopy(outline, path);
+    const std::string path = container_.rescue(saver_.spare(outline));
     report("What could not be saved as " + outline.storagePath() + " is in " + path);
     return true;
   } catch (const Problem& problem) {
@@ -172,26 +240,25 @@ bool Application::rescue(OpenOutline& outline) {
   }
 }
 
+/// What an earlier run could not save, or not to the end.
+void Application::rescueLeftovers() {
+  for (const std::string& unsaved : container_.unsavedFiles()) {
+    try {
+      report("Vell ended before it had saved everything: see " + container_.rescue(unsaved));
+    } catch (const Problem& problem) {
+      report(problem.what());
+    }
+  }
+}
+
 /// Looks regularly for what other programs wrote, for the sake of observers.
 void Application::followFiles() {
-  for (const auto& outline : outlines_) saver_.refresh(*outline);
+  try {
+    for (const auto& outline : outlines()) saver_.refresh(*outline);
+  } catch (const std::exception& failure) {
+    report(std::string("Cannot look for changed files: ") + failure.what());
+  }
   filesTimer_ = scheduler_.after(followPace, [this] { followFiles(); });
-}
-
-OpenOutline* Application::findByPath(const std::string& path) const {
-  const std::string standard = standardisedPath(path);
-  for (const auto& outline : outlines_)
-    if (outline->storagePath() == standard) return outline.get();
-  const std::string resolved = resolvedPath(standard);
-  for (const auto& outline : outlines_)
-    if (resolvedPath(outline->storagePath()) == resolved) return outline.get();
-  return nullptr;
-}
-
-OpenOutline* Application::findByPersistentId(const std::string& id) const {
-  for (const auto& outline : outlines_)
-    if (outline->persistentId() == id) return outline.get();
-  return nullptr;
 }
 
 OpenOutline& Application::outline(const std::optional<std::string>& persistentId) {
@@ -202,14 +269,13 @@ OpenOutline& Application::outline(const std::optional<std::string>& persistentId
 
 OpenOutline& Application::outlineOfEditor(const std::optional<std::string>& editorId) {
   if (!editorId) return frontmost();
-  for (const auto& outline : outlines_)
-    if (outline->editor().id() == *editorId) return current(*outline);
+  if (OpenOutline* found = outlines_.findByEditor(*editorId)) return current(*found);
   throw Problem("No editor has the id \"" + *editorId + "\"");
 }
 
 OpenOutline& Application::frontmost() {
-  if (outlines_.empty()) throw Problem("No outline is open");
-  return current(*outlines_.front());
+  if (outlines().empty()) throw Problem("No outline is open");
+  return current(*outlines().front());
 }
 
 OpenOutline& Application::current(OpenOutline& opened) {
@@ -218,7 +284,9 @@ OpenOutline& Application::current(OpenOutline& opened) {
 }
 
 void Application::moved(OpenOutline& opened) {
-  remember(opened, opened.storagePath());
+  const std::string former = outlines_.pathChanged(opened);
+  remember(opened);
+  if (former != opened.storagePath()) forget(former);
   notifyListChanged();
 }
 

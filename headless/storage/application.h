@@ -1,14 +1,16 @@
 #pragma once
 
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
-#include <vector>
 
 #include "headless/editing/transaction.h"
 #include "headless/storage/container.h"
 #include "headless/storage/open_outline.h"
+#include "headless/storage/outline_list.h"
 #include "headless/storage/saver.h"
 
 namespace vell::headless {
@@ -27,7 +29,7 @@ class ApplicationListener {
 struct ApplicationSettings {
   /// The directory for files of the application's own; it must exist.
   std::string container;
-  /// Takes lines for people; standard error.
+  /// Takes lines for people about what nobody asked for just now.
   std::function<void(const std::string&)> report;
   /// What the application calls itself to scripts.
   std::string version = "dev";
@@ -44,8 +46,10 @@ class Application {
 
   /// Opens the file, or finds it open, and brings it to front. Throws Problem.
   OpenOutline& open(const std::string& path);
-  /// Opens a new outline, which is kept in the container, and brings it to front.
-  OpenOutline& newUntitled();
+  /// Why the file could not be opened when that was last tried; nothing once it is open or has changed.
+  std::optional<std::string> refusal(const std::string& path) const;
+  /// Opens a new outline, which is kept in the container in that format, and brings it to front.
+  OpenOutline& newUntitled(const formats::Format& format);
   /// Opens the untitled outlines of earlier runs, behind the open ones.
   void reopenUntitled();
   void bringToFront(const OpenOutline& outline);
@@ -60,10 +64,10 @@ class Application {
   /// that failed.
   bool saveAll();
 
-  const std::vector<std::unique_ptr<OpenOutline>>& outlines() const { return outlines_; }
-  /// Null where none is open.
-  OpenOutline* findByPath(const std::string& path) const;
-  OpenOutline* findByPersistentId(const std::string& id) const;
+  const OutlineList::Outlines& outlines() const { return outlines_.all(); }
+  // Null where none is open.
+  OpenOutline* findByPath(const std::string& path) const { return outlines_.findByPath(path); }
+  OpenOutline* findByPersistentId(const std::string& id) const { return outlines_.findByPersistentId(id); }
 
   /// The outline of that persistent id, the frontmost one where none is given, as its file is now. Throws
   /// Problem.
@@ -83,6 +87,12 @@ class Application {
   void setListener(ApplicationListener* listener) { listener_ = listener; }
 
  private:
+  /// A file that could not be opened, as it was then.
+  struct Refusal {
+    FileStamp stamp;
+    std::string reason;
+  };
+
   void moved(OpenOutline& opened);
   void notifyChanged(OpenOutline& opened);
   void notifyListChanged();
@@ -90,18 +100,27 @@ class Application {
   OpenOutline& frontmost();
   void followFiles();
   OpenOutline& current(OpenOutline& opened);
+  std::unique_ptr<OpenOutline> read(const std::string& path);
+  void removeAbandonedBeside(const std::string& path);
   void identify(OpenOutline& opened);
-  void remember(const OpenOutline& opened, const std::string& path);
+  std::string rememberedId(const OpenOutline& opened);
+  void remember(const OpenOutline& opened);
+  void forget(const std::string& path);
+  template <class Action>
+  void withIndex(Action action);
   void reportFaultyIds(const OpenOutline& opened) const;
   OpenOutline& add(std::unique_ptr<OpenOutline> opened);
-  void setAside(const OpenOutline& outline);
-  bool rescue(OpenOutline& outline);
+  void setAside(OpenOutline& outline);
+  bool rescue(const OpenOutline& outline);
+  void rescueLeftovers();
 
   Scheduler& scheduler_;
   Scheduler::Timer filesTimer_{};
   ApplicationSettings settings_;
   Container container_;
-  std::vector<std::unique_ptr<OpenOutline>> outlines_;
+  OutlineList outlines_;
+  std::map<std::string, Refusal> refusals_;  ///< by standardised path
+  std::set<std::string> tidied_;             ///< folders in which nothing abandoned is left
   ApplicationListener* listener_ = nullptr;
   Saver saver_;
 };

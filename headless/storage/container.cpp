@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <charconv>
+#include <cstdio>
 #include <filesystem>
 
+#include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
 #include "headless/storage/files.h"
 #include "headless/storage/paths.h"
@@ -12,17 +14,28 @@ namespace vell::headless {
 namespace {
 
 constexpr std::string_view prefix = "Untitled ";
-constexpr std::string_view suffix = ".vell";
 
-/// The number in the file's name; 0 where it is named otherwise.
-unsigned numberOf(const std::string& path) {
-  const std::string name = fileName(path);
-  if (name.size() <= prefix.size() + suffix.size()) return 0;
-  if (!name.starts_with(prefix) || !name.ends_with(suffix)) return 0;
-  const char* digitsEnd = name.data() + name.size() - suffix.size();
+/// The number in the name of an untitled outline's file; 0 where it is named otherwise.
+unsigned numberOf(const std::filesystem::path& path) {
+  const std::string name = path.stem().string();
+  if (!name.starts_with(prefix) || !path.has_extension()) return 0;
   unsigned number = 0;
-  const auto [end, error] = std::from_chars(name.data() + prefix.size(), digitsEnd, number);
-  return error == std::errc() && end == digitsEnd ? number : 0;
+  const auto [end, error] = std::from_chars(name.data() + prefix.size(), name.data() + name.size(), number);
+  return error == std::errc() && end == name.data() + name.size() ? number : 0;
+}
+
+std::string withTag(const std::string& fileName) {
+  const std::filesystem::path name(fileName);
+  return fittedName(newUuid().substr(0, 8) + " ", name.stem().string(), name.extension().string());
+}
+
+std::vector<std::string> filesIn(const std::string& directory) {
+  std::vector<std::string> paths;
+  std::error_code error;
+  for (std::filesystem::directory_iterator at(directory, error), end; !error && at != end;
+       at.increment(error))
+    paths.push_back(at->path().string());
+  return paths;
 }
 
 }  // namespace
@@ -31,26 +44,39 @@ Container::Container(const std::string& directory)
     : untitled_(directory + "/Untitled"),
       closed_(directory + "/Closed"),
       rescued_(directory + "/Rescued"),
-      identifiers_(directory) {}
+      unsaved_(directory + "/Unsaved"),
+      identifiers_(directory) {
+  makePrivateDirectory(unsaved_);
+}
 
-std::string Container::freePath(const std::string& directory) {
+std::string Container::freePath(const std::string& directory, const std::string& extension) {
   makePrivateDirectory(directory);
-  for (unsigned number = 1;; ++number) {
-    std::string path = directory + "/" + std::string(prefix) + std::to_string(number) + std::string(suffix);
-    if (!std::filesystem::exists(path)) return path;
-  }
+  unsigned highest = 0;
+  for (const std::string& path : filesIn(directory)) highest = std::max(highest, numberOf(path));
+  return directory + "/" + std::string(prefix) + std::to_string(highest + 1) + extension;
 }
 
 std::string Container::pathForRescued(const std::string& fileName) const {
   makePrivateDirectory(rescued_);
-  return rescued_ + "/" + newUuid().substr(0, 8) + " " + fileName;
+  return rescued_ + "/" + withTag(fileName);
+}
+
+std::string Container::pathForUnsaved(const std::string& fileName) const {
+  return unsaved_ + "/" + withTag(fileName);
+}
+
+std::vector<std::string> Container::unsavedFiles() const { return filesIn(unsaved_); }
+
+std::string Container::rescue(const std::string& unsaved) const {
+  makePrivateDirectory(rescued_);
+  std::string path = rescued_ + "/" + fileName(unsaved);
+  if (std::rename(unsaved.c_str(), path.c_str()) != 0) throw systemProblem("Cannot move " + unsaved);
+  return path;
 }
 
 std::vector<std::string> Container::untitledFiles() const {
-  std::vector<std::string> paths;
-  std::error_code missing;
-  for (const auto& entry : std::filesystem::directory_iterator(untitled_, missing))
-    if (numberOf(entry.path().string()) != 0) paths.push_back(entry.path().string());
+  std::vector<std::string> paths = filesIn(untitled_);
+  std::erase_if(paths, [](const std::string& path) { return numberOf(path) == 0; });
   std::sort(paths.begin(), paths.end(),
             [](const std::string& a, const std::string& b) { return numberOf(a) < numberOf(b); });
   return paths;

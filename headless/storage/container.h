@@ -8,7 +8,7 @@
 namespace vell::headless {
 
 /// What the application keeps for itself: untitled outlines, those that were closed without a name, copies of
-/// what could not be saved in its place, and the persistent ids of files that hold none.
+/// what is not saved or could not be, and the persistent ids of files that hold none.
 class Container {
  public:
   /// The directory must exist.
@@ -16,10 +16,17 @@ class Container {
 
   // A path at which there is no file, in a directory that exists then. These throw Problem.
 
-  /// "Untitled <number>.vell"
-  std::string pathForUntitled() const { return freePath(untitled_); }
-  std::string pathForClosed() const { return freePath(closed_); }
+  /// "Untitled <number><extension>", a number that no other file there has.
+  std::string pathForUntitled(const std::string& extension) const { return freePath(untitled_, extension); }
+  std::string pathForClosed(const std::string& extension) const { return freePath(closed_, extension); }
   std::string pathForRescued(const std::string& fileName) const;
+
+  /// Where a file of that name is kept until it is saved. Never throws.
+  std::string pathForUnsaved(const std::string& fileName) const;
+  /// What such paths hold now: where nothing is being saved, it never was.
+  std::vector<std::string> unsavedFiles() const;
+  /// Puts such a file where it stays for the user. Returns its path there. Throws Problem.
+  std::string rescue(const std::string& unsaved) const;
 
   /// The untitled outlines of earlier runs, the lowest number first.
   std::vector<std::string> untitledFiles() const;
@@ -28,11 +35,12 @@ class Container {
   platform::IdentifierIndex& identifiers() { return identifiers_; }
 
  private:
-  static std::string freePath(const std::string& directory);
+  static std::string freePath(const std::string& directory, const std::string& extension);
 
   std::string untitled_;
   std::string closed_;
   std::string rescued_;
+  std::string unsaved_;
   platform::IdentifierIndex identifiers_;
 };
 

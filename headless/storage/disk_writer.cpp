@@ -5,13 +5,24 @@
 namespace vell::headless {
 namespace {
 
+/// Tells where the bytes are that could not be saved; nothing where they cannot be kept either.
+std::string keep(const SaveJob& job) {
+  try {
+    replaceFile(job.spare, job.bytes, 0600);
+    return ". What is not saved is in " + job.spare;
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
 SaveResult carryOut(const SaveJob& job) {
   try {
-    const auto stamp = replaceExpected(job.path, job.bytes, job.expected);
-    if (!stamp) return {SaveResult::Kind::conflict, {}, {}};
-    return {SaveResult::Kind::saved, *stamp, {}};
+    const auto replaced = replaceExpected(job.path, job.bytes, job.expected, job.spare);
+    if (!replaced) return {SaveResult::Kind::conflict, {}, {}};
+    removeFile(job.spare);
+    return {SaveResult::Kind::saved, replaced->stamp, {}, replaced->anew && job.expected != FileStamp()};
   } catch (const std::exception& failure) {
-    return {SaveResult::Kind::failed, {}, failure.what()};
+    return {SaveResult::Kind::failed, {}, failure.what() + keep(job)};
   }
 }
 

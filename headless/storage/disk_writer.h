@@ -18,6 +18,8 @@ struct SaveJob {
   std::string path;
   std::string bytes;
   FileStamp expected;
+  /// Where the bytes are kept if they cannot be written there.
+  std::string spare;
 };
 
 struct SaveResult {
@@ -26,6 +28,7 @@ struct SaveResult {
   Kind kind;
   FileStamp stamp;
   std::string fault;
+  bool anew = false;  ///< `saved`: the expected file was gone
 };
 
 /// Writes files on a thread of its own, one after another. The destructor finishes what is queued.

@@ -2,23 +2,29 @@
 
 #include <sys/types.h>
 
-#include <ctime>
-#include <filesystem>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 
+#include "headless/editing/problem.h"
+#include "platform/files.h"
+
 namespace vell::headless {
 
 /// What a file looked like when it was last read or written; it differs once another program has written it.
+/// Times are in nanoseconds since 1970.
 struct FileStamp {
-  dev_t device = 0;
-  ino_t inode = 0;
+  platform::FileIdentity file;
   off_t size = -1;
-  std::filesystem::file_time_type modified;
-  std::time_t seconds = 0;  ///< `modified` since 1970
+  std::int64_t modified = 0;
+  std::int64_t changed = 0;  ///< cannot be set back as `modified` can; renaming the file sets it, too
 
   bool operator==(const FileStamp&) const = default;
+  /// The same file with the same content, whatever its name.
+  bool hasContentOf(const FileStamp& other) const {
+    return file == other.file && size == other.size && modified == other.modified;
+  }
 };
 
 struct FileContent {
@@ -26,30 +32,53 @@ struct FileContent {
   FileStamp stamp;
 };
 
+/// A file that cannot be read, or not as an outline. `what()` is "Cannot open <path>: <reason>".
+class UnreadableFile : public Problem {
+ public:
+  UnreadableFile(const std::string& path, const std::string& reason)
+      : Problem("Cannot open " + path + ": " + reason), reason_(reason) {}
+  const std::string& reason() const { return reason_; }
+
+ private:
+  std::string reason_;
+};
+
 /// Tells contents apart, within one run.
 std::size_t hashOf(std::string_view bytes);
 
 /// The stamp of the file at `path`, links followed; the default one where there is none.
 FileStamp stampOf(const std::string& path);
+FileStamp stampOf(int descriptor);
 
-/// The whole regular file. Throws Problem.
+/// The whole regular file. Throws UnreadableFile.
 FileContent readFile(const std::string& path);
+
+/// Where the file is now that stood at `path`, if it was renamed: beside its former place or, where the
+/// system can tell, anywhere else. A name that only extends the former one is a backup and not meant.
+std::optional<std::string> renamedFile(const std::string& path, const platform::FileIdentity& file);
 
 /// The mode of new files, less the umask.
 inline constexpr mode_t usualMode = 0666;
 
 /// Replaces the file's content in one step: a reader finds the old content or the new, even if the machine
-/// stops meanwhile. The content is on disk when this returns. The file's mode and the links that lead to it
-/// stay; a new file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
+/// stops meanwhile. The content is on disk when this returns. The links that lead to the file stay; a new
+/// file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
 FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = usualMode);
 
-/// The same if the file looks as expected, or is gone, at the moment of replacing it. Else the file is left
-/// alone and there is no stamp.
-std::optional<FileStamp> replaceExpected(const std::string& path, std::string_view bytes,
-                                         const FileStamp& expected);
+struct Replaced {
+  FileStamp stamp;
+  bool anew = false;  ///< there was no file any more
+};
 
-/// Removes temporary files that interrupted replacements left beside the file.
-void removeAbandoned(const std::string& path);
+/// The same if the file looks as expected, or is gone, at the moment of replacing it. Else the file is left
+/// alone and nothing is returned. The file's owner, mode, access lists and extended attributes stay. Where
+/// that is not possible for a new file in its place, or the file has several names, or nothing may be added
+/// to its folder, the file is overwritten as it stands; a copy of the bytes is at `spare` meanwhile.
+std::optional<Replaced> replaceExpected(const std::string& path, std::string_view bytes,
+                                        const FileStamp& expected, const std::string& spare);
+
+/// Removes the temporary files that interrupted replacements left in the folder.
+void removeAbandoned(const std::string& folder);
 
 /// A new file with these bytes, which is on disk when it returns. Throws Problem, also where there is a file
 /// at `path`.

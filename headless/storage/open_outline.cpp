@@ -1,5 +1,6 @@
 #include "headless/storage/open_outline.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "headless/editing/problem.h"
@@ -19,12 +20,30 @@ std::string readableExtensions() {
 }
 
 void decode(const formats::Format& format, FileContent content, const std::string& path, Outline& outline) {
+  constexpr std::int64_t second = 1'000'000'000;
   try {
-    formats::readFile(format, std::move(content.bytes),
-                      {static_cast<Timestamp>(content.stamp.seconds) * 1000}, outline);
+    formats::readFile(format, std::move(content.bytes), {content.stamp.modified / second * 1000}, outline);
   } catch (const formats::FormatError& error) {
-    throw Problem("Cannot open " + path + ": " + error.what());
+    throw UnreadableFile(path, error.what());
   }
+}
+
+/// What the first bytes of a text say about its format.
+const formats::Format& formatOfContent(std::string_view text) {
+  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  if (text.starts_with("vell 1\n") || text.starts_with("vell 1\r")) return *formats::formatNamed("vell");
+  text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
+  if (text.starts_with("<?xml") || text.starts_with("<opml")) return *formats::formatNamed("opml");
+  return *formats::formatNamed(text.starts_with('{') ? "json" : "txt");
+}
+
+const formats::Format& formatOf(const std::string& path, const std::string& bytes) {
+  const formats::Format& told = formatOfContent(bytes);
+  const formats::Format* named = formats::formatForFile(path);
+  if (told.name == "vell") return told;
+  if (named != nullptr && named->read != nullptr) return *named;
+  if (bytes.find('\0') != std::string::npos) throw UnreadableFile(path, "it is not a text");
+  return told;
 }
 
 }  // namespace
@@ -37,7 +56,7 @@ const formats::Format& fileFormat(const std::string& path) {
 
 std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
   FileContent content = readFile(path);
-  const formats::Format& format = fileFormat(path);
+  const formats::Format& format = formatOf(path, content.bytes);
   auto outline = std::make_unique<Outline>();
   const FileStamp stamp = content.stamp;
   const std::size_t hash = hashOf(content.bytes);
@@ -45,10 +64,10 @@ std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
   return std::make_unique<OpenOutline>(std::move(outline), format, path, stamp, hash);
 }
 
-std::unique_ptr<OpenOutline> OpenOutline::create(const std::string& path) {
+std::unique_ptr<OpenOutline> OpenOutline::create(const std::string& path, const formats::Format& format) {
   auto outline = std::make_unique<Outline>();
   outline->setCreated(document::currentTime());
-  return std::make_unique<OpenOutline>(std::move(outline), fileFormat(path), path, FileStamp(), 0);
+  return std::make_unique<OpenOutline>(std::move(outline), format, path, FileStamp(), 0);
 }
 
 OpenOutline::OpenOutline(std::unique_ptr<Outline> outline, const formats::Format& format, std::string path,
@@ -72,6 +91,11 @@ void OpenOutline::markSaved(std::uint64_t revision, FileStamp stamp, std::size_t
   contentHash_ = contentHash;
 }
 
+void OpenOutline::rename(const std::string& path, FileStamp stamp) {
+  path_ = path;
+  if (stamp.hasContentOf(stamp_)) stamp_ = stamp;
+}
+
 bool OpenOutline::acceptTouch() {
   try {
     const FileContent content = readFile(path_);
@@ -89,9 +113,10 @@ void OpenOutline::identify(const std::string& persistentId) {
   if (!dirty) savedRevision_ = outline_->revision();
 }
 
-void OpenOutline::moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash) {
+void OpenOutline::moveTo(const std::string& path, const formats::Format& format, FileStamp stamp,
+                         std::size_t contentHash) {
   path_ = path;
-  format_ = &fileFormat(path);
+  format_ = &format;
   untitled_ = false;
   markSaved(outline_->revision(), stamp, contentHash);
 }

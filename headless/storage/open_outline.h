@@ -12,16 +12,17 @@
 
 namespace vell::headless {
 
-/// The format of files with that name. Throws Problem if outlines cannot be kept in such files.
+/// The format of new files with that name. Throws Problem if outlines cannot be kept in such files.
 const formats::Format& fileFormat(const std::string& path);
 
 /// An outline that is open: its rows, the file that keeps them and the editor that shows them.
 class OpenOutline {
  public:
-  /// Reads the file at that standardised path. Throws Problem if it cannot be read or its format is unknown.
+  /// Reads the file at that standardised path; the content tells its format where the name does not. Throws
+  /// UnreadableFile.
   static std::unique_ptr<OpenOutline> read(const std::string& path);
   /// A new outline without rows that will be kept at `path`; nothing is written yet.
-  static std::unique_ptr<OpenOutline> create(const std::string& path);
+  static std::unique_ptr<OpenOutline> create(const std::string& path, const formats::Format& format);
 
   OpenOutline(std::unique_ptr<Outline> outline, const formats::Format& format, std::string path,
               FileStamp stamp, std::size_t contentHash);
@@ -50,13 +51,15 @@ class OpenOutline {
   bool isDirty() const { return outline_->revision() != savedRevision_ || stamp_ == FileStamp(); }
   /// Notes that the file holds that revision; the hash is that of its bytes.
   void markSaved(std::uint64_t revision, FileStamp stamp, std::size_t contentHash);
+  /// The file has another name now.
+  void rename(const std::string& path, FileStamp stamp);
   /// Takes over the file's new stamp if its content is unchanged; else returns false.
   bool acceptTouch();
   /// Gives the outline an id that its file may not hold. This does not make it dirty.
   void identify(const std::string& persistentId);
-  /// Keeps the outline in another file, which holds all of it, from now on, in the format of the file's
-  /// name.
-  void moveTo(const std::string& path, FileStamp stamp, std::size_t contentHash);
+  /// Keeps the outline in another file, which holds all of it in that format, from now on.
+  void moveTo(const std::string& path, const formats::Format& format, FileStamp stamp,
+              std::size_t contentHash);
   /// Reads the rows anew from the file; they get new session ids, and the undo history ends. Returns false
   /// and changes nothing if the file cannot be read.
   bool reload();

@@ -1,6 +1,9 @@
 #include "headless/storage/paths.h"
 
+#include <algorithm>
 #include <filesystem>
+
+#include "text/utf8.h"
 
 namespace vell::headless {
 namespace {
@@ -47,5 +50,18 @@ std::string fileUrl(std::string_view path) {
 }
 
 std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
+
+std::string folderOf(const std::string& path) {
+  const std::string folder = std::filesystem::path(path).parent_path().string();
+  return folder.empty() ? "." : folder;
+}
+
+std::string fittedName(std::string_view start, std::string_view middle, std::string_view end) {
+  constexpr std::size_t longest = 255;
+  const std::size_t taken = std::min(longest, start.size() + end.size());
+  std::size_t length = std::min(middle.size(), longest - taken);
+  while (length < middle.size() && length > 0 && text::isContinuation(middle[length])) --length;
+  return std::string(start).append(middle.substr(0, length)).append(end);
+}
 
 }  // namespace vell::headless

@@ -16,5 +16,11 @@ std::string fileUrl(std::string_view path);
 
 /// The last component.
 std::string fileName(const std::string& path);
+/// What stands before it; "." where that is nothing.
+std::string folderOf(const std::string& path);
+
+/// The three in a row, as a name that every file system takes: of `middle` whole characters are left out at
+/// its end where the name would be longer than 255 bytes.
+std::string fittedName(std::string_view start, std::string_view middle, std::string_view end);
 
 }  // namespace vell::headless

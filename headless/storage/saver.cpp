@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "headless/editing/problem.h"
+#include "headless/storage/paths.h"
 
 namespace vell::headless {
 namespace {
@@ -12,7 +13,7 @@ namespace {
 using std::chrono::milliseconds;
 
 /// The longest pause between two writes of an outline that takes long to write.
-constexpr milliseconds slowestPace{2'000};
+constexpr milliseconds slowestPace{200};
 constexpr milliseconds retryPace{2'000};
 
 std::string encoded(const OpenOutline& opened, const formats::Format& format) {
@@ -25,15 +26,18 @@ std::string conflictPath(const std::string& path) {
   const std::time_t now = std::time(nullptr);
   std::tm local{};
   localtime_r(&now, &local);
-  char text[40];
-  const std::size_t length = std::strftime(text, sizeof text, "%Y-%m-%d %H.%M.%S", &local);
+  char time[40];
+  std::strftime(time, sizeof time, "%Y-%m-%d %H.%M.%S", &local);
   const std::filesystem::path original(path);
-  const std::string base =
-      (original.parent_path() / original.stem()).string() + " (conflict " + std::string(text, length);
-  std::string candidate = base + ")" + original.extension().string();
-  for (int n = 2; std::filesystem::exists(candidate); ++n)
-    candidate = base + " " + std::to_string(n) + ")" + original.extension().string();
-  return candidate;
+  std::error_code error;
+  for (int n = 1;; ++n) {
+    const std::string mark =
+        " (conflict " + std::string(time) + (n > 1 ? " " + std::to_string(n) : std::string()) + ")";
+    const std::string end = mark + original.extension().string();
+    const std::string name = fittedName("", original.stem().string(), end);
+    std::string candidate = (original.parent_path() / name).string();
+    if (!std::filesystem::exists(candidate, error)) return candidate;
+  }
 }
 
 }  // namespace
@@ -53,12 +57,22 @@ void Saver::schedule(OpenOutline& opened, Scheduler::Clock::duration delay) {
 void Saver::save(OpenOutline& opened) {
   State& state = states_.at(&opened);
   state.scheduled = false;
-  state.writing = true;
+  try {
+    startWriting(opened, state);
+  } catch (const std::exception& failure) {
+    retry(opened, "Cannot save " + opened.storagePath() + ": " + failure.what());
+  }
+}
+
+void Saver::startWriting(OpenOutline& opened, State& state) {
+  locate(opened);
+  if (state.spare.empty()) state.spare = container_.pathForUnsaved(fileName(opened.storagePath()));
   const auto start = Scheduler::Clock::now();
-  SaveJob job{opened.storagePath(), encoded(opened), opened.stamp()};
+  SaveJob job{opened.storagePath(), encoded(opened), opened.stamp(), state.spare};
   const auto effort = Scheduler::Clock::now() - start;
-  state.pace = std::clamp<Scheduler::Clock::duration>(effort * 10, usualPace, slowestPace);
+  state.pace = std::clamp<Scheduler::Clock::duration>(effort, usualPace, slowestPace);
   const Saved saved{opened.outline().revision(), hashOf(job.bytes)};
+  state.writing = true;
   writer_.write(std::move(job), [this, outline = &opened, saved](const SaveResult& result) {
     finish(*outline, saved, result);
   });
@@ -71,29 +85,39 @@ void Saver::finish(OpenOutline& opened, const Saved& saved, const SaveResult& re
     case SaveResult::Kind::saved:
       state.lastFault.clear();
       opened.markSaved(saved.revision, result.stamp, saved.contentHash);
+      if (result.anew && !state.gone) events_.report(opened.storagePath() + " was gone and is written again");
+      state.gone = false;
+      events_.saved(opened);
       return changed(opened);
     case SaveResult::Kind::conflict:
       return settleConflict(opened);
     case SaveResult::Kind::failed:
-      reportOnce(state, result.fault);
-      return schedule(opened, retryPace);
+      return retry(opened, result.fault);
   }
 }
 
 void Saver::settleConflict(OpenOutline& opened) {
   if (opened.acceptTouch()) return changed(opened);
-  const std::string copy = conflictPath(opened.storagePath());
-  State& state = states_.at(&opened);
   try {
     const std::string bytes = encoded(opened);
-    const FileStamp stamp = replaceFile(copy, bytes);
-    events_.report(opened.storagePath() + " was changed by another program: our changes are in " + copy);
+    const Copy copy = writeConflictCopy(opened, bytes);
+    events_.report(opened.storagePath() + " was changed by another program: our changes are in " + copy.path);
     if (opened.reload()) return events_.reloaded(opened);
-    opened.moveTo(copy, stamp, hashOf(bytes));
+    opened.moveTo(copy.path, opened.format(), copy.stamp, hashOf(bytes));
     events_.moved(opened);
-  } catch (const Problem& problem) {
-    reportOnce(state, problem.what());
-    schedule(opened, retryPace);
+  } catch (const std::exception& failure) {
+    retry(opened, failure.what());
+  }
+}
+
+/// Beside the file, or in the container where its folder takes none.
+Saver::Copy Saver::writeConflictCopy(const OpenOutline& opened, const std::string& bytes) const {
+  const std::string beside = conflictPath(opened.storagePath());
+  try {
+    return {beside, replaceFile(beside, bytes)};
+  } catch (const Problem&) {
+    const std::string rescued = container_.pathForRescued(fileName(beside));
+    return {rescued, replaceFile(rescued, bytes, 0600)};
   }
 }
 
@@ -113,28 +137,54 @@ std::string Saver::fault(const OpenOutline& opened) const {
   return found != states_.end() ? found->second.lastFault : std::string();
 }
 
-void Saver::saveCopy(const OpenOutline& opened, const std::string& path) {
-  replaceFile(path, encoded(opened), 0600);
+std::string Saver::spare(const OpenOutline& opened) const {
+  const auto found = states_.find(&opened);
+  return found != states_.end() ? found->second.spare : std::string();
 }
 
 void Saver::saveAs(OpenOutline& opened, const std::string& path) {
   flush(opened);
-  const std::string bytes = encoded(opened, fileFormat(path));
+  const formats::Format& format = fileFormat(path);
+  const std::string bytes = encoded(opened, format);
   const FileStamp stamp = createFile(path, bytes);
   forget(opened);
-  opened.moveTo(path, stamp, hashOf(bytes));
+  opened.moveTo(path, format, stamp, hashOf(bytes));
 }
 
 void Saver::refresh(OpenOutline& opened) {
   if (opened.isDirty()) return;
-  const FileStamp now = stampOf(opened.storagePath());
-  if (now == opened.stamp() || now == FileStamp()) return;
+  const FileStamp now = locate(opened);
+  if (now == opened.stamp()) return;
+  if (now == FileStamp()) return reportGone(opened);
   State& state = states_[&opened];
+  state.gone = false;
   if (now == state.unreadable) return;
-  if (opened.acceptTouch()) return;
+  if (opened.acceptTouch()) return events_.saved(opened);
   if (opened.reload()) return events_.reloaded(opened);
   state.unreadable = now;
   events_.report(opened.storagePath() + " was changed by another program and can no longer be read");
+}
+
+/// The stamp that the file has now, the default one where it is gone. Follows a file that was renamed.
+FileStamp Saver::locate(OpenOutline& opened) {
+  const FileStamp now = stampOf(opened.storagePath());
+  const platform::FileIdentity known = opened.stamp().file;
+  if (opened.stamp() == FileStamp() || now.file == known) return now;
+  const auto place = renamedFile(opened.storagePath(), known);
+  if (!place) return now;
+  const FileStamp there = stampOf(*place);
+  opened.rename(*place, there);
+  events_.moved(opened);
+  return there;
+}
+
+/// Once for as long as the file is gone.
+void Saver::reportGone(OpenOutline& opened) {
+  State& state = states_[&opened];
+  if (state.gone) return;
+  state.gone = true;
+  events_.report(opened.storagePath() +
+                 " is gone. Its outline stays open, and its next change writes the file again");
 }
 
 void Saver::forget(OpenOutline& opened) {
@@ -145,7 +195,9 @@ void Saver::forget(OpenOutline& opened) {
   states_.erase(found);
 }
 
-void Saver::reportOnce(State& state, const std::string& fault) {
+void Saver::retry(OpenOutline& opened, const std::string& fault) {
+  State& state = states_.at(&opened);
+  schedule(opened, retryPace);
   if (fault == state.lastFault) return;
   state.lastFault = fault;
   events_.report(fault);

@@ -4,16 +4,19 @@
 #include <map>
 #include <string>
 
+#include "headless/storage/container.h"
 #include "headless/storage/disk_writer.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/scheduler.h"
 
 namespace vell::headless {
 
-/// Saves changed outlines shortly after each change, and follows what other programs write into their files.
+/// Saves changed outlines shortly after each change, and follows what other programs do to their files: a
+/// file that was renamed is followed, one that was removed is written again with the next change.
 ///
 /// A file that another program changed is never overwritten. Unsaved changes of ours go into a file beside
-/// it, "name (conflict <time>).ext", and the outline is read anew.
+/// it, "name (conflict <time>).ext", and the outline is read anew. What cannot be saved is kept in the
+/// container and tried again.
 class Saver {
  public:
   /// Called when something happens that nobody asked for.
@@ -24,10 +27,12 @@ class Saver {
     std::function<void(OpenOutline&)> reloaded;
     /// The outline is kept in another file from now on.
     std::function<void(OpenOutline&)> moved;
+    /// The outline was saved: its file may be a new one under the same name.
+    std::function<void(OpenOutline&)> saved;
   };
 
-  Saver(Scheduler& scheduler, Events events)
-      : scheduler_(scheduler), events_(std::move(events)), writer_(scheduler) {}
+  Saver(Scheduler& scheduler, const Container& container, Events events)
+      : scheduler_(scheduler), container_(container), events_(std::move(events)), writer_(scheduler) {}
 
   /// Saves the outline soon, if it has changed since it was last saved.
   void changed(OpenOutline& opened);
@@ -35,8 +40,8 @@ class Saver {
   void flush(OpenOutline& opened);
   /// Why the outline could not be saved; empty where it could.
   std::string fault(const OpenOutline& opened) const;
-  /// Writes what the outline holds to another path. Throws Problem.
-  static void saveCopy(const OpenOutline& opened, const std::string& path);
+  /// Where the container keeps what could not be saved.
+  std::string spare(const OpenOutline& opened) const;
   /// Keeps the outline in a new file at `path` from now on; the former file stays. Throws Problem, with
   /// nothing changed, also where there is a file at `path`.
   void saveAs(OpenOutline& opened, const std::string& path);
@@ -47,28 +52,40 @@ class Saver {
 
  private:
   /// A burst of changes within this time shares one write.
-  static constexpr std::chrono::milliseconds usualPace{100};
+  static constexpr std::chrono::milliseconds usualPace{50};
 
   struct State {
     bool scheduled = false;
     bool writing = false;
     Scheduler::Timer timer{};
     std::string lastFault;
+    std::string spare;
+    bool gone = false;                            ///< the file is, and that was reported
     FileStamp unreadable{};                       ///< the stamp of a content that is no outline
     Scheduler::Clock::duration pace = usualPace;  ///< between a change and its saving
   };
 
-  void save(OpenOutline& opened);
   struct Saved {
     std::uint64_t revision;
     std::size_t contentHash;
   };
+  struct Copy {
+    std::string path;
+    FileStamp stamp;
+  };
+
+  void save(OpenOutline& opened);
+  void startWriting(OpenOutline& opened, State& state);
   void finish(OpenOutline& opened, const Saved& saved, const SaveResult& result);
   void settleConflict(OpenOutline& opened);
+  Copy writeConflictCopy(const OpenOutline& opened, const std::string& bytes) const;
   void schedule(OpenOutline& opened, Scheduler::Clock::duration delay);
-  void reportOnce(State& state, const std::string& fault);
+  void retry(OpenOutline& opened, const std::string& fault);
+  FileStamp locate(OpenOutline& opened);
+  void reportGone(OpenOutline& opened);
 
   Scheduler& scheduler_;
+  const Container& container_;
   Events events_;
   std::map<const OpenOutline*, State> states_;
   DiskWriter writer_;

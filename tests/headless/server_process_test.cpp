@@ -159,7 +159,7 @@ TEST(HeadlessProcess, UntitledOutlinesOutliveAKillUntilTheyAreDiscarded) {
     client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"kept"}})");
     summary = client.ask(list);
     EXPECT_NE(summary.find(R"("displayName":"Untitled 1","fileURL":null)"), std::string::npos) << summary;
-    ASSERT_TRUE(comesToHold(platform::containerDirectory() + "/Untitled/Untitled 1.vell", "kept"));
+    ASSERT_TRUE(comesToHold(platform::containerDirectory() + "/Untitled/Untitled 1.md", "kept"));
   }
   const Process process(home / "e", {});
   TestClient client(platform::applicationSocketPath());
@@ -167,7 +167,7 @@ TEST(HeadlessProcess, UntitledOutlinesOutliveAKillUntilTheyAreDiscarded) {
   EXPECT_NE(client.ask(R"({"id":1,"method":"outline.get"})").find("kept"), std::string::npos);
   EXPECT_EQ(client.ask(R"({"id":1,"method":"outline.close","params":{"discard":true}})"),
             R"({"id":1,"jsonrpc":"2.0","result":{"closed":true}})");
-  EXPECT_NE(access((platform::containerDirectory() + "/Untitled/Untitled 1.vell").c_str(), F_OK), 0);
+  EXPECT_NE(access((platform::containerDirectory() + "/Untitled/Untitled 1.md").c_str(), F_OK), 0);
 }
 
 TEST(HeadlessProcess, ClosingKeepsWhatIsWorthKeeping) {

@@ -84,8 +84,8 @@ TEST_F(SubscriptionsTest, HearsOnceOfWhatItWatchesAndNothingOfTheRest) {
       {"a row beside what the path selects", "//task", [&] { create("five"); }, 0},
       {"a row's text beside what the path selects", "//task", [&] { setText(2, "one"); }, 0},
       {"a row that the path selects", "//task", [&] { create("- [ ] six"); }, 1},
-      {"the order of outlines", "//*", [&] { application.newUntitled(), application.bringToFront(opened); },
-       0},
+      {"the order of outlines", "//*",
+       [&] { application.newUntitled(*formats::formatNamed("vell")), application.bringToFront(opened); }, 0},
   };
   for (const auto& each : cases) {
     observe(each.path);
@@ -103,7 +103,7 @@ TEST_F(SubscriptionsTest, TheListOfDocumentsIsHeardOnlyWhenItDiffers) {
   EXPECT_EQ(heard(), 0U);
   application.bringToFront(opened);
   EXPECT_EQ(heard(), 0U);
-  application.newUntitled();
+  application.newUntitled(*formats::formatNamed("vell"));
   EXPECT_EQ(heard(), 1U);
   application.bringToFront(opened);
   EXPECT_EQ(heard(), 1U);

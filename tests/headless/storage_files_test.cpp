@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -21,52 +22,113 @@ unsigned modeOf(const std::string& path) {
   return status.st_mode & 07777U;
 }
 
-TEST(Files, ReplacingKeepsModeAndLinksAndLeavesNothingBeside) {
+std::size_t filesIn(const std::string& folder) {
+  return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+}
+
+std::optional<Replaced> replaceNow(const std::string& path, std::string_view bytes) {
+  const tests::TemporaryDirectory spare;
+  auto replaced = replaceExpected(path, bytes, stampOf(path), spare / "copy");
+  EXPECT_EQ(filesIn(spare.path()), 0U);
+  return replaced;
+}
+
+TEST(Files, ReplacingKeepsWhatBelongsToTheFileAndLeavesNothingBeside) {
   const tests::TemporaryDirectory directory;
   const std::string file = directory.write("real/a.txt", "old");
   chmod(file.c_str(), 0640);
+  const bool tagged = setxattr(file.c_str(), "user.tag", "red", 3, 0) == 0;
   const std::string link = directory / "link.txt";
   fs::create_symlink("real/a.txt", link);
 
   const FileStamp before = stampOf(link);
-  const FileStamp after = replaceFile(link, "new");
+  const auto replaced = replaceNow(link, "new");
 
   EXPECT_EQ(readFile(file).bytes, "new");
   EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(modeOf(file), 0640U);
-  EXPECT_EQ(std::distance(fs::directory_iterator(directory / "real"), fs::directory_iterator()), 1);
-  EXPECT_NE(after, before);
-  EXPECT_EQ(after, stampOf(file));
+  char tag[4] = "";
+  EXPECT_TRUE(!tagged || getxattr(file.c_str(), "user.tag", tag, 3) == 3);
+  EXPECT_STREQ(tag, tagged ? "red" : "");
+  EXPECT_EQ(filesIn(directory / "real"), 1U);
+  ASSERT_TRUE(replaced);
+  EXPECT_NE(replaced->stamp, before);
+  EXPECT_EQ(replaced->stamp, stampOf(file));
+  EXPECT_FALSE(replaced->anew);
   fs::remove(file);
-  replaceFile(link, "anew");
+  EXPECT_TRUE(replaceNow(link, "anew")->anew);
   EXPECT_EQ(readFile(file).bytes, "anew");
   EXPECT_TRUE(fs::is_symlink(link));
 }
 
+TEST(Files, AFileWithSeveralNamesIsOverwritten) {
+  const tests::TemporaryDirectory directory;
+  const std::string file = directory.write("a.txt", "old content");
+  const std::string other = directory / "other.txt";
+  fs::create_hard_link(file, other);
+  for (const std::string content : {"shorter", "longer than before", ""}) {
+    const auto replaced = replaceNow(file, content);
+    EXPECT_EQ(readFile(other).bytes, content);
+    ASSERT_TRUE(replaced);
+    EXPECT_EQ(replaced->stamp, stampOf(other));
+  }
+  const tests::TemporaryDirectory spare;
+  const FileStamp stamp = stampOf(file);
+  directory.write("a.txt", "theirs");
+  EXPECT_FALSE(replaceExpected(file, "ours", stamp, spare / "copy"));
+  EXPECT_EQ(readFile(file).bytes, "theirs");
+}
+
+TEST(Files, ARenamedFileIsFoundButNoBackup) {
+  const struct {
+    const char* name;
+    bool replaced;
+    bool found;
+  } rows[] = {{"b.txt", false, true},     {"b.txt", true, true},    {"a.txt~", false, false},
+              {"a.txt.bak", true, false}, {".a.txt", false, false}, {"inner/b.txt", true, false}};
+  for (const auto& [name, replaced, found] : rows) {
+    const tests::TemporaryDirectory directory;
+    directory.write("inner/c.txt", "");
+    const std::string file = directory.write("a.txt", "old");
+    const platform::FileIdentity identity = stampOf(file).file;
+    if (identity.born == 0) GTEST_SKIP() << "the file system does not tell when files were made";
+    EXPECT_EQ(renamedFile(file, identity), std::nullopt);
+    fs::rename(file, directory / name);
+    if (replaced) directory.write("a.txt", "other");
+    EXPECT_EQ(renamedFile(file, identity), found ? std::optional(directory / name) : std::nullopt) << name;
+  }
+}
+
 TEST(Files, WhatAnInterruptedReplacementLeftIsRemovedAndNothingElse) {
   const tests::TemporaryDirectory directory;
-  const std::string others[] = {"a.txt", ".a.txt", ".a.txt.vell-", ".a.txt.vell-12345678.txt",
-                                ".b.txt.vell-12345678"};
+  const std::string others[] = {"a.txt",
+                                ".a.txt",
+                                ".a.txt.vell-",
+                                ".a.txt.vell-12345678.txt",
+                                "b.txt.vell-12345678",
+                                ".a.txt.vell-notes123"};
   for (const std::string& name : others) directory.write(name, "");
   directory.write(".a.txt.vell-12345678", "half a f");
-  removeAbandoned(directory / "a.txt");
+  removeAbandoned(directory.path());
   EXPECT_FALSE(fs::exists(directory / ".a.txt.vell-12345678"));
   for (const std::string& name : others) EXPECT_TRUE(fs::exists(directory / name)) << name;
-  removeAbandoned(directory / "gone/a.txt");
+  removeAbandoned(directory / "gone");
 }
 
 TEST(Files, AStampTellsThatSomebodyElseWrote) {
   const tests::TemporaryDirectory directory;
   const std::string file = directory.write("a.txt", "old");
   const FileStamp stamp = readFile(file).stamp;
+  const auto modified = fs::last_write_time(file);
   EXPECT_EQ(stamp, stampOf(file));
-  directory.write("a.txt", "other");
+  directory.write("a.txt", "new");
+  fs::last_write_time(file, modified);
   EXPECT_NE(stamp, stampOf(file));
-  EXPECT_EQ(replaceExpected(file, "ours", stamp), std::nullopt);
-  EXPECT_EQ(readFile(file).bytes, "other");
-  EXPECT_NE(replaceExpected(file, "ours", stampOf(file)), std::nullopt);
+  EXPECT_FALSE(replaceExpected(file, "ours", stamp, directory / "spare"));
+  EXPECT_EQ(readFile(file).bytes, "new");
+  EXPECT_TRUE(replaceNow(file, "ours"));
   EXPECT_EQ(readFile(file).bytes, "ours");
-  EXPECT_EQ(std::distance(fs::directory_iterator(directory.path()), fs::directory_iterator()), 1);
+  EXPECT_EQ(filesIn(directory.path()), 1U);
   fs::remove(file);
   EXPECT_EQ(stampOf(file), FileStamp());
 }
@@ -84,13 +146,15 @@ TEST(Files, SaysWhyAFileCannotBeReadOrWritten) {
   const std::string gone = directory / "gone/a.txt";
   EXPECT_EQ(problemOf([&] { readFile(gone); }), "Cannot open " + gone + ": No such file or directory");
   EXPECT_EQ(problemOf([&] { readFile(directory.path()); }),
-            "Cannot open " + directory.path() + ": it is not a regular file");
-  EXPECT_EQ(problemOf([&] { replaceFile(gone, "x"); }),
-            "Cannot save " + gone + ": open: No such file or directory");
+            "Cannot open " + directory.path() + ": it is a folder");
+  EXPECT_EQ(problemOf([] { readFile("/dev/null"); }), "Cannot open /dev/null: it is not a regular file");
+  EXPECT_EQ(problemOf([&] { replaceFile(gone, "x"); }), "Cannot save " + gone + ": its folder " +
+                                                            (directory / "gone") +
+                                                            " takes no new file: No such file or directory");
   const std::string file = directory.write("a.txt", "old");
   chmod(file.c_str(), 0444);
   const bool mayAll = access(file.c_str(), W_OK) == 0;  // root
-  EXPECT_EQ(problemOf([&] { replaceFile(file, "new"); }),
+  EXPECT_EQ(problemOf([&] { replaceNow(file, "new"); }),
             mayAll ? "none" : "Cannot save " + file + ": it is write-protected");
 }
 
@@ -104,6 +168,16 @@ TEST(Files, PrivateDirectoriesAreClosedToOthers) {
   makePrivateDirectory(inner);
   EXPECT_EQ(modeOf(inner), 0700U);
   EXPECT_THROW(makePrivateDirectory(directory.write("file", "")), Problem);
+}
+
+TEST(Paths, NamesAreCutBetweenCharacters) {
+  EXPECT_EQ(fittedName("a ", "name", ".txt"), "a name.txt");
+  std::string umlauts;
+  for (int i = 0; i < 127; ++i) umlauts += "ä";
+  for (const std::string start : {"", "x"}) {
+    const std::string name = fittedName(start, umlauts, " (conflict).txt");
+    EXPECT_EQ(name, start + umlauts.substr(0, 240 - 2 * start.size()) + " (conflict).txt");
+  }
 }
 
 TEST(Paths, AreStandardisedAndTurnedIntoUrls) {

@@ -46,10 +46,14 @@ class SaverTest : public testing::Test {
   int reloads = 0;
   std::unique_ptr<OpenOutline> opened = OpenOutline::read(path);
   int moves = 0;
+  tests::TemporaryDirectory containerDirectory;
+  Container container{containerDirectory.path()};
   Saver saver{scheduler,
+              container,
               {.report = [this](const std::string& line) { reports.push_back(line); },
                .reloaded = [this](OpenOutline&) { ++reloads; },
-               .moved = [this](OpenOutline&) { ++moves; }}};
+               .moved = [this](OpenOutline&) { ++moves; },
+               .saved = [](OpenOutline&) {}}};
 };
 
 TEST_F(SaverTest, AChangeIsSavedOnceForABurst) {
@@ -148,19 +152,65 @@ TEST_F(SaverTest, SavingIsTriedAgainAndSaidOnce) {
   EXPECT_EQ(reports[0].rfind("Cannot save " + path, 0), 0U) << reports[0];
   EXPECT_TRUE(opened->isDirty());
   EXPECT_EQ(saver.fault(*opened), reports[0]);
+  ASSERT_THAT(container.unsavedFiles(), ElementsAre(saver.spare(*opened)));
+  EXPECT_EQ(readFile(saver.spare(*opened)).bytes, "one\ntwo\n");
+  EXPECT_THAT(reports[0], testing::EndsWith(". What is not saved is in " + saver.spare(*opened)));
   fs::rename(directory.path() + "-away", directory.path());
   save();
+  EXPECT_THAT(container.unsavedFiles(), IsEmpty());
   EXPECT_EQ(readFile(path).bytes, "one\ntwo\n");
   EXPECT_EQ(saver.fault(*opened), "");
 }
 
-TEST_F(SaverTest, AFileThatIsGoneIsWrittenAnew) {
+TEST_F(SaverTest, AFileThatIsGoneIsWrittenAnewButNotWithoutAWord) {
   fs::remove(path);
   saver.refresh(*opened);
+  saver.refresh(*opened);
   EXPECT_EQ(rows(), "one;");
+  EXPECT_THAT(reports, ElementsAre(path + " is gone. Its outline stays open, and its next change writes the "
+                                          "file again"));
   change("two");
   save();
   EXPECT_EQ(readFile(path).bytes, "one\ntwo\n");
+  EXPECT_EQ(reports.size(), 1U);
+  change("three");
+  fs::remove(path);
+  save();
+  EXPECT_EQ(readFile(path).bytes, "one\ntwo\nthree\n");
+  EXPECT_EQ(reports.back(), path + " was gone and is written again");
+}
+
+TEST_F(SaverTest, ARenamedFileIsFollowed) {
+  if (opened->stamp().file.born == 0) GTEST_SKIP() << "the file system does not tell when files were made";
+  for (const std::string name : {"b.txt", "c.md"}) {
+    fs::rename(path, directory / name);
+    if (name == "c.md") change("two");
+    saver.refresh(*opened);
+    if (opened->isDirty()) save();
+    path = directory / name;
+    EXPECT_EQ(opened->storagePath(), path);
+    EXPECT_EQ(opened->stamp(), stampOf(path));
+    EXPECT_THAT(others(), IsEmpty());
+  }
+  EXPECT_EQ(readFile(path).bytes, "one\ntwo\n");
+  EXPECT_EQ(moves, 2);
+  EXPECT_EQ(reloads, 0);
+  EXPECT_THAT(reports, IsEmpty());
+}
+
+TEST_F(SaverTest, LongNamesHaveConflictCopiesToo) {
+  std::string umlauts;
+  for (int i = 0; i < 125; ++i) umlauts += "ä";
+  path = directory.write(umlauts + ".html", "one\n");
+  opened = OpenOutline::read(path);
+  for (int i = 1; i <= 2; ++i) {
+    change("ours " + std::to_string(i));
+    directory.write(umlauts + ".html", "theirs " + std::to_string(i) + "\n");
+    save();
+  }
+  EXPECT_EQ(rows(), "theirs 2;");
+  const auto isCopy = testing::MatchesRegex("(ä)+ \\(conflict .*\\)\\.html");
+  EXPECT_THAT(others(), testing::UnorderedElementsAre("a.txt", isCopy, isCopy));
 }
 
 TEST_F(SaverTest, WhatIsForgottenIsNotSaved) {

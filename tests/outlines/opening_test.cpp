@@ -101,7 +101,7 @@ TEST_F(Opening, StopsWhereThePollSaysSo) {
 TEST_F(Opening, GivesUpWhenTheTimeIsOver) {
   options.timeout = 0.05;
   EXPECT_EQ(open(file), "Timed out waiting for Vell to open: " + file);
-  platform::IdentifierIndex().put("P", file);
+  platform::IdentifierIndex().put({"P", file});
   EXPECT_EQ(open("id:P"), "Timed out waiting for Vell to open persistentId: P");
 }
 
@@ -125,7 +125,7 @@ TEST_F(Opening, SaysWhatCannotBeOpened) {
   for (const auto& [target, message] : rows) EXPECT_EQ(open(target), "File not found: " + message) << target;
   EXPECT_THAT(fake.requests(), ElementsAre());
   EXPECT_EQ(open("id:P"), "No outline found with persistentId: P");
-  platform::IdentifierIndex().put("P", home / "gone");
+  platform::IdentifierIndex().put({"P", home / "gone"});
   EXPECT_EQ(open("id:P"), "File not found: " + (home / "gone"));
   options.bundle = "/nowhere.app";
   EXPECT_EQ(open(file), "Vell could not open " + file + ": cannot read /nowhere.app/Contents/Info.plist");
@@ -134,8 +134,8 @@ TEST_F(Opening, SaysWhatCannotBeOpened) {
 }
 
 TEST_F(Opening, APersistentIdLeadsToTheFirstFileThatIsThere) {
-  platform::IdentifierIndex().put("P", file);
-  platform::IdentifierIndex().put("P", home / "gone");
+  platform::IdentifierIndex().put({"P", file});
+  platform::IdentifierIndex().put({"P", home / "gone"});
   const FakeApplication fake(application(3));
   EXPECT_EQ(open("id:P"), summary);
   EXPECT_EQ(bundle.await("launched"), file + "\n");

@@ -72,7 +72,9 @@ std::string outlineFindByPath(const Call& call) {
   call.params.nonEmpty("path", "a path");
   const std::string path = call.params.requiredString("path");
   refuseNul("path", path);
-  return orNull(call.application.findByPath(path));
+  const OpenOutline* opened = call.application.findByPath(path);
+  const auto refusal = opened == nullptr ? call.application.refusal(path) : std::nullopt;
+  return refusal ? memberAnswer("refused", *refusal) : orNull(opened);
 }
 
 std::string outlineFindByPersistentId(const Call& call) {
@@ -86,8 +88,7 @@ std::string outlineBringToFront(const Call& call) {
 }
 
 std::string outlineNew(const Call& call) {
-  fileFormatParam(call.params, "vell");
-  return summary(call.application.newUntitled());
+  return summary(call.application.newUntitled(fileFormatParam(call.params, "vell")));
 }
 
 std::string outlineNewContent(const Call& call) {
