@@ -10,6 +10,7 @@
 
 #include "outlines/location.h"
 #include "platform/descriptor.h"
+#include "platform/files.h"
 
 namespace vell::outlines {
 
@@ -33,16 +34,32 @@ std::string newContent(ipc::Application& application, const std::string& format)
 
 [[noreturn]] void failAsExisting(const std::string& path) { throw OpenError("File already exists: " + path); }
 
-/// Exclusively: a file that appeared meanwhile is not ours to write.
-void writeNewFile(const std::string& path, const std::string& content) {
-  const platform::Descriptor file(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
-  if (!file && errno == EEXIST) failAsExisting(path);
-  if (!file) failToWrite(path, errno);
-  if (platform::writeAll(file.get(), content)) return;
-  const int error = errno;
-  ::unlink(path.c_str());
-  failToWrite(path, error);
-}
+/// A file that was made here. Exclusively: one that appeared meanwhile is not ours to write.
+class NewFile {
+ public:
+  NewFile(const std::string& path, const std::string& content)
+      : path_(path), file_(::open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666)) {
+    if (!file_ && errno == EEXIST) failAsExisting(path);
+    if (!file_) failToWrite(path, errno);
+    written_ = platform::writeAll(file_.get(), content) ? platform::factsOf(file_.get()) : std::nullopt;
+    if (written_) return;
+    const int error = errno;
+    ::unlink(path.c_str());
+    failToWrite(path, error);
+  }
+
+  /// Unless somebody else has put another file there, or changed this one.
+  void remove() const {
+    const auto now = platform::factsOf(path_);
+    if (!now || now->identity != written_->identity) return;
+    if (now->size == written_->size && now->modified == written_->modified) ::unlink(path_.c_str());
+  }
+
+ private:
+  std::string path_;
+  platform::Descriptor file_;
+  std::optional<platform::FileFacts> written_;
+};
 
 }  // namespace
 
@@ -58,11 +75,13 @@ ipc::Answer createOutlineFile(ipc::Application& application, const std::string& 
                               const std::string& format, const OpenOptions& options) {
   std::error_code unreadable;
   if (std::filesystem::exists(absolutePath, unreadable)) failAsExisting(absolutePath);
-  writeNewFile(absolutePath, newContent(application, format));
+  const NewFile file(absolutePath, newContent(application, format));
   try {
     return openOutlineViaLaunchServices(application, absolutePath, options);
-  } catch (const LaunchError&) {
-    ::unlink(absolutePath.c_str());
+  } catch (const OpeningTimedOut&) {
+    throw;
+  } catch (const OpenError&) {
+    file.remove();
     throw;
   }
 }

@@ -11,8 +11,8 @@ namespace vell::outlines {
 std::string formatForPath(const std::string& path);
 
 /// Writes a new empty outline of that format to an absolute path at which nothing is, and opens it. The
-/// application must run. Where the application could not be asked to open the file, none is left behind.
-/// Throws as the opening does.
+/// application must run. Where the application does not open the file, none is left behind, unless it may do
+/// so yet. Throws as the opening does.
 ipc::Answer createOutlineFile(ipc::Application& application, const std::string& absolutePath,
                               const std::string& format, const OpenOptions& options = {});
 

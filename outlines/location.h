@@ -14,8 +14,8 @@ class OpenError : public std::runtime_error {
   using std::runtime_error::runtime_error;
 };
 
-/// The application could not be asked to open a file: it has not seen the file.
-class LaunchError : public OpenError {
+/// The application did not open a file in time; it may do so yet.
+class OpeningTimedOut : public OpenError {
  public:
   using OpenError::OpenError;
 };

@@ -50,43 +50,56 @@ void throwUnlessNotOpen(const ipc::ClientError& error) {
   if (forbidden || error.kind() == Kind::pathTooLong || error.kind() == Kind::socketCreate) throw error;
 }
 
+/// What the application says; none where it says that the outline is not open, or does not run.
 template <class Record>
-std::optional<ipc::Answer> find(ipc::Application& application, const Record& where) {
+std::optional<ipc::Answer> ask(ipc::Application& application, const Record& where) {
   try {
-    ipc::Answer answer = application.request(where);
-    if (persistentIdOf(answer)) return answer;
+    return application.request(where);
   } catch (const ipc::ClientError& error) {
     throwUnlessNotOpen(error);
+    return std::nullopt;
   }
-  return std::nullopt;
 }
 
-/// Finds the outline and raises it.
-template <class Record>
-std::optional<ipc::Answer> raise(ipc::Application& application, const Record& where) {
-  auto found = findOpenOutline(application, where);
+std::optional<ipc::Answer> ifOpen(std::optional<ipc::Answer> answer) {
+  return answer && persistentIdOf(*answer) ? std::move(answer) : std::nullopt;
+}
+
+std::optional<ipc::Answer> raise(ipc::Application& application, std::optional<ipc::Answer> answer) {
+  auto found = ifOpen(std::move(answer));
   if (found) bringOutlineToFront(application, *persistentIdOf(*found));
   return found;
 }
 
+OpenError notOpened(const std::string& path, const std::string& reason) {
+  return OpenError("Vell could not open " + path + ": " + reason);
+}
+
 void launch(const std::string& path, const OpenOptions& options, const Countdown& time) {
+  const std::string bundle = options.bundle ? *options.bundle : hostVellAppURL();
   try {
-    platform::openFileWithApplication(path, options.bundle ? *options.bundle : hostVellAppURL(),
-                                      Seconds(time.left()));
-  } catch (const OpenError& error) {
-    throw LaunchError(error.what());
+    platform::openFileWithApplication(path, bundle, Seconds(time.left()));
   } catch (const std::runtime_error& error) {
-    throw LaunchError("Vell could not open " + path + ": " + error.what());
+    throw notOpened(path, error.what());
   }
 }
 
-/// The outline once the application has it; none when the time is over.
+/// Why the application refused the file when it was asked to open it; none where it does not say.
+std::optional<std::string> refusal(const ipc::Answer& answer) {
+  const auto reason = answer.result().find("refused");
+  return reason ? reason->string() : std::nullopt;
+}
+
+/// The outline once the application has it; none when the time is over. Throws OpenError as soon as the
+/// application has refused it.
 std::optional<ipc::Answer> await(ipc::Application& application, const std::string& path,
                                  const OpenOptions& options, const Countdown& time) {
   for (double left = time.left(); left > 0; left = time.left()) {
     if (options.onPoll) options.onPoll(time.waited());
     std::this_thread::sleep_for(Seconds(std::min(pollInterval, left)));
-    if (auto found = raise(application, ipc::OutlineFindByPath{path})) return found;
+    auto answer = ask(application, ipc::OutlineFindByPath{path});
+    if (const auto reason = answer ? refusal(*answer) : std::nullopt) throw notOpened(path, *reason);
+    if (auto found = raise(application, std::move(answer))) return found;
   }
   return std::nullopt;
 }
@@ -95,19 +108,19 @@ ipc::Answer launchAndAwait(ipc::Application& application, const std::string& pat
                            const OpenOptions& options, const Countdown& time) {
   launch(path, options, time);
   if (auto found = await(application, path, options, time)) return std::move(*found);
-  throw OpenError("Timed out waiting for Vell to open" + what);
+  throw OpeningTimedOut("Timed out waiting for Vell to open" + what);
 }
 
 }  // namespace
 
 std::optional<ipc::Answer> findOpenOutline(ipc::Application& application,
                                            const ipc::OutlineFindByPath& where) {
-  return find(application, where);
+  return ifOpen(ask(application, where));
 }
 
 std::optional<ipc::Answer> findOpenOutline(ipc::Application& application,
                                            const ipc::OutlineFindByPersistentId& where) {
-  return find(application, where);
+  return ifOpen(ask(application, where));
 }
 
 void bringOutlineToFront(ipc::Application& application, const std::string& persistentId) {
@@ -117,15 +130,16 @@ void bringOutlineToFront(ipc::Application& application, const std::string& persi
 ipc::Answer openOutlineViaLaunchServices(ipc::Application& application, const std::string& absolutePath,
                                          const OpenOptions& options) {
   if (!exists(absolutePath)) throw OpenError("File not found: " + absolutePath);
-  if (std::filesystem::is_directory(absolutePath))
-    throw OpenError("File not found: " + absolutePath + " is a folder");
-  if (auto open = raise(application, ipc::OutlineFindByPath{absolutePath})) return std::move(*open);
+  if (std::filesystem::is_directory(absolutePath)) throw notOpened(absolutePath, "it is a folder");
+  if (auto open = raise(application, ask(application, ipc::OutlineFindByPath{absolutePath})))
+    return std::move(*open);
   return launchAndAwait(application, absolutePath, ": " + absolutePath, options, Countdown(options.timeout));
 }
 
 ipc::Answer openOutlineByPersistentId(ipc::Application& application, const std::string& persistentId,
                                       const OpenOptions& options) {
-  if (auto open = raise(application, ipc::OutlineFindByPersistentId{persistentId})) return std::move(*open);
+  if (auto open = raise(application, ask(application, ipc::OutlineFindByPersistentId{persistentId})))
+    return std::move(*open);
   const Countdown time(options.timeout);
   const std::vector<std::string> files = resolveFileURLs(persistentId, options.timeout);
   if (files.empty()) throw OpenError("No outline found with persistentId: " + persistentId);

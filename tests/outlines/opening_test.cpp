@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <filesystem>
+#include <fstream>
 #include <memory>
 
 #include "ipc/vell_client.h"
@@ -92,6 +93,14 @@ TEST_F(Opening, WaitsForAnApplicationThatStartsMeanwhile) {
   EXPECT_TRUE(std::is_sorted(polls.begin(), polls.end()));
 }
 
+TEST_F(Opening, EndsAtOnceWhenTheApplicationHasRefusedTheFile) {
+  const Reply refused = FakeApplication::result(R"({"refused":"it is not a text"})");
+  const FakeApplication fake(application(1000, refused));
+  EXPECT_EQ(open(file), "Vell could not open " + file + ": it is not a text");
+  EXPECT_EQ(bundle.await("launched"), file + "\n");  // what was refused before is tried again
+  EXPECT_THAT(fake.requests(), ElementsAre(EndsWith(find(file)), EndsWith(find(file))));
+}
+
 TEST_F(Opening, StopsWhereThePollSaysSo) {
   struct Cancelled {};
   options.onPoll = [](double) { throw Cancelled(); };
@@ -114,7 +123,6 @@ TEST_F(Opening, SaysWhatCannotBeOpened) {
   const std::string here = std::filesystem::current_path().string() + "/";
   const std::pair<std::string, std::string> rows[] = {
       {"", "the path is empty"},
-      {home.path(), home.path() + " is a folder"},
       {"missing.vell", here + "missing.vell"},
       {"P-1", here + "P-1 (for a persistent id write id:P-1)"},
       {"~/a.vell", here + "~/a.vell (write the path: " + (home / "a.vell") + ")"},
@@ -123,6 +131,7 @@ TEST_F(Opening, SaysWhatCannotBeOpened) {
       {"file://", here + "file: (write a path)"},
   };
   for (const auto& [target, message] : rows) EXPECT_EQ(open(target), "File not found: " + message) << target;
+  EXPECT_EQ(open(home.path()), "Vell could not open " + home.path() + ": it is a folder");
   EXPECT_THAT(fake.requests(), ElementsAre());
   EXPECT_EQ(open("id:P"), "No outline found with persistentId: P");
   platform::IdentifierIndex().put({"P", home / "gone"});
@@ -170,8 +179,9 @@ TEST_F(Creating, LeavesNoFileThatTheApplicationDidNotSee) {
   EXPECT_THAT(created(), StartsWith("Vell.app must be running for CLI/MCP access."));
   EXPECT_FALSE(std::filesystem::exists(path));
   std::string content = "{}";
-  const FakeApplication fake([&, rest = application(2)](const std::string& request) {
-    return request.find("newContent") == std::string::npos ? rest(request) : FakeApplication::result(content);
+  const FakeApplication fake([&](const std::string& request) {
+    const bool find = request.find("newContent") == std::string::npos;
+    return FakeApplication::result(find ? R"({"refused":"no"})" : content);
   });
   EXPECT_EQ(created(), "outline.newContent did not return a string payload");
   EXPECT_FALSE(std::filesystem::exists(path));
@@ -179,6 +189,15 @@ TEST_F(Creating, LeavesNoFileThatTheApplicationDidNotSee) {
   options.bundle = "/nowhere.app";
   EXPECT_THAT(created(), StartsWith("Vell could not open " + path));
   EXPECT_FALSE(std::filesystem::exists(path));
+  options.bundle = bundle.path();
+  for (const bool replaced : {false, true}) {
+    options.onPoll = [&](double) {
+      if (replaced) std::ofstream(path) << "somebody else's";
+    };
+    EXPECT_EQ(created(), "Vell could not open " + path + ": no");
+    EXPECT_EQ(std::filesystem::exists(path), replaced);
+  }
+  std::filesystem::remove(path);
   path = home / "missing/new.opml";
   EXPECT_EQ(created(), "Cannot write " + path + ": No such file or directory");
 }
