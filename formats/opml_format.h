@@ -15,8 +15,8 @@ inline std::string_view textName(bool hasText) { return hasText ? "text" : "titl
 /// Namespace declarations are no attributes of a row.
 inline bool isNamespaceName(std::string_view name) { return name == "xmlns" || name.starts_with("xmlns:"); }
 
-/// Attributes that XML cannot name stand in one that holds a JSON object. Where others stand between them there
-/// are several, with a number from 2 on behind the name, so that all keep their order.
+/// Attributes that XML cannot name stand in one that holds a JSON object. Where others stand between them
+/// there are several, with a number from 2 on behind the name, so that all keep their order.
 inline constexpr std::string_view divertedName = "vell-attributes";
 /// The same for elements of the head, whose names may repeat.
 inline constexpr std::string_view divertedElement = "vell-frontMatter";

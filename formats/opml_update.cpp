@@ -66,9 +66,8 @@ void OutlineTag::updateText() {
   if (tag_.find(textName_) || hasTitle || !plain.empty()) tag_.set(textName_, plain);
   if (row_.text() == before_.text) return;
   const auto markdown = tag_.find("vell-text");
-  setOrRemove("vell-text", row_.text().isPlain()
-                               ? ""
-                               : rewriteInline(markdown ? tag_.value(*markdown) : "", row_.text()));
+  setOrRemove("vell-text",
+              row_.text().isPlain() ? "" : rewriteInline(markdown ? tag_.value(*markdown) : "", row_.text()));
 }
 
 void OutlineTag::updateType() {

@@ -104,8 +104,7 @@ std::vector<Attribute> xmlAttributes(const Row& row, Timestamp created, bool tel
   if (!row.text().isPlain()) appendInline(result.emplace_back(Attribute{"vell-text", ""}).value, row.text());
   for (Attribute& entry : xmlAttributes(row.attributes(), 0, 0)) result.push_back(std::move(entry));
   if (!tellsTimes) return result;
-  if (row.created() != created)
-    result.push_back({"vell-created", document::formatTimestamp(row.created())});
+  if (row.created() != created) result.push_back({"vell-created", document::formatTimestamp(row.created())});
   if (row.modified() != row.created())
     result.push_back({"vell-modified", document::formatTimestamp(row.modified())});
   return result;

@@ -12,10 +12,10 @@ namespace vell::formats {
 /// alone.
 inline constexpr std::size_t maxIndent = 64;
 
-/// Writes an outline in a format whose rows enclose their children, as elements and objects do. Each row has a
-/// text before its children and, where it can have any, one behind them; the root's are those around all rows.
-/// What a source says about rows that did not change is copied with what stands between them. What stands
-/// before a row goes where the row goes; a comment before a row that is deleted stays.
+/// Writes an outline in a format whose rows enclose their children, as elements and objects do. Each row has
+/// a text before its children and, where it can have any, one behind them; the root's are those around all
+/// rows. What a source says about rows that did not change is copied with what stands between them. What
+/// stands before a row goes where the row goes; a comment before a row that is deleted stays.
 class TreeUpdate {
  public:
   /// The reader must have told the source where the root stands. In formats whose `rowsSpanLines` a row that
@@ -72,11 +72,11 @@ class TreeUpdate {
   /// A row whose children are being written.
   struct Open {
     const Row* row;
-    const SourceSpan* span;  ///< null where it is new
-    bool isShifted = false;  ///< stands elsewhere than in the source, or is new
-    std::string from = {};   ///< the indentation it had
-    std::string indent = {};     ///< and has, where it is shifted
-    std::string lastIndent = {}; ///< of its last child that is new here
+    const SourceSpan* span;       ///< null where it is new
+    bool isShifted = false;       ///< stands elsewhere than in the source, or is new
+    std::string from = {};        ///< the indentation it had
+    std::string indent = {};      ///< and has, where it is shifted
+    std::string lastIndent = {};  ///< of its last child that is new here
     bool copiesClose = false;
     std::string close = {};
   };

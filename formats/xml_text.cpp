@@ -18,9 +18,9 @@ struct Range {
 
 // XML 1.0, productions 4 and 4a, without the colon.
 constexpr Range nameStarts[] = {
-    {'A', 'Z'},         {'_', '_'},         {'a', 'z'},         {0xC0, 0xD6},       {0xD8, 0xF6},
-    {0xF8, 0x2FF},      {0x370, 0x37D},     {0x37F, 0x1FFF},    {0x200C, 0x200D},   {0x2070, 0x218F},
-    {0x2C00, 0x2FEF},   {0x3001, 0xD7FF},   {0xF900, 0xFDCF},   {0xFDF0, 0xFFFD},   {0x10000, 0xEFFFF},
+    {'A', 'Z'},       {'_', '_'},       {'a', 'z'},       {0xC0, 0xD6},     {0xD8, 0xF6},
+    {0xF8, 0x2FF},    {0x370, 0x37D},   {0x37F, 0x1FFF},  {0x200C, 0x200D}, {0x2070, 0x218F},
+    {0x2C00, 0x2FEF}, {0x3001, 0xD7FF}, {0xF900, 0xFDCF}, {0xFDF0, 0xFFFD}, {0x10000, 0xEFFFF},
 };
 constexpr Range nameOthers[] = {
     {'-', '.'}, {'0', '9'}, {0xB7, 0xB7}, {0x300, 0x36F}, {0x203F, 0x2040},
@@ -112,7 +112,11 @@ void XmlTag::scan(std::string_view tag) {
   while (at < tag.size()) {
     blanks_ = takeBlanks();
     if (at == tag.size() || tag[at] == '/' || tag[at] == '>') break;
-    Part part{.blanks = blanks_, .name = take(tag.find_first_of(" \t\r\n=", at)), .assigned = {}, .quoted = {}, .value = {}};
+    Part part{.blanks = blanks_,
+              .name = take(tag.find_first_of(" \t\r\n=", at)),
+              .assigned = {},
+              .quoted = {},
+              .value = {}};
     part.assigned = take(tag.find_first_of("\"'", at));
     part.quoted = take(at < tag.size() ? tag.find(tag[at], at + 1) + 1 : at);
     attributes_.push_back(std::move(part));

@@ -187,8 +187,7 @@ std::optional<Replaced> replaceExpected(const std::string& path, std::string_vie
 
 void removeAbandoned(const std::string& folder) {
   std::error_code error;
-  for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end;
-       at.increment(error)) {
+  for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end; at.increment(error)) {
     if (!isTemporary(at->path().filename().string())) continue;
     const platform::Descriptor file(open(at->path().c_str(), O_RDONLY | O_CLOEXEC | O_NOFOLLOW | O_NONBLOCK));
     if (file && flock(file.get(), LOCK_EX | LOCK_NB) == 0) unlink(at->path().c_str());

@@ -103,7 +103,8 @@ TEST(OpmlUpdate, DepthCostsNoMoreThanRows) {
   const Row* deepest = &rows.row("x");
   while (deepest->firstChild()) deepest = deepest->firstChild();
   rows.edit().setText(*deepest, Text("deepest"));
-  for (std::size_t level = 0; level < 100; ++level) rows.create(level == 0 ? "" : std::to_string(level - 1), std::to_string(level));
+  for (std::size_t level = 0; level < 100; ++level)
+    rows.create(level == 0 ? "" : std::to_string(level - 1), std::to_string(level));
   EXPECT_LT(rows.written().size(), source.size() + 100 * 200);
   EXPECT_LT(writeAll("opml", rows.outline()).size(), depth * 200);
 }

@@ -1,4 +1,5 @@
-// The types that GNUstep's headers name. Those of GCC's runtime do not compile with automatic reference counting.
+// The types that GNUstep's headers name. Those of GCC's runtime do not compile with automatic reference
+// counting.
 #pragma once
 
 #include <objc/objc.h>
