@@ -177,7 +177,8 @@ bool DocumentHeader::tells(std::string_view lines, std::string_view key) const {
 
 /// The value as it is written over another one; YAML reads what stands in markdown.
 std::string DocumentHeader::valueOver(std::string_view before, std::string_view value) const {
-  const bool bothAreLines = before.starts_with('\n') && value.starts_with('\n');
+  const bool wasLines = before.starts_with('\n') || before.starts_with("\r\n");
+  const bool bothAreLines = wasLines && value.starts_with('\n');
   return keepsTimes_ || (bothAreLines && isPlainValue(value)) ? valueText(value) : yamlValue(value, before);
 }
 
@@ -191,14 +192,15 @@ std::string DocumentHeader::update(std::string_view lines, const Outline& outlin
     const auto isSameKey = [&](const Entry& other) {
       return other.line.key == entry.line.key && isReserved(other.line) == isReserved(entry.line);
     };
-    const bool isLast =
-        std::none_of(entries.begin() + static_cast<std::ptrdiff_t>(index) + 1, entries.end(), isSameKey);
+    const auto isLast = [&] {
+      return std::none_of(entries.begin() + static_cast<std::ptrdiff_t>(index) + 1, entries.end(), isSameKey);
+    };
     const std::string* was = valueIn(entry.line, read.persistentId, read.frontMatter);
     const std::string* now = valueIn(entry.line, outline.persistentId(), outline.frontMatter());
     if (was && !now) {  // what follows its value stays
       const std::size_t to = std::min(lines.find('\n', entry.valueTo), entry.end - 1) + 1;
       out += lines.substr(to, entry.end - to);
-    } else if (!was || *was == *now || !isLast) {
+    } else if (!was || *was == *now || !isLast()) {
       out += lines.substr(entry.begin, entry.end - entry.begin);
     } else {
       const std::string_view before = lines.substr(entry.valueFrom, entry.valueTo - entry.valueFrom);

@@ -47,6 +47,7 @@ std::size_t lineEnds(std::string_view separator) {
 
 /// `lines` with the tabs of its second line and those after it changed from one depth to another.
 std::string indented(std::string_view lines, std::size_t from, std::size_t to) {
+  if (from == to) return std::string(lines);
   std::string out;
   std::size_t at = std::min(lines.find('\n'), lines.size());
   out += lines.substr(0, at);
@@ -80,6 +81,14 @@ class LineUpdate {
   std::string write(std::string head);
 
  private:
+  /// Rows that followed each other in the source, too.
+  struct Run {
+    std::size_t begin;
+    std::size_t end;
+
+    std::size_t size() const { return end - begin; }
+  };
+
   const Row& row(std::size_t index) const { return *rows_[index].row; }
   bool follows(std::size_t index) const;
   bool isInPlace(std::size_t index) const;
@@ -88,8 +97,7 @@ class LineUpdate {
 
   std::string separatorBefore(std::size_t index);
   std::string separatorAtGap(std::size_t index) const;
-  SessionId beforeRun(std::size_t index) const;
-  SessionId afterRun(std::size_t index) const;
+  Run runOf(std::size_t index) const;
   std::string usualSeparator(std::size_t index) const;
   void append(std::string_view text);
 
@@ -118,7 +126,8 @@ std::string LineUpdate::write(std::string head) {
   }
   if (rows_.empty()) return std::move(out_);
   // A last row without any bytes is one only with a line end.
-  const bool needsEnd = source_.isEmpty() || out_.size() == bodyFrom || out_.back() == '\n' || out_.back() == '\r';
+  const bool needsEnd =
+      source_.isEmpty() || out_.size() == bodyFrom || out_.back() == '\n' || out_.back() == '\r';
   append(source_.tail().empty() && needsEnd ? lineEnd_ : source_.tail());
   return std::move(out_);
 }
@@ -173,36 +182,35 @@ std::string LineUpdate::separatorBefore(std::size_t index) {
 }
 
 /// The separator between two rows that did not follow each other. Where rows between them are gone it is the
-/// longer of those around the gap; where one of the two came here from elsewhere the other keeps what stood
-/// before it. Which of them came is told by the rows beyond.
+/// longer of those around the gap; a row that came here from elsewhere gets the usual one, and the row behind
+/// it keeps its own. Of two stretches of rows that changed their order the shorter one is taken to have
+/// moved.
 std::string LineUpdate::separatorAtGap(std::size_t index) const {
   const SessionId before = row(index - 1).id();
   const SessionId here = row(index).id();
   if (!source_.holds(here) || source_.isFirst(here)) return usualSeparator(index);
   const std::string own(source_.separator(here));
   if (!source_.holds(before)) return own;
-  const SessionId left = beforeRun(index - 1);
-  const SessionId right = afterRun(index);
-  if (before > here) return left != 0 && left < here ? own : usualSeparator(index);
-  if (before < left && left < here) return own;
-  if (before < right && right < here) return usualSeparator(index);
+  const Run left = runOf(index - 1);
+  const Run right = runOf(index);
+  if (before > here) return left.size() < right.size() ? own : usualSeparator(index);
+  const auto isFromBetween = [&](std::size_t other) {
+    return source_.holds(row(other).id()) && before < row(other).id() && row(other).id() < here;
+  };
+  if (left.begin > 0 && isFromBetween(left.begin - 1) && left.size() < runOf(left.begin - 1).size())
+    return own;
+  if (right.end < rows_.size() && isFromBetween(right.end) && right.size() < runOf(right.end).size()) {
+    return usualSeparator(index);
+  }
   const std::string behind(source_.separator(before + 1));
   return lineEnds(behind) > lineEnds(own) ? behind : own;
 }
 
-/// The row before the stretch of rows that ends here and that followed each other in the source; 0 where
-/// there is none or it is new.
-SessionId LineUpdate::beforeRun(std::size_t index) const {
-  while (index > 0 && follows(index)) --index;
-  return index > 0 && source_.holds(row(index - 1).id()) ? row(index - 1).id() : 0;
-}
-
-/// The row behind the stretch that begins here.
-SessionId LineUpdate::afterRun(std::size_t index) const {
-  for (++index; index < rows_.size(); ++index) {
-    if (!follows(index)) return source_.holds(row(index).id()) ? row(index).id() : 0;
-  }
-  return 0;
+LineUpdate::Run LineUpdate::runOf(std::size_t index) const {
+  Run run{index, index + 1};
+  while (run.begin > 0 && follows(run.begin)) --run.begin;
+  while (run.end < rows_.size() && follows(run.end)) ++run.end;
+  return run;
 }
 
 /// One line end, or two where the sibling beside the row has a blank line before it.

@@ -144,8 +144,8 @@ bool RowUpdate::says(std::string_view lines) const {
   if (!reader.next() || lines.starts_with('\t')) return false;
   try {
     const RowContent read = readVellRow(trimEnd(reader.line()), depth_, outline_.created(), reader);
-    const bool sameTimes = times_ == Times::dropped ||
-                           (read.created == row_.created() && read.modified == row_.modified());
+    const bool sameTimes =
+        times_ == Times::dropped || (read.created == row_.created() && read.modified == row_.modified());
     return sameTimes && !reader.next() && read.type == row_.type() && read.text == row_.text() &&
            read.attributes == row_.attributes() && read.persistentId == row_.persistentId();
   } catch (const FormatError&) {

@@ -15,8 +15,8 @@ enum class Kind { string, number, word };
 bool isDigit(char c) { return c >= '0' && c <= '9'; }
 
 Kind kindOf(std::string_view scalar) {
-  constexpr std::array<std::string_view, 14> words = {"~",   "null", "true", "false", "yes",  "no",    "on",
-                                                      "off", "y",    "n",    ".inf",  ".nan", "+.inf", "-.inf"};
+  constexpr std::array<std::string_view, 14> words = {
+      "~", "null", "true", "false", "yes", "no", "on", "off", "y", "n", ".inf", ".nan", "+.inf", "-.inf"};
   std::string lower(scalar);
   for (char& c : lower) c = c >= 'A' && c <= 'Z' ? static_cast<char>(c | 0x20) : c;
   if (std::count(words.begin(), words.end(), lower) > 0) return Kind::word;
@@ -29,7 +29,8 @@ Kind kindOf(std::string_view scalar) {
 /// True if it can stand without quotes, whatever YAML takes it for.
 bool isPlainScalar(std::string_view value) {
   constexpr std::string_view indicators = "-?:,[]{}#&*!|>'\"%@`=<";
-  if (value.empty() || trim(value) != value || std::any_of(value.begin(), value.end(), isControl)) return false;
+  if (value.empty() || trim(value) != value || std::any_of(value.begin(), value.end(), isControl))
+    return false;
   const bool isNegative = value.front() == '-' && kindOf(value) == Kind::number;
   if (indicators.find(value.front()) != std::string_view::npos && !isNegative) return false;
   return !value.ends_with(':') && value.find(": ") == std::string_view::npos &&
