@@ -10,6 +10,8 @@
 namespace vell::formats {
 namespace {
 
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
 std::string lower(std::string_view text) {
   std::string result(text);
   for (char& c : result) {
@@ -28,7 +30,7 @@ std::string_view checkedSource(std::string_view text) {
   if (const auto invalid = text::findInvalidUtf8(text)) {
     throw FormatError("not valid UTF-8; save the file as UTF-8", text::lineNumber(text, *invalid), *invalid);
   }
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
   return text;
 }
 
@@ -73,9 +75,16 @@ void readFile(const Format& format, std::string text, const ReadOptions& options
 
 std::string fileText(const Format& format, const Outline& outline) {
   const document::Source* source = outline.source();
-  if (format.update && source && source->format() == format.name) return format.update(outline);
+  const bool updates = format.update && source && source->format() == format.name;
   std::string text;
-  format.write(outline, placeAll(outline), false, text);
+  if (updates) {
+    text = format.update(outline);
+  } else {
+    format.write(outline, placeAll(outline), false, text);
+  }
+  // A text that begins with the character of the byte order mark would lose it without a mark before it.
+  const bool isMarked = updates && source->text().starts_with(byteOrderMark);
+  if (!isMarked && text.starts_with(byteOrderMark)) text.insert(0, byteOrderMark);
   return text;
 }
 

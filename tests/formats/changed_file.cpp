@@ -15,6 +15,20 @@ Text newText(OutlineGenerator& random, unsigned seed) {
   return seed == 0 ? Text("new words") : random.styledText();
 }
 
+/// Whether an id stands in the text more than once: the first row keeps it, and loses it when another comes
+/// first.
+bool repeatsIds(const Outline& outline, std::string_view text) {
+  for (const Row* row = outline.root().firstChild(); row; row = nextInOrder(row, &outline.root())) {
+    const std::string& id = row->persistentId();
+    std::size_t count = 0;
+    for (std::size_t at = 0; !id.empty() && (at = text.find(id, at)) != text.npos; ++at) {
+      count += at > 0 && std::string_view("#\"'").find(text[at - 1]) != std::string_view::npos;
+    }
+    if (count > 1) return true;
+  }
+  return false;
+}
+
 bool isWithin(const Row& row, const Row& top) { return &row == &top || document::isAncestor(top, row); }
 
 }  // namespace
@@ -120,6 +134,14 @@ void ChangedFile::undo() {
   headless::undo(*outline_, changes_);
   changes_.clear();
   story_ += "undone; ";
+}
+
+bool ChangedFile::isFaulty() const {
+  const std::string& text = outline_->source()->text();
+  const std::string content = dump(*outline_, holds_);
+  const auto holds = [&](std::string_view escape) { return content.find(escape) != std::string::npos; };
+  return repeatsIds(*outline_, text) ||
+         (!holds_.controls && (holds("\\u00") || holds("\\b") || holds("\\f")));
 }
 
 std::string ChangedFile::differs() const {

@@ -33,6 +33,9 @@ class ChangedFile {
   /// Undoes every change.
   void undo();
 
+  /// The file holds what its format cannot: an id twice, or control characters. Its rows may read back
+  /// otherwise.
+  bool isFaulty() const;
   /// The file is byte for byte what was read.
   std::string differs() const;
   /// The file reads back as the rows that the outline holds.
