@@ -13,6 +13,8 @@ const UpdateCase vellCases[] = {
     {"mark, blanks and trailer", "\t\n1)  a  {#p   k=\"v\"}  \n7. b\n[x]\tc {done}\n",
      [](RowChanges& rows) { rows.text("a", "A"); rows.text("b", "B"); rows.text("c {done}", "C"); },
      "\t\n1)  A  {#p   k=\"v\"}  \n7. B\n[x]\tC\n"},
+    {"inline markup", "*a* and __b__\n", [](RowChanges& rows) { rows.text("a and b", "_a_ and **b** and c"); },
+     "*a* and __b__ and c\n"},
     {"items of a trailer", "a { b=1 #p \"c\"=\"2\"  type=note\td=3}\n",
      [](RowChanges& rows) { rows.attributes("a", {{"b", "x y"}, {"d", "3"}, {"e", "4"}}); rows.edit().setPersistentId(rows.row("a"), "q"); },
      "a { b=\"x y\" #q  type=note\td=3 e=4}\n"},
@@ -25,14 +27,14 @@ const UpdateCase vellCases[] = {
     {"type and state", "- [ ] a\n[ ]  b\n- c {type=task}\n",
      [](RowChanges& rows) { rows.edit().setType(rows.row("[ ] a"), RowType::quote); rows.attributes("b", {{"done", "true"}}); rows.text("c", "C"); },
      "> [ ] a\n[x]  b\n- C {type=task}\n"},
-    {"what would be a mark, a fence or an empty row", "a\nb\nc\n\\\n---\n",
+    {"what would be a mark or an empty row", "a\nb\nc\n\\\n---\n",
      [](RowChanges& rows) {
        const Row* c = rows.row("c").next();
        rows.edit().setType(*c->next(), RowType::body);
        rows.edit().setText(*c, Text("1. d"));
-       rows.text("a", "\\# a"); rows.text("b", "\\~~~b"); rows.text("c", "");
+       rows.text("a", "\\# a"); rows.text("b", "\\[ ] b"); rows.text("c", "");
      },
-     "\\# a\n\\~~~b\n\\\n1\\. d\n\\\n"},
+     "\\# a\n\\[ ] b\n\\\n1\\. d\n\\\n"},
     {"code keeps its fence and info", "\t\n~~~~  c++   {#p}\na\n~~~~~\n```\nb\n```\n",
      [](RowChanges& rows) { rows.text("a", "~~~"); rows.text("b", "```"); },
      "\t\n~~~~  c++   {#p}\n~~~\n~~~~\n````\n```\n````\n"},
@@ -102,17 +104,20 @@ TEST(LineUpdate, ChangesWhatChanged) {
 
 TEST(DocumentHeader, RewritesTheKeysThatChanged) {
   const UpdateCase cases[] = {
-      {"keys come, change and go", "vell 1\r\n\"a\":  1 # c\r\nb:\r\n  - 2\r\n# of c\r\nc: 3\r\nb: 4\r\n\r\nrow",
-       [](RowChanges& rows) { rows.outline().setFrontMatter({{"a", "x"}, {"b", "y\nz"}, {"d e", "yes"}}); },
+      {"keys come, change and go",
+       "vell 1\r\n\"a\":  1 # c\r\nb:\r\n  - 2\r\n# of c\r\nc: 3\r\nb: 4\r\n\r\nrow",
+       [](RowChanges& rows) {
+         rows.outline().setFrontMatter({{"a", "x"}, {"b", "y\nz"}, {"d e", "yes"}});
+       },
        "vell 1\r\n\"a\":  x\r\nb:\r\n  - 2\r\n# of c\r\nb: \"y\\nz\"\r\n\"d e\": yes\r\n\r\nrow"},
       {"the outline's id where one stood", "vell 1\nid: x\n\"id\": y\n",
-       [](RowChanges& rows) { rows.outline().setPersistentId("z"); },
-       "vell 1\nid: z\n\"id\": y\n"},
+       [](RowChanges& rows) { rows.outline().setPersistentId("z"); }, "vell 1\nid: z\n\"id\": y\n"},
       {"no id is forced on a file", "vell 1\nt: T\n",
-       [](RowChanges& rows) { rows.outline().setPersistentId("z"); },
-       "vell 1\nt: T\n"},
+       [](RowChanges& rows) { rows.outline().setPersistentId("z"); }, "vell 1\nt: T\n"},
       {"a header for what has none", "row\n",
-       [](RowChanges& rows) { rows.outline().setFrontMatter({{"t", "T"}}); },
+       [](RowChanges& rows) {
+         rows.outline().setFrontMatter({{"t", "T"}});
+       },
        "vell 1\nt: T\n\nrow\n"},
   };
   for (const UpdateCase& row : cases) {
