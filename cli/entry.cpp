@@ -4,6 +4,7 @@
 #include "cli/help.h"
 #include "cli/parser.h"
 #include "outlines/location.h"
+#include "platform/notices.h"
 
 namespace vell::cli {
 namespace {
@@ -15,10 +16,14 @@ void perform(const CommandLine& line, Console& console) {
   line.command->run(line.arguments, console);
 }
 
-}  // namespace
+/// What happened to outlines meanwhile that nobody may miss.
+void tellNotices(const CommandLine& line, Console& console) {
+  const bool asks = line.action == Action::run && line.command != &vellCommand && line.command != &mcpCommand;
+  if (!asks) return;
+  for (const std::string& notice : platform::takeNotices()) console.say("Note from Vell: " + notice + "\n");
+}
 
-int Vell::main(const ArgumentList& arguments, Console& console) {
-  const CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments));
+int run(const CommandLine& line, Console& console) {
   try {
     perform(line, console);
     console.out.flush();
@@ -32,6 +37,15 @@ int Vell::main(const ArgumentList& arguments, Console& console) {
     console.say("Error: " + std::string(error.what()) + "\n");
     return ExitStatus::failure;
   }
+}
+
+}  // namespace
+
+int Vell::main(const ArgumentList& arguments, Console& console) {
+  const CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments));
+  const int status = run(line, console);
+  tellNotices(line, console);
+  return status;
 }
 
 }  // namespace vell::cli

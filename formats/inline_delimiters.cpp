@@ -10,7 +10,8 @@ namespace vell::formats {
 namespace {
 
 bool isUnicodeBlank(char32_t c) {
-  return c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F || c == 0x205F || c == 0x3000;
+  return c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F || c == 0x205F ||
+         c == 0x3000;
 }
 
 /// Punctuation and signs beyond ASCII: the blocks that hold nothing else.
@@ -61,8 +62,8 @@ void Delimiters::add(std::string_view source, std::size_t at, std::size_t length
     runs_.push_back({source[at], at, at + length, length, flanks.canOpen, flanks.canClose});
 }
 
-/// A run that could both open and close pairs only where the lengths of the two do not add up to a multiple of
-/// three, unless both are one.
+/// A run that could both open and close pairs only where the lengths of the two do not add up to a multiple
+/// of three, unless both are one.
 bool Delimiters::match(const Run& opener, const Run& closer) {
   if (opener.mark != closer.mark) return false;
   if (isTwin(opener.mark) || (!opener.canClose && !closer.canOpen)) return true;
@@ -78,13 +79,15 @@ void Delimiters::pair(std::size_t from, std::vector<Piece>& pieces) {
     while (closer.canClose && closer.begin < closer.end) {
       std::size_t& searched = searchedUpTo[{closer.mark, closer.canOpen, closer.length % 3}];
       std::size_t found = openers.size();
-      while (found > 0 && openers[found - 1] >= searched && !match(runs_[openers[found - 1]], closer)) --found;
+      while (found > 0 && openers[found - 1] >= searched && !match(runs_[openers[found - 1]], closer))
+        --found;
       if (found == 0 || openers[found - 1] < searched) {
         searched = index;
         break;
       }
       Run& opener = runs_[openers[found - 1]];
-      const std::size_t use = std::min({opener.end - opener.begin, closer.end - closer.begin, std::size_t{2}});
+      const std::size_t use =
+          std::min({opener.end - opener.begin, closer.end - closer.begin, std::size_t{2}});
       const std::string mark(use, closer.mark);
       pieces.push_back({Piece::Kind::open, opener.end - use, opener.end, {}, styleOf(mark)});
       pieces.push_back({Piece::Kind::close, closer.begin, closer.begin + use, {}, {}});

@@ -19,8 +19,8 @@ struct Flanks {
 };
 Flanks flanksOf(char mark, CharacterClass before, CharacterClass after);
 
-/// Pairs the runs of marks in a text, by the rules that CommonMark has for emphasis. "~~" and "==" are marks as
-/// they stand; longer and shorter runs of these are text.
+/// Pairs the runs of marks in a text, by the rules that CommonMark has for emphasis. "~~" and "==" are marks
+/// as they stand; longer and shorter runs of these are text.
 class Delimiters {
  public:
   std::size_t size() const { return runs_.size(); }

@@ -5,7 +5,8 @@
 namespace vell::formats {
 namespace {
 
-/// Escaping one thing can bring out another, as in "[[a](u)](u)"; after so many rounds all is escaped at once.
+/// Escaping one thing can bring out another, as in "[[a](u)](u)"; after so many rounds all is escaped at
+/// once.
 constexpr int maxRounds = 6;
 
 constexpr std::string_view blanks = " \t\n";
@@ -60,9 +61,9 @@ bool Draft::settle(const Text& text, LineFeeds lineFeeds) {
   return parseInline(source_, lineFeeds) == text;
 }
 
-/// What callers and the lines around do with the ends of a text: blanks and a braced list are cut off before it is
-/// read, a backslash at the end is a sign of its own, and one is put before what would begin a fence or a rule, which
-/// must not take a mark from a longer run.
+/// What callers and the lines around do with the ends of a text: blanks and a braced list are cut off before
+/// it is read, a backslash at the end is a sign of its own, and one is put before what would begin a fence or
+/// a rule, which must not take a mark from a longer run.
 void Draft::escapeEnds() {
   if (source_.empty()) return;
   const auto isText = [&](std::size_t at, std::string_view characters) {
@@ -138,8 +139,8 @@ std::vector<std::size_t> Draft::findText(std::string_view characters) const {
   return places;
 }
 
-/// Puts a backslash before punctuation and a reference in the place of other characters; from then on these are
-/// markup.
+/// Puts a backslash before punctuation and a reference in the place of other characters; from then on these
+/// are markup.
 void Draft::escape(const std::vector<std::size_t>& places) {
   if (places.empty()) return;
   Draft escaped;

@@ -8,8 +8,8 @@
 
 namespace vell::formats {
 
-/// Inline source in the making. It knows which of its bytes are text, so that it can escape those that would be read
-/// as markup, and only those.
+/// Inline source in the making. It knows which of its bytes are text, so that it can escape those that would
+/// be read as markup, and only those.
 class Draft {
  public:
   /// Appends markup as it is written.

@@ -10,7 +10,8 @@ namespace {
 
 constexpr std::size_t none = static_cast<std::size_t>(-1);
 
-/// Pieces that begin or end styles side by side, between which a source may be cut; of more only the outer ones.
+/// Pieces that begin or end styles side by side, between which a source may be cut; of more only the outer
+/// ones.
 constexpr std::size_t maxCuts = 6;
 
 /// A place at which a source can be cut: before a piece, or within a piece of text.
@@ -168,7 +169,8 @@ Rewriter::Gap Rewriter::fillGap(std::size_t oldBegin, std::size_t oldEnd, std::s
   return std::move(*best);
 }
 
-/// Styles that are open at both cuts and hold for all that is written stay open; others end before and begin behind.
+/// Styles that are open at both cuts and hold for all that is written stay open; others end before and begin
+/// behind.
 Draft Rewriter::fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) const {
   const std::vector<std::size_t> before = old_.stylesAround(from);
   const std::vector<std::size_t> behind = old_.stylesAround(to);
@@ -190,7 +192,8 @@ Draft Rewriter::fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) c
   return draft;
 }
 
-void Rewriter::write(Draft& draft, std::vector<StyledRange> ranges, std::span<const std::size_t> inside) const {
+void Rewriter::write(Draft& draft, std::vector<StyledRange> ranges,
+                     std::span<const std::size_t> inside) const {
   for (StyledRange& range : ranges) {
     for (const std::size_t open : inside) {
       for (const Attribute& entry : old_.styleOf(open)) range.style.remove(entry.key);

@@ -16,7 +16,8 @@ struct StyledRange {
 };
 std::vector<StyledRange> rangesOf(const Text& text);
 
-/// How styles are written: with marks where there are any, or each range in brackets, which never is ambiguous.
+/// How styles are written: with marks where there are any, or each range in brackets, which never is
+/// ambiguous.
 enum class StyleForm { marks, brackets };
 
 /// Appends the ranges of the text, neighbours of one style together.

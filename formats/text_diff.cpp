@@ -76,7 +76,8 @@ class TextDiff {
 /// How far the two agree from the front; whole characters.
 std::size_t TextDiff::commonAfter(Range old, Range now) const {
   std::size_t length = 0;
-  while (old.begin + length < old.end && now.begin + length < now.end && same(old.begin + length, now.begin + length))
+  while (old.begin + length < old.end && now.begin + length < now.end &&
+         same(old.begin + length, now.begin + length))
     ++length;
   while (!old_.isBoundary(old.begin + length) || !now_.isBoundary(now.begin + length)) --length;
   return length;
@@ -97,8 +98,10 @@ std::vector<Range> TextDiff::wordsOf(const StyledString& text, Range range) {
   for (std::size_t at = range.begin; at < range.end;) {
     const std::size_t begin = at;
     while (at < range.end && !isBlank(text.string[at]) && text.styles[at] == text.styles[begin]) ++at;
-    if (at > begin) words.push_back({begin, at});
-    else ++at;
+    if (at > begin)
+      words.push_back({begin, at});
+    else
+      ++at;
   }
   return words;
 }
@@ -131,20 +134,27 @@ std::vector<CommonStretch> TextDiff::uniqueWords(Range old, Range now) const {
   std::vector<CommonStretch> unique;  // in the order of the text as it is now
   for (const Range word : nowWords) {
     const Places& at = places[keyOf(now_, word)];
-    if (at.oldCount == 1 && at.nowCount == 1) unique.push_back({at.old.begin, word.begin, word.end - word.begin});
+    if (at.oldCount == 1 && at.nowCount == 1)
+      unique.push_back({at.old.begin, word.begin, word.end - word.begin});
   }
   // The longest sequence that stands in the order of the old text too.
-  std::vector<std::size_t> lastOf;  // by length of a sequence: the word with the earliest old place that ends one
+  std::vector<std::size_t>
+      lastOf;  // by length of a sequence: the word with the earliest old place that ends one
   std::vector<std::size_t> previous(unique.size());
   for (std::size_t index = 0; index < unique.size(); ++index) {
-    const auto isBefore = [&](std::size_t other, std::size_t place) { return unique[other].oldBegin < place; };
+    const auto isBefore = [&](std::size_t other, std::size_t place) {
+      return unique[other].oldBegin < place;
+    };
     const auto found = std::lower_bound(lastOf.begin(), lastOf.end(), unique[index].oldBegin, isBefore);
     previous[index] = found == lastOf.begin() ? index : *(found - 1);
-    if (found == lastOf.end()) lastOf.push_back(index);
-    else *found = index;
+    if (found == lastOf.end())
+      lastOf.push_back(index);
+    else
+      *found = index;
   }
   std::vector<CommonStretch> sequence(lastOf.size());
-  for (std::size_t count = lastOf.size(), index = count > 0 ? lastOf.back() : 0; count-- > 0; index = previous[index])
+  for (std::size_t count = lastOf.size(), index = count > 0 ? lastOf.back() : 0; count-- > 0;
+       index = previous[index])
     sequence[count] = unique[index];
   return sequence;
 }
@@ -162,8 +172,7 @@ std::vector<CommonStretch> TextDiff::stretches(bool between) {
     for (CommonStretch word : uniqueWords(old, now)) {
       if (word.oldBegin < old.begin || word.nowBegin < now.begin) continue;  // taken with the word before
       const std::size_t before = commonBefore({old.begin, word.oldBegin}, {now.begin, word.nowBegin});
-      const std::size_t length =
-          before + commonAfter({word.oldBegin, old.end}, {word.nowBegin, now.end});
+      const std::size_t length = before + commonAfter({word.oldBegin, old.end}, {word.nowBegin, now.end});
       found.push_back({word.oldBegin - before, word.nowBegin - before, length});
       old.begin = word.oldBegin - before + length;
       now.begin = word.nowBegin - before + length;

@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <cstdio>
 #include <exception>
 #include <sstream>
@@ -12,8 +13,10 @@
 #include "headless/server/server.h"
 #include "headless/server/signals.h"
 #include "headless/storage/files.h"
+#include "headless/storage/log_file.h"
 #include "headless/storage/paths.h"
 #include "platform/container.h"
+#include "platform/notices.h"
 
 namespace vell::headless {
 namespace {
@@ -26,6 +29,18 @@ constexpr milliseconds otherOpens{60'000};
 constexpr milliseconds flushLimit{500};
 
 void warn(const std::string& message) { std::fprintf(stderr, "vell-headless: %s\n", message.c_str()); }
+
+void log(const std::string& message) {
+  warn(message);
+  static const LogFile file(platform::containerDirectory() + "/vell.log");
+  file.append(message);
+}
+
+/// What people must not miss, also where a command started this process.
+void report(const std::string& message) {
+  log(message);
+  platform::leaveNotice(message);
+}
 
 /// Every client costs a descriptor; the usual soft limit on macOS is 256.
 void raiseDescriptorLimit() {
@@ -41,23 +56,35 @@ void openFiles(Application& application, const std::vector<std::string>& paths) 
     try {
       opened.push_back(&application.open(path));
     } catch (const Problem& problem) {
-      warn(problem.what());
+      log(problem.what());
     }
   }
   for (auto outline = opened.rbegin(); outline != opened.rend(); ++outline)
     application.bringToFront(**outline);
 }
 
+/// Errors that nobody asked for end nothing. If they come without end, what is unsaved is saved all the same.
+void runUntilStopped(EventLoop& loop) {
+  constexpr int mostErrors = 100;
+  for (int errors = 0; errors < mostErrors; ++errors) {
+    try {
+      return loop.run();
+    } catch (const std::exception& error) {
+      report(std::string("An error in Vell: ") + error.what());
+    }
+  }
+}
+
 int serve(ApplicationSocket socket, const std::vector<std::string>& paths) {
   const QuitSignals signals;
   raiseDescriptorLimit();
   EventLoop loop;
-  Application application(loop, {platform::containerDirectory(), warn, VELL_VERSION});
+  Application application(loop, {platform::containerDirectory(), report, VELL_VERSION});
   openFiles(application, paths);
   application.reopenUntitled();
   Server server(loop, application, socket.descriptor());
   loop.watch(signals.descriptor(), POLLIN, [&](short) { loop.stop(); });
-  loop.run();
+  runUntilStopped(loop);
   loop.forget(signals.descriptor());
   socket.remove();
   server.closeAfterFlush(flushLimit);
@@ -111,7 +138,8 @@ int main(int argc, char** argv) {
       "The socket is Library/Containers/app.vell.Vell/Data/cli.sock in the home directory.");
   std::vector<std::string> files;
   app.add_option("FILE", files,
-                 "Outlines to open (.vell, .md, .markdown, .opml, .txt, .json); the first comes to front.");
+                 "Outlines to open: .vell, .md, .markdown, .opml, .json, .txt and other texts; the first "
+                 "comes to front.");
   try {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& error) {
@@ -122,6 +150,7 @@ int main(int argc, char** argv) {
     std::fputs(err.str().c_str(), stderr);
     return status == 0 ? 0 : usageStatus;
   }
+  std::signal(SIGXFSZ, SIG_IGN);  // a file that may not grow further is an error of the write
   try {
     return vell::headless::run(files);
   } catch (const std::exception& failure) {

@@ -32,6 +32,8 @@ void decode(const formats::Format& format, FileContent content, const std::strin
 const formats::Format& formatOfContent(std::string_view text) {
   if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
   if (text.starts_with("vell 1\n") || text.starts_with("vell 1\r")) return *formats::formatNamed("vell");
+  if (text.starts_with("---\nid: ") && text.find("\n---\n") != std::string_view::npos)
+    return *formats::formatNamed("markdown");
   text.remove_prefix(std::min(text.find_first_not_of(" \t\r\n"), text.size()));
   if (text.starts_with("<?xml") || text.starts_with("<opml")) return *formats::formatNamed("opml");
   return *formats::formatNamed(text.starts_with('{') ? "json" : "txt");

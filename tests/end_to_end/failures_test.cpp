@@ -3,6 +3,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <filesystem>
 
 #include "platform/container.h"
 #include "platform/socket.h"
@@ -55,6 +56,45 @@ TEST(Failures, NoApplication) {
   EXPECT_EQ(application.stop().status, -SIGKILL);
   EXPECT_EQ(vell({"get", "outlines"}).error, message + ": Connection refused)\n");
   EXPECT_EQ(vell({"get", "outlines"}).status, 1);
+}
+
+TEST(Failures, OfOpeningEndAtOnceWithTheReason) {
+  const TemporaryHome home;
+  const std::string picture = home.write("a.png", std::string("\x89PNG\0", 5));
+  const std::string latin = home.write("a.md", "gr\xFC\xDF");
+  const std::string list = home.write("a.json", "[1]");
+  const struct {
+    std::string path;
+    std::string reason;
+  } rows[] = {
+      {picture, "it is not a text"},
+      {latin, "line 1 (byte 2): not valid UTF-8; save the file as UTF-8"},
+      {home.path(), "it is a folder"},
+      {list, "line 1 (byte 1): "},
+  };
+  const Application application;
+  for (const auto& [path, reason] : rows) {
+    const Ended ended = vell({"open", "outline", path, "--timeout", "60"});
+    EXPECT_EQ(ended.status, 1);
+    EXPECT_EQ(ended.error.find("Error: Vell could not open " + path + ": " + reason), 0U) << ended.error;
+  }
+  const std::string fine = home.write("notes.html", "one\n");
+  EXPECT_NE(printed({"open", "outline", fine}).find("notes.html"), std::string::npos);
+  for (const std::string name : {"new.html", "no-extension"})
+    EXPECT_NE(printed({"create", "outline", home / name}).find(name), std::string::npos);
+}
+
+TEST(Failures, ThatNobodyAskedForAreToldByTheNextCommand) {
+  const TemporaryHome home;
+  const std::string path = home.write("a.txt", "one\n");
+  const Application application;
+  printed({"open", "outline", path});
+  std::filesystem::remove(path);
+  std::string told = vell({"create", "row", "--text", "two"}).error;
+  for (int i = 0; i < 100 && told.empty(); ++i) told = vell({"get", "outlines"}).error;
+  EXPECT_EQ(told.find("Note from Vell: " + path), 0U) << told;
+  EXPECT_EQ(vell({"get", "outlines"}).error, "");
+  EXPECT_NE(read(platform::containerDirectory() + "/vell.log").find(path), std::string::npos);
 }
 
 TEST(Failures, ASocketPathThatIsTooLong) {

@@ -157,6 +157,7 @@ TEST_F(Restarted, TheContentTellsTheFormatWhereTheNameDoesNot) {
       {"a.html", "vell 1\n\none\n", "vell"},
       {"a.txt", "vell 1\n\none\n", "vell"},
       {"a.txt", R"({"rows":[]})", "txt"},
+      {"a", "---\nid: 1234-5678\n---\n# one\n", "markdown"},
       {"a", "", "txt"},
       {"a.png", png, "it is not a text"},
       {"a.md", "\xFF\xFE", "line 1 (byte 0): not valid UTF-8; save the file as UTF-8"},

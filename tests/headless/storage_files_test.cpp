@@ -8,6 +8,7 @@
 #include <filesystem>
 
 #include "headless/editing/problem.h"
+#include "headless/storage/log_file.h"
 #include "headless/storage/paths.h"
 #include "tests/support/temporary_directory.h"
 
@@ -156,6 +157,16 @@ TEST(Files, SaysWhyAFileCannotBeReadOrWritten) {
   const bool mayAll = access(file.c_str(), W_OK) == 0;  // root
   EXPECT_EQ(problemOf([&] { replaceNow(file, "new"); }),
             mayAll ? "none" : "Cannot save " + file + ": it is write-protected");
+}
+
+TEST(Files, ALogStaysSmall) {
+  const tests::TemporaryDirectory directory;
+  const LogFile log(directory / "vell.log");
+  for (int i = 0; i < 20; ++i) log.append(std::string(100'000, 'x'));
+  log.append("the last one");
+  EXPECT_EQ(filesIn(directory.path()), 2U);
+  EXPECT_LT(fs::file_size(directory / "vell.log") + fs::file_size(directory / "vell.log.old"), 1'300'000U);
+  EXPECT_NE(readFile(directory / "vell.log").bytes.find("Z the last one\n"), std::string::npos);
 }
 
 TEST(Files, PrivateDirectoriesAreClosedToOthers) {
