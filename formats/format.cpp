@@ -38,7 +38,7 @@ std::span<const Format> formats() {
   // clang-format off
   static const std::array table = {
       Format{"session",  {},                 nullptr,      writeSession,  nullptr, true},
-      Format{"json",     {"json"},           readJson,     writeJson,     nullptr, true},
+      Format{"json",     {"json"},           readJson,     writeJson,     updateJson, true},
       Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, nullptr, false},
       Format{"vell",     {"vell"},           readVell,     writeVell,     updateVell, false},
       Format{"opml",     {"opml"},           readOpml,     writeOpml,     updateOpml, false},

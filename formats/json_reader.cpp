@@ -1,11 +1,11 @@
 #include "formats/json_format.h"
 
 #include <optional>
-#include <span>
 #include <utility>
 #include <vector>
 
 #include "formats/format.h"
+#include "formats/json_members.h"
 #include "json/error.h"
 #include "text/lines.h"
 
@@ -82,44 +82,43 @@ Text textOf(const json::Member& member) {
   return readRuns(member.value);
 }
 
-/// An id is a number where the rows are those of a live outline; such a number means nothing here.
-bool isPersistentId(const json::Member& member) {
-  return member.key == "persistentId" || (member.key == "id" && member.value.kind() == json::Kind::string);
-}
-
 class JsonReader {
  public:
-  JsonReader(Timestamp time, Outline& outline) : time_(time), outline_(outline), builder_(outline) {
+  /// `text` is what the nodes are of; `skipped` bytes of the source stand before it: a byte order mark.
+  JsonReader(std::string_view text, std::size_t skipped, Timestamp time, Outline& outline)
+      : text_(text), skipped_(skipped), time_(time), outline_(outline), builder_(outline) {
     outline_.setCreated(time);
   }
 
   void read(const json::Node& root) {
-    if (root.kind() == json::Kind::array) return readRows(root);
+    if (root.kind() == json::Kind::array)
+      return readRows(root, {root.offset(), root.offset() + 1, text_.rfind(']'), text_.rfind(']') + 1});
     require(json::Kind::object, root, "a document or an array of rows");
-    for (const json::Member& member : root.members()) {
-      if (isPersistentId(member)) outline_.setPersistentId(stringOf(member));
+    const std::vector<json::Member> members = root.members();
+    for (const json::Member& member : members) {
+      if (isPersistentId(member.key, member.value.kind())) outline_.setPersistentId(stringOf(member));
       if (member.key == "created") outline_.setCreated(timeOf(member));
       if (member.key == "frontMatter") outline_.setFrontMatter(attributesOf(member));
-      if (member.key == "rows") readRows(arrayOf(member));
     }
+    const json::Member* rows = lastOf(members, rowsKey);
+    if (!rows) throw ShapeError("not an outline: this object has no \"rows\"", root);
+    requireMember(json::Kind::array, *rows, "an array");
+    readRows(rows->value, spanOf(root, members, rows, text_.size()));
   }
 
  private:
   /// Rows side by side and how many of them are read.
   struct Siblings {
     std::vector<json::Node> rows;
+    std::size_t end;  ///< the bracket behind them
     std::size_t next = 0;
   };
 
-  static json::Node arrayOf(const json::Member& member) {
-    requireMember(json::Kind::array, member, "an array");
-    return member.value;
-  }
-
   /// Keeps its own stack, so that depth costs no call frames.
-  void readRows(const json::Node& rows) {
+  void readRows(const json::Node& rows, const SourceSpan& root) {
+    builder_.addRoot(inSource(root));
     std::vector<Siblings> open;
-    open.push_back({rows.elements()});
+    open.push_back({rows.elements(), root.closeBegin});
     while (!open.empty()) {
       Siblings& siblings = open.back();
       if (siblings.next == siblings.rows.size()) {
@@ -127,99 +126,76 @@ class JsonReader {
         continue;
       }
       const json::Node row = siblings.rows[siblings.next++];
-      open.push_back({readRow(row, open.size() - 1)});
+      const bool isLast = siblings.next == siblings.rows.size();
+      open.push_back(
+          readRow(row, open.size() - 1, isLast ? siblings.end : siblings.rows[siblings.next].offset()));
     }
   }
 
-  /// Returns the row's children.
-  std::vector<json::Node> readRow(const json::Node& node, std::size_t depth) {
+  /// Returns the row's children. What follows the row begins at `limit`.
+  Siblings readRow(const json::Node& node, std::size_t depth, std::size_t limit) {
     require(json::Kind::object, node, "a row");
     RowContent row;
     row.created = time_;
     std::optional<Timestamp> modified;
-    std::vector<json::Node> children;
-    for (const json::Member& member : node.members()) {
-      if (isPersistentId(member)) row.persistentId = stringOf(member);
+    const std::vector<json::Member> members = node.members();
+    for (const json::Member& member : members) {
+      if (isPersistentId(member.key, member.value.kind())) row.persistentId = stringOf(member);
       if (member.key == "type") row.type = typeOf(member);
       if (member.key == "text") row.text = textOf(member);
       if (member.key == "attributes") row.attributes = attributesOf(member);
       if (member.key == "created") row.created = timeOf(member);
       if (member.key == "modified") modified = timeOf(member);
-      if (member.key == "children") children = arrayOf(member).elements();
+      if (member.key == childrenKey) requireMember(json::Kind::array, member, "an array");
     }
     row.modified = modified.value_or(row.created);
-    builder_.add(depth, std::move(row));
-    return children;
+    const json::Member* children = lastOf(members, childrenKey);
+    const SourceSpan span = spanOf(node, members, children, limit);
+    builder_.add(depth, std::move(row), inSource(span));
+    return {children ? children->value.elements() : std::vector<json::Node>(), span.closeBegin};
   }
 
+  /// Of an object with its list of rows, null where it has none. A bracket that closes is the last one before
+  /// what follows, which begins at `limit`.
+  SourceSpan spanOf(const json::Node& node, const std::vector<json::Member>& members,
+                    const json::Member* list, std::size_t limit) const {
+    const std::size_t brace = text_.rfind('}', limit);
+    if (!list) return {.begin = node.offset(), .end = brace + 1};
+    const bool isLast = list == &members.back();
+    const std::size_t bracket = text_.rfind(']', isLast ? brace : list[1].offset);
+    return {node.offset(), list->value.offset() + 1, bracket, brace + 1};
+  }
+
+  /// The same with offsets from the start of the source.
+  SourceSpan inSource(SourceSpan span) const {
+    span.begin += skipped_;
+    span.end += skipped_;
+    if (span.closeEnd == 0) return span;
+    span.closeBegin += skipped_;
+    span.closeEnd += skipped_;
+    return span;
+  }
+
+  std::string_view text_;
+  std::size_t skipped_;
   Timestamp time_;
   Outline& outline_;
   TreeBuilder builder_;
 };
 
-/// Calls `read(const json::Node& root)` on what the text holds; faults are told as this room does.
+/// Calls `read(std::string_view text, const json::Node& root)` on what the text holds; faults are told as
+/// this room does.
 template <class Read>
 void readDocument(std::string_view text, Read&& read) {
   const std::string_view source = checkedSource(text);
   try {
     const json::Document document(source);
-    read(document.root());
+    read(source, document.root());
   } catch (const json::ParseError& error) {
     throw FormatError(error.fault(), text::lineNumber(source, error.offset()), error.offset());
   } catch (const ShapeError& error) {
     throw FormatError(error.what(), text::lineNumber(source, error.offset()), error.offset());
   }
-}
-
-enum class Ids { session, persistent };
-
-void writeMembers(json::Writer& writer, const Row& row, Ids ids) {
-  if (ids == Ids::session) writer.member("id", row.id());
-  if (!row.persistentId().empty())
-    writer.member(ids == Ids::session ? "persistentId" : "id", row.persistentId());
-  writer.member("type", name(row.type()));
-  writer.key("text");
-  writeRuns(writer, row.text());
-  if (!row.attributes().empty()) {
-    writer.key("attributes");
-    writeAttributes(writer, row.attributes());
-  }
-  writer.member("created", document::formatTimestamp(row.created()));
-  writer.member("modified", document::formatTimestamp(row.modified()));
-}
-
-void writeRows(json::Writer& writer, std::span<const PlacedRow> rows, Ids ids) {
-  writer.beginArray();
-  for (std::size_t index = 0; index < rows.size(); ++index) {
-    const std::uint32_t depth = rows[index].depth;
-    const std::uint32_t next = index + 1 < rows.size() ? rows[index + 1].depth : 0;
-    writer.beginObject();
-    writeMembers(writer, *rows[index].row, ids);
-    if (next > depth) {
-      writer.key("children").beginArray();
-      continue;
-    }
-    writer.endObject();
-    for (std::uint32_t closed = depth; closed > next; --closed) writer.endArray().endObject();
-  }
-  writer.endArray();
-}
-
-void write(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, Ids ids,
-           std::string& out) {
-  json::Writer writer(out);
-  if (rowsOnly) return writeRows(writer, rows, ids);
-  writer.beginObject();
-  if (!outline.persistentId().empty())
-    writer.member(ids == Ids::session ? "persistentId" : "id", outline.persistentId());
-  writer.member("created", document::formatTimestamp(outline.created()));
-  if (!outline.frontMatter().empty()) {
-    writer.key("frontMatter");
-    writeAttributes(writer, outline.frontMatter());
-  }
-  writer.key("rows");
-  writeRows(writer, rows, ids);
-  writer.endObject();
 }
 
 }  // namespace
@@ -235,45 +211,16 @@ Text readRuns(const json::Node& node) {
 
 Attributes readAttributes(std::string_view text) {
   Attributes attributes;
-  readDocument(text, [&](const json::Node& root) { attributes = attributesOf({"attributes", root}); });
+  readDocument(text, [&](std::string_view, const json::Node& root) {
+    attributes = attributesOf({"attributes", root});
+  });
   return attributes;
 }
 
 void readJson(std::string_view text, const ReadOptions& options, Outline& outline) {
-  readDocument(text, [&](const json::Node& root) { JsonReader(options.time, outline).read(root); });
-}
-
-void writeAttributes(json::Writer& writer, const Attributes& attributes) {
-  writer.beginObject();
-  for (const Attribute& attribute : attributes) writer.member(attribute.key, attribute.value);
-  writer.endObject();
-}
-
-void writeRuns(json::Writer& writer, const Text& text) {
-  writer.beginArray();
-  text.forEachRun([&](std::string_view string, const Attributes& attrs) {
-    writer.beginObject().member("string", string);
-    if (!attrs.empty()) {
-      writer.key("attrs");
-      writeAttributes(writer, attrs);
-    }
-    writer.endObject();
+  readDocument(text, [&](std::string_view source, const json::Node& root) {
+    JsonReader(source, text.size() - source.size(), options.time, outline).read(root);
   });
-  writer.endArray();
-}
-
-void writeSessionRow(json::Writer& writer, const Row& row) {
-  writer.beginObject();
-  writeMembers(writer, row, Ids::session);
-  writer.endObject();
-}
-
-void writeSession(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out) {
-  write(outline, rows, rowsOnly, Ids::session, out);
-}
-
-void writeJson(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out) {
-  write(outline, rows, rowsOnly, Ids::persistent, out);
 }
 
 }  // namespace vell::formats

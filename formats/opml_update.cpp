@@ -134,7 +134,7 @@ class OpmlUpdate : public TreeUpdate {
 
  private:
   std::string changedHead() const override;
-  OwnText render(const Row& row, const SourceSpan* span, std::string_view indent) const override;
+  OwnText render(const Row& row, const SourceSpan* span, std::string_view indent) override;
   std::string childIndent(const Row& row, const SourceSpan* span, std::string_view indent) const override;
   std::string closeIndent(const Row&, const SourceSpan*, std::string_view indent) const override {
     return std::string(indent);
@@ -162,7 +162,7 @@ std::string OpmlUpdate::changedHead() const {
   return head.append(head_.substr(head_.find('<', begin)));
 }
 
-TreeUpdate::OwnText OpmlUpdate::render(const Row& row, const SourceSpan* span, std::string_view) const {
+TreeUpdate::OwnText OpmlUpdate::render(const Row& row, const SourceSpan* span, std::string_view) {
   const bool opens = row.firstChild() || (span && span->closeEnd != 0);
   OwnText own;
   if (!span) {

@@ -38,7 +38,7 @@ class TreeUpdate {
   virtual std::string changedHead() const { return {}; }
   /// The text of a row that changed (or the root), or with `span` null that of a new one. The line break and
   /// the blanks before the row are its `indent`: empty where it does not begin a line.
-  virtual OwnText render(const Row& row, const SourceSpan* span, std::string_view indent) const = 0;
+  virtual OwnText render(const Row& row, const SourceSpan* span, std::string_view indent) = 0;
   /// The indentation of the first child of a row.
   virtual std::string childIndent(const Row& row, const SourceSpan* span, std::string_view indent) const = 0;
   /// What stands behind the last child of a row that had none.

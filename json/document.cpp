@@ -51,7 +51,7 @@ std::vector<Member> Node::members() const {
   std::vector<Member> members;
   if (kind() != Kind::object) return members;
   for (std::uint32_t key = entry_ + 1; key < index_->containerEnd(entry_); key = index_->next(key + 1)) {
-    members.push_back({decoded(*index_, key), Node(*index_, key + 1)});
+    members.push_back({decoded(*index_, key), Node(*index_, key + 1), index_->begin(key)});
   }
   return members;
 }

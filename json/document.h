@@ -60,6 +60,8 @@ class Node {
 struct Member {
   std::string key;
   Node value;
+  /// Bytes from the start of the text to the key.
+  std::size_t offset = 0;
 };
 
 /// A JSON text and its index: no tree is built, values stay slices of the text.

@@ -170,6 +170,7 @@ const ReadCase brokenCases[] = {
     {"opml", "<opml>\n<body>\n<outline></body></opml>", "line 3 (byte 25): Start-end tags mismatch"},
     {"opml", "<html/>", "line 1 (byte 0): not OPML: there is no <opml> element"},
     {"json", "{\"rows\":[\n{\"type\":\"zebra\"}]}", "line 2 (byte 18): there is no row type \"zebra\""},
+    {"json", "\n{\"row\":[]}", "line 2 (byte 1): not an outline: this object has no \"rows\""},
     {"json", "[{\"text\":7}]", "line 1 (byte 9): \"text\" should be an array, not a number"},
     {"json", "[1]", "line 1 (byte 1): expected a row, not a number"},
     {"json", "[", "line 1 (byte 1): expected a value or ']', found the end of the text"},
