@@ -4,6 +4,7 @@
 #include <charconv>
 
 #include "evaluation/evaluate.h"
+#include "headless/access.h"
 #include "headless/editing/editor_functions.h"
 #include "headless/editing/problem.h"
 #include "outline_path/parse.h"
@@ -50,8 +51,11 @@ std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor,
   const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
   if (parsed.error) throw Problem(outline_path::render(*parsed.error, path));
   const EditorFunctions functions(outline, editor);
+  outline.number();  // evaluating beside others only reads
   try {
-    return evaluation::evaluateRows(*parsed.expression, outline, &functions);
+    std::vector<const Row*> rows;
+    beside([&] { rows = evaluation::evaluateRows(*parsed.expression, outline, &functions); });
+    return rows;
   } catch (const evaluation::EvaluationError& error) {
     throw Problem("The path " + std::string(path) + " cannot be evaluated: " + error.what());
   }

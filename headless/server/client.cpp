@@ -64,7 +64,7 @@ void Client::flush() {
 }
 
 void Client::send(std::string bytes) {
-  if (bytes.empty() || broken_) return;
+  if (bytes.empty() || broken_ || left_) return;
   if (output_.empty()) lastMoved_ = Clock::now();
   backlog_ += bytes.size();
   output_.push_back(std::move(bytes));

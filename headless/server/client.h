@@ -37,8 +37,8 @@ class Client {
   /// Queues whole lines.
   void send(std::string bytes);
 
-  /// A request may be taken now.
-  bool hasRequest() const { return request_ && backlog_ < backlogLimit; }
+  /// A request may be taken now: the one before is answered, and there is room for the next answer.
+  bool hasRequest() const { return request_ && !job_ && (left_ || backlog_ < backlogLimit); }
   /// Takes the request line; only while `hasRequest`.
   json::Text takeRequest();
   /// The line being received is longer than any request may be.
@@ -46,14 +46,24 @@ class Client {
   /// Drops requests not yet taken and reads no more.
   void finishInput();
 
+  /// The job that works on the client's request; none while there is none.
+  void setJob(std::optional<std::uint64_t> job) { job_ = job; }
+  const std::optional<std::uint64_t>& job() const { return job_; }
+
   /// Keeps a subscriber connected although its input has ended.
   void keepOpen(bool keep) { kept_ = keep; }
   /// The connection is lost, or the client has ended its input and got all its answers.
-  bool done() const { return broken_ || (ended_ && !kept_ && !request_ && output_.empty()); }
+  bool done() const {
+    if (left_) return !job_ && !request_;
+    return broken_ || (ended_ && !kept_ && !job_ && !request_ && output_.empty());
+  }
   void markBroken() { broken_ = true; }
+  /// Nobody reads its answers any more; what it asked for is still carried out.
+  void markLeft() { left_ = true; }
+  bool hasLeft() const { return left_; }
 
   std::size_t backlog() const { return backlog_; }
-  bool idle() const { return output_.empty() && !kept_; }
+  bool idle() const { return output_.empty() && !kept_ && !job_; }
   /// When bytes last moved in either direction.
   Clock::time_point lastMoved() const { return lastMoved_; }
 
@@ -64,11 +74,13 @@ class Client {
   platform::Descriptor socket_;
   json::LineFraming lines_;
   std::optional<json::Text> request_;  // the next one
+  std::optional<std::uint64_t> job_;
   std::deque<std::string> output_;
   std::size_t taken_ = 0;  // bytes of the first output that are written
   std::size_t backlog_ = 0;
   bool ended_ = false;
   bool broken_ = false;
+  bool left_ = false;
   bool kept_ = false;
   Clock::time_point lastMoved_ = Clock::now();
 };

@@ -2,8 +2,11 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 #include <new>
+#include <stdexcept>
 
+#include "headless/access.h"
 #include "headless/editing/problem.h"
 #include "headless/server/request.h"
 
@@ -13,32 +16,41 @@ namespace {
 struct NamedMethod {
   std::string_view name;
   Method method;
+  std::optional<Use> use;  ///< what it does with an outline
+  bool isLong = false;     ///< whatever it is asked for
 };
+
+/// Rows that are read and written within a few milliseconds.
+constexpr std::size_t quicklyRead = 5'000;
+
+constexpr std::nullopt_t none = std::nullopt;
+constexpr Use reads = Use::reading;
+constexpr Use changes = Use::changing;
 
 // clang-format off
 constexpr std::array table = {
-    NamedMethod{"application.open",            methods::applicationOpen},
-    NamedMethod{"command.list",                methods::commandList},
-    NamedMethod{"command.perform",             methods::commandPerform},
-    NamedMethod{"documents.observe",           methods::documentsObserve},
-    NamedMethod{"editor.get",                  methods::editorGet},
-    NamedMethod{"editor.list",                 methods::editorList},
-    NamedMethod{"editor.update",               methods::editorUpdate},
-    NamedMethod{"outline.bringToFront",        methods::outlineBringToFront},
-    NamedMethod{"outline.close",               methods::outlineClose},
-    NamedMethod{"outline.findByPath",          methods::outlineFindByPath},
-    NamedMethod{"outline.findByPersistentId",  methods::outlineFindByPersistentId},
-    NamedMethod{"outline.get",                 methods::outlineGet},
-    NamedMethod{"outline.list",                methods::outlineList},
-    NamedMethod{"outline.new",                 methods::outlineNew},
-    NamedMethod{"outline.newContent",          methods::outlineNewContent},
-    NamedMethod{"outline.observe",             methods::outlineObserve},
-    NamedMethod{"row.create",                  methods::rowCreate},
-    NamedMethod{"row.createMany",              methods::rowCreateMany},
-    NamedMethod{"row.delete",                  methods::rowDelete},
-    NamedMethod{"row.move",                    methods::rowMove},
-    NamedMethod{"row.update",                  methods::rowUpdate},
-    NamedMethod{"script.evaluate",             methods::scriptEvaluate},
+    NamedMethod{"application.open",           methods::applicationOpen,           none, true},
+    NamedMethod{"command.list",               methods::commandList,               none},
+    NamedMethod{"command.perform",            methods::commandPerform,            changes},
+    NamedMethod{"documents.observe",          methods::documentsObserve,          none},
+    NamedMethod{"editor.get",                 methods::editorGet,                 reads},
+    NamedMethod{"editor.list",                methods::editorList,                none},
+    NamedMethod{"editor.update",              methods::editorUpdate,              changes},
+    NamedMethod{"outline.bringToFront",       methods::outlineBringToFront,       none},
+    NamedMethod{"outline.close",              methods::outlineClose,              changes},
+    NamedMethod{"outline.findByPath",         methods::outlineFindByPath,         none},
+    NamedMethod{"outline.findByPersistentId", methods::outlineFindByPersistentId, none},
+    NamedMethod{"outline.get",                methods::outlineGet,                reads},
+    NamedMethod{"outline.list",               methods::outlineList,               none},
+    NamedMethod{"outline.new",                methods::outlineNew,                none},
+    NamedMethod{"outline.newContent",         methods::outlineNewContent,         none},
+    NamedMethod{"outline.observe",            methods::outlineObserve,            reads},
+    NamedMethod{"row.create",                 methods::rowCreate,                 changes},
+    NamedMethod{"row.createMany",             methods::rowCreateMany,             changes},
+    NamedMethod{"row.delete",                 methods::rowDelete,                 changes},
+    NamedMethod{"row.move",                   methods::rowMove,                   changes},
+    NamedMethod{"row.update",                 methods::rowUpdate,                 changes},
+    NamedMethod{"script.evaluate",            methods::scriptEvaluate,            none, true},
 };
 // clang-format on
 
@@ -59,35 +71,108 @@ std::string errorFor(std::string_view id, std::exception_ptr failure) {
 
 bool isBlank(std::string_view line) { return line.find_first_not_of(" \t\r") == std::string_view::npos; }
 
-std::string answer(const Request& request, Application& application, const Subscriber& subscriber) {
-  const Method method = findMethod(request.method());
-  const Params params = request.params();
-  return resultLine(request.id(), method({application, params, &subscriber}));
-}
-
-}  // namespace
-
-Method findMethod(std::string_view name) {
+const NamedMethod& methodNamed(std::string_view name) {
   const auto* found =
       std::find_if(table.begin(), table.end(), [&](const NamedMethod& each) { return each.name == name; });
-  if (found != table.end()) return found->method;
+  if (found != table.end()) return *found;
   std::string names;
   for (const NamedMethod& each : table) names.append(names.empty() ? "" : ", ").append(each.name);
   throw RpcError(RpcCode::methodNotFound,
                  "Unknown method \"" + std::string(name) + "\" (served: " + names + ")");
 }
 
-std::string dispatch(json::Text line, Application& application, const Subscriber& subscriber) {
-  if (isBlank(line.view())) return {};
-  std::optional<Request> request;
+/// The outline that a call is about; null where there is none, as its method will say.
+OpenOutline* subject(const Application& application, const Params& params) {
+  if (const auto id = params.string("editor")) return application.findByEditor(*id);
+  if (const auto id = params.string("outline")) return application.findByPersistentId(*id);
+  return application.outlines().empty() ? nullptr : application.outlines().front().get();
+}
+
+/// Counts a call among the users of its outline, once that admits it.
+class OutlineUse {
+ public:
+  OutlineUse(const Call& call, Use use) : use_(use) {
+    while (const OpenOutline* opened = subject(call.application, call.params)) {
+      users_ = opened->users();
+      if (users_->admits(use)) {
+        users_->enter(use);
+        return;
+      }
+      wait();
+    }
+    users_.reset();
+  }
+  ~OutlineUse() {
+    if (!users_) return;
+    users_->leave(use_);
+    if (ApplicationHold* const hold = ApplicationHold::current()) hold->announce();
+  }
+  OutlineUse(const OutlineUse&) = delete;
+  OutlineUse& operator=(const OutlineUse&) = delete;
+
+ private:
+  /// The outline may be gone behind this, or another one in front.
+  void wait() const {
+    ApplicationHold* const hold = ApplicationHold::current();
+    if (hold == nullptr) throw std::logic_error("the loop cannot wait for an outline");
+    users_->beginWaiting(use_);
+    try {
+      hold->waitForOthers();
+    } catch (...) {
+      users_->endWaiting(use_);
+      throw;
+    }
+    users_->endWaiting(use_);
+  }
+
+  const Use use_;
+  std::shared_ptr<Users> users_;  ///< null where there is no such outline
+};
+
+}  // namespace
+
+std::string carryOut(std::string_view name, const Call& call) {
+  const NamedMethod& method = methodNamed(name);
+  if (!method.use) return method.method(call);
+  const OutlineUse use(call, *method.use);
+  return method.method(call);
+}
+
+Incoming::Incoming(json::Text line) {
+  if (isBlank(line.view())) return;
+  try {
+    request_.emplace(std::move(line));
+  } catch (...) {
+    refusal_ = errorFor("null", std::current_exception());
+  }
+}
+
+bool Incoming::mayTakeLong(const Application& application) const {
+  if (!request_) return false;
+  try {
+    const NamedMethod& method = methodNamed(request_->method());
+    const Params params = request_->params();
+    if (method.isLong || !method.use) return method.isLong;
+    const OpenOutline* opened = subject(application, params);
+    return opened != nullptr && (!opened->users()->admits(*method.use) ||
+                                 opened->outline().rowCount() > quicklyRead || params.mentionPath());
+  } catch (const std::exception&) {
+    return false;  // its answer will be an error
+  }
+}
+
+std::string Incoming::answer(Application& application, const Subscriber& subscriber) const {
+  if (!request_) return refusal_;
   std::string answered;
   try {
-    request.emplace(std::move(line));
-    answered = answer(*request, application, subscriber);
+    const Params params = request_->params();
+    answered = resultLine(request_->id(), carryOut(request_->method(), {application, params, &subscriber}));
+  } catch (const Abandoned&) {
+    throw;
   } catch (...) {
-    answered = errorFor(request ? request->id() : "null", std::current_exception());
+    answered = errorFor(request_->id(), std::current_exception());
   }
-  return !request || request->wantsAnswer() ? answered : std::string();
+  return request_->wantsAnswer() ? answered : std::string();
 }
 
 }  // namespace vell::headless

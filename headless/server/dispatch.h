@@ -1,14 +1,34 @@
 #pragma once
 
+#include <optional>
 #include <string>
+#include <string_view>
 
 #include "headless/server/methods.h"
+#include "headless/server/request.h"
 #include "json/text.h"
 
 namespace vell::headless {
 
-/// Carries out one request line and returns the answer's line: a result, or an error that says what is wrong.
-/// Returns "" for a blank line and for a request without an id. Never throws for what a request holds.
-std::string dispatch(json::Text line, Application& application, const Subscriber& subscriber);
+/// One line of a client, to be answered. Never throws for what a request holds.
+class Incoming {
+ public:
+  /// Takes the line apart.
+  explicit Incoming(json::Text line);
+
+  /// Whether the answer may take longer than other clients should wait, or has to wait for others itself.
+  bool mayTakeLong(const Application& application) const;
+  /// Carries the request out and returns the answer's line: a result, or an error that says what is wrong.
+  /// Returns "" for a blank line and for a request without an id. Throws Abandoned.
+  std::string answer(Application& application, const Subscriber& subscriber) const;
+
+ private:
+  std::optional<Request> request_;
+  std::string refusal_;  ///< the answer to what is no request
+};
+
+/// Answers a method call once its outline is free for it, with the JSON text of the result. Failures are
+/// thrown.
+std::string carryOut(std::string_view method, const Call& call);
 
 }  // namespace vell::headless

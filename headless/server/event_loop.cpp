@@ -25,11 +25,14 @@ EventLoop::EventLoop() {
 
 void EventLoop::watch(int descriptor, short interest, Ready ready) {
   watches_[descriptor] = {interest, std::make_shared<Ready>(std::move(ready))};
+  wakeForOthers();
 }
 
 void EventLoop::setInterest(int descriptor, short interest) {
   const auto found = watches_.find(descriptor);
-  if (found != watches_.end()) found->second.interest = interest;
+  if (found == watches_.end() || found->second.interest == interest) return;
+  found->second.interest = interest;
+  wakeForOthers();
 }
 
 void EventLoop::forget(int descriptor) { watches_.erase(descriptor); }
@@ -37,17 +40,29 @@ void EventLoop::forget(int descriptor) { watches_.erase(descriptor); }
 EventLoop::Timer EventLoop::after(Clock::duration delay, Task task) {
   const Timer timer{Clock::now() + delay, nextTimer_++};
   timers_.emplace(timer, std::move(task));
+  wakeForOthers();
   return timer;
 }
 
 void EventLoop::cancel(const Timer& timer) { timers_.erase(timer); }
 
 void EventLoop::post(Task task) {
-  const std::lock_guard lock(postedMutex_);
-  posted_.push_back(std::move(task));
+  {
+    const std::lock_guard lock(postedMutex_);
+    posted_.push_back(std::move(task));
+  }
+  wake();
+}
+
+void EventLoop::wake() {
   // If the pipe is full, the loop wakes anyway.
   const ssize_t written = write(wakeWrite_.get(), "", 1);
   static_cast<void>(written);
+}
+
+/// Another thread changed what the loop waits for.
+void EventLoop::wakeForOthers() {
+  if (ApplicationHold::current() != nullptr) wake();
 }
 
 void EventLoop::runPosted() {
@@ -68,9 +83,13 @@ void EventLoop::run() {
 
 void EventLoop::runOnce(Clock::duration limit) {
   std::vector<pollfd> polled;
+  std::unique_lock held(access_.mutex());
   polled.reserve(watches_.size());
   for (const auto& [descriptor, watch] : watches_) polled.push_back({descriptor, watch.interest, 0});
-  const int ready = poll(polled.data(), static_cast<nfds_t>(polled.size()), waitMilliseconds(limit));
+  const int wait = waitMilliseconds(limit);
+  held.unlock();
+  const int ready = poll(polled.data(), static_cast<nfds_t>(polled.size()), wait);
+  held.lock();
   if (ready < 0 && errno != EINTR) throw std::system_error(errno, std::generic_category(), "poll");
   if (ready > 0) dispatch(polled);
   runDueTasks();

@@ -28,9 +28,6 @@ struct Call {
 /// Problem for what the application cannot do.
 using Method = std::string (*)(const Call&);
 
-/// The method of that name. Throws RpcError(methodNotFound) for a name that is not served.
-Method findMethod(std::string_view name);
-
 /// One function a method, declared here for the table; docs/protocol.md has their params and results.
 namespace methods {
 

@@ -1,5 +1,6 @@
 #include "headless/server/outline_view.h"
 
+#include "headless/access.h"
 #include "json/writer.h"
 
 namespace vell::headless {
@@ -40,9 +41,11 @@ formats::PlacedRows placePath(const OpenOutline& opened, const std::string& path
 
 std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows) {
   std::string text;
-  view.format->write(outline, rows, view.rowsOnly, text);
-  if (view.format->isJson) return text;
-  return json::quoted(text);
+  beside([&] {
+    view.format->write(outline, rows, view.rowsOnly, text);
+    if (!view.format->isJson) text = json::quoted(text);
+  });
+  return text;
 }
 
 }  // namespace vell::headless

@@ -22,6 +22,19 @@ std::string stringAt(const json::Node& value, std::string_view place) {
   Params::fail(place, "a string", describe(value) + (number ? " (write \"" + quoted(value) + "\")" : ""));
 }
 
+bool mentionsPath(const json::Node& value) {
+  if (const auto text = value.string()) return text->starts_with('/') || text->starts_with('(');
+  if (value.kind() == json::Kind::array) {
+    for (const json::Node& element : value.elements())
+      if (mentionsPath(element)) return true;
+  }
+  if (value.kind() == json::Kind::object) {
+    for (const auto& [key, member] : value.members())
+      if (mentionsPath(member)) return true;
+  }
+  return false;
+}
+
 }  // namespace
 
 std::string describe(const json::Node& value) {
@@ -47,6 +60,8 @@ Params::Params(std::optional<json::Node> params) {
   if (params->kind() != json::Kind::object) fail("params", "an object of named members", describe(*params));
   params_ = params;
 }
+
+bool Params::mentionPath() const { return params_ && mentionsPath(*params_); }
 
 std::optional<json::Node> Params::member(std::string_view key) const {
   if (!params_) return std::nullopt;

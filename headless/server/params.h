@@ -58,6 +58,9 @@ class Params {
   /// The member itself, for methods that decode it themselves.
   std::optional<json::Node> member(std::string_view key) const;
 
+  /// Whether a string among them may be an outline path.
+  bool mentionPath() const;
+
   template <typename Value>
   Value choice(std::string_view key, Choices<Value> choices, Value fallback) const {
     const auto text = string(key);

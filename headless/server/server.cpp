@@ -13,6 +13,8 @@ namespace vell::headless {
 namespace {
 
 constexpr auto acceptPause = std::chrono::milliseconds(100);
+/// How often to look whether a client whose request runs beside the loop is still there.
+constexpr auto jobPace = std::chrono::milliseconds(25);
 
 }  // namespace
 
@@ -21,12 +23,15 @@ Server::Server(EventLoop& loop, Application& application, int listener, ServerLi
       application_(application),
       listener_(listener),
       limits_(limits),
-      subscriptions_(loop, application, *this) {
+      subscriptions_(loop, application, *this),
+      workers_(loop) {
   loop_.watch(listener_, POLLIN, [this](short) { acceptClients(); });
   stallTimer_ = loop_.after(limits_.stall, [this] { dropStalled(); });
 }
 
 Server::~Server() {
+  workers_.endAll();
+  if (jobTimer_) loop_.cancel(*jobTimer_);
   loop_.cancel(stallTimer_);
   loop_.forget(listener_);
   for (const auto& [id, client] : clients_) loop_.forget(client->descriptor());
@@ -75,7 +80,7 @@ void Server::onReady(std::uint64_t id, short events) {
   if (wasBehind && client.backlog() < Client::backlogLimit) subscriptions_.clientCaughtUp(id);
   if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) client.receive();
   // Linux would report the hang-up again and again.
-  if (isGone(client)) client.markBroken();
+  if (isGone(client)) clientLeft(client);
   serve(client);
   settle(client);
 }
@@ -83,16 +88,13 @@ void Server::onReady(std::uint64_t id, short events) {
 /// Nobody reads what the client would be sent, and nothing of its requests is left to carry out. A subscriber
 /// that has ended its input is still there; macOS reports a hang-up for it all the same.
 bool Server::isGone(const Client& client) {
-  return client.interest() == 0 && !client.hasRequest() && platform::readerIsGone(client.descriptor());
+  return !client.hasLeft() && client.interest() == 0 && !client.hasRequest() &&
+         platform::readerIsGone(client.descriptor());
 }
 
 void Server::serve(Client& client) {
   const auto end = Client::Clock::now() + limits_.turn;
-  while (client.hasRequest() && Client::Clock::now() < end) {
-    client.send(dispatch(client.takeRequest(), application_, {subscriptions_, client.id()}));
-    client.flush();
-    if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
-  }
+  while (client.hasRequest() && Client::Clock::now() < end && begin(client)) continue;
   if (client.overlong()) {
     const std::string limit = std::to_string(Client::lineLimit >> 20);
     client.send(
@@ -102,12 +104,80 @@ void Server::serve(Client& client) {
   }
 }
 
+/// Answers the next request or has it answered. False where that has to wait for a job to end.
+bool Server::begin(Client& client) {
+  if (workers_.count() >= limits_.jobs) return false;
+  const auto request = std::make_shared<const Incoming>(client.takeRequest());
+  if (request->mayTakeLong(application_)) {
+    startJob(client, request);
+  } else {
+    client.send(request->answer(application_, {subscriptions_, client.id()}));
+    client.flush();
+    if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
+  }
+  return true;
+}
+
+void Server::startJob(Client& client, std::shared_ptr<const Incoming> request) {
+  const std::uint64_t id = client.id();
+  const auto answer = std::make_shared<std::string>();
+  client.setJob(workers_.start(
+      [this, id, request = std::move(request), answer] {
+        *answer = request->answer(application_, {subscriptions_, id});
+      },
+      [this, id, answer] { finishJob(id, std::move(*answer)); }));
+  if (client.hasLeft()) clientLeft(client);
+  if (!jobTimer_) jobTimer_ = loop_.after(jobPace, [this] { lookAfterJobs(); });
+}
+
+void Server::finishJob(std::uint64_t id, std::string answer) {
+  if (const auto found = clients_.find(id); found != clients_.end()) {
+    Client& client = *found->second;
+    client.setJob(std::nullopt);
+    client.send(std::move(answer));
+    client.flush();
+    subscriptions_.clientCaughtUp(id);
+    if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
+    serve(client);
+    settle(client);
+  }
+  serveWaiting();
+}
+
+/// Gives a turn to those that wait for a job to end.
+void Server::serveWaiting() {
+  for (const auto& [id, client] : clients_) {
+    if (client->hasRequest() && turns_.insert(id).second)
+      loop_.after(std::chrono::milliseconds(0), [this, id = id] { takeTurn(id); });
+  }
+}
+
+/// A client whose next request waits behind a job is not watched.
+void Server::lookAfterJobs() {
+  jobTimer_.reset();
+  bool any = false;
+  for (const auto& [id, client] : clients_) {
+    if (!client->job()) continue;
+    any = true;
+    if (!client->hasLeft() && platform::readerIsGone(client->descriptor())) clientLeft(*client);
+  }
+  if (any) jobTimer_ = loop_.after(jobPace, [this] { lookAfterJobs(); });
+}
+
+/// What it asked for is carried out, unless it takes long.
+void Server::clientLeft(Client& client) {
+  client.markLeft();
+  loop_.forget(client.descriptor());
+  if (client.job()) loop_.after(limits_.grace, [this, job = *client.job()] { workers_.giveUp(job); });
+}
+
 /// Drops a client that is done, or plans its next turn.
 void Server::settle(Client& client) {
   if (client.done()) return drop(client.id());
   loop_.setInterest(client.descriptor(), client.interest());
   const std::uint64_t id = client.id();
-  if (client.hasRequest() && turns_.insert(id).second)
+  const bool hasTurn = client.hasRequest() && workers_.count() < limits_.jobs;
+  if (hasTurn && turns_.insert(id).second)
     loop_.after(std::chrono::milliseconds(0), [this, id] { takeTurn(id); });
 }
 
@@ -132,7 +202,11 @@ void Server::send(std::uint64_t id, std::string line) {
   loop_.setInterest(client.descriptor(), client.interest());
 }
 
-bool Server::hasRoom(std::uint64_t id) const { return clients_.at(id)->backlog() < Client::backlogLimit; }
+/// A client is answered before it is told of changes.
+bool Server::hasRoom(std::uint64_t id) const {
+  const Client& client = *clients_.at(id);
+  return !client.job() && client.backlog() < Client::backlogLimit;
+}
 
 void Server::keepOpen(std::uint64_t id, bool keep) {
   const auto found = clients_.find(id);
@@ -155,17 +229,20 @@ void Server::dropStalled() {
   for (auto at = clients_.begin(); at != clients_.end();) {
     const Client& client = *(at++)->second;
     const bool stalled = client.backlog() > 0 && client.lastMoved() < oldest;
-    if (stalled || isGone(client)) drop(client.id());  // macOS does not report a client without an interest
+    if (stalled || (isGone(client) && !client.job()))
+      drop(client.id());  // macOS does not report a client without an interest
   }
   stallTimer_ = loop_.after(limits_.stall / 4, [this] { dropStalled(); });
 }
 
 void Server::closeAfterFlush(std::chrono::milliseconds limit) {
+  workers_.endAll();
   loop_.forget(listener_);
   subscriptions_.applicationQuits();
   const auto end = EventLoop::Clock::now() + limit;
   for (auto at = clients_.begin(); at != clients_.end();) {
     Client& client = *(at++)->second;
+    client.setJob(std::nullopt);
     client.finishInput();
     client.flush();
     settle(client);

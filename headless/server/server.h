@@ -3,12 +3,15 @@
 #include <chrono>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 
 #include "headless/server/application_socket.h"
 #include "headless/server/client.h"
+#include "headless/server/dispatch.h"
 #include "headless/server/event_loop.h"
 #include "headless/server/subscriptions.h"
+#include "headless/server/workers.h"
 #include "headless/storage/application.h"
 
 namespace vell::headless {
@@ -22,9 +25,14 @@ struct ServerLimits {
   std::size_t backlog = std::size_t{1} << 30;
   /// How long one client is served before the others get their turn.
   std::chrono::milliseconds turn = std::chrono::milliseconds(5);
+  /// What a client that leaves asked for may still take this long.
+  std::chrono::milliseconds grace = std::chrono::milliseconds(50);
+  /// Requests that run beside the loop at a time; others wait.
+  std::size_t jobs = 16;
 };
 
-/// Serves the application to every client of the socket, in turns, on the loop's thread. The references must
+/// Serves the application to every client of the socket, in turns: on the loop's thread, or, where an answer
+/// may take long, on one beside it. A client's requests are answered one after another. The references must
 /// outlive the server.
 class Server : private NotificationSink {
  public:
@@ -50,6 +58,12 @@ class Server : private NotificationSink {
   static bool isGone(const Client& client);
   void takeTurn(std::uint64_t id);
   void serve(Client& client);
+  bool begin(Client& client);
+  void startJob(Client& client, std::shared_ptr<const Incoming> request);
+  void finishJob(std::uint64_t id, std::string answer);
+  void serveWaiting();
+  void lookAfterJobs();
+  void clientLeft(Client& client);
   void settle(Client& client);
   void drop(std::uint64_t id);
 
@@ -61,10 +75,12 @@ class Server : private NotificationSink {
   int listener_;
   ServerLimits limits_;
   EventLoop::Timer stallTimer_;
+  std::optional<EventLoop::Timer> jobTimer_;  ///< while there are jobs
   std::uint64_t nextClient_ = 1;
   std::map<std::uint64_t, std::unique_ptr<Client>> clients_;
   Subscriptions subscriptions_;
   std::set<std::uint64_t> turns_;  // clients with requests left for their next turn
+  Workers workers_;
 };
 
 }  // namespace vell::headless

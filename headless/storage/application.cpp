@@ -254,7 +254,8 @@ void Application::rescueLeftovers() {
 /// Looks regularly for what other programs wrote, for the sake of observers.
 void Application::followFiles() {
   try {
-    for (const auto& outline : outlines()) saver_.refresh(*outline);
+    for (const auto& outline : outlines())
+      if (outline->users()->count() == 0) saver_.refresh(*outline);
   } catch (const std::exception& failure) {
     report(std::string("Cannot look for changed files: ") + failure.what());
   }
@@ -269,7 +270,7 @@ OpenOutline& Application::outline(const std::optional<std::string>& persistentId
 
 OpenOutline& Application::outlineOfEditor(const std::optional<std::string>& editorId) {
   if (!editorId) return frontmost();
-  if (OpenOutline* found = outlines_.findByEditor(*editorId)) return current(*found);
+  if (OpenOutline* found = findByEditor(*editorId)) return current(*found);
   throw Problem("No editor has the id \"" + *editorId + "\"");
 }
 
@@ -278,8 +279,9 @@ OpenOutline& Application::frontmost() {
   return current(*outlines().front());
 }
 
+/// Rows that others are reading cannot be read anew.
 OpenOutline& Application::current(OpenOutline& opened) {
-  saver_.refresh(opened);
+  if (opened.users()->count() <= 1) saver_.refresh(opened);
   return opened;
 }
 

@@ -68,6 +68,7 @@ class Application {
   // Null where none is open.
   OpenOutline* findByPath(const std::string& path) const { return outlines_.findByPath(path); }
   OpenOutline* findByPersistentId(const std::string& id) const { return outlines_.findByPersistentId(id); }
+  OpenOutline* findByEditor(const std::string& id) const { return outlines_.findByEditor(id); }
 
   /// The outline of that persistent id, the frontmost one where none is given, as its file is now. Throws
   /// Problem.

@@ -15,6 +15,26 @@ namespace vell::headless {
 /// The format of new files with that name. Throws Problem if outlines cannot be kept in such files.
 const formats::Format& fileFormat(const std::string& path);
 
+/// What a request does with an outline.
+enum class Use { reading, changing };
+
+/// The requests that are at work on an outline: any number that read it, or one that changes it. One that
+/// waits to change it lets no further readers in.
+class Users {
+ public:
+  bool admits(Use use) const { return !changing_ && (use == Use::reading ? waiting_ == 0 : readers_ == 0); }
+  void enter(Use use) { use == Use::reading ? void(++readers_) : void(changing_ = true); }
+  void leave(Use use) { use == Use::reading ? void(--readers_) : void(changing_ = false); }
+  void beginWaiting(Use use) { waiting_ += use == Use::changing ? 1 : 0; }
+  void endWaiting(Use use) { waiting_ -= use == Use::changing ? 1 : 0; }
+  std::size_t count() const { return readers_ + (changing_ ? 1 : 0); }
+
+ private:
+  std::size_t readers_ = 0;
+  std::size_t waiting_ = 0;
+  bool changing_ = false;
+};
+
 /// An outline that is open: its rows, the file that keeps them and the editor that shows them.
 class OpenOutline {
  public:
@@ -26,6 +46,9 @@ class OpenOutline {
 
   OpenOutline(std::unique_ptr<Outline> outline, const formats::Format& format, std::string path,
               FileStamp stamp, std::size_t contentHash);
+
+  /// Outlives the outline for those that wait for it.
+  const std::shared_ptr<Users>& users() const { return users_; }
 
   Outline& outline() { return *outline_; }
   const Outline& outline() const { return *outline_; }
@@ -65,6 +88,7 @@ class OpenOutline {
   bool reload();
 
  private:
+  std::shared_ptr<Users> users_ = std::make_shared<Users>();
   std::unique_ptr<Outline> outline_;
   const formats::Format* format_;
   std::string path_;

@@ -98,6 +98,7 @@ void Saver::finish(OpenOutline& opened, const Saved& saved, const SaveResult& re
 
 void Saver::settleConflict(OpenOutline& opened) {
   if (opened.acceptTouch()) return changed(opened);
+  if (opened.users()->count() > 0) return schedule(opened, usualPace);
   try {
     const std::string bytes = encoded(opened);
     const Copy copy = writeConflictCopy(opened, bytes);

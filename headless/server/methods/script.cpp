@@ -1,6 +1,7 @@
 #include "headless/editing/problem.h"
 #include "headless/script/script_engine.h"
 #include "headless/server/answers.h"
+#include "headless/server/dispatch.h"
 #include "headless/server/methods.h"
 
 namespace vell::headless::methods {
@@ -18,7 +19,7 @@ class Host : public ScriptHost {
     if (method == "script.parent") return parent(call);
     if (method == "script.children") return children(call);
     if (method == "script.save") return save(call);
-    return findMethod(method)(call);
+    return carryOut(method, call);
   }
 
   void log(const std::string& line) override { application_.report("script: " + line); }

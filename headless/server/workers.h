@@ -1,0 +1,58 @@
+#pragma once
+
+#include <pthread.h>
+
+#include <atomic>
+#include <cstdint>
+#include <functional>
+#include <map>
+#include <memory>
+
+#include "headless/access.h"
+#include "headless/server/event_loop.h"
+
+namespace vell::headless {
+
+/// Runs what may take long: each job on a thread of its own, which holds the application except where it sets
+/// it aside. For use by the loop's thread; what was posted to the loop must not run once this is gone.
+class Workers {
+ public:
+  using Id = std::uint64_t;
+
+  explicit Workers(EventLoop& loop) : loop_(loop) {}
+  ~Workers();
+  Workers(const Workers&) = delete;
+  Workers& operator=(const Workers&) = delete;
+
+  /// `work` may throw Abandoned and nothing else. Behind it `done` runs on the loop. Throws Problem where the
+  /// system has no thread left.
+  Id start(std::function<void()> work, std::function<void()> done);
+  /// The job ends at its next look at `throwIfAbandoned`; its `done` still runs.
+  void giveUp(Id id);
+  /// Gives up every job and returns once they have ended; no `done` runs. The caller must not be running in
+  /// the loop, whose callbacks hold the application.
+  void endAll();
+  std::size_t count() const { return jobs_.size(); }
+
+ private:
+  struct Job {
+    Job(Workers& owner, Id number, std::function<void()> toDo, std::function<void()> behind)
+        : workers(owner), id(number), work(std::move(toDo)), done(std::move(behind)) {}
+
+    Workers& workers;
+    const Id id;
+    const std::function<void()> work;
+    const std::function<void()> done;
+    std::atomic<bool> abandoned = false;
+    pthread_t thread{};
+  };
+
+  static void* run(void* job);
+  void finish(Id id);
+
+  EventLoop& loop_;
+  Id next_ = 1;
+  std::map<Id, std::unique_ptr<Job>> jobs_;
+};
+
+}  // namespace vell::headless
