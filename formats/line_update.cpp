@@ -1,6 +1,7 @@
 #include "formats/line_update.h"
 
 #include <algorithm>
+#include <span>
 #include <vector>
 
 namespace vell::formats {
@@ -89,7 +90,8 @@ class LineUpdate {
     std::size_t size() const { return end - begin; }
   };
 
-  const Row& row(std::size_t index) const { return *rows_[index].row; }
+  const Row& row(std::size_t index) const { return *rows_[index]; }
+  std::size_t depth(std::size_t index) const { return rows_[index]->level() - 1; }
   bool follows(std::size_t index) const;
   bool isInPlace(std::size_t index) const;
   std::size_t copyRows(std::size_t index);
@@ -106,16 +108,18 @@ class LineUpdate {
   std::string_view lineEnd_;
   Times times_;
   const LineRenderer& render_;
-  PlacedRows rows_;
-  std::vector<std::string> chosen_;  ///< by depth: the last separator that was not copied
+  std::span<const Row* const> rows_;  ///< in order
+  std::vector<std::string> chosen_;   ///< by depth: the last separator that was not copied
   std::string out_;
 };
 
 std::string LineUpdate::write(std::string head) {
-  rows_ = placeAll(outline_);
+  outline_.number();
+  rows_ = std::span(outline_.rowsInOrder()).subspan(1);
   const std::size_t bodyFrom = head.size();
   out_ = std::move(head);
-  out_.reserve(outline_.source()->text().size() + out_.size() / 8);
+  const std::size_t size = outline_.source()->text().size();
+  out_.reserve(size + size / 8);
   for (std::size_t index = 0; index < rows_.size();) {
     if (index > 0) append(separatorBefore(index));
     if (isInPlace(index)) {
@@ -147,8 +151,7 @@ bool LineUpdate::follows(std::size_t index) const {
 
 /// True if the row says what it said and is as deep as it was.
 bool LineUpdate::isInPlace(std::size_t index) const {
-  const auto [row, depth] = rows_[index];
-  return isAsRead(outline_, *row, times_) && source_.depth(row->id()) == depth;
+  return isAsRead(outline_, row(index), times_) && source_.depth(row(index).id()) == depth(index);
 }
 
 /// Copies the longest stretch that begins with the row; returns the index behind it.
@@ -160,15 +163,16 @@ std::size_t LineUpdate::copyRows(std::size_t index) {
 }
 
 void LineUpdate::writeRow(std::size_t index) {
-  const auto [row, depth] = rows_[index];
+  const Row& row = this->row(index);
+  const std::size_t depth = this->depth(index);
   out_.append(depth, '\t');
   std::string lines;
-  if (source_.holds(row->id())) lines = indented(source_.lines(row->id()), source_.depth(row->id()), depth);
+  if (source_.holds(row.id())) lines = indented(source_.lines(row.id()), source_.depth(row.id()), depth);
   std::string rendered;
-  if (isAsRead(outline_, *row, times_)) {
+  if (isAsRead(outline_, row, times_)) {
     rendered = std::move(lines);
   } else {
-    render_({*row, depth, lines}, rendered);
+    render_({row, depth, lines}, rendered);
   }
   append(lineEnd_ == "\r\n" ? withCarriageReturns(rendered) : rendered);
 }
@@ -176,8 +180,9 @@ void LineUpdate::writeRow(std::size_t index) {
 std::string LineUpdate::separatorBefore(std::size_t index) {
   if (follows(index)) return std::string(source_.separator(row(index).id()));
   std::string separator = separatorAtGap(index);
-  if (chosen_.size() <= rows_[index].depth) chosen_.resize(rows_[index].depth + 1, std::string(lineEnd_));
-  chosen_[rows_[index].depth] = separator;
+  const std::size_t depth = this->depth(index);
+  if (chosen_.size() <= depth) chosen_.resize(depth + 1, std::string(lineEnd_));
+  chosen_[depth] = separator;
   return separator;
 }
 
@@ -215,7 +220,8 @@ LineUpdate::Run LineUpdate::runOf(std::size_t index) const {
 
 /// One line end, or two where the sibling beside the row has a blank line before it.
 std::string LineUpdate::usualSeparator(std::size_t index) const {
-  const auto [row, depth] = rows_[index];
+  const Row& row = this->row(index);
+  const std::size_t depth = this->depth(index);
   const std::string lineEnd(lineEnd_);
   const auto like = [&](SessionId sibling) {
     return lineEnds(source_.separator(sibling)) > 1 ? lineEnd + lineEnd : lineEnd;
@@ -223,13 +229,13 @@ std::string LineUpdate::usualSeparator(std::size_t index) const {
   const auto canTell = [&](const Row* sibling) {
     return sibling && source_.holds(sibling->id()) && !source_.isFirst(sibling->id());
   };
-  const Row* previous = row->previous();
+  const Row* previous = row.previous();
   if (previous && !source_.holds(previous->id())) return depth < chosen_.size() ? chosen_[depth] : lineEnd;
   if (canTell(previous)) {
     const bool wasFirstChild = source_.depth(previous->id() - 1) < source_.depth(previous->id());
     if (!wasFirstChild) return like(previous->id());
   }
-  return canTell(row->next()) ? like(row->next()->id()) : lineEnd;
+  return canTell(row.next()) ? like(row.next()->id()) : lineEnd;
 }
 
 }  // namespace
