@@ -20,7 +20,8 @@ SaveResult carryOut(const SaveJob& job) {
     const auto replaced = replaceExpected(job.path, job.bytes, job.expected, job.spare);
     if (!replaced) return {SaveResult::Kind::conflict, {}, {}};
     removeFile(job.spare);
-    return {SaveResult::Kind::saved, replaced->stamp, {}, replaced->anew && job.expected != FileStamp()};
+    const bool anew = replaced->anew && job.expected != FileStamp();
+    return {SaveResult::Kind::saved, replaced->stamp, {}, anew, hashOf(job.bytes)};
   } catch (const std::exception& failure) {
     return {SaveResult::Kind::failed, {}, failure.what() + keep(job)};
   }

@@ -28,7 +28,8 @@ struct SaveResult {
   Kind kind;
   FileStamp stamp;
   std::string fault;
-  bool anew = false;  ///< `saved`: the expected file was gone
+  bool anew = false;            ///< `saved`: the expected file was gone
+  std::size_t contentHash = 0;  ///< `saved`: of the bytes
 };
 
 /// Writes files on a thread of its own, one after another. The destructor finishes what is queued.

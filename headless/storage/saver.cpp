@@ -12,8 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// The longest pause between two writes of an outline that takes long to write.
-constexpr milliseconds slowestPace{200};
+/// The longest wait for further changes, of an outline that takes long to encode.
+constexpr milliseconds slowestPace{100};
 constexpr milliseconds retryPace{2'000};
 
 std::string encoded(const OpenOutline& opened, const formats::Format& format) {
@@ -45,7 +45,10 @@ std::string conflictPath(const std::string& path) {
 void Saver::changed(OpenOutline& opened) {
   if (!opened.isDirty()) return;
   State& state = states_[&opened];
-  if (!state.scheduled && !state.writing) schedule(opened, state.pace);
+  const auto now = Scheduler::Clock::now();
+  if (!state.changedAt) state.changedAt = now;
+  if (state.scheduled || state.writing) return;
+  schedule(opened, std::max(*state.changedAt + state.pace - now, Scheduler::Clock::duration(0)));
 }
 
 void Saver::schedule(OpenOutline& opened, Scheduler::Clock::duration delay) {
@@ -71,20 +74,21 @@ void Saver::startWriting(OpenOutline& opened, State& state) {
   SaveJob job{opened.storagePath(), encoded(opened), opened.stamp(), state.spare};
   const auto effort = Scheduler::Clock::now() - start;
   state.pace = std::clamp<Scheduler::Clock::duration>(effort, usualPace, slowestPace);
-  const Saved saved{opened.outline().revision(), hashOf(job.bytes)};
   state.writing = true;
-  writer_.write(std::move(job), [this, outline = &opened, saved](const SaveResult& result) {
-    finish(*outline, saved, result);
+  state.changedAt.reset();
+  const std::uint64_t revision = opened.outline().revision();
+  writer_.write(std::move(job), [this, outline = &opened, revision](const SaveResult& result) {
+    finish(*outline, revision, result);
   });
 }
 
-void Saver::finish(OpenOutline& opened, const Saved& saved, const SaveResult& result) {
+void Saver::finish(OpenOutline& opened, std::uint64_t revision, const SaveResult& result) {
   State& state = states_.at(&opened);
   state.writing = false;
   switch (result.kind) {
     case SaveResult::Kind::saved:
       state.lastFault.clear();
-      opened.markSaved(saved.revision, result.stamp, saved.contentHash);
+      opened.markSaved(revision, result.stamp, result.contentHash);
       if (result.anew && !state.gone) events_.report(opened.storagePath() + " was gone and is written again");
       state.gone = false;
       events_.saved(opened);

@@ -2,6 +2,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <string>
 
 #include "headless/storage/container.h"
@@ -58,17 +59,14 @@ class Saver {
     bool scheduled = false;
     bool writing = false;
     Scheduler::Timer timer{};
+    std::optional<Scheduler::Clock::time_point> changedAt;  ///< the first change that is not being saved
     std::string lastFault;
     std::string spare;
     bool gone = false;                            ///< the file is, and that was reported
     FileStamp unreadable{};                       ///< the stamp of a content that is no outline
-    Scheduler::Clock::duration pace = usualPace;  ///< between a change and its saving
+    Scheduler::Clock::duration pace = usualPace;  ///< from a change to its saving
   };
 
-  struct Saved {
-    std::uint64_t revision;
-    std::size_t contentHash;
-  };
   struct Copy {
     std::string path;
     FileStamp stamp;
@@ -76,7 +74,7 @@ class Saver {
 
   void save(OpenOutline& opened);
   void startWriting(OpenOutline& opened, State& state);
-  void finish(OpenOutline& opened, const Saved& saved, const SaveResult& result);
+  void finish(OpenOutline& opened, std::uint64_t revision, const SaveResult& result);
   void settleConflict(OpenOutline& opened);
   Copy writeConflictCopy(const OpenOutline& opened, const std::string& bytes) const;
   void schedule(OpenOutline& opened, Scheduler::Clock::duration delay);
