@@ -7,27 +7,31 @@ namespace {
 
 /// Escaping one thing can bring out another, as in "[[a](u)](u)"; after so many rounds all is escaped at
 /// once.
-constexpr int maxRounds = 6;
+constexpr int maxRounds = 8;
 
-constexpr std::string_view blanks = " \t\n";
-constexpr std::string_view brackets = "[]";
 constexpr std::string_view special = "\\&`*_~=[]<!";
 
 }  // namespace
 
-void Draft::add(std::string_view source, bool isText) {
+void Draft::append(std::string_view source, Byte kind) {
   source_ += source;
-  isText_.insert(isText_.end(), source.size(), isText);
+  bytes_.insert(bytes_.end(), source.size(), kind);
 }
 
-void Draft::addMarkup(std::string_view source) { add(source, false); }
+void Draft::add(const Draft& other) {
+  source_ += other.source_;
+  bytes_.insert(bytes_.end(), other.bytes_.begin(), other.bytes_.end());
+}
+
+void Draft::addMarkup(std::string_view source) { append(source, Byte::markup); }
 
 void Draft::addText(std::string_view text) {
+  const auto isReferred = [&](std::size_t at) { return isControl(text[at]) && text[at] != '\t'; };
   for (std::size_t at = 0; at < text.size();) {
     std::size_t end = at;
-    while (end < text.size() && (!isControl(text[end]) || text[end] == '\t')) ++end;
-    add(text.substr(at, end - at), true);
-    for (at = end; at < text.size() && isControl(text[at]) && text[at] != '\t'; ++at) {
+    while (end < text.size() && !isReferred(end)) ++end;
+    append(text.substr(at, end - at), Byte::text);
+    for (at = end; at < text.size() && isReferred(at); ++at) {
       std::string reference;
       appendReference(reference, text[at]);
       addMarkup(reference);
@@ -37,28 +41,25 @@ void Draft::addText(std::string_view text) {
 
 void Draft::addPiece(std::string_view source, const Piece& piece) {
   const bool isText = piece.kind == Piece::Kind::text || piece.kind == Piece::Kind::unit;
-  add(source.substr(piece.begin, piece.end - piece.begin), isText);
-}
-
-void Draft::add(const Draft& other) {
-  source_ += other.source_;
-  isText_.insert(isText_.end(), other.isText_.begin(), other.isText_.end());
+  append(source.substr(piece.begin, piece.end - piece.begin), isText ? Byte::keptText : Byte::markup);
 }
 
 bool Draft::settle(const Text& text, LineFeeds lineFeeds) {
   escapeEnds();
   for (int round = 0; round < maxRounds; ++round) {
     const std::vector<Piece> pieces = readPieces(source_, lineFeeds);
-    if (textOf(source_, pieces) == text) return true;
-    std::vector<std::size_t> places = findMisread(pieces);
-    // Else markup is read as text, most likely for a bracket that is no pair of its own.
-    if (places.empty()) places = findText(brackets);
-    if (places.empty()) places = findText(special);
+    if (readsAs(text, pieces)) return true;
+    Places places = findMisread(pieces);
+    if (places.empty()) places = findSuspects();
     if (places.empty()) return false;
     escape(places);
   }
-  escape(findText(special));
-  return parseInline(source_, lineFeeds) == text;
+  escape(findText(special, [](std::size_t) { return true; }));
+  return readsAs(text, readPieces(source_, lineFeeds));
+}
+
+bool Draft::readsAs(const Text& text, const std::vector<Piece>& pieces) const {
+  return trim(source_) == source_ && textOf(source_, pieces) == text;
 }
 
 /// What callers and the lines around do with the ends of a text: blanks and a braced list are cut off before
@@ -66,16 +67,16 @@ bool Draft::settle(const Text& text, LineFeeds lineFeeds) {
 /// a rule, which must not take a mark from a longer run.
 void Draft::escapeEnds() {
   if (source_.empty()) return;
-  const auto isText = [&](std::size_t at, std::string_view characters) {
-    return isText_[at] && characters.find(source_[at]) != std::string_view::npos;
+  const auto isOneOf = [&](std::size_t at, std::string_view characters) {
+    return isText(at) && characters.find(source_[at]) != std::string_view::npos;
   };
-  std::vector<std::size_t> ends;
-  std::size_t front = isText(0, "`~*_=") ? runLength(source_, 0) : 0;
-  if (front < 3) front = isText(0, blanks) ? 1 : 0;
-  for (std::size_t at = 0; at < front && isText_[at]; ++at) ends.push_back(at);
+  Places ends;
+  std::size_t front = isOneOf(0, "`~*_=") ? runLength(source_, 0) : 0;
+  if (front < 3) front = isOneOf(0, " \t\n") ? 1 : 0;
+  for (std::size_t at = 0; at < front && isText(at); ++at) ends.push_back(at);
   std::size_t back = source_.size();
-  while (back > front && isText(back - 1, "\\")) --back;
-  if (back == source_.size() && back > front && (isText(back - 1, blanks) || endsInTrailer())) --back;
+  while (back > front && isOneOf(back - 1, "\\")) --back;
+  if (back == source_.size() && back > front && (isOneOf(back - 1, " \t\n") || endsInTrailer())) --back;
   for (; back < source_.size(); ++back) ends.push_back(back);
   escape(ends);
 }
@@ -83,15 +84,15 @@ void Draft::escapeEnds() {
 bool Draft::endsInTrailer() const {
   std::string_view line = source_;
   RowTrailer trailer;
-  return line.back() == '}' && isText_.back() && takeTrailer(line, Times::kept, trailer);
+  return line.back() == '}' && isText(line.size() - 1) && takeTrailer(line, Times::kept, trailer);
 }
 
 /// The text that is read as something else.
-std::vector<std::size_t> Draft::findMisread(const std::vector<Piece>& pieces) const {
-  std::vector<std::size_t> places;
+Draft::Places Draft::findMisread(const std::vector<Piece>& pieces) const {
+  Places places;
   std::vector<bool> escapedOpeners;
   for (const Piece& piece : pieces) {
-    const bool beginsInText = isText_[piece.begin];
+    const bool beginsInText = isText(piece.begin);
     switch (piece.kind) {
       case Piece::Kind::text:
         break;
@@ -100,7 +101,7 @@ std::vector<std::size_t> Draft::findMisread(const std::vector<Piece>& pieces) co
         break;
       case Piece::Kind::unit:  // one of its own is text throughout
         for (std::size_t at = piece.begin; at < piece.end && beginsInText; ++at) {
-          if (isText_[at]) continue;
+          if (isText(at)) continue;
           places.push_back(piece.begin);
           break;
         }
@@ -121,36 +122,48 @@ std::vector<std::size_t> Draft::findMisread(const std::vector<Piece>& pieces) co
 }
 
 /// The marks that an opening or closing piece consists of: "**", backticks beside a blank, the "]" of a link.
-void Draft::addMarks(std::vector<std::size_t>& places, const Piece& piece) const {
+void Draft::addMarks(Places& places, const Piece& piece) const {
   std::size_t at = piece.begin;
   if (source_[at] == ' ') ++at;
   for (const char mark = source_[at]; at < piece.end && source_[at] == mark; ++at) {
-    if (isText_[at]) places.push_back(at);
+    if (isText(at)) places.push_back(at);
   }
 }
 
-/// Where one of the characters stands as text.
-std::vector<std::size_t> Draft::findText(std::string_view characters) const {
-  std::vector<std::size_t> places;
+/// Where one of the characters stands as text that was added as such.
+template <class Fits>
+Draft::Places Draft::findText(std::string_view characters, Fits&& fits) const {
+  Places places;
   for (std::size_t at = source_.find_first_of(characters); at != std::string::npos;
        at = source_.find_first_of(characters, at + 1)) {
-    if (isText_[at]) places.push_back(at);
+    if (bytes_[at] == Byte::text && fits(at)) places.push_back(at);
   }
+  return places;
+}
+
+/// What may keep markup from being read as such: text that touches it, brackets that are no pair, at last
+/// anything.
+Draft::Places Draft::findSuspects() const {
+  const auto touchesMarkup = [&](std::size_t at) {
+    return (at > 0 && !isText(at - 1)) || (at + 1 < source_.size() && !isText(at + 1));
+  };
+  const auto any = [](std::size_t) { return true; };
+  Places places = findText(special, touchesMarkup);
+  if (places.empty()) places = findText("[]", any);
+  if (places.empty()) places = findText(special, any);
   return places;
 }
 
 /// Puts a backslash before punctuation and a reference in the place of other characters; from then on these
 /// are markup.
-void Draft::escape(const std::vector<std::size_t>& places) {
+void Draft::escape(const Places& places) {
   if (places.empty()) return;
   Draft escaped;
-  escaped.source_.reserve(source_.size() + places.size() * 5);
-  escaped.isText_.reserve(source_.size() + places.size() * 5);
   std::size_t done = 0;
   const auto copyUpTo = [&](std::size_t end) {
     escaped.source_.append(source_, done, end - done);
-    escaped.isText_.insert(escaped.isText_.end(), isText_.begin() + static_cast<std::ptrdiff_t>(done),
-                           isText_.begin() + static_cast<std::ptrdiff_t>(end));
+    escaped.bytes_.insert(escaped.bytes_.end(), bytes_.begin() + static_cast<std::ptrdiff_t>(done),
+                          bytes_.begin() + static_cast<std::ptrdiff_t>(end));
     done = end;
   };
   for (const std::size_t place : places) {

@@ -22,20 +22,28 @@ class Draft {
 
   const std::string& source() const { return source_; }
 
-  /// Escapes text that is read as markup, until the whole reads as `text`. False if it never does.
+  /// Escapes text that is read as markup, until the whole reads as `text` and a line can end with it. False
+  /// if it never does.
   bool settle(const Text& text, LineFeeds lineFeeds);
 
  private:
-  void add(std::string_view source, bool isText);
+  enum class Byte : char { markup, text, keptText };
+  using Places = std::vector<std::size_t>;
+
+  bool isText(std::size_t at) const { return bytes_[at] != Byte::markup; }
+  void append(std::string_view source, Byte kind);
   void escapeEnds();
   bool endsInTrailer() const;
-  std::vector<std::size_t> findMisread(const std::vector<Piece>& pieces) const;
-  std::vector<std::size_t> findText(std::string_view characters) const;
-  void addMarks(std::vector<std::size_t>& places, const Piece& piece) const;
-  void escape(const std::vector<std::size_t>& places);
+  bool readsAs(const Text& text, const std::vector<Piece>& pieces) const;
+  Places findMisread(const std::vector<Piece>& pieces) const;
+  void addMarks(Places& places, const Piece& piece) const;
+  template <class Fits>
+  Places findText(std::string_view characters, Fits&& fits) const;
+  Places findSuspects() const;
+  void escape(const Places& places);
 
   std::string source_;
-  std::vector<bool> isText_;  ///< of each byte
+  std::vector<Byte> bytes_;  ///< what each byte of it is
 };
 
 }  // namespace vell::formats

@@ -16,7 +16,8 @@ constexpr std::size_t maxBrackets = 64;
 
 class InlineParser {
  public:
-  InlineParser(std::string_view source, LineFeeds lineFeeds) : source_(source), lineFeeds_(lineFeeds) {}
+  InlineParser(std::string_view source, LineFeeds lineFeeds)
+      : source_(source), lineFeeds_(lineFeeds), html_(source) {}
 
   std::vector<Piece> parse() {
     while (at_ < source_.size()) step();
@@ -57,6 +58,7 @@ class InlineParser {
   std::size_t decodedUpTo_ = 0;
   std::vector<Piece> pieces_;  ///< all but text, in any order
   Delimiters delimiters_;
+  HtmlFinder html_;
   std::vector<Bracket> brackets_;
   std::size_t insideLinkBelow_ = 0;  ///< so many of the brackets hold a link already and cannot be one
   std::optional<std::unordered_map<std::size_t, std::size_t>> lastBackticks_;
@@ -184,9 +186,9 @@ void InlineParser::takeAngle() {
     add({Piece::Kind::open, at_, at_ + 1, {}, {{"a", *target}}});
     return add({Piece::Kind::close, close, close + 1, {}, {}});
   }
-  const std::size_t length = htmlLength(rest);
-  if (length == 0) return void(++at_);
-  addUnit(at_, at_ + length);
+  const std::size_t end = html_.endOf(at_);
+  if (end == std::string_view::npos) return void(++at_);
+  addUnit(at_, end);
 }
 
 void InlineParser::takeOpenBracket(bool isImage) {

@@ -30,12 +30,15 @@ class InlineSource {
   /// The places at which the source says that much of its text, first to last.
   std::vector<Cut> cutsAt(std::size_t textOffset) const;
   std::size_t offsetOf(Cut cut) const;
+  /// True where no style is open at one of these places, and no word goes on beyond it.
+  bool isBetweenWords(std::size_t textOffset) const;
   Cut end() const { return {pieces_.size(), 0}; }
   std::size_t size() const { return source_.size(); }
   /// The pieces that open the styles around the cut, the outer ones first.
   std::vector<std::size_t> stylesAround(Cut cut) const;
   const Attributes& styleOf(std::size_t open) const { return pieces_[open].style; }
   bool isCode(std::size_t open) const { return source_[pieces_[open].begin] == '`'; }
+  bool isAutolink(std::size_t open) const { return source_[pieces_[open].begin] == '<'; }
 
   void copyOpen(Draft& draft, std::size_t open) const { draft.addPiece(source_, pieces_[open]); }
   void copyClose(Draft& draft, std::size_t open) const { draft.addPiece(source_, pieces_[closeOf_[open]]); }
@@ -92,6 +95,14 @@ std::size_t InlineSource::offsetOf(Cut cut) const {
   return cut.piece < pieces_.size() ? pieces_[cut.piece].begin + cut.offset : source_.size();
 }
 
+bool InlineSource::isBetweenWords(std::size_t textOffset) const {
+  const std::string& text = text_.string();
+  const bool isEdge = textOffset == 0 || textOffset == text.size() || isBlank(text[textOffset - 1]) ||
+                      isBlank(text[textOffset]);
+  const std::vector<Cut> cuts = isEdge ? cutsAt(textOffset) : std::vector<Cut>();
+  return std::any_of(cuts.begin(), cuts.end(), [&](Cut cut) { return around_[cut.piece] == none; });
+}
+
 std::vector<std::size_t> InlineSource::stylesAround(Cut cut) const {
   std::vector<std::size_t> styles;
   for (std::size_t open = around_[cut.piece]; open != none; open = around_[open]) styles.push_back(open);
@@ -125,6 +136,7 @@ class Rewriter {
 
   Gap fillGap(std::size_t oldBegin, std::size_t oldEnd, std::size_t nowBegin, std::size_t nowEnd) const;
   Draft fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) const;
+  bool goesOn(std::size_t open, const std::vector<StyledRange>& ranges) const;
   void write(Draft& draft, std::vector<StyledRange> ranges, std::span<const std::size_t> inside) const;
   std::vector<StyledRange> rangesBetween(std::size_t begin, std::size_t end) const;
 
@@ -169,27 +181,36 @@ Rewriter::Gap Rewriter::fillGap(std::size_t oldBegin, std::size_t oldEnd, std::s
   return std::move(*best);
 }
 
-/// Styles that are open at both cuts and hold for all that is written stay open; others end before and begin
-/// behind.
+/// Styles that are open at both cuts and can go on in between stay open; others end before and begin behind.
 Draft Rewriter::fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) const {
   const std::vector<std::size_t> before = old_.stylesAround(from);
   const std::vector<std::size_t> behind = old_.stylesAround(to);
+  const std::size_t most = std::min(before.size(), behind.size());
   std::size_t shared = 0;
-  const auto isStyled = [&](const StyledRange& range) {
-    const Attributes& style = old_.styleOf(before[shared]);
-    return std::all_of(style.begin(), style.end(), [&](const Attribute& entry) {
-      const std::string* value = range.style.find(entry.key);
-      return value && *value == entry.value;
-    });
-  };
-  while (shared < std::min(before.size(), behind.size()) && before[shared] == behind[shared] &&
-         std::all_of(ranges.begin(), ranges.end(), isStyled))
-    ++shared;
+  while (shared < most && before[shared] == behind[shared] && goesOn(before[shared], ranges)) ++shared;
   Draft draft;
   for (std::size_t open = before.size(); open-- > shared;) old_.copyClose(draft, before[open]);
   write(draft, ranges, std::span(before).first(shared));
   for (std::size_t open = shared; open < behind.size(); ++open) old_.copyOpen(draft, behind[open]);
   return draft;
+}
+
+/// Whether the ranges can be written within the style that a piece opens.
+bool Rewriter::goesOn(std::size_t open, const std::vector<StyledRange>& ranges) const {
+  const auto hasStyle = [&](const StyledRange& range) {
+    const Attributes& style = old_.styleOf(open);
+    return std::all_of(style.begin(), style.end(), [&](const Attribute& entry) {
+      const std::string* value = range.style.find(entry.key);
+      return value && *value == entry.value;
+    });
+  };
+  const auto fitsCode = [&](const StyledRange& range) {
+    const std::string_view string =
+        std::string_view(now_.string()).substr(range.begin, range.end - range.begin);
+    return std::none_of(string.begin(), string.end(), [](char c) { return c == '`' || isControl(c); });
+  };
+  return !old_.isAutolink(open) && std::all_of(ranges.begin(), ranges.end(), hasStyle) &&
+         (!old_.isCode(open) || std::all_of(ranges.begin(), ranges.end(), fitsCode));
 }
 
 void Rewriter::write(Draft& draft, std::vector<StyledRange> ranges,
@@ -216,13 +237,31 @@ std::vector<StyledRange> Rewriter::rangesBetween(std::size_t begin, std::size_t 
   return between;
 }
 
+/// Leaves styles and words that are changed in part out of what is kept.
+std::vector<CommonStretch> narrowedToWords(const std::vector<CommonStretch>& kept, const InlineSource& old) {
+  std::vector<CommonStretch> narrowed;
+  for (const CommonStretch& stretch : kept) {
+    const bool isFront = &stretch == &kept.front();
+    const bool isBack = &stretch == &kept.back();
+    std::size_t begin = stretch.oldBegin;
+    std::size_t end = begin + stretch.length;
+    while (!isFront && begin < end && !old.isBetweenWords(begin)) ++begin;
+    while (!isBack && end > begin && !old.isBetweenWords(end)) --end;
+    if (begin < end || isFront || isBack)
+      narrowed.push_back({begin, stretch.nowBegin + (begin - stretch.oldBegin), end - begin});
+  }
+  return narrowed;
+}
+
 }  // namespace
 
 std::string rewriteInline(std::string_view source, const Text& now, LineFeeds lineFeeds) {
   const InlineSource old(source, lineFeeds);
   if (old.text() == now) return std::string(source);
-  for (const bool between : {true, false}) {
-    Draft draft = Rewriter(old, now).rewrite(commonStretches(old.text(), now, between));
+  std::vector<CommonStretch> kept = commonStretches(old.text(), now);
+  for (const bool narrowed : {false, true}) {
+    if (narrowed) kept = narrowedToWords(kept, old);
+    Draft draft = Rewriter(old, now).rewrite(kept);
     if (draft.settle(now, lineFeeds)) return draft.source();
   }
   std::string rendered;

@@ -140,7 +140,7 @@ bool isMailAddress(std::string_view text) {
          isMailHost(text.substr(at + 1));
 }
 
-/// ` name`, ` name=value`, ` name="value"`, with blanks around them.
+/// `name`, `name=value`, `name="value"`.
 bool takeTagAttribute(Scanner& scanner) {
   const auto begins = [](char c) { return isLetter(c) || c == '_' || c == ':'; };
   const auto goesOn = [&](char c) { return begins(c) || isLetterOrDigit(c) || c == '.' || c == '-'; };
@@ -161,23 +161,17 @@ bool takeTagAttribute(Scanner& scanner) {
   return scanner.take(quote);
 }
 
-std::size_t tagLength(std::string_view source) {
-  Scanner scanner(source, 1);
+std::size_t endOfTag(std::string_view source, std::size_t at) {
+  Scanner scanner(source, at + 1);
   const bool closes = scanner.take('/');
-  if (!isLetter(scanner.peek())) return 0;
+  if (!isLetter(scanner.peek())) return std::string_view::npos;
   scanner.takeWhile([](char c) { return isLetterOrDigit(c) || c == '-'; });
   while (scanner.skipBlanks() && !closes && scanner.peek() != '>' && scanner.peek() != '/') {
-    if (!takeTagAttribute(scanner)) return 0;
+    if (!takeTagAttribute(scanner)) return std::string_view::npos;
   }
   if (!closes) scanner.take('/');
-  return scanner.take('>') ? scanner.at() : 0;
+  return scanner.take('>') ? scanner.at() : std::string_view::npos;
 }
-
-struct Enclosure {
-  std::string_view begin;
-  std::string_view end;
-};
-constexpr Enclosure enclosures[] = {{"<!--", "-->"}, {"<?", "?>"}, {"<![CDATA[", "]]>"}};
 
 }  // namespace
 
@@ -209,14 +203,23 @@ std::optional<std::string> autolinkTarget(std::string_view source) {
   return std::nullopt;
 }
 
-std::size_t htmlLength(std::string_view source) {
-  for (const Enclosure& enclosure : enclosures) {
-    if (!source.starts_with(enclosure.begin)) continue;
-    const std::size_t end = source.find(enclosure.end, enclosure.begin.size());
-    const bool isPlain = end < source.find('\\', enclosure.begin.size());
-    return isPlain ? end + enclosure.end.size() : 0;
+std::size_t HtmlFinder::Next::behind(std::string_view source, std::size_t at) {
+  if (searchedFrom > at || found < at) {
+    searchedFrom = at;
+    found = source.find(wanted, at);
   }
-  return source.starts_with('<') ? tagLength(source) : 0;
+  return found;
+}
+
+std::size_t HtmlFinder::endOf(std::size_t at) {
+  for (Enclosure& enclosure : enclosures_) {
+    if (!source_.substr(at).starts_with(enclosure.begin)) continue;
+    const std::size_t inside = at + enclosure.begin.size();
+    const std::size_t end = enclosure.end.behind(source_, inside);
+    const bool isHtml = end < backslash_.behind(source_, inside);
+    return isHtml ? end + enclosure.end.wanted.size() : std::string_view::npos;
+  }
+  return endOfTag(source_, at);
 }
 
 }  // namespace vell::formats

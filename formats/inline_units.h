@@ -23,8 +23,32 @@ std::optional<BracketTail> readBracketTail(std::string_view source, std::size_t 
 /// none.
 std::optional<std::string> autolinkTarget(std::string_view source);
 
-/// Bytes of the html at the front of `source` (a tag or a comment); 0 where there is none. With a backslash
-/// in it it is none: there marks are escaped as in any text.
-std::size_t htmlLength(std::string_view source);
+/// Finds html, a tag or a comment, in a source that is read from front to back. With a backslash in it it is
+/// none: there marks are escaped as in any text.
+class HtmlFinder {
+ public:
+  explicit HtmlFinder(std::string_view source) : source_(source) {}
+
+  /// Where the html ends that begins at `at`; npos where there is none.
+  std::size_t endOf(std::size_t at);
+
+ private:
+  /// Where something stands next; searches no byte twice.
+  struct Next {
+    std::string_view wanted;
+    std::size_t searchedFrom = std::string_view::npos;
+    std::size_t found = 0;
+
+    std::size_t behind(std::string_view source, std::size_t at);
+  };
+  struct Enclosure {
+    std::string_view begin;
+    Next end;
+  };
+
+  std::string_view source_;
+  Enclosure enclosures_[3] = {{"<!--", {"-->"}}, {"<?", {"?>"}}, {"<![CDATA[", {"]]>"}}};
+  Next backslash_{"\\"};
+};
 
 }  // namespace vell::formats

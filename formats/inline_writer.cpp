@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bitset>
 
 #include "formats/attribute_list.h"
 #include "formats/inline_delimiters.h"
@@ -10,7 +11,8 @@
 namespace vell::formats {
 namespace {
 
-/// Styles that have a mark, the outer ones first; all others are written behind brackets.
+/// Styles that have a mark; all others are written behind brackets. Where two hold for the same text the
+/// first one is the outer.
 constexpr std::array<std::string_view, 4> markedKeys = {"strong", "mark", "s", "em"};
 
 class RangeWriter {
@@ -20,18 +22,23 @@ class RangeWriter {
   RangeWriter(Draft& draft, std::string_view text, Ranges ranges, StyleForm form)
       : draft_(draft), text_(text), ranges_(ranges), form_(form) {}
 
-  void write() { writeBracketGroups(ranges_); }
+  void write() { writeGroups(ranges_, {}); }
 
  private:
+  /// Styles that are open: a bit for each marked key, and one for what stands in brackets.
+  using Styles = std::bitset<markedKeys.size() + 1>;
+  static constexpr std::size_t bracket = markedKeys.size();
+
   bool isMarked(const Attribute& entry) const;
   Attributes bracketStyle(const StyledRange& range) const;
-  static bool has(const StyledRange& range, std::string_view key);
-  std::string_view markFor(std::size_t level, Ranges group) const;
-  bool markupFollows(std::size_t level, Ranges group) const;
-  void writeBracketGroups(Ranges ranges);
-  void writeMarkGroups(Ranges ranges, std::size_t level);
+  bool has(const StyledRange& range, std::size_t style) const;
+  std::size_t extentOf(std::size_t style, Ranges ranges) const;
+  std::string_view markFor(std::size_t style, Ranges group, Styles open) const;
+  bool markupFollows(Ranges group, Styles open) const;
+  void writeGroups(Ranges ranges, Styles open);
+  void writeGroup(std::size_t style, Ranges group, Styles open);
   void writeLeaf(const StyledRange& range);
-  bool isAutolink(Ranges group, const Attributes& style) const;
+  bool isAutolink(Ranges group) const;
   void writeCode(std::string_view code);
   void writeTail(Attributes style);
   void writeList(const Attributes& style);
@@ -55,52 +62,76 @@ Attributes RangeWriter::bracketStyle(const StyledRange& range) const {
   return style;
 }
 
-bool RangeWriter::has(const StyledRange& range, std::string_view key) {
-  const std::string* value = range.style.find(key);
-  return value && value->empty();
+bool RangeWriter::has(const StyledRange& range, std::size_t style) const {
+  if (style == bracket) return !bracketStyle(range).empty();
+  const std::string* value = range.style.find(markedKeys[style]);
+  return form_ == StyleForm::marks && value && value->empty();
 }
 
-void RangeWriter::writeBracketGroups(Ranges ranges) {
+/// How many of the ranges have that style in common, from the front.
+std::size_t RangeWriter::extentOf(std::size_t style, Ranges ranges) const {
+  if (!has(ranges.front(), style)) return 0;
+  if (form_ == StyleForm::brackets) return 1;
+  const Attributes inBrackets = style == bracket ? bracketStyle(ranges.front()) : Attributes();
+  std::size_t count = 1;
+  while (count < ranges.size() && has(ranges[count], style) &&
+         (style != bracket || bracketStyle(ranges[count]) == inBrackets))
+    ++count;
+  return count;
+}
+
+/// What reaches furthest is the outer.
+void RangeWriter::writeGroups(Ranges ranges, Styles open) {
   while (!ranges.empty()) {
-    const Attributes style = bracketStyle(ranges.front());
-    std::size_t count = 1;
-    while (form_ == StyleForm::marks && count < ranges.size() && bracketStyle(ranges[count]) == style)
-      ++count;
-    const Ranges group = ranges.first(count);
-    if (isAutolink(group, style)) {
-      draft_.addMarkup("<" + *style.find("a") + ">");
-    } else if (style.empty()) {
-      writeMarkGroups(group, 0);
+    std::size_t outer = bracket;
+    std::size_t count = open[bracket] ? 0 : extentOf(bracket, ranges);
+    for (std::size_t style = 0; style < markedKeys.size(); ++style) {
+      const std::size_t extent = open[style] ? 0 : extentOf(style, ranges);
+      if (extent > count) outer = style, count = extent;
+    }
+    if (count == 0) {
+      writeLeaf(ranges.front());
+      count = 1;
     } else {
-      draft_.addMarkup("[");
-      writeMarkGroups(group, 0);
-      draft_.addMarkup("]");
-      writeTail(style);
+      writeGroup(outer, ranges.first(count), open);
     }
     ranges = ranges.subspan(count);
   }
 }
 
+void RangeWriter::writeGroup(std::size_t style, Ranges group, Styles open) {
+  if (style == bracket && isAutolink(group))
+    return draft_.addMarkup("<" + *group.front().style.find("a") + ">");
+  const std::string_view mark = style == bracket ? std::string_view() : markFor(style, group, open);
+  draft_.addMarkup(mark.empty() ? "[" : mark);
+  writeGroups(group, open.set(style));
+  draft_.addMarkup(mark.empty() ? "]" : mark);
+  if (style == bracket) {
+    writeTail(bracketStyle(group.front()));
+  } else if (mark.empty()) {
+    writeList({{std::string(markedKeys[style]), ""}});
+  }
+}
+
 /// A link that shows its own target.
-bool RangeWriter::isAutolink(Ranges group, const Attributes& style) const {
-  if (form_ != StyleForm::marks || group.size() != 1 || group.front().style != style || style.size() != 1)
-    return false;
-  const std::string* target = style.find("a");
+bool RangeWriter::isAutolink(Ranges group) const {
   const StyledRange& range = group.front();
-  return target && text_.substr(range.begin, range.end - range.begin) == *target &&
+  const std::string* target = range.style.find("a");
+  return form_ == StyleForm::marks && group.size() == 1 && target && range.style.size() == 1 &&
+         text_.substr(range.begin, range.end - range.begin) == *target &&
          autolinkTarget("<" + *target + ">") == *target;
 }
 
 /// The mark that can stand on both sides of the group; empty where none can, as beside a blank within it.
-std::string_view RangeWriter::markFor(std::size_t level, Ranges group) const {
-  const std::string_view key = markedKeys[level];
+std::string_view RangeWriter::markFor(std::size_t style, Ranges group, Styles open) const {
+  const std::string_view key = markedKeys[style];
   const std::size_t begin = group.front().begin;
   const std::size_t end = group.back().end;
   const std::string& written = draft_.source();
   const CharacterClass before =
       written.empty() ? classBefore(text_, begin) : classBefore(written, written.size());
   const CharacterClass behind =
-      markupFollows(level, group) ? CharacterClass::punctuation : classAt(text_, end);
+      markupFollows(group, open) ? CharacterClass::punctuation : classAt(text_, end);
   for (const std::string_view mark :
        {markOf(key), key == "em" ? std::string_view("*") : std::string_view()}) {
     if (mark.empty()) continue;
@@ -112,49 +143,29 @@ std::string_view RangeWriter::markFor(std::size_t level, Ranges group) const {
 }
 
 /// True where other styles begin behind the group, or end there that are written around it.
-bool RangeWriter::markupFollows(std::size_t level, Ranges group) const {
-  const StyledRange& last = group.back();
-  if (&last == &ranges_.back()) return false;
-  const Attributes& next = (&last + 1)->style;
-  const auto isInner = [&](const Attribute& entry) {
-    const auto place =
-        std::find(markedKeys.begin() + static_cast<std::ptrdiff_t>(level), markedKeys.end(), entry.key);
-    return isMarked(entry) && (entry.key == "code" || place != markedKeys.end());
-  };
+bool RangeWriter::markupFollows(Ranges group, Styles open) const {
+  const Attributes& last = group.back().style;
+  if (&group.back() == &ranges_.back()) return false;
+  const Attributes& next = (&group.back() + 1)->style;
   const auto isIn = [](const Attributes& style, const Attribute& entry) {
     const std::string* value = style.find(entry.key);
     return value && *value == entry.value;
   };
-  return std::any_of(next.begin(), next.end(),
-                     [&](const Attribute& entry) { return !isIn(last.style, entry); }) ||
-         std::any_of(last.style.begin(), last.style.end(),
-                     [&](const Attribute& entry) { return !isInner(entry) && !isIn(next, entry); });
-}
-
-void RangeWriter::writeMarkGroups(Ranges ranges, std::size_t level) {
-  if (level == markedKeys.size()) {
-    for (const StyledRange& range : ranges) writeLeaf(range);
-    return;
-  }
-  const std::string_view key = markedKeys[level];
-  while (!ranges.empty()) {
-    const bool marked = form_ == StyleForm::marks && has(ranges.front(), key);
-    std::size_t count = 1;
-    while (count < ranges.size() && has(ranges[count], key) == marked) ++count;
-    const Ranges group = ranges.first(count);
-    const std::string_view mark = marked ? markFor(level, group) : std::string_view();
-    draft_.addMarkup(marked && mark.empty() ? "[" : mark);
-    writeMarkGroups(group, level + 1);
-    draft_.addMarkup(marked && mark.empty() ? "]" : mark);
-    if (marked && mark.empty()) writeList({{std::string(key), ""}});
-    ranges = ranges.subspan(count);
-  }
+  const auto isOuter = [&](const Attribute& entry) -> bool {
+    const auto place = std::find(markedKeys.begin(), markedKeys.end(), entry.key);
+    if (!isMarked(entry)) return open[bracket];
+    return place != markedKeys.end() && open[static_cast<std::size_t>(place - markedKeys.begin())];
+  };
+  return std::any_of(next.begin(), next.end(), [&](const Attribute& entry) { return !isIn(last, entry); }) ||
+         std::any_of(last.begin(), last.end(),
+                     [&](const Attribute& entry) { return isOuter(entry) && !isIn(next, entry); });
 }
 
 void RangeWriter::writeLeaf(const StyledRange& range) {
   const std::string_view string = text_.substr(range.begin, range.end - range.begin);
   const auto isBad = [](char c) { return isControl(c) && c != '\t'; };
-  if (form_ == StyleForm::brackets || !has(range, "code")) {
+  const std::string* code = range.style.find("code");
+  if (form_ == StyleForm::brackets || !code || !code->empty()) {
     draft_.addText(string);
   } else if (std::any_of(string.begin(), string.end(), isBad)) {
     draft_.addMarkup("[");
@@ -180,11 +191,22 @@ void RangeWriter::writeCode(std::string_view code) {
   draft_.addMarkup(pad + fence);
 }
 
-/// A plain web address goes in parentheses, everything else in a list.
+/// A link's target and title go in parentheses where they need no escapes there, everything else in a list.
 void RangeWriter::writeTail(Attributes style) {
+  const auto fits = [](const std::string& value, std::string_view bad) {
+    return std::none_of(value.begin(), value.end(), isControl) &&
+           value.find_first_of(bad) == std::string::npos && value.find("&#") == std::string::npos;
+  };
   const std::string* target = style.find("a");
-  if (target && target->find_first_of(" \t\n\r<>()[]\\\"&") == std::string::npos) {
-    draft_.addMarkup("(" + *target + ")");
+  if (target && fits(*target, "<>\\")) {
+    const bool isBare = !target->empty() && fits(*target, " ()[]\"");
+    std::string link = isBare ? *target : "<" + *target + ">";
+    const std::string* title = style.find("title");
+    if (title && !title->empty() && fits(*title, "\"\\")) {
+      link += " \"" + *title + "\"";
+      style.remove("title");
+    }
+    draft_.addMarkup("(" + link + ")");
     style.remove("a");
   }
   if (!style.empty()) writeList(style);

@@ -204,7 +204,9 @@ TreeUpdate::OwnText JsonUpdate::render(const Row& row, const SourceSpan* span, s
 }
 
 void JsonUpdate::fillNew(JsonObject& object, const Row& row, const JsonStyle& style) const {
-  const auto append = [&](std::string_view key, const std::string& value) { object.append(key, json::quoted(value)); };
+  const auto append = [&](std::string_view key, const std::string& value) {
+    object.append(key, json::quoted(value));
+  };
   if (!row.persistentId().empty()) append("id", row.persistentId());
   if (tellsTimes_ || row.type() != RowType::body) append("type", std::string(name(row.type())));
   object.append("text", textValue(row.text(), style.hasPlainTexts));

@@ -56,7 +56,7 @@ class TextDiff {
  public:
   TextDiff(const Text& old, const Text& now) : old_(old, numbers_), now_(now, numbers_) {}
 
-  std::vector<CommonStretch> stretches(bool between);
+  std::vector<CommonStretch> stretches();
 
  private:
   bool same(std::size_t oldAt, std::size_t nowAt) const {
@@ -159,7 +159,7 @@ std::vector<CommonStretch> TextDiff::uniqueWords(Range old, Range now) const {
   return sequence;
 }
 
-std::vector<CommonStretch> TextDiff::stretches(bool between) {
+std::vector<CommonStretch> TextDiff::stretches() {
   Range old{0, old_.size()};
   Range now{0, now_.size()};
   const std::size_t front = commonAfter(old, now);
@@ -168,15 +168,13 @@ std::vector<CommonStretch> TextDiff::stretches(bool between) {
   const std::size_t back = commonBefore(old, now);
   old.end -= back;
   now.end -= back;
-  if (between) {
-    for (CommonStretch word : uniqueWords(old, now)) {
-      if (word.oldBegin < old.begin || word.nowBegin < now.begin) continue;  // taken with the word before
-      const std::size_t before = commonBefore({old.begin, word.oldBegin}, {now.begin, word.nowBegin});
-      const std::size_t length = before + commonAfter({word.oldBegin, old.end}, {word.nowBegin, now.end});
-      found.push_back({word.oldBegin - before, word.nowBegin - before, length});
-      old.begin = word.oldBegin - before + length;
-      now.begin = word.nowBegin - before + length;
-    }
+  for (const CommonStretch& word : uniqueWords(old, now)) {
+    if (word.oldBegin < old.begin || word.nowBegin < now.begin) continue;  // taken with the word before
+    const std::size_t before = commonBefore({old.begin, word.oldBegin}, {now.begin, word.nowBegin});
+    const std::size_t length = before + commonAfter({word.oldBegin, old.end}, {word.nowBegin, now.end});
+    found.push_back({word.oldBegin - before, word.nowBegin - before, length});
+    old.begin = word.oldBegin - before + length;
+    now.begin = word.nowBegin - before + length;
   }
   found.push_back({old.end, now.end, back});
   return found;
@@ -184,8 +182,8 @@ std::vector<CommonStretch> TextDiff::stretches(bool between) {
 
 }  // namespace
 
-std::vector<CommonStretch> commonStretches(const Text& old, const Text& now, bool between) {
-  return TextDiff(old, now).stretches(between);
+std::vector<CommonStretch> commonStretches(const Text& old, const Text& now) {
+  return TextDiff(old, now).stretches();
 }
 
 }  // namespace vell::formats

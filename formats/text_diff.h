@@ -13,8 +13,8 @@ struct CommonStretch {
   std::size_t length;  ///< bytes; whole characters
 };
 
-/// What the texts have in common at their ends and, with `between`, around words that stand once in each; in
-/// order. The first stretch is at the front of both and the last at the end of both, and may be empty.
-std::vector<CommonStretch> commonStretches(const Text& old, const Text& now, bool between);
+/// What the texts have in common at their ends and around words that stand once between, in order. The first
+/// stretch is at the front of both and the last at the end of both; these may be empty.
+std::vector<CommonStretch> commonStretches(const Text& old, const Text& now);
 
 }  // namespace vell::formats

@@ -83,7 +83,8 @@ TEST(JsonUpdate, ChangesWhatChanged) {
 
 TEST(JsonUpdate, WritesTheOutlinesIdWhereOneStood) {
   for (const auto& [source, written] :
-       {std::pair(R"({"id": "a", "rows": [{"text": "b"}], "x": 1})", R"({"id": "c", "rows": [{"text": "b"}], "x": 1})"),
+       {std::pair(R"({"id": "a", "rows": [{"text": "b"}], "x": 1})",
+                  R"({"id": "c", "rows": [{"text": "b"}], "x": 1})"),
         std::pair(R"({"id": 7, "persistentId":"a","rows":[]})", R"({"id": 7, "persistentId":"c","rows":[]})"),
         std::pair(R"({"rows":[]})", R"({"rows":[]})"), std::pair("[]", "[]")}) {
     RowChanges rows("json", source);

@@ -54,8 +54,8 @@ const InlineCase inlineCases[] = {
     // Links and lists of attributes.
     {"[**a** b](http://x/y_(z)w)",
      R"([{"string":"a","attrs":{"a":"http://x/y_(z)w","strong":""}},{"string":" b","attrs":{"a":"http://x/y_(z)w"}}])",
-     R"([**a** b]{a="http://x/y_(z)w"})"},
-    {"[a](<b c> \"t\")", R"([{"string":"a","attrs":{"a":"b c","title":"t"}}])", R"([a]{a="b c" title=t})"},
+     R"([**a** b](<http://x/y_(z)w>))"},
+    {"[a](<b c> \"t\")", R"([{"string":"a","attrs":{"a":"b c","title":"t"}}])", nullptr},
     {"H[2]{base=sub}O", R"([{"string":"H"},{"string":"2","attrs":{"base":"sub"}},{"string":"O"}])", nullptr},
     {"[a](u){k=\"v w\"}", R"([{"string":"a","attrs":{"a":"u","k":"v w"}}])", nullptr},
     {"[a]{#x} [b]{} [](u) ](u) x", R"([{"string":"[a]{#x} [b]{} [](u) ](u) x"}])", nullptr},
