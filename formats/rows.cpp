@@ -23,15 +23,18 @@ void TreeBuilder::addRoot(const SourceSpan& span) {
   if (document::Source* source = outline_.source()) source->add(outline_.root(), span);
 }
 
+bool says(const Row& row, const RowContent& content, Times times) {
+  const bool sameTimes =
+      times == Times::dropped || (content.created == row.created() && content.modified == row.modified());
+  return sameTimes && content.type == row.type() && content.text == row.text() &&
+         content.attributes == row.attributes() && content.persistentId == row.persistentId();
+}
+
 bool isAsRead(const Outline& outline, const Row& row, Times times) {
   const document::Source* source = outline.source();
   if (!source || !source->find(row.id())) return false;
   const RowContent* read = source->original(row.id());
-  if (!read) return true;
-  const bool sameTimes =
-      times == Times::dropped || (read->created == row.created() && read->modified == row.modified());
-  return sameTimes && read->type == row.type() && read->text == row.text() &&
-         read->attributes == row.attributes() && read->persistentId == row.persistentId();
+  return !read || says(row, *read, times);
 }
 
 PlacedRows placeAll(const Outline& outline, Shape shape) {

@@ -41,7 +41,9 @@ class TreeBuilder {
   std::vector<Row*> path_;  ///< the root, then the last row of each depth
 };
 
-/// True if the row says what it said when it was read. Formats without times do not compare them.
+/// True if this is what the row says. Times count where the format keeps them.
+bool says(const Row& row, const RowContent& content, Times times);
+/// True if the row says what it said when it was read.
 bool isAsRead(const Outline& outline, const Row& row, Times times);
 
 /// `tree` hangs each row below its nearest chosen ancestor, `flat` puts every row at top level.

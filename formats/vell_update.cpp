@@ -48,9 +48,9 @@ void keepTime(std::string& time, const std::string& written, Timestamp now) {
   if (!written.empty() && document::parseTimestamp(written) == now) time = written;
 }
 
-bool isDone(const Row& row) {
-  const std::string* done = row.attributes().find("done");
-  return done && *done == "true";
+std::string_view firstLineOf(std::string_view lines) {
+  text::Lines reader(lines);
+  return reader.next() ? reader.line() : lines;
 }
 
 /// Writes one row over the lines that it had, keeping what still means the same.
@@ -61,7 +61,7 @@ class RowUpdate {
         lines_(line.lines),
         depth_(line.depth),
         outline_(outline),
-        firstLine_(lines_.substr(0, lines_.find_first_of("\r\n"))),
+        firstLine_(firstLineOf(lines_)),
         parts_(takeApart(firstLine_)),
         times_(parts_.says.created.empty() && parts_.says.modified.empty() ? times : Times::kept),
         writer_(outline.created(), times_) {}
@@ -69,7 +69,7 @@ class RowUpdate {
   void write(std::string& out) const {
     std::string lines;
     if (!lines_.empty()) lines = row_.type() == RowType::code && canBeFenced(row_) ? code() : marked();
-    if (!lines.empty() && says(lines)) {
+    if (!lines.empty() && reads(lines)) {
       out += lines;
     } else {
       writer_.write(row_, depth_, out);
@@ -81,7 +81,7 @@ class RowUpdate {
   std::string code() const;
   void appendTrailer(std::string& out, bool typeIsMarked) const;
   bool keepsMark() const;
-  bool says(std::string_view lines) const;
+  bool reads(std::string_view lines) const;
 
   const Row& row_;
   std::string_view lines_;
@@ -96,7 +96,7 @@ class RowUpdate {
 bool RowUpdate::keepsMark() const {
   if (parts_.isFence || parts_.says.type.value_or(parts_.type) != row_.type()) return false;
   if (parts_.mark == "\\" || (parts_.mark == "---" && !row_.text().empty())) return false;
-  return row_.type() != RowType::task || parts_.done == isDone(row_);
+  return row_.type() != RowType::task || parts_.done == (writer_.mark(row_) == "[x]");
 }
 
 std::string RowUpdate::marked() const {
@@ -119,8 +119,8 @@ std::string RowUpdate::code() const {
   if (language && isFenceInfo(*language)) out.append(between(parts_.mark, parts_.text)).append(*language);
   appendTrailer(out, true);
   out += firstLine_.substr(trimEnd(firstLine_).size());
-  const RowContent* read = outline_.source()->original(row_.id());
-  if (!read || read->text == row_.text()) return out.append(lines_.substr(firstLine_.size()));
+  const bool sameText = outline_.source()->original(row_.id())->text == row_.text();
+  if (sameText) return out.append(lines_.substr(firstLine_.size()));
   out += '\n';
   appendFenced(out, row_.text().string(), parts_.mark, depth_);
   out.pop_back();
@@ -139,15 +139,12 @@ void RowUpdate::appendTrailer(std::string& out, bool typeIsMarked) const {
 }
 
 /// True if the reader takes the lines for exactly this row.
-bool RowUpdate::says(std::string_view lines) const {
+bool RowUpdate::reads(std::string_view lines) const {
   text::Lines reader(lines);
   if (!reader.next() || lines.starts_with('\t')) return false;
   try {
     const RowContent read = readVellRow(trimEnd(reader.line()), depth_, outline_.created(), reader);
-    const bool sameTimes =
-        times_ == Times::dropped || (read.created == row_.created() && read.modified == row_.modified());
-    return sameTimes && !reader.next() && read.type == row_.type() && read.text == row_.text() &&
-           read.attributes == row_.attributes() && read.persistentId == row_.persistentId();
+    return !reader.next() && says(row_, read, times_);
   } catch (const FormatError&) {
     return false;
   }
