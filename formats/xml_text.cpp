@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <iterator>
 #include <pugixml.hpp>
 #include <utility>
 
@@ -35,43 +36,60 @@ void appendReference(std::string& out, char32_t c) {
   out.append("&#").append(std::to_string(static_cast<std::uint32_t>(c))).append(";");
 }
 
-/// A reference to an entity at the front of the text that stands in `before` too, else nothing.
+/// A reference to an entity of the document at the front of the text, where it stands in `before` too.
 std::string_view ownReference(std::string_view text, std::string_view before) {
-  const std::size_t end = before.empty() ? text.npos : text.find(';');
-  if (end == text.npos || !isXmlName(text.substr(1, end - 1))) return {};
+  constexpr std::string_view predefined[] = {"amp", "lt", "gt", "quot", "apos"};
+  const std::size_t end = text.find_first_of("&; ", 1);
+  if (before.empty() || end == text.npos || text[end] != ';') return {};
+  const std::string_view name = text.substr(1, end - 1);
   const std::string_view reference = text.substr(0, end + 1);
-  return before.find(reference) != before.npos ? reference : std::string_view();
+  const bool isPredefined = std::count(std::begin(predefined), std::end(predefined), name) > 0;
+  return !isPredefined && isXmlName(name) && before.find(reference) != before.npos ? reference
+                                                                                   : std::string_view();
 }
 
 bool isXmlCharacter(char32_t c) { return c >= 0x20 && c != 0xFFFE && c != 0xFFFF; }
 
+/// Appends the character that the text begins with; returns the bytes it takes there.
+std::size_t appendSpecial(std::string& out, std::string_view text, const XmlStyle& style) {
+  const text::CodePoint next = text::firstCodePoint(text);
+  const char32_t c = next.value;
+  std::size_t taken = next.length;
+  if (c == '\t' || c == '\n' || c == '\r') {
+    appendReference(out, c);
+  } else if (c == '&') {
+    const std::string_view reference = ownReference(text, style.before);
+    out += reference.empty() ? "&amp;" : reference;
+    taken = std::max(taken, reference.size());
+  } else if (c == '<') {
+    out += "&lt;";
+  } else if (c == '>') {
+    out += "&gt;";
+  } else if (c == static_cast<char32_t>(style.quote)) {
+    out += style.quote == '"' ? "&quot;" : "&apos;";
+  } else if (!isXmlCharacter(c)) {
+    text::appendUtf8(out, 0xFFFD);
+  } else if (c > 0x7F && style.isAscii) {
+    appendReference(out, c);
+  } else {
+    out += text.substr(0, taken);
+  }
+  return taken;
+}
+
 }  // namespace
 
 void appendXml(std::string& out, std::string_view text, const XmlStyle& style) {
+  const auto isPlain = [&](char c) {
+    return c >= ' ' && c != '&' && c != '<' && c != '>' && c != style.quote &&
+           static_cast<unsigned char>(c) < 0x80;
+  };
   while (!text.empty()) {
-    const text::CodePoint next = text::firstCodePoint(text);
-    const char32_t c = next.value;
-    std::size_t taken = next.length;
-    if (c == '\t' || c == '\n' || c == '\r') {
-      appendReference(out, c);
-    } else if (c == '&') {
-      const std::string_view reference = ownReference(text, style.before);
-      out += reference.empty() ? "&amp;" : reference;
-      taken = std::max(taken, reference.size());
-    } else if (c == '<') {
-      out += "&lt;";
-    } else if (c == '>') {
-      out += "&gt;";
-    } else if (c == static_cast<char32_t>(style.quote)) {
-      out += style.quote == '"' ? "&quot;" : "&apos;";
-    } else if (!isXmlCharacter(c)) {
-      text::appendUtf8(out, 0xFFFD);
-    } else if (c > 0x7F && style.isAscii) {
-      appendReference(out, c);
-    } else {
-      out += text.substr(0, taken);
-    }
-    text.remove_prefix(taken);
+    const auto plainEnd = std::find_if_not(text.begin(), text.end(), isPlain);
+    const auto plain = static_cast<std::size_t>(plainEnd - text.begin());
+    out += text.substr(0, plain);
+    text.remove_prefix(plain);
+    if (!text.empty()) text.remove_prefix(appendSpecial(out, text, style));
   }
 }
 
@@ -142,8 +160,8 @@ void XmlTag::set(std::size_t index, const std::string& value) {
 void XmlTag::append(std::string_view name, std::string_view value) { added_.emplace_back(name, value); }
 
 std::optional<std::size_t> XmlTag::find(std::string_view name) const {
-  for (std::size_t index = 0; index < attributes_.size(); ++index) {
-    if (attributes_[index].name == name) return index;
+  for (std::size_t index = size(); index-- > 0;) {
+    if (this->name(index) == name && !attributes_[index].isRemoved) return index;
   }
   return std::nullopt;
 }
@@ -154,7 +172,7 @@ void XmlTag::set(std::string_view name, const std::string& value) {
 }
 
 void XmlTag::remove(std::string_view name) {
-  if (const auto index = find(name)) remove(*index);
+  while (const auto index = find(name)) remove(*index);
 }
 
 std::string XmlTag::text(bool opens) const {

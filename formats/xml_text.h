@@ -37,7 +37,7 @@ class XmlTag {
   void remove(std::size_t index) { attributes_[index].isRemoved = true; }
   void append(std::string_view name, std::string_view value);
 
-  /// The attribute of that name where there is one.
+  /// The attribute of that name that counts: the last one, where some program repeats it.
   std::optional<std::size_t> find(std::string_view name) const;
   /// In place, or at the end where there is none.
   void set(std::string_view name, const std::string& value);
