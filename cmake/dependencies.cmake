@@ -19,6 +19,14 @@ find_library(VELL_PCRE2 pcre2-8 REQUIRED)
 # Linked statically where that can be, so that `vell` starts without it.
 find_library(VELL_UTF8PROC NAMES libutf8proc.a utf8proc REQUIRED)
 
+# The block structure of markdown, with tables. Linked statically where there is an archive.
+add_library(vell_cmark INTERFACE)
+find_path(VELL_CMARK_INCLUDE cmark-gfm-core-extensions.h REQUIRED)
+find_library(VELL_CMARK_EXTENSIONS NAMES libcmark-gfm-extensions.a cmark-gfm-extensions REQUIRED)
+find_library(VELL_CMARK NAMES libcmark-gfm.a cmark-gfm REQUIRED)
+target_include_directories(vell_cmark SYSTEM INTERFACE ${VELL_CMARK_INCLUDE})
+target_link_libraries(vell_cmark INTERFACE ${VELL_CMARK_EXTENSIONS} ${VELL_CMARK})
+
 # simdjson is linked statically where that can be: a shared one brings the shared C++ runtime into every start of `vell`.
 # Debian has no archive: scripts/setup fetches the source package, and installs the shared library where there is none.
 find_library(VELL_SIMDJSON NAMES libsimdjson.a libsimdjson_static.a simdjson)

@@ -127,6 +127,10 @@ void appendListId(std::string& out, std::string_view id) {
 
 namespace {
 
+bool isDecimal(std::string_view text) {
+  return !text.empty() && text.size() < 10 && text.find_first_not_of("0123456789") == std::string_view::npos;
+}
+
 void takeItem(RowTrailer& trailer, ListItem item, Times times) {
   if (!item.quotedKey) {
     if (item.key == "#") return void(trailer.persistentId = std::move(item.value));
@@ -134,6 +138,8 @@ void takeItem(RowTrailer& trailer, ListItem item, Times times) {
       trailer.type = document::rowType(item.value);
       if (trailer.type) return;
     }
+    const bool isDepth = times == Times::dropped && item.key == "depth" && isDecimal(item.value);
+    if (isDepth) return void(trailer.depth = std::stoul(item.value));
     if (times == Times::kept && item.key == "created") return void(trailer.created = std::move(item.value));
     if (times == Times::kept && item.key == "modified") return void(trailer.modified = std::move(item.value));
   }
@@ -165,7 +171,7 @@ bool takeTrailer(std::string_view& line, Times times, RowTrailer& trailer) {
 
 void appendTrailer(std::string& out, Times times, const RowTrailer& trailer) {
   if (trailer.empty()) return;
-  const std::string_view reserved = times == Times::kept ? " type created modified " : " type ";
+  const std::string_view reserved = times == Times::kept ? " type created modified " : " type depth ";
   char before = '{';
   const auto separate = [&] {
     out += before;
@@ -173,6 +179,7 @@ void appendTrailer(std::string& out, Times times, const RowTrailer& trailer) {
   };
   if (!trailer.persistentId.empty()) separate(), appendListId(out, trailer.persistentId);
   if (trailer.type) separate(), appendListItem(out, "type", name(*trailer.type));
+  if (trailer.depth) separate(), appendListItem(out, "depth", std::to_string(*trailer.depth));
   for (const Attribute& entry : trailer.attributes) {
     separate();
     appendListItem(out, entry.key, entry.value, reserved);

@@ -63,18 +63,19 @@ std::optional<std::string> takeJsonString(std::string_view& text);
 struct RowTrailer {
   std::string persistentId;
   std::optional<RowType> type;
+  std::optional<std::size_t> depth;  ///< only where the format does not keep times
   std::string created;   ///< as written; only where the format keeps times
   std::string modified;  ///< likewise
   Attributes attributes;
 
   bool empty() const {
-    return persistentId.empty() && !type && created.empty() && modified.empty() && attributes.empty();
+    return persistentId.empty() && !type && !depth && created.empty() && modified.empty() && attributes.empty();
   }
 };
 
 /// Takes the trailer off the end of the line, with the blanks before it. False where the line has none.
 /// Unquoted keys mean what they say: `type` the row's type and, where times are kept, `created` and
-/// `modified`.
+/// `modified`, elsewhere `depth`.
 bool takeTrailer(std::string_view& line, Times times, RowTrailer& trailer);
 
 /// Appends the trailer in braces; nothing when it is empty.

@@ -39,7 +39,7 @@ std::span<const Format> formats() {
   static const std::array table = {
       Format{"session",  {},                 nullptr,      writeSession,  nullptr, true},
       Format{"json",     {"json"},           readJson,     writeJson,     updateJson, true},
-      Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, nullptr, false},
+      Format{"markdown", {"md", "markdown"}, readMarkdown, writeMarkdown, updateMarkdown, false},
       Format{"vell",     {"vell"},           readVell,     writeVell,     updateVell, false},
       Format{"opml",     {"opml"},           readOpml,     writeOpml,     updateOpml, false},
       Format{"txt",      {"txt"},            readTxt,      writeTxt,      updateTxt, false},

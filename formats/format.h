@@ -64,7 +64,7 @@ Reader readMarkdownRows;
 // What each format's own file defines for the table. docs/formats.md describes them.
 Reader readJson, readMarkdown, readVell, readOpml, readTxt;
 Writer writeSession, writeJson, writeMarkdown, writeVell, writeOpml, writeTxt;
-Updater updateJson, updateVell, updateOpml, updateTxt;
+Updater updateMarkdown, updateJson, updateVell, updateOpml, updateTxt;
 
 /// For readers: `text` without a byte order mark. Throws FormatError where it is not UTF-8.
 std::string_view checkedSource(std::string_view text);

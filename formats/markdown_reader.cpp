@@ -1,8 +1,11 @@
+#include <algorithm>
 #include <array>
-#include <optional>
+#include <unordered_set>
+#include <utility>
 
 #include "formats/document_header.h"
 #include "formats/inline_markdown.h"
+#include "formats/markdown_blocks.h"
 #include "formats/markdown_format.h"
 #include "formats/marked_line.h"
 #include "text/lines.h"
@@ -10,163 +13,11 @@
 namespace vell::formats {
 namespace {
 
-constexpr std::size_t tabColumns = 4;
+using Block = MarkdownBlock;
+using Kind = MarkdownBlock::Kind;
 
-/// White space at the front of a line.
-struct Indent {
-  std::size_t columns = 0;
-  std::size_t bytes = 0;
-};
-
-Indent indentOf(std::string_view line, std::size_t maxColumns = std::string_view::npos) {
-  Indent indent;
-  while (indent.bytes < line.size() && indent.columns < maxColumns) {
-    const char c = line[indent.bytes];
-    if (c != ' ' && c != '\t') break;
-    indent.columns = c == ' ' ? indent.columns + 1 : (indent.columns / tabColumns + 1) * tabColumns;
-    ++indent.bytes;
-  }
-  return indent;
-}
-
-/// The rows that the next row can be a child of.
-class Nesting {
- public:
-  /// Places a row; `section` is the level of a heading that gathers what follows it, 0 for other rows.
-  /// Returns its depth.
-  std::size_t place(std::size_t columns, std::size_t section) {
-    close(columns, section);
-    open_.push_back({columns, section, section > 0 ? section : enclosing()});
-    return open_.size() - 1;
-  }
-  /// The level of the section that a row would stand in, 0 for none.
-  std::size_t enclosingAt(std::size_t columns, std::size_t section) {
-    close(columns, section);
-    return enclosing();
-  }
-
- private:
-  struct Open {
-    std::size_t columns;
-    std::size_t section;
-    std::size_t level;  ///< of the nearest section, its own included
-  };
-
-  std::size_t enclosing() const { return open_.empty() ? 0 : open_.back().level; }
-  void close(std::size_t columns, std::size_t section) {
-    while (!open_.empty()) {
-      const Open& last = open_.back();
-      const bool gathers = last.section > 0 && (section == 0 || section > last.section);
-      if (last.columns < columns || (last.columns == columns && gathers)) return;
-      open_.pop_back();
-    }
-  }
-
-  std::vector<Open> open_;
-};
-
-class MarkdownReader {
- public:
-  enum class Scope { document, rows };
-
-  MarkdownReader(std::string_view text, const ReadOptions& options, Outline& outline, Scope scope)
-      : lines_(text), time_(options.time), outline_(outline), builder_(outline), scope_(scope) {}
-
-  void read() {
-    outline_.setCreated(time_);
-    readFrontMatter();
-    while (lines_.next()) {
-      if (!trim(lines_.line()).empty()) readRow();
-    }
-  }
-
- private:
-  void readFrontMatter();
-  void readRow();
-  void readCode(RowContent& row, std::string_view content, Indent indent);
-  std::size_t readMarked(RowContent& row, std::string_view content, bool typeIsTold, std::size_t columns);
-
-  text::Lines lines_;
-  Timestamp time_;
-  Outline& outline_;
-  TreeBuilder builder_;
-  Scope scope_;
-  Nesting nesting_;
-};
-
-bool endsFrontMatter(std::string_view line) { return line == "---" || line == "..."; }
-
-/// Without an end, or with lines that are no header, the first line is a rule like any other.
-void MarkdownReader::readFrontMatter() {
-  DocumentHeader header(false);
-  text::Lines lines = lines_;
-  if (!lines.next() || trimEnd(lines.line()) != "---") return;
-  while (lines.next()) {
-    if (endsFrontMatter(trimEnd(lines.line()))) {
-      header.finish(outline_);
-      lines_ = lines;
-      return;
-    }
-    if (!header.readLine(lines.line())) return;
-  }
-}
-
-void MarkdownReader::readRow() {
-  const std::string_view line = trimEnd(lines_.line());
-  const Indent indent = indentOf(line);
-  std::string_view content = line.substr(indent.bytes);
-  RowTrailer trailer;
-  takeTrailer(content, Times::dropped, trailer);
-  RowContent row;
-  row.persistentId = std::move(trailer.persistentId);
-  row.attributes = std::move(trailer.attributes);
-  row.created = row.modified = time_;
-  std::size_t section = 0;
-  if (openingFence(content) > 0) {
-    readCode(row, content, indent);
-  } else {
-    section = readMarked(row, content, trailer.type.has_value(), indent.columns);
-  }
-  row.type = trailer.type.value_or(row.type);
-  builder_.add(nesting_.place(indent.columns, section), std::move(row));
-}
-
-/// Returns the level of the section that the row begins, 0 if it begins none.
-std::size_t MarkdownReader::readMarked(RowContent& row, std::string_view content, bool typeIsTold,
-                                       std::size_t columns) {
-  const MarkdownMark mark = markdownMark(content);
-  row.type = mark.type;
-  row.text = parseInline(mark.text);
-  if (mark.done) setLead(row, "true");
-  if (mark.type != RowType::heading) return 0;
-  const std::size_t section = typeIsTold ? 0 : mark.level;
-  const bool isNatural = mark.level == naturalLevel(nesting_.enclosingAt(columns, section));
-  if (!isNatural && scope_ == Scope::document) setLead(row, std::to_string(mark.level));
-  return section;
-}
-
-void MarkdownReader::readCode(RowContent& row, std::string_view content, Indent indent) {
-  const std::string_view prefix = lines_.line().substr(0, indent.bytes);
-  const std::size_t length = openingFence(content);
-  const std::string_view info = trim(content.substr(length));
-  row.type = RowType::code;
-  if (!info.empty()) setLead(row, info);
-  std::string text;
-  for (bool first = true; lines_.next(); first = false) {
-    std::string_view line = lines_.line();
-    if (isClosingFence(line, content.substr(0, length))) break;
-    line.remove_prefix(line.starts_with(prefix) ? prefix.size() : indentOf(line, indent.columns).bytes);
-    if (!first) text += '\n';
-    text += line;
-  }
-  row.text = Text(std::move(text));
-}
-
-/// A heading's "#", up to six and a blank or nothing behind.
-std::size_t headingLevel(std::string_view line) {
-  if (!line.starts_with('#')) return 0;
-  const std::size_t length = runLength(line, 0);
-  return length <= maxHeadingLevel && (line.size() == length || isBlank(line[length])) ? length : 0;
+bool isMarked(std::string_view line, std::size_t length) {
+  return line.size() == length || isBlank(line[length]);
 }
 
 bool isRule(std::string_view line) {
@@ -179,52 +30,412 @@ bool isRule(std::string_view line) {
   return marks >= 3;
 }
 
-bool isMarked(std::string_view line, std::size_t length) {
-  return line.size() == length || isBlank(line[length]);
+bool breaksHard(std::string_view line) {
+  const std::size_t slashes = line.size() - (line.find_last_not_of('\\') + 1);
+  return line.ends_with("  ") || slashes % 2 == 1;
 }
 
-MarkdownMark listItem(std::string_view text) {
-  text = trim(text);
-  constexpr std::array<std::string_view, 3> boxes = {"[ ]", "[x]", "[X]"};
-  for (const std::string_view box : boxes) {
-    if (text.starts_with(box) && isMarked(text, box.size())) {
-      return {RowType::task, box != boxes.front(), 0, trim(text.substr(box.size()))};
+/// The lines of a paragraph as one: joined by blanks, and by line feeds where the break is a hard one.
+std::string joinLines(std::string_view text) {
+  std::string joined;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    std::string_view line = text.substr(at, end - at);
+    const bool isHard = end < text.size() && breaksHard(line);
+    if (isHard && line.ends_with('\\')) line.remove_suffix(1);
+    joined += trim(line);
+    if (end < text.size()) joined += isHard ? "&#10;" : " ";
+    at = end + 1;
+  }
+  return joined;
+}
+
+/// All lines without the indentation of the first.
+std::string withoutIndent(std::string_view text) {
+  const std::size_t columns = indentColumns(text.substr(0, text.find('\n')));
+  std::string lines;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find('\n', at), text.size());
+    const std::string_view line = text.substr(at, end - at);
+    if (at > 0) lines += '\n';
+    lines += line.substr(indentBytes(line, columns));
+    at = end + 1;
+  }
+  return lines;
+}
+
+/// Takes the closing "#" off an ATX heading.
+void takeClosing(std::string_view& text) {
+  const std::size_t end = text.find_last_not_of('#');
+  if (end == std::string_view::npos) {
+    text = {};
+  } else if (end + 1 < text.size() && isBlank(text[end])) {
+    text = trimEnd(text.substr(0, end));
+  }
+}
+
+bool isUuid(std::string_view id) {
+  if (id.size() != 36) return false;
+  for (std::size_t at = 0; at < id.size(); ++at) {
+    const bool isDash = at == 8 || at == 13 || at == 18 || at == 23;
+    if (isDash ? id[at] != '-' : !std::isxdigit(static_cast<unsigned char>(id[at]))) return false;
+  }
+  return true;
+}
+
+/// Makes rows of blocks.
+class RowReader {
+ public:
+  RowReader(MarkdownScope scope, Timestamp time) : scope_(scope), time_(time) {}
+
+  std::vector<MarkdownRow> read(std::string_view text, std::vector<Block> blocks);
+
+ private:
+  /// A container that the next block stands in.
+  struct Open {
+    const Block* block;
+    std::size_t row;  ///< none: a quote without a row so far
+  };
+
+  void closeTo(std::size_t depth);
+  std::size_t addItem(const Block& block, const Block* first);
+  std::size_t addQuote(const Block& block);
+  void addEmptyQuote(Open& quote);
+  void addBlock(const Block& block);
+  void addBody(const Block& block);
+  void addVerbatim(const Block& block);
+  void addHeading(const Block& block);
+  void addCode(const Block& block);
+
+  MarkdownRow begin(MarkdownForm form, std::size_t from, std::size_t to);
+  void setInline(MarkdownRow& row, std::string_view source);
+  bool takeTrailer(MarkdownRow& row, std::string_view& source);
+  std::size_t add(MarkdownRow row);
+
+  MarkdownScope scope_;
+  Timestamp time_;
+  std::string_view text_;
+  MarkdownNesting nesting_;
+  std::vector<Open> open_;
+  std::vector<MarkdownRow> rows_;
+  RowTrailer trailer_;  ///< of the row that is being read
+  std::unordered_set<std::string> ids_;
+};
+
+std::vector<MarkdownRow> RowReader::read(std::string_view text, std::vector<Block> blocks) {
+  text_ = text;
+  for (std::size_t at = 0; at < blocks.size(); ++at) {
+    const Block& block = blocks[at];
+    closeTo(block.depth);
+    const bool isInQuote = !open_.empty() && open_.back().block->kind == Kind::quote;
+    if (isInQuote && block.kind == Kind::paragraph) {
+      addQuote(block);
+      continue;
+    }
+    if (isInQuote && open_.back().row == MarkdownRow::none) addEmptyQuote(open_.back());
+    if (block.kind == Kind::quote) {
+      open_.push_back({&block, MarkdownRow::none});
+    } else if (block.kind == Kind::nested) {
+      const std::size_t above = rows_.size() - 1;  // none before the first row
+      open_.push_back({&block, above});
+      nesting_.enter(rows_.empty() ? above : rows_.back().depth);
+    } else if (block.kind == Kind::item) {
+      const Block* first = at + 1 < blocks.size() && blocks[at + 1].depth > block.depth ? &blocks[at + 1] : nullptr;
+      const bool isEmpty = first && first->kind == Kind::verbatim && trim(first->text) == emptyMarkdownRow;
+      if (first && first->kind != Kind::paragraph && !isEmpty) first = nullptr;
+      open_.push_back({&block, addItem(block, first)});
+      nesting_.enter(rows_.back().depth);
+      if (first) ++at;
+    } else {
+      addBlock(block);
     }
   }
-  return {RowType::unordered, false, 0, text};
+  closeTo(0);
+  return std::move(rows_);
 }
 
-MarkdownMark quotation(std::string_view text) {
-  text = trim(text);
-  if (text.starts_with(noteMark) && isMarked(text, noteMark.size())) {
-    return {RowType::note, false, 0, trim(text.substr(noteMark.size()))};
+void RowReader::closeTo(std::size_t depth) {
+  while (open_.size() > depth) {
+    Open& last = open_.back();
+    if (last.block->kind == Kind::quote && last.row == MarkdownRow::none) addEmptyQuote(last);
+    open_.pop_back();
   }
-  return {RowType::quote, false, 0, text};
+  nesting_.leave(std::min(nesting_.containers(), depth));
+}
+
+MarkdownRow RowReader::begin(MarkdownForm form, std::size_t from, std::size_t to) {
+  MarkdownRow row;
+  row.form = form;
+  row.span.begin = from;
+  row.span.end = to;
+  row.content.created = row.content.modified = time_;
+  trailer_ = {};
+  return row;
+}
+
+bool RowReader::takeTrailer(MarkdownRow& row, std::string_view& source) {
+  if (!formats::takeTrailer(source, Times::dropped, trailer_)) return false;
+  row.content.persistentId = std::move(trailer_.persistentId);
+  row.content.attributes = std::move(trailer_.attributes);
+  return true;
+}
+
+void RowReader::setInline(MarkdownRow& row, std::string_view source) {
+  row.inlineSource = trim(source);
+  row.content.text = parseInline(row.inlineSource);
+}
+
+/// The type told in the trailer is set last: the mark's own attribute goes by the mark.
+std::size_t RowReader::add(MarkdownRow row) {
+  if (trailer_.type) row.content.type = *trailer_.type;
+  std::string& id = row.content.persistentId;
+  if (!id.empty() && !ids_.insert(id).second) id.clear();
+  // A heading that tells its type gathers nothing; another row that is written as one does.
+  row.gathers = row.form == MarkdownForm::heading && trailer_.type != RowType::heading;
+  row.toldDepth = trailer_.depth;
+  const std::size_t level = row.gathers ? row.level : 0;
+  row.depth = trailer_.depth ? nesting_.base() + *trailer_.depth : nesting_.depthOf(level);
+  row.depth = std::min(row.depth, rows_.empty() ? 0 : rows_.back().depth + 1);
+  row.enclosing = nesting_.enclosingAt(row.depth);
+  if (row.form == MarkdownForm::heading && row.content.type == RowType::heading) {
+    const bool isNatural = row.level == naturalLevel(row.enclosing);
+    if (!isNatural && scope_ == MarkdownScope::file) setLead(row.content, std::to_string(row.level));
+  }
+  nesting_.place(row.depth, level);
+  for (std::size_t index = nesting_.containers(); index-- > 0 && row.container == MarkdownRow::none;) {
+    row.container = open_[index].row;
+  }
+  if (row.container != MarkdownRow::none) rows_[row.container].isContainer = true;
+  rows_.push_back(std::move(row));
+  return rows_.size() - 1;
+}
+
+std::size_t RowReader::addItem(const Block& block, const Block* first) {
+  MarkdownRow row = begin(MarkdownForm::item, block.begin, first ? first->end : block.end);
+  const bool isOrdered = ordinalLength(text_.substr(block.begin, block.end - block.begin)) > 0;
+  row.content.type = isOrdered ? RowType::ordered : RowType::unordered;
+  const std::string joined = first && first->kind == Kind::paragraph ? joinLines(first->text) : "";
+  std::string_view source = joined;
+  takeTrailer(row, source);
+  constexpr std::array<std::string_view, 3> boxes = {"[ ]", "[x]", "[X]"};
+  for (const std::string_view box : boxes) {
+    if (isOrdered || !source.starts_with(box) || !isMarked(source, box.size())) continue;
+    row.content.type = RowType::task;
+    source = source.substr(box.size());
+    if (box != boxes.front()) setLead(row.content, "true");
+    break;
+  }
+  setInline(row, source);
+  return add(std::move(row));
+}
+
+/// A paragraph in a quote. One that tells its type stands below the quote's row.
+std::size_t RowReader::addQuote(const Block& block) {
+  Open& quote = open_.back();
+  const bool isFirst = quote.row == MarkdownRow::none;
+  MarkdownRow row = begin(MarkdownForm::quote, block.markBegin, block.end);
+  row.content.type = RowType::quote;
+  const std::string joined = joinLines(block.text);
+  std::string_view source = joined;
+  takeTrailer(row, source);
+  if (!isFirst && trailer_.type) {
+    row.form = MarkdownForm::paragraph;
+    row.span.begin = block.begin;
+    setInline(row, source);
+    return add(std::move(row));
+  }
+  if (source.starts_with(noteMark) && isMarked(source, noteMark.size())) {
+    row.content.type = RowType::note;
+    source = source.substr(noteMark.size());
+  }
+  setInline(row, source);
+  nesting_.leave(open_.size() - 1);
+  quote.row = add(std::move(row));
+  nesting_.enter(rows_.back().depth);
+  return quote.row;
+}
+
+void RowReader::addEmptyQuote(Open& quote) {
+  MarkdownRow row = begin(MarkdownForm::quote, quote.block->begin, quote.block->end);
+  row.content.type = RowType::quote;
+  quote.row = add(std::move(row));
+  nesting_.enter(rows_.back().depth);
+}
+
+void RowReader::addBlock(const Block& block) {
+  switch (block.kind) {
+    case Kind::paragraph:
+      return isMarkdownDefinition(block.text) ? addVerbatim(block) : addBody(block);
+    case Kind::atxHeading:
+    case Kind::setextHeading:
+      return addHeading(block);
+    case Kind::rule: {
+      MarkdownRow row = begin(MarkdownForm::rule, block.begin, block.end);
+      row.content.type = RowType::hr;
+      return void(add(std::move(row)));
+    }
+    case Kind::fenced:
+    case Kind::indented:
+      return addCode(block);
+    default:
+      return addVerbatim(block);
+  }
+}
+
+void RowReader::addBody(const Block& block) {
+  MarkdownRow row = begin(MarkdownForm::paragraph, block.begin, block.end);
+  const std::string joined = joinLines(block.text);
+  std::string_view source = joined;
+  takeTrailer(row, source);
+  if (isRule(source)) {  // a trailer made a paragraph of it
+    row.form = MarkdownForm::rule;
+    row.content.type = RowType::hr;
+    source = {};
+  }
+  setInline(row, source);
+  add(std::move(row));
+}
+
+/// Its trailer has a line of its own.
+void RowReader::addVerbatim(const Block& block) {
+  MarkdownRow row = begin(MarkdownForm::verbatim, block.begin, block.end);
+  const std::string lines = withoutIndent(block.text);
+  std::string_view text = lines;
+  if (trim(text) == emptyMarkdownRow) {
+    row.form = MarkdownForm::paragraph;
+    return void(add(std::move(row)));
+  }
+  const std::size_t last = text.rfind('\n');
+  std::string_view end = last == std::string_view::npos ? std::string_view() : text.substr(last + 1);
+  takeTrailer(row, end);
+  if (!trim(end).empty()) {
+    row.content.persistentId.clear();
+    row.content.attributes = {};
+    trailer_ = {};
+  } else if (last != std::string_view::npos) {
+    text = text.substr(0, last);
+  }
+  row.content.text = Text(std::string(text));
+  add(std::move(row));
+}
+
+void RowReader::addHeading(const Block& block) {
+  MarkdownRow row = begin(MarkdownForm::heading, block.begin, block.end);
+  row.content.type = RowType::heading;
+  row.level = block.level;
+  const bool isAtx = block.kind == Kind::atxHeading;
+  const std::string_view text = std::string_view(block.text).substr(indentBytes(block.text));
+  const std::string joined =
+      isAtx ? std::string(trim(text.substr(block.level))) : joinLines(text.substr(0, text.rfind('\n')));
+  std::string_view source = joined;
+  const bool hasTrailer = takeTrailer(row, source);
+  if (isAtx) takeClosing(source);
+  if (isAtx && !hasTrailer) takeTrailer(row, source);
+  setInline(row, source);
+  add(std::move(row));
+}
+
+void RowReader::addCode(const Block& block) {
+  MarkdownRow row = begin(MarkdownForm::code, block.begin, block.end);
+  row.content.type = RowType::code;
+  std::string code;
+  std::size_t indent = 4;
+  text::Lines lines(block.text);
+  std::string_view fence;
+  if (block.kind == Kind::fenced) {
+    lines.next();
+    indent = indentColumns(lines.line());
+    const std::string_view opening = trim(lines.line());
+    fence = opening.substr(0, runLength(opening, 0));
+    std::string_view info = trim(opening.substr(fence.size()));
+    takeTrailer(row, info);
+    if (!info.empty()) setLead(row.content, info);
+  }
+  for (bool isFirst = true; lines.next(); isFirst = false) {
+    std::string_view line = lines.line();
+    if (!fence.empty() && isClosingFence(line, fence)) break;
+    if (!isFirst) code += '\n';
+    code += line.substr(indentBytes(line, indent));
+  }
+  row.content.text = Text(std::move(code));
+  add(std::move(row));
+}
+
+bool endsFrontMatter(std::string_view line) { return line == "---" || line == "..."; }
+
+/// Without an end, or with lines that are no header, the first line is a rule like any other.
+bool readFrontMatter(std::string_view text, std::size_t from, MarkdownText& read, Outline& outline) {
+  DocumentHeader header(false);
+  text::Lines lines(text.substr(from));
+  if (!lines.next() || trimEnd(lines.line()) != "---") return false;
+  bool isFirst = true;
+  while (lines.next()) {
+    if (std::exchange(isFirst, false)) read.headerBegin = from + lines.offset();
+    if (endsFrontMatter(trimEnd(lines.line()))) {
+      read.headerEnd = from + lines.offset();
+      read.bodyBegin = lines.next() ? from + lines.offset() : text.size();
+      header.finish(outline);
+      return true;
+    }
+    if (!header.readLine(lines.line())) break;
+  }
+  read.headerBegin = 0;
+  return false;
 }
 
 }  // namespace
 
 std::size_t naturalLevel(std::size_t enclosing) { return std::min(enclosing + 1, maxHeadingLevel); }
 
-MarkdownMark markdownMark(std::string_view line) {
-  if (line.empty() || line == emptyMarkdownRow) return {};
-  const std::size_t level = headingLevel(line);
-  if (level > 0) return {RowType::heading, false, level, trim(line.substr(level))};
-  if (isRule(line)) return {RowType::hr, false, 0, {}};
-  if (line.front() == '>') return quotation(line.substr(1));
-  const bool isBullet = line.front() == '-' || line.front() == '*' || line.front() == '+';
-  if (isBullet && isMarked(line, 1)) return listItem(line.substr(1));
-  const std::size_t ordinal = ordinalLength(line);
-  if (ordinal > 0 && isMarked(line, ordinal)) return {RowType::ordered, false, 0, trim(line.substr(ordinal))};
-  return {RowType::body, false, 0, line};
+std::size_t MarkdownNesting::depthOf(std::size_t level) const {
+  const Container& container = containers_.back();
+  for (auto section = container.sections.rbegin(); section != container.sections.rend(); ++section) {
+    if (level == 0 || section->level < level) return section->depth + 1;
+  }
+  return container.base;
+}
+
+std::size_t MarkdownNesting::enclosingAt(std::size_t depth) const {
+  const Container& container = containers_.back();
+  for (auto section = container.sections.rbegin(); section != container.sections.rend(); ++section) {
+    if (section->depth < depth) return section->level;
+  }
+  return container.outerLevel;
+}
+
+void MarkdownNesting::place(std::size_t depth, std::size_t level) {
+  std::vector<Section>& sections = containers_.back().sections;
+  while (!sections.empty() && sections.back().depth >= depth) sections.pop_back();
+  if (level > 0) sections.push_back({level, depth});
+}
+
+MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timestamp time, Outline* outline) {
+  MarkdownText read;
+  read.bodyBegin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  Outline head;
+  readFrontMatter(text, read.bodyBegin, read, outline ? *outline : head);
+  const bool isOurs = scope == MarkdownScope::rows || isUuid((outline ? *outline : head).persistentId());
+  auto blocks =
+      readMarkdownBlocks(text, read.bodyBegin, isOurs ? Indentation::rows : Indentation::code);
+  read.rows = RowReader(scope, time).read(text, std::move(blocks));
+  return read;
+}
+
+static void readMarkdownAs(MarkdownScope scope, std::string_view text, const ReadOptions& options,
+                           Outline& outline) {
+  checkedSource(text);
+  outline.setCreated(options.time);
+  MarkdownText read = readMarkdownText(text, scope, options.time, &outline);
+  TreeBuilder builder(outline);
+  for (MarkdownRow& row : read.rows) builder.add(row.depth, std::move(row.content), row.span);
 }
 
 void readMarkdown(std::string_view text, const ReadOptions& options, Outline& outline) {
-  MarkdownReader(checkedSource(text), options, outline, MarkdownReader::Scope::document).read();
+  readMarkdownAs(MarkdownScope::file, text, options, outline);
 }
 
 void readMarkdownRows(std::string_view text, const ReadOptions& options, Outline& outline) {
-  MarkdownReader(checkedSource(text), options, outline, MarkdownReader::Scope::rows).read();
+  readMarkdownAs(MarkdownScope::rows, text, options, outline);
 }
 
 }  // namespace vell::formats

@@ -1,13 +1,17 @@
-#include <optional>
-#include <vector>
+#include "formats/markdown_writer.h"
 
-#include "formats/document_header.h"
+#include <algorithm>
+#include <charconv>
+
 #include "formats/inline_markdown.h"
-#include "formats/markdown_format.h"
+#include "formats/markdown_blocks.h"
 #include "formats/marked_line.h"
 
 namespace vell::formats {
 namespace {
+
+constexpr std::size_t tabColumns = 4;
+constexpr std::uint32_t maxOrdinal = 999'999'999;
 
 /// The level a heading asks for, 0 where it asks for none.
 std::size_t requestedLevel(const Row& row) {
@@ -17,197 +21,318 @@ std::size_t requestedLevel(const Row& row) {
   return isLevel ? static_cast<std::size_t>(level->front() - '0') : 0;
 }
 
-/// For each row whether it is a heading that may gather the rows behind it: all its later siblings are such
-/// headings of the same level, so nothing is gathered that is not below it.
-std::vector<bool> findSections(std::span<const PlacedRow> rows) {
-  std::vector<bool> isSection(rows.size());
-  std::vector<const Row*> nextSection;  // by depth: the sibling that comes next, if it is a section
-  std::vector<bool> nextIsOther;        // by depth: it is no section
-  for (std::size_t index = rows.size(); index-- > 0;) {
-    const auto [row, depth] = rows[index];
-    nextSection.resize(depth + 1);
-    nextIsOther.resize(depth + 1);
-    const Row* next = nextSection[depth];
-    const bool fits = !nextIsOther[depth] && (!next || requestedLevel(*next) == requestedLevel(*row));
-    isSection[index] = row->type() == RowType::heading && fits;
-    nextSection[depth] = isSection[index] ? row : nullptr;
-    nextIsOther[depth] = !isSection[index];
+bool asksAsBefore(const Row& row, const RowContent& read) {
+  const std::string* now = row.attributes().find("level");
+  const std::string* before = read.attributes.find("level");
+  return now && before ? *now == *before : !now && !before;
+}
+
+std::size_t columnsOf(std::string_view prefix) {
+  std::size_t columns = 0;
+  for (const char c : prefix) columns = c == '\t' ? (columns / tabColumns + 1) * tabColumns : columns + 1;
+  return columns;
+}
+
+/// The line without that prefix, as far as it has it.
+std::string_view withoutPrefix(std::string_view line, std::string_view prefix) {
+  for (const char c : prefix) {
+    if (line.empty()) break;
+    if (c == '>') {
+      while (line.size() > 1 && line.front() == ' ') line.remove_prefix(1);
+    }
+    if (line.front() != c) break;
+    line.remove_prefix(1);
   }
-  return isSection;
+  return line;
 }
 
-bool isListItem(RowType type) {
-  return type == RowType::task || type == RowType::ordered || type == RowType::unordered;
-}
-
-class MarkdownWriter {
- public:
-  MarkdownWriter(std::string& out, bool atStart) : out_(out), atStart_(atStart) {}
-
-  void write(std::span<const PlacedRow> rows);
-
- private:
-  /// What holds for the children of a row that is being written.
-  struct Level {
-    std::uint32_t indent = 0;   ///< tabs
-    std::size_t section = 0;    ///< level of the section they stand in
-    std::uint32_t ordinal = 0;  ///< of the last ordered row among them
-  };
-
-  void separate(const PlacedRow& placed);
-  void writeRow(const Row& row, bool maySection);
-  bool writeMark(const Row& row, bool maySection, RowTrailer& trailer);
-  bool writeHeading(const Row& row, bool maySection, RowTrailer& trailer);
-  void writeText(const Row& row);
-  void writeFenced(const Row& row);
-  void escapeStart(std::size_t from);
-  void finishLine(const RowTrailer& trailer);
-
-  std::string& out_;
-  bool atStart_;
-  std::optional<PlacedRow> previous_;
-  std::vector<Level> levels_{Level{}};  ///< by depth; the last is that of the row being written
-  std::size_t contentFrom_ = 0;
-  std::size_t section_ = 0;  ///< level of the section that the row begins, 0 if none
-};
-
-void MarkdownWriter::write(std::span<const PlacedRow> rows) {
-  const std::vector<bool> isSection = findSections(rows);
-  for (std::size_t index = 0; index < rows.size(); ++index) {
-    const PlacedRow& placed = rows[index];
-    levels_.resize(placed.depth + 1);
-    separate(placed);
-    writeRow(*placed.row, isSection[index]);
-    const Level& level = levels_.back();
-    levels_.push_back({level.indent + (section_ > 0 ? 0 : 1), section_ > 0 ? section_ : level.section, 0});
-    previous_ = placed;
-  }
-}
-
-/// An empty line wherever other programs would else join two rows to one paragraph.
-void MarkdownWriter::separate(const PlacedRow& placed) {
-  if (!previous_) return;
-  const RowType before = previous_->row->type();
-  const RowType type = placed.row->type();
-  const bool bothItems = isListItem(before) && isListItem(type);
-  const bool bothQuotes =
-      before == RowType::quote && type == RowType::quote && previous_->depth == placed.depth;
-  if (!bothItems && !bothQuotes) out_ += '\n';
-}
-
-void MarkdownWriter::writeRow(const Row& row, bool maySection) {
-  Level& level = levels_.back();
-  section_ = 0;
-  level.ordinal = row.type() == RowType::ordered ? level.ordinal + 1 : 0;
-  out_.append(level.indent, '\t');
-  contentFrom_ = out_.size();
-  if (row.type() == RowType::code && canBeFenced(row)) return writeFenced(row);
-  RowTrailer trailer = trailerOf(row, false);
-  if (writeMark(row, maySection, trailer)) {
-    writeText(row);
-  } else {
-    appendInline(out_, row.text());
-    escapeStart(contentFrom_);
-    if (row.type() != RowType::body) trailer.type = row.type();
-  }
-  finishLine(trailer);
-}
-
-/// False where the type has no mark or the mark cannot hold the row.
-bool MarkdownWriter::writeMark(const Row& row, bool maySection, RowTrailer& trailer) {
-  const std::string* lead = leadValue(row);
-  const std::string* done = row.attributes().find("done");
-  const bool isDone = done && *done == "true";
-  switch (row.type()) {
-    case RowType::heading:
-      return writeHeading(row, maySection, trailer);
-    case RowType::task:
-      out_ += isDone ? "- [x]" : "- [ ]";
-      if (isDone && lead) trailer.attributes.remove("done");
-      return true;
-    case RowType::note:
-      out_.append("> ").append(noteMark);
-      return true;
-    case RowType::quote:
-      out_ += '>';
-      return true;
-    case RowType::unordered:
-      out_ += '-';
-      return true;
-    case RowType::ordered:
-      out_.append(std::to_string(levels_.back().ordinal)) += '.';
-      return true;
-    case RowType::hr:
-      if (!row.text().empty()) return false;
-      out_ += previous_ || !atStart_ ? "---" : "***";  // a document that begins with "---" has front matter
-      return true;
-    default:
-      return false;
-  }
-}
-
-bool MarkdownWriter::writeHeading(const Row& row, bool maySection, RowTrailer& trailer) {
-  const std::size_t enclosing = levels_.back().section;
-  const std::size_t natural = naturalLevel(enclosing);
-  const std::size_t requested = requestedLevel(row);
-  const bool granted = requested > enclosing && requested != natural;
-  const std::size_t level = granted ? requested : natural;
-  out_.append(level, '#');
-  if (granted) trailer.attributes.remove(leadKey(row.type()));
-  if (maySection && level > enclosing) {
-    section_ = level;
-  } else {
-    trailer.type = RowType::heading;
-  }
-  return true;
-}
-
-void MarkdownWriter::writeText(const Row& row) {
-  if (row.text().empty()) return;
-  out_ += ' ';
-  const std::size_t from = out_.size();
-  appendInline(out_, row.text());
-  const std::string_view line = std::string_view(out_).substr(contentFrom_);
-  if (markdownMark(line).type != row.type()) out_.insert(from, 1, '\\');
-}
-
-/// Keeps text that begins like a mark from being read as one.
-void MarkdownWriter::escapeStart(std::size_t from) {
-  const std::string_view line = std::string_view(out_).substr(from);
-  if (line.empty()) return;
-  const bool isPlain =
-      openingFence(line) == 0 && line != emptyMarkdownRow && markdownMark(line).type == RowType::body;
-  if (isPlain) return;
-  const std::size_t ordinal = ordinalLength(line);
-  out_.insert(from + (ordinal > 0 ? ordinal - 1 : 0), 1, '\\');
-}
-
-void MarkdownWriter::finishLine(const RowTrailer& trailer) {
-  const bool isEmpty = out_.size() == contentFrom_;
-  if (isEmpty && trailer.empty()) out_ += emptyMarkdownRow;
-  if (!isEmpty && !trailer.empty()) out_ += ' ';
-  appendTrailer(out_, Times::dropped, trailer);
-  out_ += '\n';
-}
-
-void MarkdownWriter::writeFenced(const Row& row) {
-  const std::string_view text = row.text().string();
-  const std::string fence = fenceFor(text);
-  const std::string* language = leadValue(row);
-  const bool leadIsMarked = language && isFenceInfo(*language);
-  out_ += fence;
-  if (leadIsMarked) out_ += *language;
-  finishLine(trailerOf(row, leadIsMarked));
-  appendFenced(out_, text, fence, levels_.back().indent);
+std::string_view withoutEndBlanks(std::string_view prefix) {
+  while (!prefix.empty() && prefix.back() != '>') prefix.remove_suffix(1);
+  return prefix;
 }
 
 }  // namespace
 
-void writeMarkdown(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out) {
-  std::string header;
-  if (!rowsOnly) DocumentHeader(false).write(header, outline);
-  if (!header.empty()) out.append("---\n").append(header).append(rows.empty() ? "---\n" : "---\n\n");
-  MarkdownWriter(out, header.empty()).write(rows);
+std::string MarkdownWriter::write(std::span<const PlacedRow> rows) {
+  isCopied_.resize(rows.size());
+  for (at_ = 0; at_ < rows.size(); ++at_) {
+    const PlacedRow& placed = rows[at_];
+    next_ = at_ + 1 < rows.size() ? rows[at_ + 1] : PlacedRow{nullptr, 0};
+    now_ = {placed.row, placed.depth, source_.find(*placed.row), next_.row && next_.depth > placed.depth};
+    while (!open_.empty() && open_.back().depth >= placed.depth) open_.pop_back();
+    nesting_.leave(open_.size());
+    siblings_.resize(placed.depth + 1);
+    isCopied_[at_] = canCopy();
+    if (isCopied_[at_]) {
+      copy();
+    } else {
+      render();
+    }
+    previous_ = now_;
+  }
+  finish();
+  return std::move(out_);
+}
+
+bool MarkdownWriter::standsInItsContainer(const MarkdownRow& read) const {
+  if (open_.empty()) return read.container == MarkdownRow::none;
+  return open_.back().read && read.container == source_.indexOf(*open_.back().read);
+}
+
+bool MarkdownWriter::keepsPrefix(const MarkdownRow& read) const {
+  return caution() == 0 && standsInItsContainer(read) && (open_.empty() || open_.back().keepsPrefix);
+}
+
+bool MarkdownWriter::canCopy() const {
+  const MarkdownRow* read = now_.read;
+  if (!read || caution() > 0 || !source_.isAsRead(*now_.row)) return false;
+  const bool isInQuote = !open_.empty() && open_.back().isQuote;
+  if (isInQuote && read->form == MarkdownForm::paragraph && !standsInItsContainer(*read)) return false;
+  const std::size_t depth =
+      read->toldDepth ? nesting_.base() + *read->toldDepth : nesting_.depthOf(read->gathers ? read->level : 0);
+  if (depth != now_.depth) return false;
+  return read->form != MarkdownForm::heading || nesting_.enclosingAt(now_.depth) == read->enclosing;
+}
+
+/// The number of "#" of the row, and whether it asks for them.
+MarkdownWriter::Level MarkdownWriter::headingLevel() const {
+  const std::size_t enclosing = nesting_.enclosingAt(now_.depth);
+  const std::size_t natural = naturalLevel(enclosing);
+  const std::size_t requested = requestedLevel(*now_.row);
+  const MarkdownRow* read = now_.read;
+  const bool wasHeading = read && read->form == MarkdownForm::heading && read->content.type == RowType::heading;
+  if (wasHeading && read->enclosing == enclosing && asksAsBefore(*now_.row, read->content)) {
+    return {read->level, requested == read->level && requested != natural};
+  }
+  const bool isGranted = requested > enclosing && requested != natural;
+  return {isGranted ? requested : natural, isGranted};
+}
+
+/// What stands in front of the row's lines.
+std::string MarkdownWriter::prefix() const {
+  if (now_.keepsPrefix) return source_.prefix(*now_.read);
+  return open_.empty() ? "" : open_.back().childPrefix;
+}
+
+void MarkdownWriter::copy() {
+  const MarkdownRow& read = *now_.read;
+  now_.form = read.form;
+  now_.keepsPrefix = keepsPrefix(read);
+  const std::string prefix = this->prefix();
+  separate(prefix);
+  appendLines(source_.own(read), now_.keepsPrefix ? prefix : source_.prefix(read), prefix);
+  nesting_.place(now_.depth, read.gathers ? read.level : 0);
+  noteMark();
+  if (read.isContainer || read.form == MarkdownForm::item) openContainer(prefix);
+}
+
+void MarkdownWriter::render() {
+  const MarkdownRow* read = now_.read;
+  const Row& row = *now_.row;
+  MarkdownRowStyle style;
+  style.form = chooseForm();
+  style.read = read;
+  const bool keepsForm = read && read->form == style.form;
+  style.isFirst = !previous_.row && !begun_;
+  std::size_t section = 0;
+  if (style.form == MarkdownForm::heading) {
+    const Level heading = headingLevel();
+    style.level = row.type() != RowType::heading ? std::max(heading.level, read->level) : heading.level;
+    style.levelIsGranted = heading.isGranted;
+    style.isSetext = keepsForm && style.level < 3 && !source_.own(*read).starts_with('#');
+    style.tellsType = row.type() == RowType::heading && !now_.hasChildren && swallowsNext(style.level);
+    section = style.tellsType ? 0 : style.level;
+  }
+  if (style.form == MarkdownForm::item) style.mark = itemMark();
+  if (style.form == MarkdownForm::paragraph) style.tellsType = !open_.empty() && open_.back().isQuote;
+  if (keepsForm && source_.own(*read).starts_with('~')) style.fence = '~';
+  if (nesting_.depthOf(section) != now_.depth) style.depth = now_.depth - nesting_.base();
+  if (style.form == MarkdownForm::verbatim && style.depth) style.form = naturalForm(row, style.depth);
+  now_.form = style.form;
+  now_.keepsPrefix = read && keepsPrefix(*read);
+  const std::string prefix = this->prefix();
+  std::string lines = writeMarkdownRow(row, style);
+  // An item without text would take a paragraph below it for its text.
+  const bool isBare = style.form == MarkdownForm::item && lines == style.mark;
+  if (isBare && now_.hasChildren) lines.append(" ").append(emptyMarkdownRow);
+  separate(prefix);
+  appendLines(lines, "", prefix);
+  nesting_.place(now_.depth, section);
+  noteMark();
+  if (style.form == MarkdownForm::item || (keepsForm && read->isContainer)) openContainer(prefix);
+}
+
+/// Rows of the source keep the form on which their children depend.
+MarkdownForm MarkdownWriter::chooseForm() const {
+  const MarkdownRow* read = now_.read;
+  const MarkdownForm natural = naturalForm(*now_.row);
+  const bool isHeld = read && (read->form == natural || read->form == MarkdownForm::paragraph);
+  const bool isBlock = natural == MarkdownForm::code || natural == MarkdownForm::verbatim;
+  if (caution() > 1 || (caution() == 1 && !now_.hasChildren && !isBlock)) return MarkdownForm::paragraph;
+  if (!now_.hasChildren) return natural;
+  const bool holdsChildren = read && (read->form == MarkdownForm::item || read->gathers ||
+                                      (read->form == MarkdownForm::quote && read->isContainer));
+  if (holdsChildren) return read->form;
+  const bool isLine = natural == MarkdownForm::quote || natural == MarkdownForm::paragraph;
+  return isLine && !isHeld ? MarkdownForm::item : natural;
+}
+
+/// A heading would take in the row behind it, which is to be copied.
+bool MarkdownWriter::swallowsNext(std::size_t level) const {
+  const MarkdownRow* next = next_.row ? source_.find(*next_.row) : nullptr;
+  if (!next || next->toldDepth || !standsInItsContainer(*next)) return false;
+  return !next->gathers || next->level > level;
+}
+
+/// The bullet or number that fits the rows beside it.
+std::string MarkdownWriter::itemMark() const {
+  const RowType type = now_.row->type();
+  if (now_.read && now_.read->form == MarkdownForm::item) {
+    const std::string_view own = source_.own(*now_.read);
+    const std::size_t ordinal = ordinalLength(own);
+    const bool isListed = type == RowType::task || type == RowType::unordered || type == RowType::ordered;
+    const bool isOfKind = !isListed || (type == RowType::ordered) == (ordinal > 0);
+    // Another mark could be wider, and the rows below it would have to move.
+    if (isOfKind || now_.hasChildren) return std::string(own.substr(0, std::max<std::size_t>(ordinal, 1)));
+  }
+  const Sibling& before = siblings_.back();
+  if (type != RowType::ordered) return std::string(1, before.bullet != '\0' ? before.bullet : source_.bullet());
+  if (before.delimiter == '\0') return "1.";
+  return std::to_string(std::min(before.number + before.step, maxOrdinal)) + before.delimiter;
+}
+
+/// Remembers the mark of the row that was written.
+void MarkdownWriter::noteMark() {
+  Sibling& sibling = siblings_.back();
+  const std::string_view line = own();
+  const std::size_t length = now_.form == MarkdownForm::item ? ordinalLength(line) : 0;
+  if (length == 0) {
+    sibling = {now_.form == MarkdownForm::item ? line.front() : '\0'};
+    return;
+  }
+  std::uint32_t number = 0;
+  std::from_chars(line.data(), line.data() + length - 1, number);
+  const bool repeats = sibling.delimiter != '\0' && sibling.number == number;
+  sibling = {'\0', line[length - 1], number, repeats ? 0U : 1U};
+}
+
+void MarkdownWriter::openContainer(const std::string& prefix) {
+  Open open{now_.depth, now_.read, now_.keepsPrefix, now_.form == MarkdownForm::quote, prefix};
+  const auto asRead = now_.read && now_.keepsPrefix ? source_.childPrefix(*now_.read) : std::nullopt;
+  if (asRead && now_.read->form == now_.form) {
+    open.childPrefix = *asRead;
+  } else if (now_.form == MarkdownForm::item) {
+    open.keepsPrefix = false;
+    const std::string_view line = own();
+    const std::size_t mark = std::max<std::size_t>(ordinalLength(line), 1);
+    const std::size_t blanks = indentColumns(line.substr(mark, line.find_first_of("\r\n") - mark));
+    const std::size_t width = mark + (blanks > 0 && blanks <= tabColumns ? blanks : 1);
+    const std::size_t columns = columnsOf(prefix);
+    if (source_.indentsByTabs() && prefix.find_first_not_of('\t') == std::string::npos) {
+      open.childPrefix.append((columns + width + tabColumns - 1) / tabColumns - columns / tabColumns, '\t');
+    } else {
+      open.childPrefix.append(width, ' ');
+    }
+  } else {
+    open.keepsPrefix = false;
+    open.childPrefix += now_.form == MarkdownForm::quote ? "> " : "\t";
+  }
+  open_.push_back(std::move(open));
+  nesting_.enter(now_.depth);
+}
+
+/// Lines that have to end between the previous row and this one.
+std::size_t MarkdownWriter::neededLineEnds() const {
+  if (previous_.form != MarkdownForm::item || now_.form != MarkdownForm::item) return 2;
+  const bool isFirstChild = now_.depth > previous_.depth;
+  if (isFirstChild && previous_.row->text().empty()) return 2;
+  const bool interrupts = !now_.row->text().empty() && (!now_.read || now_.row->type() != RowType::ordered);
+  return isFirstChild && !interrupts ? 2 : 1;
+}
+
+/// Lines that end between the two where the source does not tell.
+std::size_t MarkdownWriter::lineEndsHere() {
+  const MarkdownRow* before = previous_.read;
+  const MarkdownRow* read = now_.read;
+  std::size_t ends = neededLineEnds();
+  if (ends == 1) ends = std::max(before ? source_.listGap(*before) : 1, read ? source_.listGap(*read) : 1);
+  if (read) ends = std::max(ends, source_.lineEndsBefore(*read));
+  if (before && read) ends = std::max(ends, source_.lineEndsBehind(*before));
+  if (before && !read && source_.isLast(*before)) {
+    out_ += source_.behindLast();
+    ends -= std::min(ends, countLineEnds(source_.behindLast()));
+  }
+  return ends;
+}
+
+/// Begins the first row.
+void MarkdownWriter::begin(const std::string& prefix) {
+  const bool isHead = now_.read && now_.keepsPrefix && source_.indexOf(*now_.read) == 0;
+  if (isHead) {
+    out_ += source_.text().substr(source_.bodyBegin(), now_.read->span.begin - source_.bodyBegin());
+  } else {
+    if (begun_) out_ += source_.lineEnd();
+    out_ += prefix;
+  }
+}
+
+/// Writes what stands between the previous row and this one, and in front of this one.
+void MarkdownWriter::separate(const std::string& prefix) {
+  const MarkdownRow* before = previous_.read;
+  const MarkdownRow* read = now_.read;
+  if (!previous_.row) {
+    begin(prefix);
+  } else {
+    const bool isNext = before && read && read == before + 1;
+    const std::string_view gap = isNext ? source_.between(*before, *read) : std::string_view();
+    const std::size_t found = countLineEnds(gap);
+    const bool bothStand = isNext && previous_.form == before->form && now_.form == read->form;
+    const bool isWhole = found > 0 || (isCopied_[at_ - 1] && isCopied_[at_]);
+    const bool fits = bothStand || found >= neededLineEnds();
+    if (isNext && now_.keepsPrefix && isWhole && fits) {
+      out_ += gap;
+    } else {
+      const std::size_t ends = bothStand && found > 0 ? found : std::max(lineEndsHere(), found);
+      // A blank line in a quote that both stand in has its mark.
+      const bool isInside = now_.depth > previous_.depth || !open_.empty();
+      const std::string_view blank = isInside ? withoutEndBlanks(prefix) : std::string_view();
+      for (std::size_t count = 0; count < ends; ++count) {
+        if (count > 0) out_ += blank;
+        out_ += source_.lineEnd();
+      }
+      out_ += prefix;
+    }
+  }
+  ownBegin_ = out_.size();
+}
+
+void MarkdownWriter::appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix) {
+  if (oldPrefix == newPrefix) {
+    out_ += lines;
+    return;
+  }
+  for (std::size_t at = 0; at <= lines.size();) {
+    const std::size_t end = std::min(lines.find_first_of("\r\n", at), lines.size());
+    std::string_view line = lines.substr(at, end - at);
+    if (at > 0) {
+      line = withoutPrefix(line, oldPrefix);
+      out_ += source_.lineEnd();
+      out_ += line.empty() ? withoutEndBlanks(newPrefix) : newPrefix;
+    }
+    out_ += line;
+    at = end + (lines.substr(end).starts_with("\r\n") ? 2 : 1);
+  }
+}
+
+/// The end of the text is as it was: with a line end or without.
+void MarkdownWriter::finish() {
+  const std::string_view tail = source_.behindLast();
+  if (!previous_.row) return;
+  if (previous_.read && source_.isLast(*previous_.read)) {
+    out_ += tail;
+  } else if (source_.text().empty() || countLineEnds(tail) > 0) {
+    out_ += source_.lineEnd();
+  }
 }
 
 }  // namespace vell::formats

@@ -53,14 +53,14 @@ bool isFenceInfo(std::string_view text) {
          std::none_of(text.begin(), text.end(), isBad);
 }
 
-std::string fenceFor(std::string_view text) {
+std::string fenceFor(std::string_view text, char fence) {
   std::size_t longest = 2;
-  for (std::size_t at = text.find('`'); at != std::string_view::npos; at = text.find('`', at)) {
+  for (std::size_t at = text.find(fence); at != std::string_view::npos; at = text.find(fence, at)) {
     const std::size_t length = runLength(text, at);
     longest = std::max(longest, length);
     at += length;
   }
-  return std::string(longest + 1, '`');
+  return std::string(longest + 1, fence);
 }
 
 void appendFenced(std::string& out, std::string_view text, std::string_view fence, std::size_t tabs) {

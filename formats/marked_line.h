@@ -27,8 +27,8 @@ RowTrailer trailerOf(const Row& row, bool leadIsMarked);
 bool canBeFenced(const Row& row);
 /// True if it can stand behind an opening fence.
 bool isFenceInfo(std::string_view text);
-/// A fence longer than any that stands in the text.
-std::string fenceFor(std::string_view text);
+/// A fence longer than any of that character that stands in the text.
+std::string fenceFor(std::string_view text, char fence = '`');
 /// Appends the text's lines, indented by that many tabs, and the closing fence.
 void appendFenced(std::string& out, std::string_view text, std::string_view fence, std::size_t tabs);
 

@@ -1,0 +1,411 @@
+#include "formats/markdown_blocks.h"
+
+#include <cmark-gfm-core-extensions.h>
+#include <cmark-gfm.h>
+
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "formats/inline_markdown.h"
+#include "formats/marked_line.h"
+
+namespace vell::formats {
+namespace {
+
+using Kind = MarkdownBlock::Kind;
+
+constexpr std::size_t tabColumns = 4;
+constexpr std::size_t codeColumns = 4;
+/// Containers in one another; what is deeper is kept as it stands.
+constexpr std::size_t maxDepth = 10'000;
+/// Rows in one another that indentation alone nests; what is deeper is code.
+constexpr std::size_t maxNested = 64;
+
+std::size_t tabWidth(std::size_t column) { return tabColumns - column % tabColumns; }
+
+/// A place in a line. A tab can be taken in part: `spare` are its columns that are left.
+struct Cursor {
+  std::size_t at = 0;
+  std::size_t column = 0;
+  std::size_t spare = 0;
+
+  /// Takes up to that many columns of white space.
+  std::size_t take(std::string_view line, std::size_t columns) {
+    std::size_t taken = 0;
+    while (taken < columns) {
+      if (spare == 0) {
+        if (at == line.size() || (line[at] != ' ' && line[at] != '\t')) break;
+        spare = line[at] == ' ' ? 1 : tabWidth(column);
+        ++at;
+      }
+      const std::size_t step = std::min(spare, columns - taken);
+      spare -= step;
+      column += step;
+      taken += step;
+    }
+    return taken;
+  }
+  std::size_t takeAll(std::string_view line) { return take(line, std::string_view::npos); }
+  std::string rest(std::string_view line) const { return std::string(spare, ' ').append(line.substr(at)); }
+};
+
+/// A container that is open on a line, and what it puts in front of what stands in it.
+struct Container {
+  Kind kind;
+  std::size_t columns = 0;                    ///< of an item and of nested rows
+  std::size_t line = std::string_view::npos;  ///< that its mark stands on, if it has one
+  Cursor behindMark;        ///< on that line
+};
+
+/// False where the line goes on without the container's mark.
+bool enter(const Container& container, std::size_t number, std::string_view line, Cursor& cursor) {
+  if (number == container.line) {
+    cursor = container.behindMark;
+    return true;
+  }
+  Cursor ahead = cursor;
+  if (container.kind != Kind::quote) {
+    if (ahead.take(line, container.columns) < container.columns && ahead.at < line.size()) return false;
+    cursor = ahead;
+    return true;
+  }
+  ahead.take(line, codeColumns - 1);
+  if (ahead.at == line.size() || line[ahead.at] != '>' || ahead.spare > 0) return false;
+  ++ahead.at;
+  ++ahead.column;
+  ahead.take(line, 1);
+  cursor = ahead;
+  return true;
+}
+
+bool isSetextUnderline(std::string_view line) {
+  line = trim(line);
+  return !line.empty() && (line.front() == '=' || line.front() == '-') && runLength(line, 0) == line.size();
+}
+
+bool isAtxHeading(std::string_view line) {
+  const std::size_t length = line.starts_with('#') ? runLength(line, 0) : 0;
+  return length > 0 && length <= 6 && (line.size() == length || isBlank(line[length]));
+}
+
+bool isBlankLine(std::string_view line) { return trim(line).empty(); }
+
+std::size_t count(std::string_view text, char c) {
+  return static_cast<std::size_t>(std::count(text.begin(), text.end(), c));
+}
+
+struct NodeDeleter {
+  void operator()(cmark_node* node) const { cmark_node_free(node); }
+  void operator()(cmark_parser* parser) const { cmark_parser_free(parser); }
+  void operator()(cmark_iter* iterator) const { cmark_iter_free(iterator); }
+};
+
+std::unique_ptr<cmark_node, NodeDeleter> parse(const std::string& text) {
+  cmark_gfm_core_extensions_ensure_registered();
+  const std::unique_ptr<cmark_parser, NodeDeleter> parser(cmark_parser_new(CMARK_OPT_DEFAULT));
+  cmark_parser_attach_syntax_extension(parser.get(), cmark_find_syntax_extension("table"));
+  cmark_parser_feed(parser.get(), text.data(), text.size());
+  return std::unique_ptr<cmark_node, NodeDeleter>(cmark_parser_finish(parser.get()));
+}
+
+/// Reads some lines of a text.
+class BlockReader {
+ public:
+  BlockReader(std::string_view text, std::size_t from, Indentation indentation)
+      : text_(text), indentation_(indentation) {
+    while (from < text.size()) {
+      const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
+      lines_.push_back({from, end});
+      from = end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
+    }
+  }
+
+  std::vector<MarkdownBlock> read() {
+    read(0, lines_.size());
+    return std::move(blocks_);
+  }
+
+ private:
+  struct Line {
+    std::size_t begin, end;
+  };
+  struct Range {
+    std::size_t first, last;
+  };
+
+  std::string_view line(std::size_t number) const {
+    return text_.substr(lines_[number].begin, lines_[number].end - lines_[number].begin);
+  }
+  /// Where a line goes on behind the first `depth` containers, as far as they mark it.
+  Cursor behind(std::size_t number, std::size_t depth) const {
+    if (depth > 0 && containers_[depth - 1].line == number) return containers_[depth - 1].behindMark;
+    Cursor cursor;
+    for (std::size_t index = 0; index < depth; ++index) {
+      if (!enter(containers_[index], number, line(number), cursor)) break;
+    }
+    return cursor;
+  }
+  bool isInside(std::size_t number) const {
+    Cursor cursor;
+    const auto isEntered = [&](const Container& container) {
+      return enter(container, number, line(number), cursor);
+    };
+    return std::all_of(containers_.begin(), containers_.end(), isEntered);
+  }
+  std::string content(std::size_t number) const {
+    return behind(number, containers_.size()).rest(line(number));
+  }
+
+  void read(std::size_t first, std::size_t end);
+  void addContainer(Kind kind, std::size_t number, std::size_t begin);
+  void addLeaf(cmark_node* node, std::size_t offset);
+  void addBlock(Kind kind, Range range, std::size_t begin, std::size_t level = 0);
+  void addNested(Range range);
+  std::size_t begin(cmark_node* node, std::size_t number) const;
+  std::size_t fencedEnd(std::size_t first, std::size_t codeLines) const;
+
+  std::string_view text_;
+  Indentation indentation_;
+  std::vector<Line> lines_;
+  std::vector<Container> containers_;
+  std::vector<MarkdownBlock> blocks_;
+  std::size_t nested_ = 0;
+};
+
+/// What only matters within lines is hidden from the library: brackets would take link definitions out of the
+/// text.
+void BlockReader::read(std::size_t first, std::size_t end) {
+  const std::size_t outer = containers_.size();
+  std::string source;
+  for (std::size_t number = first; number < end; ++number) {
+    source.append(behind(number, outer).rest(line(number))) += '\n';
+  }
+  for (std::size_t at = source.find('['); at != std::string::npos; at = source.find('[', at + 1)) {
+    const std::string_view before = std::string_view(source).substr(0, at);
+    if (!before.ends_with("<!") && !before.ends_with("<![CDATA")) source[at] = '(';
+  }
+  std::replace(source.begin(), source.end(), '\0', '0');
+  const auto root = parse(source);
+  const std::unique_ptr<cmark_iter, NodeDeleter> iterator(cmark_iter_new(root.get()));
+  cmark_event_type event;
+  while ((event = cmark_iter_next(iterator.get())) != CMARK_EVENT_DONE) {
+    cmark_node* node = cmark_iter_get_node(iterator.get());
+    const cmark_node_type type = cmark_node_get_type(node);
+    const bool isContainer = type == CMARK_NODE_BLOCK_QUOTE || type == CMARK_NODE_ITEM;
+    if (event == CMARK_EVENT_EXIT) {
+      if (isContainer) containers_.pop_back();
+    } else if (isContainer) {
+      const std::size_t number = first + static_cast<std::size_t>(cmark_node_get_start_line(node)) - 1;
+      addContainer(type == CMARK_NODE_ITEM ? Kind::item : Kind::quote, number, begin(node, number));
+    } else if (type != CMARK_NODE_DOCUMENT && type != CMARK_NODE_LIST) {
+      addLeaf(node, first);
+      cmark_iter_reset(iterator.get(), node, CMARK_EVENT_EXIT);
+    }
+  }
+}
+
+/// The library counts columns in bytes of the line as it got it.
+std::size_t BlockReader::begin(cmark_node* node, std::size_t number) const {
+  const std::size_t outer = nested_;
+  const Cursor cursor = behind(number, outer);
+  const std::size_t column = static_cast<std::size_t>(std::max(cmark_node_get_start_column(node), 1)) - 1;
+  return lines_[number].begin + cursor.at + column - std::min(cursor.spare, column);
+}
+
+void BlockReader::addContainer(Kind kind, std::size_t number, std::size_t begin) {
+  const std::string_view whole = line(number);
+  Container container{kind, 0, std::string_view::npos, {}};
+  Cursor cursor = behind(number, containers_.size());
+  std::size_t end = begin + 1;
+  if (kind == Kind::quote) {
+    enter(container, number, whole, cursor);
+  } else {
+    container.columns = cursor.takeAll(whole);
+    const std::size_t digits = ordinalLength(whole.substr(cursor.at));
+    const std::size_t width = std::max<std::size_t>(digits, 1);
+    end = begin + width;
+    cursor.at += width;
+    cursor.column += width;
+    Cursor text = cursor;
+    const std::size_t blanks = text.takeAll(whole);
+    const bool fits = blanks > 0 && blanks <= codeColumns && text.at < whole.size();
+    container.columns += width + (fits ? blanks : 1);
+    cursor.take(whole, fits ? blanks : 1);
+  }
+  container.line = number;
+  container.behindMark = cursor;
+  if (containers_.size() < maxDepth) blocks_.push_back({kind, containers_.size(), begin, end, begin, 0, {}});
+  containers_.push_back(container);
+}
+
+/// The closing fence has a line of its own, unless its container ended before.
+std::size_t BlockReader::fencedEnd(std::size_t first, std::size_t codeLines) const {
+  const std::size_t next = first + codeLines + 1;
+  if (next >= lines_.size() || !isInside(next)) return next - 1;
+  const std::string opening = content(first);
+  const std::string_view fence = trim(opening);
+  return isClosingFence(content(next), fence.substr(0, runLength(fence, 0))) ? next : next - 1;
+}
+
+void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
+  const auto numberOf = [offset](int number) { return offset + static_cast<std::size_t>(number) - 1; };
+  const cmark_node_type type = cmark_node_get_type(node);
+  const std::string_view kind = cmark_node_get_type_string(node);
+  if (type == CMARK_NODE_PARAGRAPH && cmark_node_get_start_line(node) == 0) return;  // the table tells of it
+  Range range{numberOf(cmark_node_get_start_line(node)), numberOf(cmark_node_get_end_line(node))};
+  range.last = std::min(std::max(range.first, range.last), lines_.size() - 1);
+  const std::size_t begin = this->begin(node, range.first);
+  if (kind == "table") {
+    cmark_node* last = cmark_node_last_child(node);
+    const bool hasRows = last && last != cmark_node_first_child(node);
+    if (hasRows) range.last = numberOf(cmark_node_get_start_line(last));
+    std::size_t rows = 0;
+    for (cmark_node* row = cmark_node_first_child(node); row; row = cmark_node_next(row)) ++rows;
+    const std::size_t header = range.last - rows;
+    const cmark_node* before = cmark_node_previous(node);
+    const bool startsEarlier = before && cmark_node_get_start_line(const_cast<cmark_node*>(before)) == 0;
+    if (startsEarlier && header > range.first) {
+      addBlock(Kind::paragraph, {range.first, header - 1}, begin);
+    }
+    const Cursor cursor = behind(header, containers_.size());
+    const std::size_t blanks = indentBytes(line(header).substr(cursor.at));
+    return addBlock(Kind::verbatim, {header, range.last}, lines_[header].begin + cursor.at + blanks);
+  }
+  switch (type) {
+    case CMARK_NODE_CODE_BLOCK: {
+      const std::size_t codeLines = count(cmark_node_get_literal(node), '\n');
+      int length = 0;
+      int indent = 0;
+      char character = 0;
+      if (cmark_node_get_fenced(node, &length, &indent, &character)) {
+        range.last = fencedEnd(range.first, codeLines);
+        return addBlock(Kind::fenced, range, begin);
+      }
+      range.last = range.first + std::max<std::size_t>(codeLines, 1) - 1;
+      if (indentation_ == Indentation::rows && nested_ < maxNested) return addNested(range);
+      return addBlock(Kind::indented, range, begin);
+    }
+    case CMARK_NODE_HTML_BLOCK:
+      range.last = range.first + std::max<std::size_t>(count(cmark_node_get_literal(node), '\n'), 1) - 1;
+      return addBlock(Kind::verbatim, range, begin);
+    case CMARK_NODE_HEADING: {
+      const auto level = static_cast<std::size_t>(cmark_node_get_heading_level(node));
+      range.last = range.first;
+      if (isAtxHeading(text_.substr(begin, lines_[range.first].end - begin))) return addBlock(Kind::atxHeading, range, begin, level);
+      while (++range.last < lines_.size() && !isSetextUnderline(content(range.last))) continue;
+      return addBlock(Kind::setextHeading, range, begin, level);
+    }
+    case CMARK_NODE_THEMATIC_BREAK:
+      return addBlock(Kind::rule, {range.first, range.first}, begin);
+    default:
+      return addBlock(Kind::paragraph, range, begin);
+  }
+}
+
+void BlockReader::addBlock(Kind kind, Range range, std::size_t begin, std::size_t level) {
+  range.last = std::min(range.last, lines_.size() - 1);
+  while (range.last > range.first && isBlankLine(content(range.last))) --range.last;
+  MarkdownBlock block{kind, std::min(containers_.size(), maxDepth), begin, lines_[range.last].end, begin, level, {}};
+  if (!containers_.empty() && containers_.back().kind == Kind::quote) {
+    const Cursor cursor = behind(range.first, containers_.size() - 1);
+    const std::string_view rest = line(range.first).substr(cursor.at);
+    const std::size_t blanks = indentBytes(rest);
+    if (rest.substr(blanks).starts_with('>')) block.markBegin = lines_[range.first].begin + cursor.at + blanks;
+  }
+  for (std::size_t number = range.first; number <= range.last; ++number) {
+    if (number > range.first) block.text += '\n';
+    block.text += content(number);
+  }
+  blocks_.push_back(std::move(block));
+}
+
+/// Indented lines of a text of Vell: rows below the row before them.
+void BlockReader::addNested(Range range) {
+  const std::size_t begin = lines_[range.first].begin + behind(range.first, containers_.size()).at;
+  blocks_.push_back({Kind::nested, containers_.size(), begin, begin, begin, 0, {}});
+  containers_.push_back({Kind::nested, codeColumns, std::string_view::npos, {}});
+  const std::size_t outer = std::exchange(nested_, containers_.size());
+  read(range.first, range.last + 1);
+  nested_ = outer;
+  containers_.pop_back();
+}
+
+std::string linesOf(std::string_view text) {
+  std::string lines;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());
+    if (at > 0) lines += '\n';
+    lines += text.substr(at, end - at);
+    at = end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
+  }
+  return lines;
+}
+
+/// How many blocks behind the one at `first` belong to it: what stands between `$$` and `$$`, and what a
+/// footnote is continued with.
+std::size_t countBelonging(const std::vector<MarkdownBlock>& blocks, std::size_t first) {
+  const std::string_view text = blocks[first].text;
+  std::size_t last = first;
+  if (text.starts_with("[^") && isMarkdownDefinition(text)) {
+    while (last + 1 < blocks.size() && blocks[last + 1].depth == 0 && blocks[last + 1].kind == Kind::indented) ++last;
+  } else if (text.starts_with("$$") && text.find("$$", 2) == std::string_view::npos) {
+    for (last = first + 1; last < blocks.size() && blocks[last].text.find("$$") == std::string::npos; ++last) {
+      if (blocks[last].kind == Kind::fenced) return 0;
+    }
+    if (last == blocks.size() || (last + 1 < blocks.size() && blocks[last + 1].depth > 0)) return 0;
+  }
+  return last - first;
+}
+
+/// `$$ … $$`
+bool isFormula(std::string_view text) {
+  text = trimEnd(text);
+  return text.size() > 3 && text.starts_with("$$") && text.ends_with("$$");
+}
+
+/// Makes one verbatim block of each such group.
+std::vector<MarkdownBlock> joinBelonging(std::string_view text, std::vector<MarkdownBlock> blocks) {
+  std::vector<MarkdownBlock> joined;
+  for (std::size_t at = 0; at < blocks.size(); ++at) {
+    const bool canBegin = blocks[at].kind == Kind::paragraph && blocks[at].depth == 0;
+    const std::size_t more = canBegin ? countBelonging(blocks, at) : 0;
+    joined.push_back(std::move(blocks[at]));
+    MarkdownBlock& block = joined.back();
+    if (more > 0) {
+      at += more;
+      block.end = blocks[at].end;
+      block.text = linesOf(text.substr(block.begin, block.end - block.begin));
+    }
+    if (more > 0 || (block.kind == Kind::paragraph && isFormula(block.text))) block.kind = Kind::verbatim;
+  }
+  return joined;
+}
+
+}  // namespace
+
+bool isMarkdownDefinition(std::string_view text) {
+  if (!text.starts_with('[')) return false;
+  std::size_t at = 1;
+  while (at < text.size() && text[at] != ']' && text[at] != '[') at += text[at] == '\\' ? 2 : 1;
+  return at > 1 && at < text.size() && text.substr(at).starts_with("]:");
+}
+
+std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from,
+                                              Indentation indentation) {
+  return joinBelonging(text, BlockReader(text, from, indentation).read());
+}
+
+std::size_t indentBytes(std::string_view line, std::size_t maxColumns) {
+  Cursor cursor;
+  cursor.take(line, maxColumns);
+  return cursor.at;
+}
+
+std::size_t indentColumns(std::string_view line) {
+  Cursor cursor;
+  return cursor.takeAll(line);
+}
+
+}  // namespace vell::formats

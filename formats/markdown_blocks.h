@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vell::formats {
+
+/// A block of a markdown text, as CommonMark and its tables define them.
+struct MarkdownBlock {
+  // clang-format off
+  enum class Kind {
+    item, quote, nested,                                           // containers; their blocks follow them
+    paragraph, atxHeading, setextHeading, rule, fenced, indented,
+    verbatim                                                       // a table, HTML, a formula, a footnote
+  };
+  // clang-format on
+
+  Kind kind = Kind::paragraph;
+  std::size_t depth = 0;  ///< containers around it
+  /// Bytes of the text: from its first character to the end of its last line; of a container its mark alone.
+  std::size_t begin = 0;
+  std::size_t end = 0;
+  /// Where the mark of the quote that it stands in begins on its first line; else `begin`.
+  std::size_t markBegin = 0;
+  std::size_t level = 0;  ///< of a heading
+  /// Its lines without what the containers put in front of them, joined by line feeds.
+  std::string text;
+};
+
+/// What indentation below a row that is no list item means: code to everyone, rows in a text of Vell.
+enum class Indentation { code, rows };
+
+/// The blocks of the text from that byte on, in order. Tabs reach the next multiple of four columns.
+std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from, Indentation indentation);
+
+/// True if the paragraph begins with the definition of a link or a footnote.
+bool isMarkdownDefinition(std::string_view text);
+
+/// Bytes of white space at the front, as far as that many columns.
+std::size_t indentBytes(std::string_view line, std::size_t maxColumns = std::string_view::npos);
+std::size_t indentColumns(std::string_view line);
+
+}  // namespace vell::formats
