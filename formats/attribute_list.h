@@ -64,12 +64,13 @@ struct RowTrailer {
   std::string persistentId;
   std::optional<RowType> type;
   std::optional<std::size_t> depth;  ///< only where the format does not keep times
-  std::string created;   ///< as written; only where the format keeps times
-  std::string modified;  ///< likewise
+  std::string created;               ///< as written; only where the format keeps times
+  std::string modified;              ///< likewise
   Attributes attributes;
 
   bool empty() const {
-    return persistentId.empty() && !type && !depth && created.empty() && modified.empty() && attributes.empty();
+    return persistentId.empty() && !type && !depth && created.empty() && modified.empty() &&
+           attributes.empty();
   }
 };
 

@@ -56,7 +56,7 @@ struct Container {
   Kind kind;
   std::size_t columns = 0;                    ///< of an item and of nested rows
   std::size_t line = std::string_view::npos;  ///< that its mark stands on, if it has one
-  Cursor behindMark;        ///< on that line
+  Cursor behindMark;                          ///< on that line
 };
 
 /// False where the line goes on without the container's mark.
@@ -285,7 +285,9 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
       }
       range.last = range.first + std::max<std::size_t>(codeLines, 1) - 1;
       if (indentation_ == Indentation::rows && nested_ < maxNested) return addNested(range);
-      return addBlock(Kind::indented, range, begin);
+      const Cursor cursor = behind(range.first, containers_.size());
+      return addBlock(Kind::indented, range,
+                      cursor.spare > 0 ? begin : lines_[range.first].begin + cursor.at);
     }
     case CMARK_NODE_HTML_BLOCK:
       range.last = range.first + std::max<std::size_t>(count(cmark_node_get_literal(node), '\n'), 1) - 1;
@@ -293,7 +295,8 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
     case CMARK_NODE_HEADING: {
       const auto level = static_cast<std::size_t>(cmark_node_get_heading_level(node));
       range.last = range.first;
-      if (isAtxHeading(text_.substr(begin, lines_[range.first].end - begin))) return addBlock(Kind::atxHeading, range, begin, level);
+      if (isAtxHeading(text_.substr(begin, lines_[range.first].end - begin)))
+        return addBlock(Kind::atxHeading, range, begin, level);
       while (++range.last < lines_.size() && !isSetextUnderline(content(range.last))) continue;
       return addBlock(Kind::setextHeading, range, begin, level);
     }
@@ -307,12 +310,14 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
 void BlockReader::addBlock(Kind kind, Range range, std::size_t begin, std::size_t level) {
   range.last = std::min(range.last, lines_.size() - 1);
   while (range.last > range.first && isBlankLine(content(range.last))) --range.last;
-  MarkdownBlock block{kind, std::min(containers_.size(), maxDepth), begin, lines_[range.last].end, begin, level, {}};
+  MarkdownBlock block{
+      kind, std::min(containers_.size(), maxDepth), begin, lines_[range.last].end, begin, level, {}};
   if (!containers_.empty() && containers_.back().kind == Kind::quote) {
     const Cursor cursor = behind(range.first, containers_.size() - 1);
     const std::string_view rest = line(range.first).substr(cursor.at);
     const std::size_t blanks = indentBytes(rest);
-    if (rest.substr(blanks).starts_with('>')) block.markBegin = lines_[range.first].begin + cursor.at + blanks;
+    if (rest.substr(blanks).starts_with('>'))
+      block.markBegin = lines_[range.first].begin + cursor.at + blanks;
   }
   for (std::size_t number = range.first; number <= range.last; ++number) {
     if (number > range.first) block.text += '\n';
@@ -349,9 +354,11 @@ std::size_t countBelonging(const std::vector<MarkdownBlock>& blocks, std::size_t
   const std::string_view text = blocks[first].text;
   std::size_t last = first;
   if (text.starts_with("[^") && isMarkdownDefinition(text)) {
-    while (last + 1 < blocks.size() && blocks[last + 1].depth == 0 && blocks[last + 1].kind == Kind::indented) ++last;
+    while (last + 1 < blocks.size() && blocks[last + 1].depth == 0 && blocks[last + 1].kind == Kind::indented)
+      ++last;
   } else if (text.starts_with("$$") && text.find("$$", 2) == std::string_view::npos) {
-    for (last = first + 1; last < blocks.size() && blocks[last].text.find("$$") == std::string::npos; ++last) {
+    for (last = first + 1; last < blocks.size() && blocks[last].text.find("$$") == std::string::npos;
+         ++last) {
       if (blocks[last].kind == Kind::fenced) return 0;
     }
     if (last == blocks.size() || (last + 1 < blocks.size() && blocks[last + 1].depth > 0)) return 0;

@@ -33,7 +33,8 @@ struct MarkdownBlock {
 enum class Indentation { code, rows };
 
 /// The blocks of the text from that byte on, in order. Tabs reach the next multiple of four columns.
-std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from, Indentation indentation);
+std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from,
+                                              Indentation indentation);
 
 /// True if the paragraph begins with the definition of a link or a footnote.
 bool isMarkdownDefinition(std::string_view text);

@@ -37,7 +37,8 @@ std::optional<std::size_t> findSuspect(const MarkdownWriter& writer, const Cauti
 std::string header(const Outline& outline, const MarkdownSource& source) {
   const MarkdownText& read = source.read();
   const std::string before(source.text().substr(0, read.bodyBegin));
-  const std::string_view old = std::string_view(before).substr(read.headerBegin, read.headerEnd - read.headerBegin);
+  const std::string_view old =
+      std::string_view(before).substr(read.headerBegin, read.headerEnd - read.headerBegin);
   const std::string lines = DocumentHeader(false).update(old, outline);
   if (lines == old) return before;
   if (read.headerEnd > 0) return before.substr(0, read.headerBegin) + lines + before.substr(read.headerEnd);

@@ -22,12 +22,12 @@ struct MarkdownRow {
   std::size_t depth = 0;
   SourceSpan span;
   MarkdownForm form = MarkdownForm::paragraph;
-  std::string inlineSource;      ///< what its text was parsed from
-  std::size_t level = 0;         ///< of a heading, from 1
-  std::size_t enclosing = 0;     ///< level of the section that a heading stands in
-  bool gathers = false;          ///< it is a heading that begins a section
+  std::string inlineSource;              ///< what its text was parsed from
+  std::size_t level = 0;                 ///< of a heading, from 1
+  std::size_t enclosing = 0;             ///< level of the section that a heading stands in
+  bool gathers = false;                  ///< it is a heading that begins a section
   std::optional<std::size_t> toldDepth;  ///< in its trailer, from that of its container's rows
-  std::size_t container = none;  ///< the row in whose item or quote it stands
+  std::size_t container = none;          ///< the row in whose item or quote it stands
   bool isContainer = false;
 };
 

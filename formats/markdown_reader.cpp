@@ -132,7 +132,14 @@ std::vector<MarkdownRow> RowReader::read(std::string_view text, std::vector<Bloc
       addQuote(block);
       continue;
     }
-    if (isInQuote && open_.back().row == MarkdownRow::none) addEmptyQuote(open_.back());
+    const bool isBreak = block.kind == Kind::verbatim && trim(block.text) == emptyMarkdownRow;
+    if (isInQuote && open_.back().row == MarkdownRow::none) {
+      addEmptyQuote(open_.back());
+      if (isBreak) {
+        rows_.back().span.end = block.end;
+        continue;
+      }
+    }
     if (block.kind == Kind::quote) {
       open_.push_back({&block, MarkdownRow::none});
     } else if (block.kind == Kind::nested) {
@@ -140,7 +147,8 @@ std::vector<MarkdownRow> RowReader::read(std::string_view text, std::vector<Bloc
       open_.push_back({&block, above});
       nesting_.enter(rows_.empty() ? above : rows_.back().depth);
     } else if (block.kind == Kind::item) {
-      const Block* first = at + 1 < blocks.size() && blocks[at + 1].depth > block.depth ? &blocks[at + 1] : nullptr;
+      const Block* first =
+          at + 1 < blocks.size() && blocks[at + 1].depth > block.depth ? &blocks[at + 1] : nullptr;
       const bool isEmpty = first && first->kind == Kind::verbatim && trim(first->text) == emptyMarkdownRow;
       if (first && first->kind != Kind::paragraph && !isEmpty) first = nullptr;
       open_.push_back({&block, addItem(block, first)});
@@ -415,8 +423,7 @@ MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timest
   Outline head;
   readFrontMatter(text, read.bodyBegin, read, outline ? *outline : head);
   const bool isOurs = scope == MarkdownScope::rows || isUuid((outline ? *outline : head).persistentId());
-  auto blocks =
-      readMarkdownBlocks(text, read.bodyBegin, isOurs ? Indentation::rows : Indentation::code);
+  auto blocks = readMarkdownBlocks(text, read.bodyBegin, isOurs ? Indentation::rows : Indentation::code);
   read.rows = RowReader(scope, time).read(text, std::move(blocks));
   return read;
 }

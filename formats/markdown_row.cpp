@@ -188,14 +188,13 @@ std::string RowWriter::verbatim() const {
 /// True if the text written as it is stands for the row, and takes in nothing that follows it.
 bool isVerbatim(const Row& row, std::optional<std::size_t> toldDepth) {
   const std::string& text = row.text().string();
-  const bool mayBe = text.find('\n') != std::string::npos || text.starts_with('<') ||
-                     text.starts_with('[') || text.starts_with("$$");
+  const bool mayBe = text.find('\n') != std::string::npos || text.starts_with('<') || text.starts_with('[') ||
+                     text.starts_with("$$");
   if (!mayBe || !row.text().isPlain() || text.find('\r') != std::string::npos) return false;
   MarkdownRowStyle style;
   style.form = MarkdownForm::verbatim;
   style.depth = toldDepth;
-  const MarkdownText read =
-      readMarkdownText(RowWriter(row, style).write() + "\n\nx\n", MarkdownScope::rows);
+  const MarkdownText read = readMarkdownText(RowWriter(row, style).write() + "\n\nx\n", MarkdownScope::rows);
   return read.rows.size() == 2 && read.rows[1].form == MarkdownForm::paragraph &&
          read.rows[0].form == MarkdownForm::verbatim && read.rows[0].content.text == row.text();
 }

@@ -24,7 +24,8 @@ MarkdownSource::MarkdownSource(const Outline& outline)
     const bool isBulleted = row.form == MarkdownForm::item && ordinalLength(own(row)) == 0;
     if (isBulleted && !hasBullet) bullet_ = own(row).front();
     hasBullet = hasBullet || isBulleted;
-    if (row.container != MarkdownRow::none && prefix(row).find('\t') != std::string::npos) indentsByTabs_ = true;
+    if (row.container != MarkdownRow::none && prefix(row).find('\t') != std::string::npos)
+      indentsByTabs_ = true;
   }
 }
 
@@ -42,7 +43,9 @@ const MarkdownRow* MarkdownSource::find(const Row& row) const {
   return low < read_.rows.size() ? &read_.rows[low] : nullptr;
 }
 
-bool MarkdownSource::isAsRead(const Row& row) const { return formats::isAsRead(*outline_, row, Times::dropped); }
+bool MarkdownSource::isAsRead(const Row& row) const {
+  return formats::isAsRead(*outline_, row, Times::dropped);
+}
 
 std::string MarkdownSource::prefix(const MarkdownRow& row) const {
   const std::size_t end = row.span.begin;

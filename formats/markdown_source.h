@@ -20,7 +20,9 @@ class MarkdownSource {
   const MarkdownText& read() const { return read_; }
 
   const MarkdownRow* find(const Row& row) const;
-  std::size_t indexOf(const MarkdownRow& row) const { return static_cast<std::size_t>(&row - read_.rows.data()); }
+  std::size_t indexOf(const MarkdownRow& row) const {
+    return static_cast<std::size_t>(&row - read_.rows.data());
+  }
   bool isAsRead(const Row& row) const;
   bool isLast(const MarkdownRow& row) const { return &row == &read_.rows.back(); }
 

@@ -80,7 +80,8 @@ bool MarkdownWriter::standsInItsContainer(const MarkdownRow& read) const {
 }
 
 bool MarkdownWriter::keepsPrefix(const MarkdownRow& read) const {
-  return caution() == 0 && standsInItsContainer(read) && (open_.empty() || open_.back().keepsPrefix);
+  const bool isTrusted = caution() == 0 || read.form != MarkdownForm::item;
+  return isTrusted && standsInItsContainer(read) && (open_.empty() || open_.back().keepsPrefix);
 }
 
 bool MarkdownWriter::canCopy() const {
@@ -88,8 +89,8 @@ bool MarkdownWriter::canCopy() const {
   if (!read || caution() > 0 || !source_.isAsRead(*now_.row)) return false;
   const bool isInQuote = !open_.empty() && open_.back().isQuote;
   if (isInQuote && read->form == MarkdownForm::paragraph && !standsInItsContainer(*read)) return false;
-  const std::size_t depth =
-      read->toldDepth ? nesting_.base() + *read->toldDepth : nesting_.depthOf(read->gathers ? read->level : 0);
+  const std::size_t depth = read->toldDepth ? nesting_.base() + *read->toldDepth
+                                            : nesting_.depthOf(read->gathers ? read->level : 0);
   if (depth != now_.depth) return false;
   return read->form != MarkdownForm::heading || nesting_.enclosingAt(now_.depth) == read->enclosing;
 }
@@ -100,7 +101,8 @@ MarkdownWriter::Level MarkdownWriter::headingLevel() const {
   const std::size_t natural = naturalLevel(enclosing);
   const std::size_t requested = requestedLevel(*now_.row);
   const MarkdownRow* read = now_.read;
-  const bool wasHeading = read && read->form == MarkdownForm::heading && read->content.type == RowType::heading;
+  const bool wasHeading =
+      read && read->form == MarkdownForm::heading && read->content.type == RowType::heading;
   if (wasHeading && read->enclosing == enclosing && asksAsBefore(*now_.row, read->content)) {
     return {read->level, requested == read->level && requested != natural};
   }
@@ -152,8 +154,9 @@ void MarkdownWriter::render() {
   now_.keepsPrefix = read && keepsPrefix(*read);
   const std::string prefix = this->prefix();
   std::string lines = writeMarkdownRow(row, style);
-  // An item without text would take a paragraph below it for its text.
-  const bool isBare = style.form == MarkdownForm::item && lines == style.mark;
+  // An item or quote without text would take a paragraph below it for its text.
+  const bool isQuote = style.form == MarkdownForm::quote && keepsForm && read->isContainer;
+  const bool isBare = style.form == MarkdownForm::item ? lines == style.mark : isQuote && lines == ">";
   if (isBare && now_.hasChildren) lines.append(" ").append(emptyMarkdownRow);
   separate(prefix);
   appendLines(lines, "", prefix);
@@ -168,7 +171,8 @@ MarkdownForm MarkdownWriter::chooseForm() const {
   const MarkdownForm natural = naturalForm(*now_.row);
   const bool isHeld = read && (read->form == natural || read->form == MarkdownForm::paragraph);
   const bool isBlock = natural == MarkdownForm::code || natural == MarkdownForm::verbatim;
-  if (caution() > 1 || (caution() == 1 && !now_.hasChildren && !isBlock)) return MarkdownForm::paragraph;
+  const bool isCareful = caution() == 1 && !now_.hasChildren && !isBlock;
+  if (caution() > 1 || (isCareful && !(read && source_.isAsRead(*now_.row)))) return MarkdownForm::paragraph;
   if (!now_.hasChildren) return natural;
   const bool holdsChildren = read && (read->form == MarkdownForm::item || read->gathers ||
                                       (read->form == MarkdownForm::quote && read->isContainer));
@@ -196,7 +200,8 @@ std::string MarkdownWriter::itemMark() const {
     if (isOfKind || now_.hasChildren) return std::string(own.substr(0, std::max<std::size_t>(ordinal, 1)));
   }
   const Sibling& before = siblings_.back();
-  if (type != RowType::ordered) return std::string(1, before.bullet != '\0' ? before.bullet : source_.bullet());
+  if (type != RowType::ordered)
+    return std::string(1, before.bullet != '\0' ? before.bullet : source_.bullet());
   if (before.delimiter == '\0') return "1.";
   return std::to_string(std::min(before.number + before.step, maxOrdinal)) + before.delimiter;
 }
@@ -206,6 +211,7 @@ void MarkdownWriter::noteMark() {
   Sibling& sibling = siblings_.back();
   const std::string_view line = own();
   const std::size_t length = now_.form == MarkdownForm::item ? ordinalLength(line) : 0;
+  now_.isBare = now_.form == MarkdownForm::item && line.size() == std::max<std::size_t>(length, 1);
   if (length == 0) {
     sibling = {now_.form == MarkdownForm::item ? line.front() : '\0'};
     return;
@@ -243,6 +249,8 @@ void MarkdownWriter::openContainer(const std::string& prefix) {
 
 /// Lines that have to end between the previous row and this one.
 std::size_t MarkdownWriter::neededLineEnds() const {
+  if (previous_.isBare && now_.depth > previous_.depth)
+    return 1;  // an item begins with one blank line at most
   if (previous_.form != MarkdownForm::item || now_.form != MarkdownForm::item) return 2;
   const bool isFirstChild = now_.depth > previous_.depth;
   if (isFirstChild && previous_.row->text().empty()) return 2;
@@ -287,8 +295,8 @@ void MarkdownWriter::separate(const std::string& prefix) {
     const std::string_view gap = isNext ? source_.between(*before, *read) : std::string_view();
     const std::size_t found = countLineEnds(gap);
     const bool bothStand = isNext && previous_.form == before->form && now_.form == read->form;
-    const bool isWhole = found > 0 || (isCopied_[at_ - 1] && isCopied_[at_]);
-    const bool fits = bothStand || found >= neededLineEnds();
+    const bool isWhole = found > 0 || isCopied_[at_ - 1];
+    const bool fits = bothStand || (found > 0 && found >= neededLineEnds());
     if (isNext && now_.keepsPrefix && isWhole && fits) {
       out_ += gap;
     } else {
@@ -306,7 +314,8 @@ void MarkdownWriter::separate(const std::string& prefix) {
   ownBegin_ = out_.size();
 }
 
-void MarkdownWriter::appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix) {
+void MarkdownWriter::appendLines(std::string_view lines, std::string_view oldPrefix,
+                                 std::string_view newPrefix) {
   if (oldPrefix == newPrefix) {
     out_ += lines;
     return;

@@ -35,6 +35,7 @@ class MarkdownWriter {
     bool hasChildren = false;
     MarkdownForm form = MarkdownForm::paragraph;
     bool keepsPrefix = false;
+    bool isBare = false;  ///< an item that is nothing but its mark
   };
   /// A row in whose item or quote the next rows can stand.
   struct Open {

@@ -111,23 +111,28 @@ const ReadCase readCases[] = {
      ".ordered|\"o\"\n.task|\"t\"\n.task|\"t\" done=true\n.quote|\"q\"\n.note|\"n\"\n.hr|\"\"\n.body|\"\"\n"},
     {"markdown", "#x\n-x\n1.x\n[ ] x\n####### x\n\\# x\n1\\. x\n\n--\n",
      "body|\"#x -x 1.x [ ] x ####### x # x 1. x\"\nbody|\"--\"\n"},
-    // Paragraphs: wrapped, with hard breaks, lazily continued; what follows the first one in an item or quote.
+    // Paragraphs: wrapped, with hard breaks, lazily continued; what follows the first one in an item or
+    // quote.
     {"markdown", "a\n  b\nc  \nd\\\ne {#p}\n", "body|\"a b c\\nd\\ne\"p\n"},
     {"markdown", "Title\ntoo {#p}\n===\nSub\n---\n# C #\n## D {#q} ##\n",
      "heading|\"Title too\"p\n.heading|\"Sub\"\nheading|\"C\"\n.heading|\"D\"q\n"},
     {"markdown", "- a\nb\n\n  c\n\n      code\n> q\nr\n>\n> s\n> - t\n>\n>   u\n>\n> v\n",
-     "unordered|\"a b\"\n.body|\"c\"\n.code|\"code\"\nquote|\"q r\"\nquote|\"s\"\n.unordered|\"t\"\n..body|\"u\"\nquote|\"v\"\n"},
+     "unordered|\"a b\"\n.body|\"c\"\n.code|\"code\"\nquote|\"q "
+     "r\"\nquote|\"s\"\n.unordered|\"t\"\n..body|\"u\"\nquote|\"v\"\n"},
     {"markdown", "- - a\n1. ## h\n> # h\n- ```x\n  y\n  ```\n>\n- <br>\n\n  a\n",
      "unordered|\"\"\n.unordered|\"a\"\nordered|\"\"\n.heading|\"h\" level=2\nquote|\"\"\n.heading|\"h\"\n"
      "unordered|\"\"\n.code|\"y\" language=x\nquote|\"\"\nunordered|\"\"\n.body|\"a\"\n"},
     // What is kept as it stands.
-    {"markdown", "x\n| a |\n|--|\n| *b* |\n{#p}\n\n<div>\n_c_\n</div>\n\n[d]: e\n[^f]: g\n\n    h\n\n$$\n- i\n\n$$\n",
-     "body|\"x\"\nbody|\"| a |\\n|--|\\n| *b* |\"p\nbody|\"<div>\\n_c_\\n</div>\"\nbody|\"[d]: e\\n[^f]: g\"\n"
+    {"markdown",
+     "x\n| a |\n|--|\n| *b* |\n{#p}\n\n<div>\n_c_\n</div>\n\n[d]: e\n[^f]: g\n\n    h\n\n$$\n- i\n\n$$\n",
+     "body|\"x\"\nbody|\"| a |\\n|--|\\n| *b* |\"p\nbody|\"<div>\\n_c_\\n</div>\"\nbody|\"[d]: e\\n[^f]: "
+     "g\"\n"
      "code|\"h\"\nbody|\"$$\\n- i\\n\\n$$\"\n"},
     {"markdown", "[^f]: g\n\n    h\n\ni\n", "body|\"[^f]: g\\n\\n    h\"\nbody|\"i\"\n"},
     // Rows that say where they stand.
     {"markdown", "# A\n\na\n\nb {depth=0}\n\nc {depth=1}\n\nd\n\n- e\n\n  f\n\n  g {depth=1 \"depth\"=2}\n",
-     "heading|\"A\"\n.body|\"a\"\nbody|\"b\"\n.body|\"c\"\nbody|\"d\"\nunordered|\"e\"\n.body|\"f\"\n..body|\"g\" depth=2\n"},
+     "heading|\"A\"\n.body|\"a\"\nbody|\"b\"\n.body|\"c\"\nbody|\"d\"\nunordered|\"e\"\n.body|\"f\"\n..body|"
+     "\"g\" depth=2\n"},
     {"markdown", "# A {type=heading}\n\na\n\n# B {type=body}\n\nb\n\n## C {depth=1}\n",
      "heading|\"A\"\nbody|\"a\"\nbody|\"B\"\n.body|\"b\"\n.heading|\"C\"\n"},
     {"markdown", "a\n\n\tb\n", "body|\"a\"\ncode|\"b\"\n"},
@@ -135,7 +140,8 @@ const ReadCase readCases[] = {
      "body|\"a\"\nbody|\"b\"\n.unordered|\"c\"\nbody|\"d\"\n"},
     // Trailers.
     {"markdown",
-     "a {#p type=task color=red}\n\nb {done}\n- {#q}\n\nc{#d}\n\n{x=\"} {\"}\n\ne \\{k=v}\n\nf {type=zebra}\r\n",
+     "a {#p type=task color=red}\n\nb {done}\n- {#q}\n\nc{#d}\n\n{x=\"} {\"}\n\ne \\{k=v}\n\nf "
+     "{type=zebra}\r\n",
      "task|\"a\"p color=red\nbody|\"b {done}\"\nunordered|\"\"q\nbody|\"c{#d}\"\nbody|\"\" x=} {\n"
      "body|\"e {k=v}\"\nbody|\"f\" type=zebra\n"},
     {"markdown", "a {#p}\n\nb {#p}\n", "body|\"a\"p\nbody|\"b\"\n"},
@@ -223,10 +229,8 @@ const ConvertCase convertCases[] = {
     {"vell", "# A\n\tx\n\t# B\n\t\ty\n# C\n", "markdown", "# A\n\nx\n\n## B\n\ny\n\n# C\n"},
     {"vell", "# A\n\tx\ny\nz\n", "markdown", "# A\n\nx\n\ny {depth=0}\n\nz\n"},
     {"vell", "# A {level=3}\n\t# B\n# C {level=2}\n", "markdown", "### A\n\n#### B\n\n## C\n"},
-    {"vell",
-     "# 1\n\t# 2\n\t\t# 3\n\t\t\t# 4\n\t\t\t\t# 5\n\t\t\t\t\t# 6\n\t\t\t\t\t\t# 7\n\t\t\t\t\t\t\t8\n",
-     "markdown",
-     "# 1\n\n## 2\n\n### 3\n\n#### 4\n\n##### 5\n\n###### 6\n\n###### 7 {depth=6}\n\n8\n"},
+    {"vell", "# 1\n\t# 2\n\t\t# 3\n\t\t\t# 4\n\t\t\t\t# 5\n\t\t\t\t\t# 6\n\t\t\t\t\t\t# 7\n\t\t\t\t\t\t\t8\n",
+     "markdown", "# 1\n\n## 2\n\n### 3\n\n#### 4\n\n##### 5\n\n###### 6\n\n###### 7 {depth=6}\n\n8\n"},
     // Rows below a row that is no item: it becomes one.
     {"vell", "a\n\tb\n\t> c\n\t\td\n---\n\te\n", "markdown",
      "- a {type=body}\n\n\tb\n\n\t- c {type=quote}\n\n\t\td\n\n---\n\ne {depth=1}\n"},
