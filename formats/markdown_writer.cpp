@@ -60,6 +60,7 @@ std::string MarkdownWriter::write(std::span<const PlacedRow> rows) {
     next_ = at_ + 1 < rows.size() ? rows[at_ + 1] : PlacedRow{nullptr, 0};
     now_ = {placed.row, placed.depth, source_.find(*placed.row), next_.row && next_.depth > placed.depth};
     while (!open_.empty() && open_.back().depth >= placed.depth) open_.pop_back();
+    leaveContainers();
     nesting_.leave(open_.size());
     siblings_.resize(placed.depth + 1);
     isCopied_[at_] = canCopy();
@@ -72,6 +73,21 @@ std::string MarkdownWriter::write(std::span<const PlacedRow> rows) {
   }
   finish();
   return std::move(out_);
+}
+
+/// A row that tells its depth can stand behind the item or quote that its parent stands in.
+void MarkdownWriter::leaveContainers() {
+  const MarkdownRow* read = now_.read;
+  if (!read || !read->toldDepth || caution() > 0 || !source_.isAsRead(*now_.row)) return;
+  const auto isItsOwn = [&](const Open& open) {
+    return open.read && source_.indexOf(*open.read) == read->container;
+  };
+  const auto own = std::find_if(open_.begin(), open_.end(), isItsOwn);
+  if (read->container == MarkdownRow::none) {
+    open_.clear();
+  } else if (own != open_.end()) {
+    open_.erase(own + 1, open_.end());
+  }
 }
 
 bool MarkdownWriter::standsInItsContainer(const MarkdownRow& read) const {
@@ -89,7 +105,8 @@ bool MarkdownWriter::canCopy() const {
   if (!read || caution() > 0 || !source_.isAsRead(*now_.row)) return false;
   const bool isInQuote = !open_.empty() && open_.back().isQuote;
   if (isInQuote && read->form == MarkdownForm::paragraph && !standsInItsContainer(*read)) return false;
-  const std::size_t depth = read->toldDepth ? nesting_.base() + *read->toldDepth
+  const std::size_t deepest = previous_.row ? previous_.depth + 1 : 0;
+  const std::size_t depth = read->toldDepth ? std::min(nesting_.base() + *read->toldDepth, deepest)
                                             : nesting_.depthOf(read->gathers ? read->level : 0);
   if (depth != now_.depth) return false;
   return read->form != MarkdownForm::heading || nesting_.enclosingAt(now_.depth) == read->enclosing;

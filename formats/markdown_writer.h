@@ -58,6 +58,7 @@ class MarkdownWriter {
   };
 
   unsigned caution() const { return at_ < cautions_.size() ? cautions_[at_] : 0; }
+  void leaveContainers();
   bool standsInItsContainer(const MarkdownRow& read) const;
   bool keepsPrefix(const MarkdownRow& read) const;
   bool canCopy() const;
