@@ -99,7 +99,7 @@ void warnOfFieldErrors(const ipc::Answer& answer, Console& console) {
   for (const json::Node& entry : answer.result().elements()) {
     const auto errors = entry.find("fieldErrors");
     if (!errors) continue;
-    for (const auto& [field, fault] : errors->members())
+    for (const auto& [field, fault, at] : errors->members())
       faults.insert(field + ": " + fault.string().value_or(""));
   }
   for (const std::string& fault : faults) console.say("warning: " + fault + "\n");
