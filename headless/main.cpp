@@ -9,6 +9,7 @@
 #include <thread>
 
 #include "headless/editing/problem.h"
+#include "headless/script/script_process.h"
 #include "headless/server/handover.h"
 #include "headless/server/server.h"
 #include "headless/server/signals.h"
@@ -17,6 +18,7 @@
 #include "headless/storage/paths.h"
 #include "platform/container.h"
 #include "platform/notices.h"
+#include "platform/process.h"
 
 namespace vell::headless {
 namespace {
@@ -79,7 +81,8 @@ int serve(ApplicationSocket socket, const std::vector<std::string>& paths) {
   const QuitSignals signals;
   raiseDescriptorLimit();
   EventLoop loop;
-  Application application(loop, {platform::containerDirectory(), report, VELL_VERSION});
+  Application application(
+      loop, {platform::containerDirectory(), report, VELL_VERSION, platform::executablePath().value_or("")});
   openFiles(application, paths);
   application.reopenUntitled();
   Server server(loop, application, socket.descriptor());
@@ -129,6 +132,8 @@ constexpr int usageStatus = 64;
 }  // namespace
 
 int main(int argc, char** argv) {
+  if (argc == 2 && std::string_view(argv[1]) == vell::headless::scriptFlag)
+    return vell::headless::serveScript();
   CLI::App app("Vell without a desktop: serves outline files to vell over the application's socket.",
                "vell-headless");
   app.set_version_flag("--version", VELL_VERSION);

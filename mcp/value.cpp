@@ -42,7 +42,8 @@ void checkDepth(const json::Node& container, int depth) {
 Value::Object objectOf(const json::Node& node, int depth) {
   checkDepth(node, depth);
   Value::Object object;
-  for (const auto& [key, member, at] : node.members()) object.insert_or_assign(key, valueOf(member, depth + 1));
+  for (const auto& [key, member, at] : node.members())
+    object.insert_or_assign(key, valueOf(member, depth + 1));
   return object;
 }
 

@@ -1,6 +1,9 @@
 #pragma once
 
+#include <sys/types.h>
+
 #include <chrono>
+#include <cstddef>
 #include <optional>
 #include <string>
 
@@ -8,6 +11,9 @@ namespace vell::platform {
 
 /// The running executable's path, symbolic links possibly unresolved; none where the system does not tell.
 std::optional<std::string> executablePath();
+
+/// The memory that a process of this user has in use; 0 where the system does not tell.
+std::size_t residentBytes(pid_t process);
 
 using Seconds = std::chrono::duration<double>;
 

@@ -2,14 +2,14 @@
 
 namespace vell::headless {
 
-void History::record(Edit& edit, EditorPlace before) {
+void History::record(Edit& edit, EditorPlace before, Group group) {
   if (edit.empty()) return;
   for (const Step& step : redoSteps_) discardCreated(step);
   redoSteps_.clear();
-  if (group_ == Group::open) return extend(undoSteps_.back(), edit);
-  undoSteps_.push_back({edit.take(), std::move(before), editor_.place()});
+  const bool follows = group != noGroup && !undoSteps_.empty() && undoSteps_.back().group == group;
+  if (follows) return extend(undoSteps_.back(), edit);
+  undoSteps_.push_back({edit.take(), std::move(before), editor_.place(), group});
   if (undoSteps_.size() > limit) undoSteps_.pop_front();
-  if (group_ == Group::empty) group_ = Group::open;
 }
 
 void History::extend(Step& step, Edit& edit) {
@@ -17,36 +17,34 @@ void History::extend(Step& step, Edit& edit) {
   step.after = editor_.place();
 }
 
-void History::beginGroup() { group_ = Group::empty; }
-
+/// The next edit begins a step of its own.
 void History::cutGroup() {
-  if (group_ == Group::open) group_ = Group::empty;
+  if (!undoSteps_.empty()) undoSteps_.back().group = noGroup;
 }
 
 bool History::undo() {
-  cutGroup();
   if (undoSteps_.empty()) return false;
   redoSteps_.push_back(std::move(undoSteps_.back()));
   undoSteps_.pop_back();
   headless::undo(outline_, redoSteps_.back().changes);
   editor_.restore(redoSteps_.back().before);
+  cutGroup();
   return true;
 }
 
 bool History::redo() {
-  cutGroup();
   if (redoSteps_.empty()) return false;
   undoSteps_.push_back(std::move(redoSteps_.back()));
   redoSteps_.pop_back();
   headless::redo(outline_, undoSteps_.back().changes);
   editor_.restore(undoSteps_.back().after);
+  cutGroup();
   return true;
 }
 
 void History::clear() {
   undoSteps_.clear();
   redoSteps_.clear();
-  cutGroup();
 }
 
 /// Frees the rows that an undone step had created: nothing can bring them back.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <deque>
 #include <vector>
 
@@ -13,25 +14,24 @@ class History {
  public:
   History(Outline& outline, Editor& editor) : outline_(outline), editor_(editor) {}
 
+  /// Edits of the same group that follow each other are one step, where nobody undid or redid in between.
+  using Group = std::uint64_t;
+  static constexpr Group noGroup = 0;
+
   /// Takes the edit's changes as one step, together with the editor's place before them. Drops the steps that
   /// could be redone. Without changes it does nothing.
-  void record(Edit& edit, EditorPlace before);
+  void record(Edit& edit, EditorPlace before, Group group = noGroup);
   /// False where there is nothing to undo or redo.
   bool undo();
   bool redo();
   void clear();
 
-  /// Edits recorded from now on until `endGroup` are one step; undo and redo begin a new one.
-  void beginGroup();
-  void endGroup() { group_ = Group::none; }
-
  private:
-  enum class Group { none, empty, open };
-
   struct Step {
     std::vector<Change> changes;
     EditorPlace before;
     EditorPlace after;
+    Group group = noGroup;
   };
 
   void discardCreated(const Step& step);
@@ -45,7 +45,6 @@ class History {
   Editor& editor_;
   std::deque<Step> undoSteps_;
   std::vector<Step> redoSteps_;
-  Group group_ = Group::none;
 };
 
 }  // namespace vell::headless

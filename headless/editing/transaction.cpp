@@ -28,12 +28,14 @@ const Row& nearest(const RowSet& leaving, const Row& row) {
 
 }  // namespace
 
-Transaction::Transaction(Outline& outline, Editor& editor, History& history, std::function<void()> committed)
+Transaction::Transaction(Outline& outline, Editor& editor, History& history, std::function<void()> committed,
+                         History::Group group)
     : editor_(editor),
       history_(history),
       edit_(outline, document::currentTime()),
       before_(editor.place()),
-      committed_(std::move(committed)) {}
+      committed_(std::move(committed)),
+      group_(group) {}
 
 Transaction::~Transaction() {
   if (!open_) return;
@@ -67,6 +69,6 @@ void Transaction::commit() {
   committed_();
 }
 
-void Transaction::closeStep() { history_.record(edit_, std::exchange(before_, editor_.place())); }
+void Transaction::closeStep() { history_.record(edit_, std::exchange(before_, editor_.place()), group_); }
 
 }  // namespace vell::headless

@@ -12,8 +12,10 @@ namespace vell::headless {
 /// The changes of one call to one outline: all of them or, unless committed, none; one undo step.
 class Transaction {
  public:
-  /// `committed` is called once the changes are kept. The references must outlive the transaction.
-  Transaction(Outline& outline, Editor& editor, History& history, std::function<void()> committed);
+  /// `committed` is called once the changes are kept; transactions of a group may share an undo step. The
+  /// references must outlive the transaction.
+  Transaction(Outline& outline, Editor& editor, History& history, std::function<void()> committed,
+              History::Group group = History::noGroup);
   ~Transaction();
   Transaction(const Transaction&) = delete;
   Transaction& operator=(const Transaction&) = delete;
@@ -39,6 +41,7 @@ class Transaction {
   Edit edit_;
   EditorPlace before_;
   std::function<void()> committed_;
+  History::Group group_;
   bool open_ = true;
 };
 

@@ -2,13 +2,6 @@
 
 #include <JavaScriptCore/JavaScript.h>
 
-extern "C" {
-/// Exported by the library on every platform, though its header is not installed. The callback says whether
-/// to stop.
-using ShouldTerminate = bool (*)(JSContextRef, void*);
-void JSContextGroupSetExecutionTimeLimit(JSContextGroupRef, double seconds, ShouldTerminate, void*);
-}
-
 namespace vell::headless {
 
 /// The text of prelude.js, which builds the `vell` global.
@@ -56,26 +49,17 @@ std::string propertyText(JSContextRef context, JSObjectRef object, const char* n
   return textOf(context, value);
 }
 
-/// A JavaScript context in a group of its own, so that the time limit applies to it alone.
+/// A JavaScript context.
 class Context {
  public:
-  explicit Context(std::chrono::milliseconds timeLimit)
-      : group_(JSContextGroupCreate()), context_(JSGlobalContextCreateInGroup(group_, nullptr)) {
-    const double seconds = std::chrono::duration<double>(timeLimit).count();
-    JSContextGroupSetExecutionTimeLimit(
-        group_, seconds, [](JSContextRef, void*) { return true; }, nullptr);
-  }
-  ~Context() {
-    JSGlobalContextRelease(context_);
-    JSContextGroupRelease(group_);
-  }
+  Context() : context_(JSGlobalContextCreate(nullptr)) {}
+  ~Context() { JSGlobalContextRelease(context_); }
   Context(const Context&) = delete;
   Context& operator=(const Context&) = delete;
 
   JSGlobalContextRef get() const { return context_; }
 
  private:
-  JSContextGroupRef group_;
   JSGlobalContextRef context_;
 };
 
@@ -96,7 +80,6 @@ std::string lineOf(JSContextRef context, JSObjectRef error) {
 /// "ReferenceError: Can't find variable: x (line 3)", the stack left out.
 std::string describe(JSContextRef context, JSValueRef exception) {
   std::string text = textOf(context, exception);
-  if (text == "JavaScript execution terminated.") return "The script ran out of time and was stopped.";
   if (!JSValueIsObject(context, exception)) return "Uncaught " + text;
   JSObjectRef object = JSValueToObject(context, exception, nullptr);
   if (text == "[object Object]") {
@@ -175,12 +158,11 @@ void setProperty(JSContextRef context, JSObjectRef object, const char* name, JSV
                       nullptr);
 }
 
-void installGlobals(JSContextRef context, const ScriptSettings& settings, ScriptHost& host) {
+void installGlobals(JSContextRef context, const std::string& version, ScriptHost& host) {
   JSObjectRef global = JSContextGetGlobalObject(context);
   JSValueRef build = evaluate(context, preludeSource, "vell");
   JSValueRef native = makeFunction<callHost>(context, host);
-  setProperty(context, global, "vell",
-              callFunction(context, build, {native, makeString(context, settings.version)}));
+  setProperty(context, global, "vell", callFunction(context, build, {native, makeString(context, version)}));
 
   JSObjectRef console = JSObjectMake(context, nullptr, nullptr);
   for (const char* name : {"log", "info", "warn", "error"}) {
@@ -225,11 +207,11 @@ std::string jsonOf(JSContextRef context, JSValueRef value) {
 
 }  // namespace
 
-std::string evaluateScript(const Script& script, const ScriptSettings& settings, ScriptHost& host) {
+std::string evaluateScript(const Script& script, const std::string& version, ScriptHost& host) {
   if (script.source.find('\0') != std::string::npos) throw ScriptError("The script holds a NUL character.");
-  const Context owner(settings.timeLimit);
+  const Context owner;
   JSContextRef context = owner.get();
-  installGlobals(context, settings, host);
+  installGlobals(context, version, host);
   JSValueRef value = evaluate(context, script.source, scriptName);
   if (isFunction(context, value)) {
     value = script.input ? callFunction(context, value, {makeString(context, *script.input)})

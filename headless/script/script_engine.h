@@ -1,6 +1,5 @@
 #pragma once
 
-#include <chrono>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -19,7 +18,7 @@ class ScriptHost {
   virtual void log(const std::string& line) = 0;
 };
 
-/// A script that did not run to its end: syntax error, uncaught exception, or its time is up.
+/// A script that did not run to its end: syntax error, uncaught exception, or it was stopped.
 /// `what()` names the fault and, where known, its line.
 class ScriptError : public std::runtime_error {
  public:
@@ -32,14 +31,9 @@ struct Script {
   std::optional<std::string> input;
 };
 
-struct ScriptSettings {
-  /// What `vell.version` reads.
-  std::string version;
-  std::chrono::milliseconds timeLimit{5000};
-};
-
 /// Evaluates JavaScript in a context of its own and returns its value as JSON text, `null` for undefined.
-/// Throws ScriptError. docs/scripting.md describes the `vell` global.
-std::string evaluateScript(const Script& script, const ScriptSettings& settings, ScriptHost& host);
+/// `version` is what `vell.version` reads. A script that never ends never returns. Throws ScriptError.
+/// docs/scripting.md describes the `vell` global.
+std::string evaluateScript(const Script& script, const std::string& version, ScriptHost& host);
 
 }  // namespace vell::headless

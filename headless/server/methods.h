@@ -21,7 +21,10 @@ struct Subscriber {
 struct Call {
   Application& application;
   const Params& params;
-  const Subscriber* subscriber = nullptr;  ///< null where no client can be notified
+  const Subscriber* subscriber = nullptr;   ///< null where no client can be notified
+  History::Group group = History::noGroup;  ///< of the changes that it makes
+
+  Transaction begin(OpenOutline& opened) const { return application.begin(opened, group); }
 };
 
 /// Answers one request with the JSON text of its result. Failures are thrown: RpcError for bad params,

@@ -29,7 +29,7 @@ bool mentionsPath(const json::Node& value) {
       if (mentionsPath(element)) return true;
   }
   if (value.kind() == json::Kind::object) {
-    for (const auto& [key, member] : value.members())
+    for (const auto& [key, member, at] : value.members())
       if (mentionsPath(member)) return true;
   }
   return false;

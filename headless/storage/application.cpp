@@ -292,8 +292,8 @@ void Application::moved(OpenOutline& opened) {
   notifyListChanged();
 }
 
-Transaction Application::begin(OpenOutline& opened) {
-  return {opened.outline(), opened.editor(), opened.history(), [this, &opened] { changed(opened); }};
+Transaction Application::begin(OpenOutline& opened, History::Group group) {
+  return {opened.outline(), opened.editor(), opened.history(), [this, &opened] { changed(opened); }, group};
 }
 
 void Application::changed(OpenOutline& opened) {

@@ -33,6 +33,8 @@ struct ApplicationSettings {
   std::function<void(const std::string&)> report;
   /// What the application calls itself to scripts.
   std::string version = "dev";
+  /// The executable that evaluates scripts: vell-headless.
+  std::string scriptProgram{};
 };
 
 /// The open outlines, frontmost first: opening, finding, saving and closing them. One outline per file, one
@@ -76,12 +78,12 @@ class Application {
   /// The outline whose editor has that id, the frontmost one where none is given. Throws Problem.
   OpenOutline& outlineOfEditor(const std::optional<std::string>& editorId);
 
-  const std::string& version() const { return settings_.version; }
+  const ApplicationSettings& settings() const { return settings_; }
   /// A line for people.
   void report(const std::string& line) const { settings_.report(line); }
 
   /// Begins changes to an outline. Committing them calls `changed`.
-  Transaction begin(OpenOutline& opened);
+  Transaction begin(OpenOutline& opened, History::Group group = History::noGroup);
   /// Saves changes of rows and notifies the listener; called after every change of rows or editor.
   void changed(OpenOutline& opened);
   /// The listener must outlive the application or be removed.

@@ -1,5 +1,6 @@
 #include "platform/process.h"
 
+#include <libproc.h>
 #include <mach-o/dyld.h>
 
 #include <cstdint>
@@ -18,6 +19,12 @@ std::optional<std::string> executablePath() {
   if (_NSGetExecutablePath(path.data(), &size) != 0) return std::nullopt;
   path.resize(std::strlen(path.c_str()));
   return path;
+}
+
+std::size_t residentBytes(pid_t process) {
+  rusage_info_v2 usage{};
+  if (proc_pid_rusage(process, RUSAGE_INFO_V2, reinterpret_cast<rusage_info_t*>(&usage)) != 0) return 0;
+  return usage.ri_phys_footprint;
 }
 
 /// The headless application takes files as arguments and not from the system's open requests.

@@ -1,6 +1,9 @@
 #include "platform/process.h"
 
+#include <unistd.h>
+
 #include <filesystem>
+#include <fstream>
 
 #include "platform/start_bundle.h"
 
@@ -11,6 +14,14 @@ std::optional<std::string> executablePath() {
   const auto path = std::filesystem::read_symlink("/proc/self/exe", error);
   if (error) return std::nullopt;
   return path.string();
+}
+
+std::size_t residentBytes(pid_t process) {
+  std::ifstream file("/proc/" + std::to_string(process) + "/statm");
+  std::size_t total = 0;
+  std::size_t resident = 0;
+  file >> total >> resident;
+  return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
 void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds /*limit*/) {

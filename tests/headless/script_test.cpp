@@ -1,4 +1,4 @@
-#include "headless/script/script_engine.h"
+#include "headless/script/script_process.h"
 
 #include <gtest/gtest.h>
 
@@ -29,7 +29,8 @@ class FakeHost : public ScriptHost {
 };
 
 std::string run(FakeHost& host, const std::string& source, std::optional<std::string> input = std::nullopt) {
-  return evaluateScript({source, std::move(input)}, {"1.2 (3)", std::chrono::milliseconds(300)}, host);
+  const ScriptLimits limits{std::chrono::milliseconds(1000), std::size_t{160} << 20};
+  return runScript(VELL_HEADLESS, {source, std::move(input)}, "1.2 (3)", host, limits);
 }
 
 std::string failure(FakeHost& host, const std::string& source) {
@@ -77,6 +78,9 @@ TEST(Script, NamesWhatStoppedIt) {
       {"\nvell.outlines", "Error: no such thing: outline.list (line 2)"},
       {"while (true) {}", "The script ran out of time and was stopped."},
       {"try { while (true) {} } catch (e) {}", "The script ran out of time and was stopped."},
+      {"async () => { for (;;) await null }", "The script ran out of time and was stopped."},
+      {"const all = []; for (;;) all.push(new Array(1e6).fill(1.5))",
+       "The script used more than 160 MB of memory and was stopped."},
       {"async () => { await null; throw new Error('late') }", "Error: late (line 1)"},
       {"Promise.reject('no')", "Uncaught no"},
       {"new Promise(() => {})", "The script's promise never settled."},

@@ -19,7 +19,8 @@ constexpr int patience = 10'000;
 
 void serveUntil(int quit, const std::string& socketPath, ServerLimits limits) {
   EventLoop loop;
-  Application application(loop, {platform::containerDirectory(), [](const std::string&) {}, "1.2"});
+  Application application(loop,
+                          {platform::containerDirectory(), [](const std::string&) {}, "1.2", VELL_HEADLESS});
   auto socket = ApplicationSocket::claim(socketPath);
   Server server(loop, application, socket->descriptor(), limits);
   loop.watch(quit, POLLIN, [&](short) { loop.stop(); });

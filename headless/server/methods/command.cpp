@@ -39,7 +39,7 @@ std::string commandList(const Call&) {
 std::string commandPerform(const Call& call) {
   const auto found = commandsParam(call.params);
   OpenOutline& opened = call.application.outlineOfEditor(call.params.string("editor"));
-  Transaction transaction = call.application.begin(opened);
+  Transaction transaction = call.begin(opened);
   std::string text;
   json::Writer writer(text);
   writer.beginArray();

@@ -42,7 +42,7 @@ void checkRuns(std::string_view key, const json::Node& runs) {
   for (const json::Node& run : runs.elements()) {
     const std::string place = std::string(key) + "[" + std::to_string(index++) + "]";
     if (run.kind() != json::Kind::object) continue;
-    for (const auto& [name, value] : run.members())
+    for (const auto& [name, value, at] : run.members())
       if (name != "string" && name != "attrs")
         Params::fail(place, "a run {string, attrs?}", "one with the member " + json::quoted(name));
     if (!run.find("string")) Params::fail(place + ".string", "a string", "nothing");
@@ -95,7 +95,7 @@ std::vector<std::pair<std::string, std::optional<std::string>>> attributesParam(
   if (!value) return {};
   if (value->kind() != json::Kind::object) Params::fail("attributes", "an object", describe(*value));
   std::vector<std::pair<std::string, std::optional<std::string>>> attributes;
-  for (const auto& [key, content] : value->members()) {
+  for (const auto& [key, content, at] : value->members()) {
     if (content.kind() != json::Kind::string && content.kind() != json::Kind::null)
       Params::fail("attributes." + key, "a string or null",
                    std::string("a value of type ") + typeName(content.kind()));
@@ -120,7 +120,7 @@ RowUpdate updateParams(const Params& params) {
 std::string rowCreate(const Call& call) {
   const std::string markdown = call.params.requiredString("markdown");
   OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.application.begin(opened);
+  Transaction transaction = call.begin(opened);
   const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call.params, opened));
   transaction.commit();
   return rowAnswer(row);
@@ -129,7 +129,7 @@ std::string rowCreate(const Call& call) {
 std::string rowCreateMany(const Call& call) {
   const std::string markdown = call.params.requiredString("markdown");
   OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.application.begin(opened);
+  Transaction transaction = call.begin(opened);
   const auto rows = createRows(transaction.edit(), markdown, newRowsDestination(call.params, opened));
   transaction.commit();
   return rowsAnswer(rows);
@@ -139,7 +139,7 @@ std::string rowUpdate(const Call& call) {
   const auto refs = call.params.requiredStrings("rows");
   const RowUpdate update = updateParams(call.params);
   OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.application.begin(opened);
+  Transaction transaction = call.begin(opened);
   const auto updated = updateRows(transaction.edit(), opened.refs().rows(refs), update);
   transaction.commit();
   return updatedRowsAnswer(updated);
@@ -150,7 +150,7 @@ std::string rowMove(const Call& call) {
   if (!call.params.member("to") && !call.params.member("before") && !call.params.member("after"))
     Params::fail("to", "a row reference (or before, or after)", "nothing");
   OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.application.begin(opened);
+  Transaction transaction = call.begin(opened);
   const DestinationRequest request = destinationParams(call.params, opened.refs(), "to");
   const auto rows = moveRows(transaction.edit(), opened.refs().rows(refs), request);
   transaction.commit();
@@ -160,7 +160,7 @@ std::string rowMove(const Call& call) {
 std::string rowDelete(const Call& call) {
   const auto refs = call.params.requiredStrings("rows");
   OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.application.begin(opened);
+  Transaction transaction = call.begin(opened);
   const auto rows = opened.refs().rows(refs);
   transaction.deselect(rows);
   const std::size_t deleted = deleteRows(transaction.edit(), rows);

@@ -1,5 +1,5 @@
 #include "headless/editing/problem.h"
-#include "headless/script/script_engine.h"
+#include "headless/script/script_process.h"
 #include "headless/server/answers.h"
 #include "headless/server/dispatch.h"
 #include "headless/server/methods.h"
@@ -15,7 +15,7 @@ class Host : public ScriptHost {
   std::string call(const std::string& method, const std::string& text) override {
     const json::Document document{std::string_view(text)};
     const Params params(document.root());
-    const Call call{application_, params};
+    const Call call{application_, params, nullptr, group_};
     if (method == "script.parent") return parent(call);
     if (method == "script.children") return children(call);
     if (method == "script.save") return save(call);
@@ -43,33 +43,23 @@ class Host : public ScriptHost {
     return summary(opened);
   }
 
-  Application& application_;
-};
-
-/// Makes all changes during its life one undo step in each outline.
-class UndoGroup {
- public:
-  explicit UndoGroup(Application& application) : application_(application) {
-    for (const auto& opened : application_.outlines()) opened->history().beginGroup();
+  static History::Group newGroup() {
+    static History::Group last = History::noGroup;
+    return ++last;
   }
-  ~UndoGroup() {
-    for (const auto& opened : application_.outlines()) opened->history().endGroup();
-  }
-  UndoGroup(const UndoGroup&) = delete;
-  UndoGroup& operator=(const UndoGroup&) = delete;
 
- private:
   Application& application_;
+  const History::Group group_ = newGroup();  ///< all changes to an outline are one undo step
 };
 
 }  // namespace
 
 std::string scriptEvaluate(const Call& call) {
   const Script script{call.params.requiredString("script"), call.params.string("input")};
+  const ApplicationSettings& settings = call.application.settings();
   Host host(call.application);
-  const UndoGroup group(call.application);
   try {
-    return evaluateScript(script, {.version = call.application.version()}, host);
+    return runScript(settings.scriptProgram, script, settings.version, host);
   } catch (const ScriptError& error) {
     throw Problem(error.what());
   }
