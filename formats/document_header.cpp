@@ -64,29 +64,36 @@ void writeValue(std::string& out, std::string_view value) {
 
 }  // namespace
 
-bool DocumentHeader::readLine(std::string_view line) {
-  if (!lines_.empty() && continuesValue(line)) {
-    lines_.back().value.append("\n").append(line);
-    return true;
-  }
+std::optional<DocumentHeader::Line> DocumentHeader::keyLine(std::string_view line) {
   std::string_view rest = line;
-  const auto quoted = takeJsonString(rest);
-  std::string key;
-  if (quoted) {
-    key = *quoted;
+  Line read;
+  if (auto quoted = takeJsonString(rest)) {
+    read.key = std::move(*quoted);
+    read.quotedKey = true;
   } else {
     std::size_t colon = rest.find(':');
     while (colon != std::string_view::npos && colon + 1 < rest.size() && !isBlank(rest[colon + 1])) {
       colon = rest.find(':', colon + 1);
     }
-    if (colon == std::string_view::npos || colon == 0 || continuesValue(line)) return false;
-    key = rest.substr(0, colon);
+    if (colon == std::string_view::npos || colon == 0 || continuesValue(line)) return std::nullopt;
+    read.key = rest.substr(0, colon);
     rest.remove_prefix(colon);
   }
-  if (!rest.starts_with(':')) return false;
-  const std::size_t keyLength = line.size() - rest.size() + 1;
-  lines_.push_back({std::move(key), std::string(trim(rest.substr(1))), quoted.has_value(), keyLength});
-  return true;
+  if (!rest.starts_with(':')) return std::nullopt;
+  read.value = trim(rest.substr(1));
+  read.keyLength = line.size() - rest.size() + 1;
+  return read;
+}
+
+bool DocumentHeader::readLine(std::string_view line) {
+  const bool continues = !lines_.empty() && continuesValue(line);
+  if (auto read = continues ? std::nullopt : keyLine(line)) {
+    lines_.push_back(std::move(*read));
+    return true;
+  }
+  if (lines_.empty()) return keepsTimes_ && line.starts_with('#');
+  if (continues || !keepsTimes_) lines_.back().value.append("\n").append(line);
+  return continues || !keepsTimes_;
 }
 
 bool DocumentHeader::finish(Outline& outline) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -10,8 +11,8 @@ namespace vell::formats {
 
 /// `key: value` lines about the document: an unquoted `id` is the outline's persistent id and, where times
 /// are kept, `created` its creation time; all other keys are front matter. Keys and values may be JSON
-/// strings. A value may go on over further lines that begin with a blank, "-" or "#"; it is kept as it
-/// stands.
+/// strings. A value may go on over further lines that begin with a blank, "-", "#" or a closing bracket, in
+/// YAML over any that tell no key; it is kept as it stands.
 class DocumentHeader {
  public:
   explicit DocumentHeader(bool keepsTimes) : keepsTimes_(keepsTimes) {}
@@ -36,6 +37,8 @@ class DocumentHeader {
     bool quotedKey = false;
     std::size_t keyLength = 0;  ///< with the colon
   };
+
+  static std::optional<Line> keyLine(std::string_view line);
 
   /// Where one key stands in a header.
   struct Entry {

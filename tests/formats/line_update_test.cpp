@@ -112,6 +112,11 @@ TEST(DocumentHeader, RewritesTheKeysThatChanged) {
        "vell 1\r\n\"a\":  x\r\nb:\r\n  - 2\r\n# of c\r\nb: \"y\\nz\"\r\n\"d e\": yes\r\n\r\nrow"},
       {"the outline's id where one stood", "vell 1\nid: x\n\"id\": y\n",
        [](RowChanges& rows) { rows.outline().setPersistentId("z"); }, "vell 1\nid: z\n\"id\": y\n"},
+      {"comments before the first key", "vell 1\n# of a\na: 1 # c\n\nrow\n",
+       [](RowChanges& rows) {
+         rows.outline().setFrontMatter({{"a", "2"}});
+       },
+       "vell 1\n# of a\na: 2\n\nrow\n"},
       {"no id is forced on a file", "vell 1\nt: T\n",
        [](RowChanges& rows) { rows.outline().setPersistentId("z"); }, "vell 1\nt: T\n"},
       {"a header for what has none", "row\n",
@@ -125,6 +130,12 @@ TEST(DocumentHeader, RewritesTheKeysThatChanged) {
     row.change(rows);
     EXPECT_EQ(rows.written(), row.written) << row.about;
   }
+}
+
+TEST(DocumentHeader, TakesAnyYamlBehindAKey) {
+  RowChanges rows("markdown", "---\na: &x [1,\n2]\n? b\n: c\n<<: *x\nd: {\n}\n...\nrow\n");
+  EXPECT_EQ(rows.outline().rowCount(), 1u);
+  EXPECT_EQ(*rows.outline().frontMatter().find("a"), "&x [1,\n2]\n? b\n: c");
 }
 
 TEST(YamlValue, IsReadBackAsTheString) {
