@@ -91,7 +91,7 @@ bool DocumentHeader::readLine(std::string_view line) {
     lines_.push_back(std::move(*read));
     return true;
   }
-  if (lines_.empty()) return keepsTimes_ && line.starts_with('#');
+  if (lines_.empty()) return line.starts_with('#');
   if (continues || !keepsTimes_) lines_.back().value.append("\n").append(line);
   return continues || !keepsTimes_;
 }

@@ -19,6 +19,8 @@ class DocumentHeader {
 
   /// False where the line is no header line.
   bool readLine(std::string_view line);
+  /// False where only comments were read.
+  bool hasKeys() const { return !lines_.empty(); }
   /// Hands what was read to the outline. False where the creation time is none.
   bool finish(Outline& outline) const;
 

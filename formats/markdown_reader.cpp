@@ -381,13 +381,14 @@ bool readFrontMatter(std::string_view text, std::size_t from, MarkdownText& read
     if (std::exchange(isFirst, false)) read.headerBegin = from + lines.offset();
     if (endsFrontMatter(trimEnd(lines.line()))) {
       read.headerEnd = from + lines.offset();
+      if (!header.hasKeys() && read.headerBegin < read.headerEnd) break;  // a heading between two rules
       read.bodyBegin = lines.next() ? from + lines.offset() : text.size();
       header.finish(outline);
       return true;
     }
     if (!header.readLine(lines.line())) break;
   }
-  read.headerBegin = 0;
+  read.headerBegin = read.headerEnd = 0;
   return false;
 }
 

@@ -133,9 +133,22 @@ TEST(DocumentHeader, RewritesTheKeysThatChanged) {
 }
 
 TEST(DocumentHeader, TakesAnyYamlBehindAKey) {
-  RowChanges rows("markdown", "---\na: &x [1,\n2]\n? b\n: c\n<<: *x\nd: {\n}\n...\nrow\n");
-  EXPECT_EQ(rows.outline().rowCount(), 1u);
-  EXPECT_EQ(*rows.outline().frontMatter().find("a"), "&x [1,\n2]\n? b\n: c");
+  const struct {
+    const char* source;
+    std::size_t rows;
+    const char* value;  ///< of "a"
+  } cases[] = {
+      {"---\n# b\na: &x [1,\n2]\n? b\n: c\n<<: *x\nd: {\n}\n...\nrow\n", 1, "&x [1,\n2]\n? b\n: c"},
+      {"---\n# A\n---\nrow\n", 4, nullptr},
+      {"---\n\na: 1\n\n---\n", 3, nullptr},
+  };
+  for (const auto& row : cases) {
+    RowChanges rows("markdown", row.source);
+    EXPECT_EQ(rows.outline().rowCount(), row.rows) << row.source;
+    const std::string* value = rows.outline().frontMatter().find("a");
+    EXPECT_EQ(value ? *value : "none", row.value ? row.value : "none") << row.source;
+    EXPECT_EQ(rows.written(), row.source);
+  }
 }
 
 TEST(YamlValue, IsReadBackAsTheString) {
