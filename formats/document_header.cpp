@@ -92,8 +92,8 @@ bool DocumentHeader::readLine(std::string_view line) {
     return true;
   }
   if (lines_.empty()) return line.starts_with('#');
-  if (continues || !keepsTimes_) lines_.back().value.append("\n").append(line);
-  return continues || !keepsTimes_;
+  if (continues || !isVell()) lines_.back().value.append("\n").append(line);
+  return continues || !isVell();
 }
 
 bool DocumentHeader::finish(Outline& outline) const {
@@ -142,7 +142,7 @@ void DocumentHeader::write(std::string& out, const Outline& outline) const {
     out += "id:";
     writeValue(out, outline.persistentId());
   }
-  if (keepsTimes_) {
+  if (isVell()) {
     out += "created:";
     writeValue(out, document::formatTimestamp(outline.created()));
   }
@@ -153,7 +153,7 @@ void DocumentHeader::write(std::string& out, const Outline& outline) const {
 }
 
 std::vector<DocumentHeader::Entry> DocumentHeader::takeApart(std::string_view lines) const {
-  DocumentHeader header(keepsTimes_);
+  DocumentHeader header(kind_);
   std::vector<Entry> entries;
   text::Lines reader(lines);
   while (reader.next()) {
@@ -186,7 +186,7 @@ bool DocumentHeader::tells(std::string_view lines, std::string_view key) const {
 std::string DocumentHeader::valueOver(std::string_view before, std::string_view value) const {
   const bool wasLines = before.starts_with('\n') || before.starts_with("\r\n");
   const bool bothAreLines = wasLines && value.starts_with('\n');
-  return keepsTimes_ || (bothAreLines && isPlainValue(value)) ? valueText(value) : yamlValue(value, before);
+  return isVell() || (bothAreLines && isPlainValue(value)) ? valueText(value) : yamlValue(value, before);
 }
 
 std::string DocumentHeader::update(std::string_view lines, const Outline& outline) const {

@@ -9,13 +9,16 @@
 
 namespace vell::formats {
 
-/// `key: value` lines about the document: an unquoted `id` is the outline's persistent id and, where times
-/// are kept, `created` its creation time; all other keys are front matter. Keys and values may be JSON
+/// Whose rules hold: those of `.vell`, or those of YAML, which other programs read in markdown.
+enum class HeaderKind { vell, yaml };
+
+/// `key: value` lines about the document: an unquoted `id` is the outline's persistent id and, in `.vell`,
+/// `created` its creation time; all other keys are front matter. Keys and values may be JSON
 /// strings. A value may go on over further lines that begin with a blank, "-", "#" or a closing bracket, in
 /// YAML over any that tell no key; it is kept as it stands.
 class DocumentHeader {
  public:
-  explicit DocumentHeader(bool keepsTimes) : keepsTimes_(keepsTimes) {}
+  explicit DocumentHeader(HeaderKind kind) : kind_(kind) {}
 
   /// False where the line is no header line.
   bool readLine(std::string_view line);
@@ -53,10 +56,11 @@ class DocumentHeader {
   std::vector<Entry> takeApart(std::string_view lines) const;
   std::string valueOver(std::string_view before, std::string_view value) const;
   const std::string* valueIn(const Line& line, const std::string& id, const Attributes& frontMatter) const;
+  bool isVell() const { return kind_ == HeaderKind::vell; }
   bool isReserved(const Line& line) const { return !line.quotedKey && isReserved(line.key); }
-  bool isReserved(std::string_view key) const { return key == "id" || (keepsTimes_ && key == "created"); }
+  bool isReserved(std::string_view key) const { return key == "id" || (isVell() && key == "created"); }
 
-  bool keepsTimes_;
+  HeaderKind kind_;
   std::vector<Line> lines_;
 };
 

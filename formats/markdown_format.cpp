@@ -39,7 +39,7 @@ std::string header(const Outline& outline, const MarkdownSource& source) {
   const std::string before(source.text().substr(0, read.bodyBegin));
   const std::string_view old =
       std::string_view(before).substr(read.headerBegin, read.headerEnd - read.headerBegin);
-  const std::string lines = DocumentHeader(false).update(old, outline);
+  const std::string lines = DocumentHeader(HeaderKind::yaml).update(old, outline);
   if (lines == old) return before;
   if (read.headerEnd > 0) return before.substr(0, read.headerBegin) + lines + before.substr(read.headerEnd);
   const std::string rule = "---" + std::string(source.lineEnd());
@@ -50,7 +50,7 @@ std::string header(const Outline& outline, const MarkdownSource& source) {
 
 void writeMarkdown(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out) {
   std::string header;
-  if (!rowsOnly) DocumentHeader(false).write(header, outline);
+  if (!rowsOnly) DocumentHeader(HeaderKind::yaml).write(header, outline);
   if (!header.empty()) out.append("---\n").append(header).append("---\n");
   out += MarkdownWriter(MarkdownSource(), !header.empty()).write(rows);
 }

@@ -207,7 +207,7 @@ std::size_t RowReader::add(MarkdownRow row) {
   row.enclosing = nesting_.enclosingAt(row.depth);
   if (row.form == MarkdownForm::heading && row.content.type == RowType::heading) {
     const bool isNatural = row.level == naturalLevel(row.enclosing);
-    if (!isNatural && scope_ == MarkdownScope::file) setLead(row.content, std::to_string(row.level));
+    if (!isNatural && scope_ == MarkdownScope::file) setMarkAttribute(row.content, std::to_string(row.level));
   }
   nesting_.place(row.depth, level);
   for (std::size_t index = nesting_.containers(); index-- > 0 && row.container == MarkdownRow::none;) {
@@ -230,7 +230,7 @@ std::size_t RowReader::addItem(const Block& block, const Block* first) {
     if (isOrdered || !source.starts_with(box) || !isMarked(source, box.size())) continue;
     row.content.type = RowType::task;
     source = source.substr(box.size());
-    if (box != boxes.front()) setLead(row.content, "true");
+    if (box != boxes.front()) setMarkAttribute(row.content, "true");
     break;
   }
   setInline(row, source);
@@ -357,7 +357,7 @@ void RowReader::addCode(const Block& block) {
     fence = opening.substr(0, runLength(opening, 0));
     std::string_view info = trim(opening.substr(fence.size()));
     takeTrailer(row, info);
-    if (!info.empty()) setLead(row.content, info);
+    if (!info.empty()) setMarkAttribute(row.content, info);
   }
   for (bool isFirst = true; lines.next(); isFirst = false) {
     std::string_view line = lines.line();
@@ -373,7 +373,7 @@ bool endsFrontMatter(std::string_view line) { return line == "---" || line == ".
 
 /// Without an end, or with lines that are no header, the first line is a rule like any other.
 bool readFrontMatter(std::string_view text, std::size_t from, MarkdownText& read, Outline& outline) {
-  DocumentHeader header(false);
+  DocumentHeader header(HeaderKind::yaml);
   text::Lines lines(text.substr(from));
   if (!lines.next() || trimEnd(lines.line()) != "---") return false;
   bool isFirst = true;

@@ -39,7 +39,7 @@ class RowWriter {
   /// The type that the form stands for.
   RowType formType() const;
   std::string mark() const;
-  RowTrailer trailer(bool leadIsMarked) const;
+  RowTrailer trailer(bool markTellsAttribute) const;
   std::string inlineText() const;
   std::string line(std::string_view text) const;
   bool readsBack(const std::string& line) const;
@@ -99,8 +99,8 @@ std::string RowWriter::mark() const {
   }
 }
 
-RowTrailer RowWriter::trailer(bool leadIsMarked) const {
-  RowTrailer trailer = trailerOf(row_, leadIsMarked);
+RowTrailer RowWriter::trailer(bool markTellsAttribute) const {
+  RowTrailer trailer = trailerOf(row_, markTellsAttribute);
   if (style_.tellsType || formType() != row_.type()) trailer.type = row_.type();
   trailer.depth = style_.depth;
   return trailer;
@@ -121,10 +121,10 @@ std::string RowWriter::line(std::string_view text) const {
   std::string line = mark();
   if (!line.empty() && !text.empty()) line += ' ';
   line += text;
-  const std::string* lead = leadValue(row_);
-  const bool leadIsMarked = lead && ((formType() == RowType::task && isDone()) ||
-                                     (row_.type() == RowType::heading && style_.levelIsGranted));
-  const RowTrailer trailer = this->trailer(leadIsMarked);
+  const std::string* value = markAttributeValue(row_);
+  const bool markTellsAttribute = value && ((formType() == RowType::task && isDone()) ||
+                                            (row_.type() == RowType::heading && style_.levelIsGranted));
+  const RowTrailer trailer = this->trailer(markTellsAttribute);
   if (line.empty() && trailer.empty()) line = emptyMarkdownRow;
   if (!line.empty() && !trailer.empty()) line += ' ';
   appendTrailer(line, Times::dropped, trailer);
@@ -163,10 +163,10 @@ std::string RowWriter::setext() const {
 
 std::string RowWriter::fenced() const {
   const std::string_view text = row_.text().string();
-  const std::string* language = leadValue(row_);
-  const bool leadIsMarked = language && isFenceInfo(*language);
-  std::string info = leadIsMarked ? *language : "";
-  const RowTrailer trailer = this->trailer(leadIsMarked);
+  const std::string* language = markAttributeValue(row_);
+  const bool markTellsAttribute = language && isFenceInfo(*language);
+  std::string info = markTellsAttribute ? *language : "";
+  const RowTrailer trailer = this->trailer(markTellsAttribute);
   if (!info.empty() && !trailer.empty()) info += ' ';
   appendTrailer(info, Times::dropped, trailer);
   const bool hasBacktick = info.find('`') != std::string::npos;

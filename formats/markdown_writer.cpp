@@ -15,7 +15,7 @@ constexpr std::uint32_t maxOrdinal = 999'999'999;
 
 /// The level a heading asks for, 0 where it asks for none.
 std::size_t requestedLevel(const Row& row) {
-  const std::string* level = leadValue(row);
+  const std::string* level = markAttributeValue(row);
   const bool isLevel =
       row.type() == RowType::heading && level && level->size() == 1 && *level >= "1" && *level <= "6";
   return isLevel ? static_cast<std::size_t>(level->front() - '0') : 0;

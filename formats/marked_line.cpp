@@ -6,7 +6,7 @@
 
 namespace vell::formats {
 
-std::string_view leadKey(RowType type) {
+std::string_view markAttribute(RowType type) {
   switch (type) {
     case RowType::task:
       return "done";
@@ -19,8 +19,8 @@ std::string_view leadKey(RowType type) {
   }
 }
 
-void setLead(RowContent& row, std::string_view value) {
-  const std::string_view key = leadKey(row.type);
+void setMarkAttribute(RowContent& row, std::string_view value) {
+  const std::string_view key = markAttribute(row.type);
   if (row.attributes.find(key)) return;
   Attributes attributes;
   attributes.set(key, value);
@@ -28,16 +28,16 @@ void setLead(RowContent& row, std::string_view value) {
   row.attributes = std::move(attributes);
 }
 
-const std::string* leadValue(const Row& row) {
-  if (row.attributes().empty() || row.attributes().begin()->key != leadKey(row.type())) return nullptr;
+const std::string* markAttributeValue(const Row& row) {
+  if (row.attributes().empty() || row.attributes().begin()->key != markAttribute(row.type())) return nullptr;
   return &row.attributes().begin()->value;
 }
 
-RowTrailer trailerOf(const Row& row, bool leadIsMarked) {
+RowTrailer trailerOf(const Row& row, bool markTellsAttribute) {
   RowTrailer trailer;
   trailer.persistentId = row.persistentId();
   trailer.attributes = row.attributes();
-  if (leadIsMarked) trailer.attributes.remove(leadKey(row.type()));
+  if (markTellsAttribute) trailer.attributes.remove(markAttribute(row.type()));
   return trailer;
 }
 

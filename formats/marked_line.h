@@ -12,15 +12,14 @@ namespace vell::formats {
 
 /// The attribute that the mark of a row of that type can tell: `done` of a task ("true"), `language` of a
 /// code row, `level` of a heading. Empty for other types.
-std::string_view leadKey(RowType type);
+std::string_view markAttribute(RowType type);
 /// Gives a row that attribute, first in order, unless it has one already.
-void setLead(RowContent& row, std::string_view value);
-/// The value of the lead attribute where the mark can stand for it, that is where it is the row's first; else
-/// null.
-const std::string* leadValue(const Row& row);
+void setMarkAttribute(RowContent& row, std::string_view value);
+/// Its value where the mark can stand for it, that is where it is the row's first attribute; else null.
+const std::string* markAttributeValue(const Row& row);
 
 /// What the trailer of a row has to tell; without the first attribute where the mark tells it.
-RowTrailer trailerOf(const Row& row, bool leadIsMarked);
+RowTrailer trailerOf(const Row& row, bool markTellsAttribute);
 
 /// True if the row can stand as lines between fences: plain text without control characters but line feeds
 /// and tabs.

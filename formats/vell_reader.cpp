@@ -103,7 +103,7 @@ void VellReader::readHeader() {
   const std::string_view first = trimEnd(lines_.line());
   if (!isVellHeader(first)) return lines_.unread();
   if (first != "vell 1") fail("this file is in a newer form of the format (\"" + std::string(first) + "\")");
-  DocumentHeader header(true);
+  DocumentHeader header(HeaderKind::vell);
   while (lines_.next() && !trim(lines_.line()).empty()) {
     if (!header.readLine(lines_.line())) fail("expected \"key: value\" or an empty line to end the header");
   }
@@ -151,11 +151,11 @@ RowContent readVellRow(std::string_view line, std::size_t depth, Timestamp creat
   row.modified = timeOr(row.created, parts.says.modified, lines);
   if (parts.isFence) {
     row.type = RowType::code;
-    if (!parts.text.empty()) setLead(row, parts.text);
+    if (!parts.text.empty()) setMarkAttribute(row, parts.text);
     row.text = readCode(parts.mark, depth, lines);
   } else {
     row.text = parseInline(parts.text);
-    if (parts.done) setLead(row, "true");
+    if (parts.done) setMarkAttribute(row, "true");
   }
   return row;
 }

@@ -115,7 +115,7 @@ std::string RowUpdate::marked() const {
 std::string RowUpdate::code() const {
   if (!parts_.isFence) return {};
   std::string out(parts_.mark);
-  const std::string* language = leadValue(row_);
+  const std::string* language = markAttributeValue(row_);
   if (language && isFenceInfo(*language)) out.append(between(parts_.mark, parts_.text)).append(*language);
   appendTrailer(out, true);
   out += firstLine_.substr(trimEnd(firstLine_).size());
@@ -152,7 +152,7 @@ bool RowUpdate::reads(std::string_view lines) const {
 
 /// What stands before the rows now.
 std::string headNow(const Head& head, const Outline& outline, std::string_view lineEnd) {
-  const std::string lines = DocumentHeader(true).update(head.lines, outline);
+  const std::string lines = DocumentHeader(HeaderKind::vell).update(head.lines, outline);
   std::string out;
   if (!head.form.empty()) {
     out.append(head.form).append(lines);
@@ -172,7 +172,7 @@ std::string headNow(const Head& head, const Outline& outline, std::string_view l
 
 std::string updateVell(const Outline& outline) {
   const Head head = takeApartHead(LineSource(*outline.source()).head());
-  const bool keepsTimes = DocumentHeader(true).tells(head.lines, "created");
+  const bool keepsTimes = DocumentHeader(HeaderKind::vell).tells(head.lines, "created");
   const auto render = [&](const ChangedLine& line, std::string& out) {
     RowUpdate(line, outline, keepsTimes ? Times::kept : Times::dropped).write(out);
   };

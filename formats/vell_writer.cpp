@@ -15,11 +15,11 @@ bool isDone(const Row& row) {
 }
 
 /// True if the mark or the info string tells the row's first attribute.
-bool leadIsMarked(const Row& row) {
-  const std::string* lead = leadValue(row);
-  if (!lead) return false;
-  if (row.type() == RowType::task) return *lead == "true";
-  return row.type() == RowType::code && canBeFenced(row) && isFenceInfo(*lead);
+bool markTellsAttribute(const Row& row) {
+  const std::string* value = markAttributeValue(row);
+  if (!value) return false;
+  if (row.type() == RowType::task) return *value == "true";
+  return row.type() == RowType::code && canBeFenced(row) && isFenceInfo(*value);
 }
 
 }  // namespace
@@ -53,7 +53,7 @@ std::string_view VellWriter::mark(const Row& row) const {
 }
 
 RowTrailer VellWriter::trailer(const Row& row, bool typeIsMarked) const {
-  RowTrailer trailer = trailerOf(row, leadIsMarked(row));
+  RowTrailer trailer = trailerOf(row, markTellsAttribute(row));
   if (!typeIsMarked && row.type() != RowType::body) trailer.type = row.type();
   if (times_ == Times::dropped) return trailer;
   if (row.created() != created_) trailer.created = document::formatTimestamp(row.created());
@@ -68,7 +68,7 @@ void VellWriter::write(const Row& row, std::size_t depth, std::string& out) cons
   const std::string_view mark = isFenced ? fence : this->mark(row);
   out += mark;
   if (isFenced) {
-    if (leadIsMarked(row)) out.append(" ").append(*leadValue(row));
+    if (markTellsAttribute(row)) out.append(" ").append(*markAttributeValue(row));
   } else {
     if (!mark.empty() && !row.text().empty()) out += ' ';
     appendInline(out, row.text());
@@ -87,7 +87,7 @@ void VellWriter::write(const Row& row, std::size_t depth, std::string& out) cons
 void writeVell(const Outline& outline, std::span<const PlacedRow> rows, bool rowsOnly, std::string& out) {
   if (!rowsOnly) {
     out += "vell 1\n";
-    DocumentHeader(true).write(out, outline);
+    DocumentHeader(HeaderKind::vell).write(out, outline);
     out += '\n';
   }
   const VellWriter writer(outline.created(), Times::kept);
