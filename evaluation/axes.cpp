@@ -43,7 +43,8 @@ bool contains(const Row& above, const Row& below) {
   return above.order() < below.order() && below.order() < above.orderEnd();
 }
 
-void append(Rows& rows, Range range, const Outline& outline, TypeFilter filter) {
+void append(Rows& rows, Range range, const Outline& outline, TypeFilter filter, Work& work) {
+  work.spend(range.end - range.begin);
   for (std::size_t at = range.begin; at < range.end; ++at) {
     const Row* row = outline.rowsInOrder()[at];
     if (filter.passes(*row)) rows.push_back(row);
@@ -51,10 +52,10 @@ void append(Rows& rows, Range range, const Outline& outline, TypeFilter filter) 
 }
 
 /// Each row from each context.
-Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter, Work& work) {
   Rows found;
   for (const Row* context : contexts) {
-    walk(axis, *context, outline.root(), [&](const Row& row) {
+    walk(axis, *context, outline.root(), work, [&](const Row& row) {
       if (filter.passes(row)) found.push_back(&row);
       return true;
     });
@@ -64,23 +65,25 @@ Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFi
 }
 
 /// Leaves the contexts out that lie within an earlier one, whose descendants are among those of that one.
-Rows collectDescendants(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+Rows collectDescendants(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter,
+                        Work& work) {
   Rows found;
   std::size_t passed = 0;
   for (const Row* context : contexts) {
     if (context->order() < passed) continue;
-    append(found, *rangeOf(axis, *context, outline), outline, filter);
+    append(found, *rangeOf(axis, *context, outline), outline, filter, work);
     passed = context->orderEnd();
   }
   return found;
 }
 
 /// The way up from a context ends where that from the one before it has passed.
-Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter,
+                      Work& work) {
   Rows found;
   const Row* last = nullptr;
   for (const Row* context : contexts) {
-    walk(axis, *context, outline.root(), [&](const Row& row) {
+    walk(axis, *context, outline.root(), work, [&](const Row& row) {
       const bool hasPassed =
           last != nullptr && (contains(row, *last) || (axis == Axis::ancestorOrSelf && &row == last));
       if (!hasPassed && filter.passes(row)) found.push_back(&row);
@@ -106,7 +109,7 @@ Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter fil
 }
 
 /// Of the contexts below one parent the outermost reaches all siblings that any of them does.
-Rows collectSiblings(Axis axis, Rows contexts, const Outline& outline, TypeFilter filter) {
+Rows collectSiblings(Axis axis, Rows contexts, const Outline& outline, TypeFilter filter, Work& work) {
   if (axis == Axis::precedingSibling) std::reverse(contexts.begin(), contexts.end());
   std::vector<bool> isDone(outline.rowsInOrder().size());
   Rows outermost;
@@ -115,17 +118,17 @@ Rows collectSiblings(Axis axis, Rows contexts, const Outline& outline, TypeFilte
     isDone[context->parent()->order()] = true;
     outermost.push_back(context);
   }
-  return collectEach(axis, outermost, outline, filter);
+  return collectEach(axis, outermost, outline, filter, work);
 }
 
 /// What follows any context follows the one whose subtree ends first.
-Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter filter) {
+Rows collectFollowing(const Rows& contexts, const Outline& outline, TypeFilter filter, Work& work) {
   const auto endsBefore = [](const Row* left, const Row* right) {
     return left->orderEnd() < right->orderEnd();
   };
   const Row* first = *std::min_element(contexts.begin(), contexts.end(), endsBefore);
   Rows found;
-  append(found, *rangeOf(Axis::following, *first, outline), outline, filter);
+  append(found, *rangeOf(Axis::following, *first, outline), outline, filter, work);
   return found;
 }
 
@@ -150,15 +153,6 @@ std::optional<Range> rangeOf(Axis axis, const Row& from, const Outline& outline)
   }
 }
 
-std::size_t countIn(Range range, const Outline& outline, TypeFilter filter) {
-  if (filter.passesAny()) return range.end - range.begin;
-  const auto row = [&](std::size_t at) {
-    return outline.rowsInOrder().begin() + static_cast<std::ptrdiff_t>(at);
-  };
-  const auto passes = [&](const Row* each) { return filter.passes(*each); };
-  return static_cast<std::size_t>(std::count_if(row(range.begin), row(range.end), passes));
-}
-
 void sortInDocumentOrder(Rows& rows) {
   const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
   if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
@@ -166,30 +160,32 @@ void sortInDocumentOrder(Rows& rows) {
   rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
 }
 
-Rows rowsAlong(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter) {
+Rows rowsAlong(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter, Work& work) {
   if (contexts.empty()) return {};
+  work.spend(contexts.size());
   switch (axis) {
     case Axis::descendant:
     case Axis::descendantShortcut:
     case Axis::descendantOrSelf:
     case Axis::descendantOrSelfShortcut:
-      return collectDescendants(axis, contexts, outline, filter);
+      return collectDescendants(axis, contexts, outline, filter, work);
     case Axis::ancestor:
     case Axis::ancestorOrSelf:
-      return collectAncestors(axis, contexts, outline, filter);
+      return collectAncestors(axis, contexts, outline, filter, work);
     case Axis::parent:
     case Axis::parentShortcut:
       return collectParents(contexts, outline, filter);
     case Axis::followingSibling:
     case Axis::precedingSibling:
-      return collectSiblings(axis, contexts, outline, filter);
+      return contexts.size() == 1 ? collectEach(axis, contexts, outline, filter, work)
+                                  : collectSiblings(axis, contexts, outline, filter, work);
     case Axis::following:
-      return collectFollowing(contexts, outline, filter);
+      return collectFollowing(contexts, outline, filter, work);
     case Axis::preceding:
       // What precedes any context precedes the last.
-      return collectEach(axis, {contexts.back()}, outline, filter);
+      return collectEach(axis, {contexts.back()}, outline, filter, work);
     default:
-      return collectEach(axis, contexts, outline, filter);
+      return collectEach(axis, contexts, outline, filter, work);
   }
 }
 

@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "evaluation/context.h"
+#include "evaluation/work.h"
 #include "outline_path/words.h"
 
 namespace vell::evaluation {
@@ -24,11 +25,15 @@ class TypeFilter {
 /// Rows in document order, none of them twice.
 using Rows = std::vector<const Row*>;
 
-/// Calls `visit(row)` for the rows along `axis` from `from`, the nearest first, until it returns false. The
+/// Calls `take(row)` for the rows along `axis` from `from`, the nearest first, until it returns false. The
 /// outline's root is on no axis. The outline must be numbered.
-template <typename Visit>
-void walk(outline_path::Axis axis, const Row& from, const Row& root, Visit visit) {
+template <typename Take>
+void walk(outline_path::Axis axis, const Row& from, const Row& root, Work& work, Take take) {
   using outline_path::Axis;
+  const auto visit = [&](const Row& row) {
+    work.spend(1);
+    return take(row);
+  };
   const auto up = [&](const Row* row) {
     while (row != nullptr && row != &root && visit(*row)) row = row->parent();
   };
@@ -77,6 +82,7 @@ void walk(outline_path::Axis axis, const Row& from, const Row& root, Visit visit
       };
       for (const Row* row = &from; row != nullptr && row != &root;) {
         row = before(row);
+        work.spend(1);
         const bool isAbove =
             row == nullptr || (row->order() < from.order() && from.order() < row->orderEnd());
         if (!isAbove && !visit(*row)) return;
@@ -93,12 +99,11 @@ struct Range {
 /// The positions in Outline::rowsInOrder() of the rows on an axis, where they stand side by side: below a
 /// row, or behind it.
 std::optional<Range> rangeOf(outline_path::Axis axis, const Row& from, const Outline& outline);
-/// How many rows of a range pass the filter.
-std::size_t countIn(Range range, const Outline& outline, TypeFilter filter);
 
 /// All rows along `axis` from any of `contexts` that pass the filter. Each row is looked at once, however
 /// many contexts reach it.
-Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter);
+Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter,
+               Work& work);
 
 /// Sorts rows in document order and drops repeated ones.
 void sortInDocumentOrder(Rows& rows);

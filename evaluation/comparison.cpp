@@ -14,8 +14,9 @@
 namespace vell::evaluation {
 namespace {
 
-/// Steps for one row's text; nested repetitions could otherwise go on for years.
-constexpr std::uint32_t kMostSteps = 100'000;
+/// The library's own steps for one row's text; nested repetitions could otherwise go on for years. It does
+/// not say how many it took, so a search is tried with few of them first.
+constexpr std::uint32_t kFewSteps = 100, kMostSteps = 100'000;
 
 PCRE2_SPTR unitsOf(std::string_view text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
 
@@ -41,8 +42,11 @@ struct Pattern::Compiled {
       : text(pattern),
         code(compile(pattern, ignoreCase), pcre2_code_free),
         match(pcre2_match_data_create(1, nullptr), pcre2_match_data_free),
-        limits(pcre2_match_context_create(nullptr), pcre2_match_context_free) {
-    pcre2_set_match_limit(limits.get(), kMostSteps);
+        limits(pcre2_match_context_create(nullptr), pcre2_match_context_free) {}
+
+  int search(std::string_view in, std::uint32_t mostSteps) const {
+    pcre2_set_match_limit(limits.get(), mostSteps);
+    return pcre2_match(code.get(), unitsOf(in), in.size(), 0, 0, match.get(), limits.get());
   }
 
   template <typename T>
@@ -57,11 +61,15 @@ struct Pattern::Compiled {
 Pattern::Pattern(std::string_view pattern, bool ignoreCase)
     : compiled_(std::make_shared<const Compiled>(pattern, ignoreCase)) {}
 
-bool Pattern::isIn(std::string_view text) const {
+bool Pattern::isIn(std::string_view text, Work& work) const {
   // The library takes no null for an empty text.
   if (text.data() == nullptr) text = "";
-  const int result = pcre2_match(compiled_->code.get(), unitsOf(text), text.size(), 0, 0,
-                                 compiled_->match.get(), compiled_->limits.get());
+  int result = PCRE2_ERROR_MATCHLIMIT;
+  for (std::uint32_t steps = kFewSteps; steps <= kMostSteps && result == PCRE2_ERROR_MATCHLIMIT;
+       steps *= 10) {
+    work.spend(steps / 4);
+    result = compiled_->search(text, steps);
+  }
   if (result < 0 && result != PCRE2_ERROR_NOMATCH) {
     throw EvaluationError(quoted(compiled_->text) + " takes too long to be searched for");
   }
@@ -151,17 +159,17 @@ bool localeAwareHolds(const std::string& left, RelationOp op, const std::string&
   return ordered(collation().compare(first, first + left.size(), second, second + right.size()), op, 0);
 }
 
-bool modifiedTextHolds(std::string_view left, const Relation& relation, std::string_view right) {
+bool modifiedTextHolds(std::string_view left, const Relation& relation, std::string_view right, Work& work) {
   const bool ignoreCase = relation.modifier->type == RelationModifierType::caseInsensitive;
   const bool localeAware = relation.modifier->list.value_or(false);
-  if (relation.op == RelationOp::matches) return Pattern(right, ignoreCase).isIn(left);
+  if (relation.op == RelationOp::matches) return Pattern(right, ignoreCase).isIn(left, work);
   std::string first = ignoreCase ? text::foldCase(left) : std::string(left);
   std::string second = ignoreCase ? text::foldCase(right) : std::string(right);
   if (!localeAware) return textHolds(first, relation.op, second);
   return localeAwareHolds(text::foldAccents(first), relation.op, text::foldAccents(second));
 }
 
-bool plainHolds(const Value& left, RelationOp op, const Value& right) {
+bool plainHolds(const Value& left, RelationOp op, const Value& right, Work& work) {
   const auto either = [&](auto type) {
     return std::holds_alternative<decltype(type)>(left) || std::holds_alternative<decltype(type)>(right);
   };
@@ -169,18 +177,18 @@ bool plainHolds(const Value& left, RelationOp op, const Value& right) {
   if (!isTextual(op) && either(0.0)) return numbersHold(numberOf(left), op, numberOf(right));
   std::string first, second;
   const std::string_view text = textOf(left, first);
-  if (op == RelationOp::matches) return Pattern(textOf(right, second), false).isIn(text);
+  if (op == RelationOp::matches) return Pattern(textOf(right, second), false).isIn(text, work);
   return textHolds(text, op, textOf(right, second));
 }
 
 }  // namespace
 
-bool holds(const Value& left, const Relation& relation, const Value& right) {
+bool holds(const Value& left, const Relation& relation, const Value& right, Work& work) {
   if (isNull(left) || isNull(right)) {
     const bool same = isNull(left) && isNull(right);
     return relation.op == RelationOp::equal ? same : relation.op == RelationOp::notEqual && !same;
   }
-  if (!relation.modifier) return plainHolds(left, relation.op, right);
+  if (!relation.modifier) return plainHolds(left, relation.op, right, work);
   std::string first, second;
   const std::string_view leftText = textOf(left, first);
   const std::string_view rightText = textOf(right, second);
@@ -191,7 +199,7 @@ bool holds(const Value& left, const Relation& relation, const Value& right) {
   if (compares && relation.modifier->type == RelationModifierType::dateCompare) {
     return datesHold(leftText, relation.op, rightText);
   }
-  return modifiedTextHolds(leftText, relation, rightText);
+  return modifiedTextHolds(leftText, relation, rightText, work);
 }
 
 }  // namespace vell::evaluation

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "evaluation/value.h"
+#include "evaluation/work.h"
 #include "outline_path/expression.h"
 
 namespace vell::evaluation {
@@ -15,7 +16,7 @@ class Pattern {
  public:
   Pattern(std::string_view pattern, bool ignoreCase);
   /// Throws EvaluationError where searching the text would take too long.
-  bool isIn(std::string_view text) const;
+  bool isIn(std::string_view text, Work& work) const;
 
  private:
   struct Compiled;
@@ -25,6 +26,6 @@ class Pattern {
 /// Whether `left relation right` holds. Without a modifier numbers are compared where one side is a number,
 /// truth values where one is a truth value, else text with its case. A comparison with nothing holds only
 /// for "=" where both are nothing, and for "!=" where one is not.
-bool holds(const Value& left, const outline_path::Relation& relation, const Value& right);
+bool holds(const Value& left, const outline_path::Relation& relation, const Value& right, Work& work);
 
 }  // namespace vell::evaluation

@@ -1,5 +1,7 @@
 #include "evaluation/compiler.h"
 
+#include <memory>
+
 #include "evaluation/comparison.h"
 #include "evaluation/evaluate.h"
 #include "text/folding.h"
@@ -12,7 +14,8 @@ using namespace outline_path;
 using RowAttribute = outline_path::Attribute;
 
 constexpr std::string_view kRunType = "run";
-constexpr std::size_t kAll = static_cast<std::size_t>(-1);
+/// Bytes of text that are searched in one step.
+constexpr std::size_t kStretch = 32;
 
 Value textValue(std::string_view text) { return text; }
 
@@ -30,15 +33,15 @@ const std::string* constantText(const ValueExpression& value) {
 }
 
 /// A pattern that is the same for every row is compiled once.
-std::optional<Predicate> compileMatches(const Comparison& comparison, const Getter& left) {
+std::optional<Predicate> compileMatches(const Comparison& comparison, const Getter& left, Work& work) {
   const std::string* text = constantText(comparison.right);
   if (text == nullptr || comparison.relation.op != RelationOp::matches) return std::nullopt;
   const auto& modifier = comparison.relation.modifier;
   const bool ignoreCase = modifier && modifier->type == RelationModifierType::caseInsensitive;
-  return [left, pattern = Pattern(*text, ignoreCase)](const Context& context) {
+  return [left, pattern = Pattern(*text, ignoreCase), &work](const Context& context) {
     std::string buffer;
     const Value value = left(context);
-    return !isNull(value) && pattern.isIn(textOf(value, buffer));
+    return !isNull(value) && pattern.isIn(textOf(value, buffer), work);
   };
 }
 
@@ -49,21 +52,17 @@ const PathExpression* pathOf(const FunctionCall& call) {
   return argument == nullptr ? nullptr : &*argument->path;
 }
 
-const PathExpression* countedPath(const ValueExpression& value) {
-  const auto* call = std::get_if<FunctionCall>(&value.node);
-  return call != nullptr && call->meta().kind == FunctionKind::count ? pathOf(*call) : nullptr;
-}
-
-/// A count that is compared with a number need not go further than one above it.
-std::size_t countLimit(const Comparison& comparison) {
-  constexpr double kGreatest = 1e9;
-  const auto* number = std::get_if<double>(&comparison.right.node);
-  const bool comparesNumbers = comparison.relation.op >= RelationOp::equal && !comparison.relation.modifier;
-  if (!comparesNumbers || number == nullptr || *number < 0 || *number > kGreatest) return kAll;
-  return static_cast<std::size_t>(*number) + 1;
-}
-
 }  // namespace
+
+Compiler::Compiler(const Outline& outline, const EditorView* editor, Work& work)
+    : outline_(outline),
+      editor_(editor),
+      work_(work),
+      ordinals_([&outline, &work, known = std::make_shared<std::optional<TypeOrdinals>>() ]() -> const auto& {
+        if (*known) return **known;
+        work.spend(outline.rowsInOrder().size());
+        return known->emplace(outline);
+      }) {}
 
 Predicate Compiler::compile(const PredicateExpression& predicate) const {
   return std::visit([this](const auto& node) { return compileNode(node); }, predicate.node);
@@ -74,7 +73,10 @@ Getter Compiler::compile(const ValueExpression& value) const {
 }
 
 Predicate Compiler::compileNode(const ContainsText& node) const {
-  return [search = text::TextSearch(node.text)](const Context& context) { return search.isIn(context.text); };
+  return [search = text::TextSearch(node.text), &work = work_](const Context& context) {
+    work.spend(context.text.size() / kStretch);
+    return search.isIn(context.text);
+  };
 }
 
 Predicate Compiler::compileNode(const ContainsAttribute& node) const {
@@ -85,12 +87,13 @@ Predicate Compiler::compileNode(const ContainsAttribute& node) const {
 }
 
 Predicate Compiler::compileNode(const Comparison& node) const {
-  const PathExpression* counted = countedPath(node.left);
-  const Getter left = counted != nullptr ? compileCount(*counted, countLimit(node)) : compile(node.left);
-  if (auto test = compileMatches(node, left)) return *test;
-  return [left, right = compile(node.right), relation = &node.relation](const Context& context) {
-    return holds(left(context), *relation, right(context));
-  };
+  const Getter left = compile(node.left);
+  if (auto test = compileMatches(node, left, work_)) return *test;
+  return
+      [left, right = compile(node.right), relation = &node.relation, &work = work_](const Context& context) {
+        work.spend(1 + context.text.size() / kStretch);
+        return holds(left(context), *relation, right(context), work);
+      };
 }
 
 Predicate Compiler::compileNode(const Or& node) const {
@@ -184,16 +187,15 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   const PathExpression* path = pathOf(call);
   if (kind == FunctionKind::count) {
     if (path == nullptr) throw EvaluationError("count() takes one path, as in count(child::*)");
-    return compileCount(*path, kAll);
+    return compileCount(*path);
   }
   if (kind == FunctionKind::boolean && path != nullptr) {
-    return
-        [count = compileCount(*path, 1)](const Context& context) { return Value(truthOf(count(context))); };
+    return [count = compileCount(*path)](const Context& context) { return Value(truthOf(count(context))); };
   }
   std::vector<Getter> getters;
   getters.reserve(arguments.size());
   for (const ValueExpression& argument : arguments) getters.push_back(compile(argument));
-  if (auto function = compileFunction(call, getters)) return *function;
+  if (auto function = compileFunction(call, getters, ordinals_)) return *function;
   const auto editorFunction = editorFunctionOf(call.name());
   if (!editorFunction || editor_ == nullptr)
     throw EvaluationError("there is no function " + call.name() + "() here");
@@ -203,16 +205,19 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   };
 }
 
-Evaluated evaluate(const Expression& expression, const Outline& outline, const EditorView* editor) {
+Evaluated evaluate(const Expression& expression, const Outline& outline, const EditorView* editor,
+                   const Budget& budget) {
   outline.number();
-  const Compiler compiler(outline, editor);
+  Work work(outline, budget);
+  const Compiler compiler(outline, editor, work);
   const Context root = Context::of(outline.root());
   if (const auto* path = std::get_if<PathExpression>(&expression)) return compiler.compile(*path)(root);
   return compiler.compile(std::get<ValueExpression>(expression))(root);
 }
 
-Rows evaluateRows(const Expression& expression, const Outline& outline, const EditorView* editor) {
-  Evaluated result = evaluate(expression, outline, editor);
+Rows evaluateRows(const Expression& expression, const Outline& outline, const EditorView* editor,
+                  const Budget& budget) {
+  Evaluated result = evaluate(expression, outline, editor, budget);
   if (auto* rows = std::get_if<Rows>(&result)) return std::move(*rows);
   throw EvaluationError(std::string("it gives ") + kindOf(std::get<Value>(result)) +
                         ", not rows (predicates compare values: //* count(child::*) > 0)");

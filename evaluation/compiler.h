@@ -6,31 +6,36 @@
 
 #include "evaluation/axes.h"
 #include "evaluation/context.h"
+#include "evaluation/counts.h"
 #include "evaluation/value.h"
+#include "evaluation/work.h"
 #include "outline_path/expression.h"
 
 namespace vell::evaluation {
 
 // An expression is first turned into functions that do as little as possible for each row. They refer to the
-// expression, the outline and the editor, which must outlive them.
+// expression, the outline, the editor and the work, which must outlive them.
 
 /// Whether a predicate holds.
 using Predicate = std::function<bool(const Context&)>;
 /// The value of an expression.
 using Getter = std::function<Value(const Context&)>;
+/// Counted when they are first asked for.
+using LazyOrdinals = std::function<const TypeOrdinals&()>;
 
 class Compiler {
  public:
   /// `editor` may be null: then there are no editor functions.
-  Compiler(const Outline& outline, const EditorView* editor) : outline_(outline), editor_(editor) {}
+  Compiler(const Outline& outline, const EditorView* editor, Work& work);
+
+  Work& work() const { return work_; }
 
   Predicate compile(const outline_path::PredicateExpression& predicate) const;
   Getter compile(const outline_path::ValueExpression& value) const;
   /// The rows that a path selects from a context.
   std::function<Rows(const Context&)> compile(const outline_path::PathExpression& path) const;
-  /// How many rows a path selects from a context row; of runs, where its last step yields runs. Where there
-  /// are more than `most` it may be any number from there.
-  Getter compileCount(const outline_path::PathExpression& path, std::size_t most) const;
+  /// How many rows a path selects from a context; of runs, where its last step yields runs.
+  Getter compileCount(const outline_path::PathExpression& path) const;
 
  private:
   Predicate compileNode(const outline_path::ContainsText& node) const;
@@ -57,11 +62,13 @@ class Compiler {
 
   const Outline& outline_;
   const EditorView* editor_;
+  Work& work_;
+  LazyOrdinals ordinals_;
 };
 
 /// A function of the language with its compiled arguments; none where the name is not one of them. Throws
 /// EvaluationError where the arguments do not fit.
 std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
-                                      const std::vector<Getter>& arguments);
+                                      const std::vector<Getter>& arguments, const LazyOrdinals& ordinals);
 
 }  // namespace vell::evaluation

@@ -5,19 +5,20 @@
 #include "evaluation/axes.h"
 #include "evaluation/context.h"
 #include "evaluation/value.h"
+#include "evaluation/work.h"
 #include "outline_path/expression.h"
 
 namespace vell::evaluation {
 
 /// What an expression gives for an outline, with its root as the context: the rows that it selects, in
 /// document order and none twice, or a value. A value may point into the outline and the expression.
-/// Throws EvaluationError for what cannot be evaluated. `editor` may be null.
+/// Throws EvaluationError for what cannot be evaluated or takes too long. `editor` may be null.
 using Evaluated = std::variant<Rows, Value>;
 Evaluated evaluate(const outline_path::Expression& expression, const Outline& outline,
-                   const EditorView* editor = nullptr);
+                   const EditorView* editor = nullptr, const Budget& budget = {});
 
 /// The same where only rows will do; throws EvaluationError for a value.
 Rows evaluateRows(const outline_path::Expression& expression, const Outline& outline,
-                  const EditorView* editor = nullptr);
+                  const EditorView* editor = nullptr, const Budget& budget = {});
 
 }  // namespace vell::evaluation

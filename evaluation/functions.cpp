@@ -15,24 +15,8 @@ Value number(std::size_t value) { return static_cast<double>(value); }
 
 bool isAlone(const Row& row) { return row.previous() == nullptr && row.next() == nullptr; }
 
-/// The next row of the same type among the siblings, in the direction of `next`.
-const Row* siblingOfSameType(const Row& row, const Row* (Row::*next)() const) {
-  const Row* other = (row.*next)();
-  while (other != nullptr && other->type() != row.type()) other = (other->*next)();
-  return other;
-}
-
-std::size_t positionAmongSameType(const Row& row) {
-  std::size_t place = 1;
-  for (const Row* other = siblingOfSameType(row, &Row::previous); other != nullptr;
-       other = siblingOfSameType(*other, &Row::previous)) {
-    ++place;
-  }
-  return place;
-}
-
 /// Functions of the row alone.
-Value functionOfRow(FunctionKind kind, const Row& row) {
+Value functionOfRow(FunctionKind kind, const Row& row, const LazyOrdinals& ordinals) {
   switch (kind) {
     case FunctionKind::root:
       return truth(row.level() == 1);
@@ -49,16 +33,15 @@ Value functionOfRow(FunctionKind kind, const Row& row) {
     case FunctionKind::onlyChild:
       return truth(isAlone(row));
     case FunctionKind::firstOfType:
-      return truth(siblingOfSameType(row, &Row::previous) == nullptr);
+      return truth(ordinals().fromFirst(row) == 1);
     case FunctionKind::lastOfType:
-      return truth(siblingOfSameType(row, &Row::next) == nullptr);
+      return truth(ordinals().fromLast(row) == 1);
     case FunctionKind::onlyOfType:
-      return truth(siblingOfSameType(row, &Row::previous) == nullptr &&
-                   siblingOfSameType(row, &Row::next) == nullptr);
+      return truth(ordinals().fromFirst(row) == 1 && ordinals().fromLast(row) == 1);
     case FunctionKind::nthChild:
       return number(row.index() + std::size_t{1});
     case FunctionKind::nthOfType:
-      return number(positionAmongSameType(row));
+      return number(ordinals().fromFirst(row));
     default:
       return {};
   }
@@ -118,7 +101,7 @@ void checkArity(const outline_path::FunctionCall& call, Arity arity) {
 }  // namespace
 
 std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
-                                      const std::vector<Getter>& arguments) {
+                                      const std::vector<Getter>& arguments, const LazyOrdinals& ordinals) {
   const FunctionKind kind = call.meta().kind;
   if (kind == FunctionKind::other || kind == FunctionKind::count) return std::nullopt;
   checkArity(call, arityOf(kind));
@@ -145,9 +128,12 @@ std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
     default:
       break;
   }
-  if (arguments.empty()) return [kind](const Context& context) { return functionOfRow(kind, *context.row); };
-  return [kind, get = arguments[0]](const Context& context) {
-    return truth(numberOf(functionOfRow(kind, *context.row)) == numberOf(get(context)));
+  const Getter function = [kind, ordinals](const Context& context) {
+    return functionOfRow(kind, *context.row, ordinals);
+  };
+  if (arguments.empty()) return function;
+  return [function, get = arguments[0]](const Context& context) {
+    return truth(numberOf(function(context)) == numberOf(get(context)));
   };
 }
 

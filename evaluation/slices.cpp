@@ -24,8 +24,8 @@ bool isSibling(Axis axis) { return axis == Axis::followingSibling || axis == Axi
 /// The candidates from all contexts, and which of them were taken from any.
 class SharedCandidates {
  public:
-  SharedCandidates(Axis axis, Rows rows, const Outline& outline)
-      : axis_(axis), rows_(std::move(rows)), outline_(outline), changes_(rows_.size() + 1) {
+  SharedCandidates(Axis axis, Rows rows, const Outline& outline, Work& work)
+      : axis_(axis), rows_(std::move(rows)), outline_(outline), work_(work), changes_(rows_.size() + 1) {
     if (isSibling(axis)) {
       std::stable_sort(rows_.begin(), rows_.end(), [](const Row* left, const Row* right) {
         return left->parent()->order() < right->parent()->order();
@@ -35,6 +35,7 @@ class SharedCandidates {
   }
 
   void take(const Row& context, const Slice& slice) {
+    work_.spend(2);
     const std::vector<Range> ranges = rangesFrom(context);
     std::size_t count = 0;
     for (const Range& range : ranges) count += range.end - range.begin;
@@ -89,6 +90,7 @@ class SharedCandidates {
     std::vector<Range> ranges;
     std::size_t end = firstFrom(context.order());
     for (const Row* above = context.parent(); above != nullptr; above = above->parent()) {
+      work_.spend(1);
       const std::size_t place = firstFrom(above->order());
       if (place == end || rows_[place] != above) continue;
       ranges.push_back({place + 1, end});
@@ -102,6 +104,7 @@ class SharedCandidates {
   Rows rows_;
   std::vector<Key> keys_;  ///< of the rows, ascending
   const Outline& outline_;
+  Work& work_;
   /// At each row by how much the number of contexts changes that take it.
   std::vector<std::int64_t> changes_;
 };
@@ -137,8 +140,8 @@ bool sharesCandidates(Axis axis) {
 }
 
 Rows slicesFromEach(Axis axis, const Rows& contexts, Rows candidates, const Slice& slice,
-                    const Outline& outline) {
-  SharedCandidates shared(axis, std::move(candidates), outline);
+                    const Outline& outline, Work& work) {
+  SharedCandidates shared(axis, std::move(candidates), outline, work);
   for (const Row* context : contexts) shared.take(*context, slice);
   return shared.taken();
 }

@@ -18,6 +18,6 @@ bool sharesCandidates(outline_path::Axis axis);
 /// are found as ranges of a sorted list, so that the whole takes little more than one pass. `candidates`
 /// are those from all contexts, in document order.
 Rows slicesFromEach(outline_path::Axis axis, const Rows& contexts, Rows candidates,
-                    const outline_path::Slice& slice, const Outline& outline);
+                    const outline_path::Slice& slice, const Outline& outline, Work& work);
 
 }  // namespace vell::evaluation

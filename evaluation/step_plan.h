@@ -11,12 +11,15 @@ class StepPlan {
  public:
   StepPlan(const outline_path::Step& step, const Compiler& compiler);
 
+  const outline_path::Step& step() const { return step_; }
   outline_path::Axis axis() const { return step_.axis(); }
   bool isRun() const { return axis() == outline_path::Axis::run; }
-  const std::optional<outline_path::Slice>& slice() const { return step_.slice(); }
   TypeFilter filter() const { return filter_; }
-  bool hasPredicate() const { return predicate_ != nullptr; }
-  /// Whether the predicate asks for positions; a slice alone takes what has passed.
+  /// What the step takes of the rows from one context.
+  const std::optional<outline_path::Slice>& slice() const { return slice_; }
+  /// The predicate is asked about the rows in the slice, not before.
+  bool slicesFirst() const { return slicesFirst_; }
+  /// Whether the predicate asks for positions.
   bool asksForPositions() const { return asksForPositions_; }
 
   /// Whether a row passes the type test and the predicate, where the predicate asks for no position.
@@ -28,11 +31,15 @@ class StepPlan {
   std::size_t countRuns(const Row& row) const;
 
  private:
-  bool satisfiesPredicate(const Context& context) const { return !predicate_ || predicate_(context); }
+  void compile(const outline_path::PredicateExpression& predicate, const Compiler& compiler);
+  bool satisfiesPredicate(const Context& context) const;
 
   const outline_path::Step& step_;
+  Work& work_;
   TypeFilter filter_;
-  Predicate predicate_;  ///< empty where there is none
+  std::vector<Predicate> predicates_;  ///< all of them have to hold
+  std::optional<outline_path::Slice> slice_;
+  bool slicesFirst_ = false;
   bool asksForPositions_ = false;
 };
 

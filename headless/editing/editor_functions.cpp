@@ -1,5 +1,6 @@
 #include "headless/editing/editor_functions.h"
 
+#include <algorithm>
 #include <limits>
 
 namespace vell::headless {
@@ -8,6 +9,8 @@ EditorFunctions::EditorFunctions(const Outline& outline, const Editor& editor)
     : editor_(editor), focused_(editor.focused()) {
   outline.number();
   for (const Row* row : editor.selectedRows()) {
+    if (selected_.empty()) firstSelected_ = row->order();
+    endOfSelected_ = std::max(endOfSelected_, row->orderEnd());
     selected_.insert(row);
     for (const Row* above = row->parent(); above != nullptr && aboveSelected_.insert(above).second;) {
       above = above->parent();
@@ -44,14 +47,14 @@ evaluation::Value EditorFunctions::call(outline_path::EditorFunction function, c
   return {};
 }
 
+/// The selected rows stand side by side in document order.
 bool EditorFunctions::isBelowSelected(const Row& row) const {
-  const Row* above = row.parent();
-  while (above != nullptr && selected_.count(above) == 0) above = above->parent();
-  return above != nullptr;
+  if (selected_.empty() || row.order() <= firstSelected_) return false;
+  return selected_.count(&row) != 0 ? row.parent()->order() >= firstSelected_ : row.order() < endOfSelected_;
 }
 
 bool EditorFunctions::isInFocus(const Row& row) const {
-  return &row == &focused_ || isAncestor(focused_, row);
+  return focused_.order() <= row.order() && row.order() < focused_.orderEnd();
 }
 
 evaluation::Value EditorFunctions::focusedLevel(const Row& row) const {

@@ -25,6 +25,8 @@ class EditorFunctions : public evaluation::EditorView {
   const Row& focused_;
   std::unordered_set<const Row*> selected_;
   std::unordered_set<const Row*> aboveSelected_;
+  std::uint32_t firstSelected_ = 0;  ///< its order
+  std::uint32_t endOfSelected_ = 0;  ///< the end of all that are below them
 };
 
 }  // namespace vell::headless

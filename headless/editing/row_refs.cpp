@@ -51,10 +51,11 @@ std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor,
   const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
   if (parsed.error) throw Problem(outline_path::render(*parsed.error, path));
   const EditorFunctions functions(outline, editor);
+  const evaluation::Budget budget{.pause = throwIfAbandoned};
   outline.number();  // evaluating beside others only reads
   try {
     std::vector<const Row*> rows;
-    beside([&] { rows = evaluation::evaluateRows(*parsed.expression, outline, &functions); });
+    beside([&] { rows = evaluation::evaluateRows(*parsed.expression, outline, &functions, budget); });
     return rows;
   } catch (const evaluation::EvaluationError& error) {
     throw Problem("The path " + std::string(path) + " cannot be evaluated: " + error.what());

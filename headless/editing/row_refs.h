@@ -9,7 +9,8 @@
 namespace vell::headless {
 
 /// The rows that the outline path selects, in document order. The editor answers the functions that ask for
-/// focus, folds and selection. Throws Problem for a path that is not valid or selects a value.
+/// focus, folds and selection. Throws Problem for a path that is not valid, selects a value or takes too
+/// long.
 std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor, std::string_view path);
 
 /// Why no row can have that persistent id: it would read as another kind of reference. Empty if a row can.

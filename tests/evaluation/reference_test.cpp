@@ -64,7 +64,7 @@ const char* const kAxes[] = {"child::",
                              "descendant-or-self::"};
 
 Spelled randomPredicate(Random& random, int depth) {
-  switch (random.below(depth > 0 ? 9 : 5)) {
+  switch (random.below(depth > 0 ? 11 : 7)) {
     case 0:
       return {"@b", "@b"};
     case 1:
@@ -75,9 +75,18 @@ Spelled randomPredicate(Random& random, int depth) {
       return {"\"r1\"", "contains(@text, 'r1')"};
     case 4:
       return {"@text beginswith \"r2\"", "starts-with(@text, 'r2')"};
-    case 5:
-      return {"count(child::*) > 1", "count(child::*) > 1"};
+    case 5: {
+      const std::string path = kAxes[random.below(11)] + random.oneOf({"*", "task"}) +
+                               (random.below(3) == 0 ? "/" + std::string(kAxes[random.below(11)]) + "*" : "");
+      const std::string count = "count(" + path + ") > " + std::to_string(random.below(4));
+      return {count, count};
+    }
     case 6: {
+      const std::string place = "position() " + random.oneOf({"=", "!=", "<", "<=", ">", ">="}) + " " +
+                                random.oneOf({"1", "2", "3", "last()", "last() - 1", "1.5"});
+      return {place, place};
+    }
+    case 7: {
       const Spelled operand = randomPredicate(random, 0);
       return {"not (" + operand.ours + ")", "not(" + operand.theirs + ")"};
     }
@@ -272,23 +281,72 @@ TEST(Evaluation, AgreesWithTheDefinition) {
   }
 }
 
-// Were any of these quadratic, the test would not come to its end.
+// Were any of these quadratic, it would take too long.
 TEST(Evaluation, TakesOnePassForEachStep) {
   Outline outline;
   Row* parent = &outline.root();
-  for (int i = 0; i < 100000; ++i) {
+  for (int i = 0; i < 50000; ++i) {
     Row* row = outline.create(RowType::task, Text("row"), 0);
     outline.insert(*row, *parent);
     if (i % 100 == 99) parent = i % 10000 == 9999 ? &outline.root() : row;
   }
-  for (const char* path :
-       {"//*//*//*", "//*/following::*", "//*/preceding::*", "//*/ancestor-or-self::*/descendant::*",
-        "//*/following-sibling::*", "//*/preceding-sibling::*", "//*/../*/..", "//* union //* union //*",
-        "//*/following::*[0]", "//* count(//*) > 5", "//*/descendant-or-self::*[:2]", "//*/child::*[-1]",
-        "//*/descendant::*[-1]", "//*/following::*[3:]", "//*/preceding::* not @a[-2:]", "//*//*[1:-1]",
-        "//*/following-sibling::*[-1]", "//*/preceding-sibling::* \"row\"[1:]", "//* count(//*[-1]) > 0"}) {
-    EXPECT_FALSE(selected(outline, path).empty()) << path;
+  for (const char* path : {"//*//*//*",
+                           "//*/following::*",
+                           "//*/preceding::*",
+                           "//*/ancestor-or-self::*/descendant::*",
+                           "//*/following-sibling::*",
+                           "//*/preceding-sibling::*",
+                           "//*/../*/..",
+                           "//* union //* union //*",
+                           "//*/following::*[0]",
+                           "//* count(//*) > 5",
+                           "//*/descendant-or-self::*[:2]",
+                           "//*/child::*[-1]",
+                           "//*/descendant::*[-1]",
+                           "//*/following::*[3:]",
+                           "//*/preceding::* not @a[-2:]",
+                           "//*//*[1:-1]",
+                           "//* nth-of-type() > 2",
+                           "//* only-of-type() = false",
+                           "//*/following::* position() = 2",
+                           "//*/preceding::* \"row\" and position() < last()",
+                           "//*/following-sibling::* position() = last()",
+                           "//* count(following::task) > 5",
+                           "//* count(preceding::*) > 5",
+                           "//* count(preceding-sibling::*) > 5",
+                           "//* count(../*) > 5",
+                           "//* count(../*/*) > 5",
+                           "//* boolean(.//task not @a) = true",
+                           "//* count(//* union //task/..) > 5",
+                           "//*/following-sibling::*[-1]",
+                           "//*/preceding-sibling::* \"row\"[1:]",
+                           "//* count(//*[-1]) > 0"}) {
+    const std::string rows = selected(outline, path, nullptr, {.steps = 10'000'000});
+    EXPECT_TRUE(rows.starts_with("row")) << path << ": " << rows;
   }
+}
+
+TEST(Evaluation, ComesToAnEnd) {
+  Outline outline;
+  for (int i = 0; i < 3000; ++i)
+    outline.insert(*outline.create(RowType::task, Text(std::string(20, 'a')), 0), outline.root());
+  const Selection rows[] = {
+      {"//*/following::* position() != 2",
+       "error: it takes too long, at its step /following::* position() != 2"},
+      {"//* count(following::*/..) = 1/*", "error: it takes too long, at its step /following::*"},
+      {"//* count(//* intersect ./*) = 1",
+       "error: it takes too long, at its step //* count(//* intersect ./*) = 1"},
+      {"//* @text matches \"(a?){12}[bc]\"",
+       "error: it takes too long, at its step //* @text matches \"(a?){12}[bc]\""},
+  };
+  for (const Selection& row : rows)
+    EXPECT_EQ(selected(outline, row.path, nullptr, {.steps = 100'000}), row.rows) << row.path;
+  int pauses = 0;
+  const auto endAtThird = [&] {
+    if (++pauses == 3) throw std::out_of_range("ended");
+  };
+  EXPECT_THROW(selected(outline, rows[0].path, nullptr, {.pause = endAtThird}), std::out_of_range);
+  EXPECT_EQ(pauses, 3);
 }
 
 }  // namespace

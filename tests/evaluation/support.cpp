@@ -41,12 +41,13 @@ std::unique_ptr<Outline> outlineOf(std::string_view lines) {
   return outline;
 }
 
-std::string selected(const Outline& outline, const std::string& path, const EditorView* editor) {
+std::string selected(const Outline& outline, const std::string& path, const EditorView* editor,
+                     const Budget& budget) {
   const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
   if (parsed.error) return render(*parsed.error, path);
   try {
     std::string names;
-    for (const Row* row : evaluateRows(*parsed.expression, outline, editor)) {
+    for (const Row* row : evaluateRows(*parsed.expression, outline, editor, budget)) {
       names += (names.empty() ? "" : " ") + (row == &outline.root() ? "ROOT" : row->text().string());
     }
     return names;

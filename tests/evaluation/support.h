@@ -31,6 +31,7 @@ struct Selection {
 /// An outline of lines "type text @name=value …", two blanks for each level.
 std::unique_ptr<Outline> outlineOf(std::string_view lines);
 /// The texts of the rows that the path selects, with blanks between; "error: …" where it cannot be evaluated.
-std::string selected(const Outline& outline, const std::string& path, const EditorView* editor = nullptr);
+std::string selected(const Outline& outline, const std::string& path, const EditorView* editor = nullptr,
+                     const Budget& budget = {});
 
 }  // namespace vell::evaluation

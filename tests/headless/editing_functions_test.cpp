@@ -31,6 +31,11 @@ TEST(EditorFunctions, AnswerForTheRowsOfAnOutline) {
   };
   for (const evaluation::Selection& row : rows)
     EXPECT_EQ(evaluation::selected(*outline, row.path, &functions), row.rows) << row.path;
+  // From "d" to "F": what is below it, too, is below the selection.
+  editor.select(*heading.firstChild()->next(), *heading.next());
+  const EditorFunctions wider(*outline, editor);
+  EXPECT_EQ(evaluation::selected(*outline, "//* selection() = \"block\"", &wider), "d e F");
+  EXPECT_EQ(evaluation::selected(*outline, "//* selection-descendant() = true", &wider), "G h Éclair");
 }
 
 }  // namespace
