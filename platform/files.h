@@ -38,8 +38,8 @@ struct FileFacts {
 std::optional<FileFacts> factsOf(const std::string& path);
 std::optional<FileFacts> factsOf(int descriptor);
 
-/// Gives one open file the extended attributes and access lists of another. False where some of those that
-/// people set cannot be given.
+/// Gives one open file the extended attributes and access lists of another, and no others. False where some
+/// of those that people set cannot be given.
 bool copyAttributes(int from, int to);
 
 /// Returns when the file's content is on the disk itself; false, with errno set, where that fails.

@@ -7,8 +7,8 @@
 #include <sys/xattr.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cstdio>
-#include <cstring>
 #include <filesystem>
 #include <memory>
 #include <string_view>
@@ -47,12 +47,25 @@ bool isSystems(std::string_view attribute) {
   return attribute.starts_with("security.") || attribute.starts_with("trusted.");
 }
 
-bool copyAttribute(int from, int to, const char* name) {
-  const ssize_t size = ::fgetxattr(from, name, nullptr, 0);
+/// None for a file system without attributes.
+std::vector<std::string> attributesOf(int descriptor) {
+  const ssize_t size = ::flistxattr(descriptor, nullptr, 0);
+  if (size <= 0) return {};
+  std::string names(static_cast<std::size_t>(size), '\0');
+  const ssize_t length = ::flistxattr(descriptor, names.data(), names.size());
+  std::vector<std::string> list;
+  for (std::size_t at = 0; length > 0 && at < static_cast<std::size_t>(length); at += list.back().size() + 1)
+    list.emplace_back(&names[at]);
+  std::erase_if(list, isSystems);
+  return list;
+}
+
+bool copyAttribute(int from, int to, const std::string& name) {
+  const ssize_t size = ::fgetxattr(from, name.c_str(), nullptr, 0);
   if (size < 0) return false;
   std::string value(static_cast<std::size_t>(size), '\0');
-  return ::fgetxattr(from, name, value.data(), value.size()) == size &&
-         ::fsetxattr(to, name, value.data(), value.size(), 0) == 0;
+  return ::fgetxattr(from, name.c_str(), value.data(), value.size()) == size &&
+         ::fsetxattr(to, name.c_str(), value.data(), value.size(), 0) == 0;
 }
 
 }  // namespace
@@ -61,16 +74,14 @@ std::optional<FileFacts> factsOf(const std::string& path) { return factsOf(AT_FD
 
 std::optional<FileFacts> factsOf(int descriptor) { return factsOf(descriptor, "", AT_EMPTY_PATH); }
 
+// The folder may have given the new file an access list of its own.
 bool copyAttributes(int from, int to) {
-  const ssize_t size = ::flistxattr(from, nullptr, 0);
-  if (size <= 0) return true;  // none, or a file system without
-  std::string names(static_cast<std::size_t>(size), '\0');
-  const ssize_t length = ::flistxattr(from, names.data(), names.size());
-  if (length < 0) return false;
-  names.resize(static_cast<std::size_t>(length));
+  const std::vector<std::string> names = attributesOf(from);
   bool all = true;
-  for (std::size_t at = 0; at < names.size(); at += std::strlen(&names[at]) + 1)
-    all = (isSystems(&names[at]) || copyAttribute(from, to, &names[at])) && all;
+  for (const std::string& own : attributesOf(to))
+    if (std::find(names.begin(), names.end(), own) == names.end())
+      all = ::fremovexattr(to, own.c_str()) == 0 && all;
+  for (const std::string& name : names) all = copyAttribute(from, to, name) && all;
   return all;
 }
 
