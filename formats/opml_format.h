@@ -15,6 +15,12 @@ inline std::string_view textName(bool hasText) { return hasText ? "text" : "titl
 /// Namespace declarations are no attributes of a row.
 inline bool isNamespaceName(std::string_view name) { return name == "xmlns" || name.starts_with("xmlns:"); }
 
+/// True for the names under which a row's other content stands.
+inline bool isContentName(std::string_view name) {
+  return name == "vell-text" || name == "vell-type" || name == "vell-id" || name == "vell-created" ||
+         name == "vell-modified";
+}
+
 /// Attributes that XML cannot name stand in one that holds a JSON object. Where others stand between them
 /// there are several, with a number from 2 on behind the name, so that all keep their order.
 inline constexpr std::string_view divertedName = "vell-attributes";

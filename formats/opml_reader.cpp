@@ -172,7 +172,7 @@ void OpmlReader::readAttribute(const pugi::xml_attribute& attribute, RowContent&
   } else if (name == "vell-modified") {
     row.modified = time(value, element_);
     hasModified = true;
-  } else if (name.starts_with(divertedName)) {
+  } else if (divertedNumber(name) != 0) {
     for (const Attribute& entry : readAttributes(value)) row.attributes.set(entry.key, entry.value);
   } else if (!isNamespaceName(name)) {
     row.attributes.set(name, value);

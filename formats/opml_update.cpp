@@ -87,7 +87,7 @@ void OutlineTag::updateAttributes() {
       const std::size_t end = updateDiverted(index, written);
       if (end > written) diverted = std::max(diverted, number);
       written = end;
-    } else if (name == textName_ || name.starts_with("vell-") || isNamespaceName(name)) {
+    } else if (name == textName_ || isContentName(name) || isNamespaceName(name)) {
       continue;
     } else if (written < now.size() && now.begin()[written].key == name) {
       tag_.set(index, now.begin()[written++].value);
