@@ -1,5 +1,8 @@
 #include "formats/inline_draft.h"
 
+#include <algorithm>
+#include <span>
+
 #include "formats/attribute_list.h"
 
 namespace vell::formats {
@@ -90,44 +93,64 @@ bool Draft::endsInTrailer() const {
 /// The text that is read as something else.
 Draft::Places Draft::findMisread(const std::vector<Piece>& pieces) const {
   Places places;
-  std::vector<bool> escapedOpeners;
+  std::vector<const Piece*> openers;
   for (const Piece& piece : pieces) {
-    const bool beginsInText = isText(piece.begin);
     switch (piece.kind) {
       case Piece::Kind::text:
         break;
       case Piece::Kind::decoded:
-        if (beginsInText) places.push_back(piece.begin);
+        if (isText(piece.begin)) places.push_back(piece.begin);
         break;
       case Piece::Kind::unit:  // one of its own is text throughout
-        for (std::size_t at = piece.begin; at < piece.end && beginsInText; ++at) {
-          if (isText(at)) continue;
-          places.push_back(piece.begin);
-          break;
-        }
+        if (isText(piece.begin) && hasMarkup(piece)) places.push_back(piece.begin);
         break;
       case Piece::Kind::open:
-        if (beginsInText) addMarks(places, piece);
-        escapedOpeners.push_back(beginsInText);
+        openers.push_back(&piece);
         break;
-      case Piece::Kind::close: {
-        const bool isBracket = source_[piece.begin] == ']' || source_[piece.begin] == '>';
-        if (!isBracket || !escapedOpeners.back()) addMarks(places, piece);
-        escapedOpeners.pop_back();
+      case Piece::Kind::close:
+        addMarks(places, *openers.back(), piece);
+        openers.pop_back();
         break;
-      }
     }
   }
+  std::sort(places.begin(), places.end());
   return places;
 }
 
-/// The marks that an opening or closing piece consists of: "**", backticks beside a blank, the "]" of a link.
-void Draft::addMarks(Places& places, const Piece& piece) const {
+bool Draft::hasMarkup(const Piece& piece) const {
+  const auto bytes = std::span(bytes_).subspan(piece.begin, piece.end - piece.begin);
+  return std::find(bytes.begin(), bytes.end(), Byte::markup) != bytes.end();
+}
+
+/// Takes the text that begins or ends a style: of brackets one is enough, of marks the one that was added,
+/// where the other was kept. A backslash keeps backticks from beginning code, but not from ending it.
+void Draft::addMarks(Places& places, const Piece& open, const Piece& close) const {
+  const Places first = textMarks(open);
+  const Places last = textMarks(close);
+  const auto isAdded = [&](const Places& marks) {
+    return !marks.empty() && bytes_[marks.front()] == Byte::text;
+  };
+  const char mark = source_[open.begin];
+  const bool isCode = mark == '`';
+  const bool isBracket = mark == '[' || mark == '<';
+  const bool takesFirst = isBracket || isCode || isAdded(first) || !isAdded(last);
+  const bool takesLast = isBracket ? first.empty()
+                         : isCode  ? isAdded(last) && !first.empty()
+                                   : isAdded(last) || !isAdded(first);
+  if (takesFirst) places.insert(places.end(), first.begin(), first.end());
+  if (takesLast) places.insert(places.end(), last.begin(), last.end());
+}
+
+/// Of the marks that a piece consists of ("**", backticks beside a blank, the "]" of a link) those that are
+/// text.
+Draft::Places Draft::textMarks(const Piece& piece) const {
+  Places places;
   std::size_t at = piece.begin;
   if (source_[at] == ' ') ++at;
   for (const char mark = source_[at]; at < piece.end && source_[at] == mark; ++at) {
     if (isText(at)) places.push_back(at);
   }
+  return places;
 }
 
 /// Where one of the characters stands as text that was added as such.
@@ -148,9 +171,30 @@ Draft::Places Draft::findSuspects() const {
     return (at > 0 && !isText(at - 1)) || (at + 1 < source_.size() && !isText(at + 1));
   };
   const auto any = [](std::size_t) { return true; };
-  Places places = findText(special, touchesMarkup);
+  Places places = findBlanksAtBreaks();
+  if (places.empty()) places = findText(special, touchesMarkup);
   if (places.empty()) places = findText("[]", any);
   if (places.empty()) places = findText(special, any);
+  return places;
+}
+
+Draft::Places Draft::findBlanksAtBreaks() const {
+  Places places;
+  const auto isTextBlank = [&](std::size_t at) {
+    return at < source_.size() && isText(at) && isBlank(source_[at]);
+  };
+  const auto isMarkupBlank = [&](std::size_t at) {
+    return at < source_.size() && !isText(at) && isBlank(source_[at]);
+  };
+  for (std::size_t at = source_.find('\n'); at != std::string::npos; at = source_.find('\n', at + 1)) {
+    if (isText(at)) continue;
+    std::size_t begin = at;
+    std::size_t end = at + 1;
+    while (begin > 0 && isMarkupBlank(begin - 1)) --begin;
+    while (isMarkupBlank(end)) ++end;
+    if (begin > 0 && isTextBlank(begin - 1)) places.push_back(begin - 1);
+    if (isTextBlank(end)) places.push_back(end);
+  }
   return places;
 }
 

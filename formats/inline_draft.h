@@ -36,10 +36,13 @@ class Draft {
   bool endsInTrailer() const;
   bool readsAs(const Text& text, const std::vector<Piece>& pieces) const;
   Places findMisread(const std::vector<Piece>& pieces) const;
-  void addMarks(Places& places, const Piece& piece) const;
+  bool hasMarkup(const Piece& piece) const;
+  void addMarks(Places& places, const Piece& open, const Piece& close) const;
+  Places textMarks(const Piece& piece) const;
   template <class Fits>
   Places findText(std::string_view characters, Fits&& fits) const;
   Places findSuspects() const;
+  Places findBlanksAtBreaks() const;
   void escape(const Places& places);
 
   std::string source_;

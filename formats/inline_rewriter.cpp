@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <optional>
+#include <tuple>
 #include <utility>
 
 #include "formats/inline_writer.h"
@@ -13,6 +14,9 @@ constexpr std::size_t none = static_cast<std::size_t>(-1);
 /// Pieces that begin or end styles side by side, between which a source may be cut; of more only the outer
 /// ones.
 constexpr std::size_t maxCuts = 6;
+
+/// Whether a source may be cut within styles, or only where none is open.
+enum class Cutting { anywhere, betweenStyles };
 
 /// A place at which a source can be cut: before a piece, or within a piece of text.
 struct Cut {
@@ -28,10 +32,8 @@ class InlineSource {
   const Text& text() const { return text_; }
 
   /// The places at which the source says that much of its text, first to last.
-  std::vector<Cut> cutsAt(std::size_t textOffset) const;
+  std::vector<Cut> cutsAt(std::size_t textOffset, Cutting cutting) const;
   std::size_t offsetOf(Cut cut) const;
-  /// True where no style is open at one of these places, and no word goes on beyond it.
-  bool isBetweenWords(std::size_t textOffset) const;
   Cut end() const { return {pieces_.size(), 0}; }
   std::size_t size() const { return source_.size(); }
   /// The pieces that open the styles around the cut, the outer ones first.
@@ -76,31 +78,23 @@ InlineSource::InlineSource(std::string_view source, LineFeeds lineFeeds)
   around_.push_back(inside);
 }
 
-std::vector<Cut> InlineSource::cutsAt(std::size_t textOffset) const {
+std::vector<Cut> InlineSource::cutsAt(std::size_t textOffset, Cutting cutting) const {
   const auto [first, last] = std::equal_range(textBefore_.begin(), textBefore_.end(), textOffset);
   std::vector<Cut> cuts;
-  for (auto place = first; place != last; ++place) {
-    const bool isOuter = place - first < static_cast<std::ptrdiff_t>(maxCuts / 2) ||
-                         last - place <= static_cast<std::ptrdiff_t>(maxCuts / 2);
-    if (isOuter) cuts.push_back({static_cast<std::size_t>(place - textBefore_.begin()), 0});
-  }
+  for (auto place = first; place != last; ++place)
+    cuts.push_back({static_cast<std::size_t>(place - textBefore_.begin()), 0});
   if (cuts.empty()) {
     const auto piece = static_cast<std::size_t>(first - textBefore_.begin()) - 1;
     cuts.push_back({piece, textOffset - textBefore_[piece]});
   }
+  if (cutting == Cutting::betweenStyles)
+    std::erase_if(cuts, [&](Cut cut) { return around_[cut.piece] != none; });
+  if (cuts.size() > maxCuts) cuts.erase(cuts.begin() + maxCuts / 2, cuts.end() - maxCuts / 2);
   return cuts;
 }
 
 std::size_t InlineSource::offsetOf(Cut cut) const {
   return cut.piece < pieces_.size() ? pieces_[cut.piece].begin + cut.offset : source_.size();
-}
-
-bool InlineSource::isBetweenWords(std::size_t textOffset) const {
-  const std::string& text = text_.string();
-  const bool isEdge = textOffset == 0 || textOffset == text.size() || isBlank(text[textOffset - 1]) ||
-                      isBlank(text[textOffset]);
-  const std::vector<Cut> cuts = isEdge ? cutsAt(textOffset) : std::vector<Cut>();
-  return std::any_of(cuts.begin(), cuts.end(), [&](Cut cut) { return around_[cut.piece] == none; });
 }
 
 std::vector<std::size_t> InlineSource::stylesAround(Cut cut) const {
@@ -124,7 +118,9 @@ class Rewriter {
  public:
   Rewriter(const InlineSource& old, const Text& now) : old_(old), now_(now), ranges_(rangesOf(now)) {}
 
-  Draft rewrite(const std::vector<CommonStretch>& kept);
+  /// Leaves words and styles that are changed in part out of what is kept.
+  std::vector<CommonStretch> narrowedToWords(const std::vector<CommonStretch>& kept) const;
+  Draft rewrite(const std::vector<CommonStretch>& kept, Cutting cutting, StyleForm form) const;
 
  private:
   /// What stands in the source between two stretches that are kept, and in its place now.
@@ -134,10 +130,13 @@ class Rewriter {
     Draft written;
   };
 
-  Gap fillGap(std::size_t oldBegin, std::size_t oldEnd, std::size_t nowBegin, std::size_t nowEnd) const;
-  Draft fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) const;
+  bool isBetween(std::size_t at) const;
+  Gap fillGap(const CommonStretch& before, const CommonStretch& behind, Cutting cutting,
+              StyleForm form) const;
+  Draft fill(Cut from, Cut to, const std::vector<StyledRange>& ranges, StyleForm form) const;
   bool goesOn(std::size_t open, const std::vector<StyledRange>& ranges) const;
-  void write(Draft& draft, std::vector<StyledRange> ranges, std::span<const std::size_t> inside) const;
+  void write(Draft& draft, std::vector<StyledRange> ranges, std::span<const std::size_t> inside,
+             StyleForm form) const;
   std::vector<StyledRange> rangesBetween(std::size_t begin, std::size_t end) const;
 
   const InlineSource& old_;
@@ -145,14 +144,39 @@ class Rewriter {
   std::vector<StyledRange> ranges_;
 };
 
-Draft Rewriter::rewrite(const std::vector<CommonStretch>& kept) {
+std::vector<CommonStretch> Rewriter::narrowedToWords(const std::vector<CommonStretch>& kept) const {
+  std::vector<CommonStretch> narrowed;
+  for (const CommonStretch& stretch : kept) {
+    const bool isFront = &stretch == &kept.front();
+    const bool isBack = &stretch == &kept.back();
+    const auto isBetweenWords = [&](std::size_t at) {
+      return isBetween(stretch.nowBegin + at) &&
+             !old_.cutsAt(stretch.oldBegin + at, Cutting::betweenStyles).empty();
+    };
+    std::size_t begin = 0;
+    std::size_t end = stretch.length;
+    while (!isFront && begin < end && !isBetweenWords(begin)) ++begin;
+    while (!isBack && end > begin && !isBetweenWords(end)) --end;
+    if (begin < end || isFront || isBack)
+      narrowed.push_back({stretch.oldBegin + begin, stretch.nowBegin + begin, end - begin});
+  }
+  return narrowed;
+}
+
+/// True where in the text as it is now no word goes on and no style.
+bool Rewriter::isBetween(std::size_t at) const {
+  const std::string& text = now_.string();
+  if (at == 0 || at == text.size()) return true;
+  if (!isBlank(text[at - 1]) && !isBlank(text[at])) return false;
+  const std::vector<StyledRange> around = rangesBetween(at - 1, at + 1);
+  return around.front().style.empty() || around.back().style.empty();
+}
+
+Draft Rewriter::rewrite(const std::vector<CommonStretch>& kept, Cutting cutting, StyleForm form) const {
   Draft draft;
   Cut copied{0, 0};
   for (std::size_t index = 0; index + 1 < kept.size(); ++index) {
-    const CommonStretch& before = kept[index];
-    const CommonStretch& behind = kept[index + 1];
-    const Gap gap = fillGap(before.oldBegin + before.length, behind.oldBegin, before.nowBegin + before.length,
-                            behind.nowBegin);
+    const Gap gap = fillGap(kept[index], kept[index + 1], cutting, form);
     old_.copy(draft, copied, gap.from);
     draft.add(gap.written);
     copied = gap.to;
@@ -162,15 +186,15 @@ Draft Rewriter::rewrite(const std::vector<CommonStretch>& kept) {
 }
 
 /// Of all ways to cut the source at these places the one that gives the shortest text, and keeps most of it.
-Rewriter::Gap Rewriter::fillGap(std::size_t oldBegin, std::size_t oldEnd, std::size_t nowBegin,
-                                std::size_t nowEnd) const {
-  const std::vector<StyledRange> ranges = rangesBetween(nowBegin, nowEnd);
+Rewriter::Gap Rewriter::fillGap(const CommonStretch& before, const CommonStretch& behind, Cutting cutting,
+                                StyleForm form) const {
+  const std::vector<StyledRange> ranges = rangesBetween(before.nowBegin + before.length, behind.nowBegin);
   std::optional<Gap> best;
   std::pair<std::size_t, std::size_t> bestCost;
-  for (const Cut from : old_.cutsAt(oldBegin)) {
-    for (const Cut to : old_.cutsAt(oldEnd)) {
+  for (const Cut from : old_.cutsAt(before.oldBegin + before.length, cutting)) {
+    for (const Cut to : old_.cutsAt(behind.oldBegin, cutting)) {
       if (old_.offsetOf(to) < old_.offsetOf(from)) continue;
-      Draft written = fill(from, to, ranges);
+      Draft written = fill(from, to, ranges, form);
       const std::size_t dropped = old_.offsetOf(to) - old_.offsetOf(from);
       const std::pair cost(old_.size() - dropped + written.source().size(), dropped);
       if (best && cost >= bestCost) continue;
@@ -182,7 +206,7 @@ Rewriter::Gap Rewriter::fillGap(std::size_t oldBegin, std::size_t oldEnd, std::s
 }
 
 /// Styles that are open at both cuts and can go on in between stay open; others end before and begin behind.
-Draft Rewriter::fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) const {
+Draft Rewriter::fill(Cut from, Cut to, const std::vector<StyledRange>& ranges, StyleForm form) const {
   const std::vector<std::size_t> before = old_.stylesAround(from);
   const std::vector<std::size_t> behind = old_.stylesAround(to);
   const std::size_t most = std::min(before.size(), behind.size());
@@ -190,7 +214,7 @@ Draft Rewriter::fill(Cut from, Cut to, const std::vector<StyledRange>& ranges) c
   while (shared < most && before[shared] == behind[shared] && goesOn(before[shared], ranges)) ++shared;
   Draft draft;
   for (std::size_t open = before.size(); open-- > shared;) old_.copyClose(draft, before[open]);
-  write(draft, ranges, std::span(before).first(shared));
+  write(draft, ranges, std::span(before).first(shared), form);
   for (std::size_t open = shared; open < behind.size(); ++open) old_.copyOpen(draft, behind[open]);
   return draft;
 }
@@ -213,8 +237,8 @@ bool Rewriter::goesOn(std::size_t open, const std::vector<StyledRange>& ranges) 
          (!old_.isCode(open) || std::all_of(ranges.begin(), ranges.end(), fitsCode));
 }
 
-void Rewriter::write(Draft& draft, std::vector<StyledRange> ranges,
-                     std::span<const std::size_t> inside) const {
+void Rewriter::write(Draft& draft, std::vector<StyledRange> ranges, std::span<const std::size_t> inside,
+                     StyleForm form) const {
   for (StyledRange& range : ranges) {
     for (const std::size_t open : inside) {
       for (const Attribute& entry : old_.styleOf(open)) range.style.remove(entry.key);
@@ -224,7 +248,7 @@ void Rewriter::write(Draft& draft, std::vector<StyledRange> ranges,
     for (const StyledRange& range : ranges)
       draft.addMarkup(std::string_view(now_.string()).substr(range.begin, range.end - range.begin));
   } else {
-    appendRanges(draft, now_.string(), ranges, StyleForm::marks);
+    appendRanges(draft, now_.string(), ranges, form);
   }
 }
 
@@ -237,31 +261,19 @@ std::vector<StyledRange> Rewriter::rangesBetween(std::size_t begin, std::size_t 
   return between;
 }
 
-/// Leaves styles and words that are changed in part out of what is kept.
-std::vector<CommonStretch> narrowedToWords(const std::vector<CommonStretch>& kept, const InlineSource& old) {
-  std::vector<CommonStretch> narrowed;
-  for (const CommonStretch& stretch : kept) {
-    const bool isFront = &stretch == &kept.front();
-    const bool isBack = &stretch == &kept.back();
-    std::size_t begin = stretch.oldBegin;
-    std::size_t end = begin + stretch.length;
-    while (!isFront && begin < end && !old.isBetweenWords(begin)) ++begin;
-    while (!isBack && end > begin && !old.isBetweenWords(end)) --end;
-    if (begin < end || isFront || isBack)
-      narrowed.push_back({begin, stretch.nowBegin + (begin - stretch.oldBegin), end - begin});
-  }
-  return narrowed;
-}
-
 }  // namespace
 
 std::string rewriteInline(std::string_view source, const Text& now, LineFeeds lineFeeds) {
   const InlineSource old(source, lineFeeds);
   if (old.text() == now) return std::string(source);
-  std::vector<CommonStretch> kept = commonStretches(old.text(), now);
-  for (const bool narrowed : {false, true}) {
-    if (narrowed) kept = narrowedToWords(kept, old);
-    Draft draft = Rewriter(old, now).rewrite(kept);
+  const Rewriter rewriter(old, now);
+  const std::vector<CommonStretch> common = commonStretches(old.text(), now);
+  const std::vector<CommonStretch> words = rewriter.narrowedToWords(common);
+  for (const auto& [kept, cutting, form] :
+       {std::tuple(&common, Cutting::anywhere, StyleForm::marks),
+        std::tuple(&words, Cutting::betweenStyles, StyleForm::marks),
+        std::tuple(&words, Cutting::betweenStyles, StyleForm::brackets)}) {
+    Draft draft = rewriter.rewrite(*kept, cutting, form);
     if (draft.settle(now, lineFeeds)) return draft.source();
   }
   std::string rendered;

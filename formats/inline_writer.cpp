@@ -15,6 +15,16 @@ namespace {
 /// first one is the outer.
 constexpr std::array<std::string_view, 4> markedKeys = {"strong", "mark", "s", "em"};
 
+/// True where each bracket has its other half.
+bool bracketsPair(std::string_view text) {
+  std::ptrdiff_t open = 0;
+  for (const char c : text) {
+    if (c == '[') ++open;
+    if (c == ']' && --open < 0) return false;
+  }
+  return open == 0;
+}
+
 class RangeWriter {
  public:
   using Ranges = std::span<const StyledRange>;
@@ -27,6 +37,7 @@ class RangeWriter {
  private:
   /// Styles that are open: a bit for each marked key, and one for what stands in brackets.
   using Styles = std::bitset<markedKeys.size() + 1>;
+  static constexpr std::size_t strong = 0;
   static constexpr std::size_t bracket = markedKeys.size();
 
   bool isMarked(const Attribute& entry) const;
@@ -39,6 +50,7 @@ class RangeWriter {
   void writeGroup(std::size_t style, Ranges group, Styles open);
   void writeLeaf(const StyledRange& range);
   bool isAutolink(Ranges group) const;
+  void writeText(std::string_view string);
   void writeCode(std::string_view code);
   void writeTail(Attributes style);
   void writeList(const Attributes& style);
@@ -47,6 +59,10 @@ class RangeWriter {
   std::string_view text_;
   Ranges ranges_;
   StyleForm form_;
+  // Where the open strong text begins and ends.
+  std::size_t strongBegin_ = 0;
+  std::size_t strongEnd_ = 0;
+  bool escapesBrackets_ = false;
 };
 
 bool RangeWriter::isMarked(const Attribute& entry) const {
@@ -104,7 +120,12 @@ void RangeWriter::writeGroup(std::size_t style, Ranges group, Styles open) {
     return draft_.addMarkup("<" + *group.front().style.find("a") + ">");
   const std::string_view mark = style == bracket ? std::string_view() : markFor(style, group, open);
   draft_.addMarkup(mark.empty() ? "[" : mark);
+  const bool escaped = escapesBrackets_;
+  const std::string_view string = text_.substr(group.front().begin, group.back().end - group.front().begin);
+  if (mark.empty() && !bracketsPair(string)) escapesBrackets_ = true;
+  if (style == strong) strongBegin_ = group.front().begin, strongEnd_ = group.back().end;
   writeGroups(group, open.set(style));
+  escapesBrackets_ = escaped;
   draft_.addMarkup(mark.empty() ? "]" : mark);
   if (style == bracket) {
     writeTail(bracketStyle(group.front()));
@@ -128,12 +149,12 @@ std::string_view RangeWriter::markFor(std::size_t style, Ranges group, Styles op
   const std::size_t begin = group.front().begin;
   const std::size_t end = group.back().end;
   const std::string& written = draft_.source();
-  const CharacterClass before =
-      written.empty() ? classBefore(text_, begin) : classBefore(written, written.size());
-  const CharacterClass behind =
-      markupFollows(group, open) ? CharacterClass::punctuation : classAt(text_, end);
-  for (const std::string_view mark :
-       {markOf(key), key == "em" ? std::string_view("*") : std::string_view()}) {
+  CharacterClass before = written.empty() ? classBefore(text_, begin) : classBefore(written, written.size());
+  CharacterClass behind = markupFollows(group, open) ? CharacterClass::punctuation : classAt(text_, end);
+  // Stars side by side are one run, which has to stand by itself.
+  if (open[strong] && strongBegin_ == begin) before = classBefore(text_, begin);
+  if (open[strong] && strongEnd_ == end) behind = classAt(text_, end);
+  for (const std::string_view mark : {markOf(key), std::string_view(key == "em" ? "*" : "")}) {
     if (mark.empty()) continue;
     const Flanks opening = flanksOf(mark.front(), before, classAt(text_, begin));
     const Flanks closing = flanksOf(mark.front(), classBefore(text_, end), behind);
@@ -166,14 +187,24 @@ void RangeWriter::writeLeaf(const StyledRange& range) {
   const auto isBad = [](char c) { return isControl(c) && c != '\t'; };
   const std::string* code = range.style.find("code");
   if (form_ == StyleForm::brackets || !code || !code->empty()) {
-    draft_.addText(string);
+    writeText(string);
   } else if (std::any_of(string.begin(), string.end(), isBad)) {
     draft_.addMarkup("[");
-    draft_.addText(string);
+    writeText(string);
     draft_.addMarkup("]");
     writeList({{"code", ""}});
   } else {
     writeCode(string);
+  }
+}
+
+void RangeWriter::writeText(std::string_view string) {
+  while (!string.empty()) {
+    const std::size_t end =
+        escapesBrackets_ ? std::min(string.find_first_of("[]"), string.size()) : string.size();
+    draft_.addText(string.substr(0, end));
+    if (end < string.size()) draft_.addMarkup(string[end] == '[' ? "\\[" : "\\]");
+    string.remove_prefix(std::min(end + 1, string.size()));
   }
 }
 
@@ -183,8 +214,9 @@ void RangeWriter::writeCode(std::string_view code) {
     if (code[at] == '`') longest = std::max(longest, runLength(code, at));
   }
   const std::string fence(longest + 1, '`');
-  const bool padded =
-      code.front() == '`' || code.back() == '`' || (code.front() == ' ' && code.back() == ' ');
+  const bool losesBlanks =
+      code.front() == ' ' && code.back() == ' ' && code.find_first_not_of(' ') != std::string_view::npos;
+  const bool padded = code.front() == '`' || code.back() == '`' || losesBlanks;
   const std::string pad = padded ? " " : "";
   draft_.addMarkup(fence + pad);
   draft_.addMarkup(code);

@@ -3,85 +3,12 @@
 #include <filesystem>
 #include <fstream>
 
-#include "formats/inline_markdown.h"
 #include "formats/json_format.h"
 #include "tests/formats/support.h"
 #include "text/lines.h"
 
 namespace vell::formats {
 namespace {
-
-std::string runsOf(std::string_view markdown) {
-  std::string runs;
-  json::Writer writer(runs);
-  writeRuns(writer, parseInline(markdown));
-  return runs;
-}
-
-struct InlineCase {
-  const char* source;
-  const char* runs;
-  const char* written;  ///< null: as the source
-};
-
-const InlineCase inlineCases[] = {
-    // Plain text keeps what only looks like markup.
-    {"", "[]", nullptr},
-    {"a * b ** c _ d == e", R"([{"string":"a * b ** c _ d == e"}])", nullptr},
-    {"snake_case [note] & (x) 2*3", R"([{"string":"snake_case [note] & (x) 2*3"}])", nullptr},
-    {R"(\*a\* \\ \q)", R"([{"string":"*a* \\ \\q"}])", R"(\*a\* \ \q)"},
-    {"**open _only", R"([{"string":"**open _only"}])", nullptr},
-    {"a&#10;b&#x41;&#32;", R"([{"string":"a\nbA "}])", "a&#10;bA&#32;"},
-    {"&amp; &#; &#xD800; &#99999999;", R"([{"string":"&amp; &#; &#xD800; &#99999999;"}])", nullptr},
-    // Each mark.
-    {"**b** _i_ ~~s~~ ==m== `c`",
-     R"([{"string":"b","attrs":{"strong":""}},{"string":" "},{"string":"i","attrs":{"em":""}},{"string":" "},)"
-     R"({"string":"s","attrs":{"s":""}},{"string":" "},{"string":"m","attrs":{"mark":""}},{"string":" "},)"
-     R"({"string":"c","attrs":{"code":""}}])",
-     nullptr},
-    {"*i* __b__", R"([{"string":"i","attrs":{"em":""}},{"string":" "},{"string":"b","attrs":{"strong":""}}])",
-     "_i_ **b**"},
-    {"``a`b`` ` `` `",
-     R"([{"string":"a`b","attrs":{"code":""}},{"string":" "},{"string":"``","attrs":{"code":""}}])",
-     "``a`b`` ``` `` ```"},
-    // Marks within marks, and marks that cross.
-    {"***x***", R"([{"string":"x","attrs":{"em":"","strong":""}}])", "**_x_**"},
-    {"**a _b_ c**",
-     R"([{"string":"a ","attrs":{"strong":""}},{"string":"b","attrs":{"em":"","strong":""}},)"
-     R"({"string":" c","attrs":{"strong":""}}])",
-     nullptr},
-    {"**a _b** c_", R"([{"string":"a _b","attrs":{"strong":""}},{"string":" c_"}])", nullptr},
-    // Links and lists of attributes.
-    {"[**a** b](http://x/y_(z)w)",
-     R"([{"string":"a","attrs":{"a":"http://x/y_(z)w","strong":""}},{"string":" b","attrs":{"a":"http://x/y_(z)w"}}])",
-     R"([**a** b](<http://x/y_(z)w>))"},
-    {"[a](<b c> \"t\")", R"([{"string":"a","attrs":{"a":"b c","title":"t"}}])", nullptr},
-    {"H[2]{base=sub}O", R"([{"string":"H"},{"string":"2","attrs":{"base":"sub"}},{"string":"O"}])", nullptr},
-    {"[a](u){k=\"v w\"}", R"([{"string":"a","attrs":{"a":"u","k":"v w"}}])", nullptr},
-    {"[a]{#x} [b]{} [](u) ](u) x", R"([{"string":"[a]{#x} [b]{} [](u) ](u) x"}])", nullptr},
-    // Where marks cannot tell the style apart, brackets do.
-    {"[ a ]{strong=\"\"}", R"([{"string":" a ","attrs":{"strong":""}}])", nullptr},
-    {"[a]{em=\"\"}b", R"([{"string":"a","attrs":{"em":""}},{"string":"b"}])", "*a*b"},
-};
-
-TEST(InlineMarkdown, ReadsAndWrites) {
-  for (const InlineCase& row : inlineCases) {
-    EXPECT_EQ(runsOf(row.source), row.runs) << row.source;
-    std::string written;
-    appendInline(written, parseInline(row.source));
-    EXPECT_EQ(written, row.written ? row.written : row.source);
-  }
-}
-
-TEST(InlineMarkdown, TakesLinearTimeAndBoundedDepth) {
-  for (const char* piece : {"[", "](", "](((", "]{a=\"", "**a ", "`", "_a*b~~", "[a](u ", "]{a=b "}) {
-    std::string source;
-    for (int count = 0; count < 10'000; ++count) source += piece;
-    std::string written;
-    appendInline(written, parseInline(source));
-    EXPECT_EQ(parseInline(written), parseInline(source)) << piece;
-  }
-}
 
 /// One line a row: indentation by depth, then "type|text|id|attributes".
 std::string outlineOf(std::string_view format, std::string_view text) {
