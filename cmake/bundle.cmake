@@ -15,18 +15,6 @@ endif()
 # The script engine brings the shared runtime into vell-headless; two of them must not meet in one process.
 target_link_options(vell-headless PRIVATE ${VELL_LTO_LINK})
 
-# The man page, the types that scripts find, and the completion scripts that vell writes from its command tree.
-configure_file(${PROJECT_SOURCE_DIR}/docs/man/vell.1 ${VELL_BUNDLE}/Resources/man/man1/vell.1 COPYONLY)
-configure_file(${PROJECT_SOURCE_DIR}/docs/vell.d.ts ${VELL_BUNDLE}/Resources/scripting/vell.d.ts COPYONLY)
-set(completions ${VELL_BUNDLE}/Resources/completions)
-add_custom_command(OUTPUT ${completions}/vell.bash ${completions}/_vell ${completions}/vell.fish
-  COMMAND ${CMAKE_COMMAND} -E make_directory ${completions}
-  COMMAND vell --generate-completion-script bash > ${completions}/vell.bash
-  COMMAND vell --generate-completion-script zsh > ${completions}/_vell
-  COMMAND vell --generate-completion-script fish > ${completions}/vell.fish
-  DEPENDS vell VERBATIM)
-add_custom_target(vell_completions ALL DEPENDS ${completions}/vell.bash)
-
 # The desktop application has the same name.
 install(CODE [[
   set(place "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/Vell.app")
@@ -41,3 +29,19 @@ install(CODE [[
   endif()
 ]])
 install(DIRECTORY ${CMAKE_BINARY_DIR}/Vell.app DESTINATION . USE_SOURCE_PERMISSIONS)
+
+# The man page, the types that scripts find, and the completion scripts that vell writes from its command tree.
+configure_file(${PROJECT_SOURCE_DIR}/docs/man/vell.1 ${VELL_BUNDLE}/Resources/man/man1/vell.1 COPYONLY)
+configure_file(${PROJECT_SOURCE_DIR}/docs/vell.d.ts ${VELL_BUNDLE}/Resources/scripting/vell.d.ts COPYONLY)
+set(completions ${VELL_BUNDLE}/Resources/completions)
+if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
+  add_custom_target(vell_completions)  # vell does not run here
+  return()
+endif()
+add_custom_command(OUTPUT ${completions}/vell.bash ${completions}/_vell ${completions}/vell.fish
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${completions}
+  COMMAND vell --generate-completion-script bash > ${completions}/vell.bash
+  COMMAND vell --generate-completion-script zsh > ${completions}/_vell
+  COMMAND vell --generate-completion-script fish > ${completions}/vell.fish
+  DEPENDS vell VERBATIM)
+add_custom_target(vell_completions ALL DEPENDS ${completions}/vell.bash)

@@ -1,0 +1,1 @@
+// GNUstep's headers include this name and need nothing from it.
