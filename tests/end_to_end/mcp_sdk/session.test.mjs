@@ -1,7 +1,7 @@
 // An agent's day with vell: the official client starts `vell mcp`, the application comes and goes.
 // usage: VELL=… VELL_HEADLESS=… node --test .
 import assert from 'node:assert/strict';
-import { spawn } from 'node:child_process';
+import { execFileSync, spawn } from 'node:child_process';
 import {
   copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, readlinkSync, realpathSync, rmSync,
 } from 'node:fs';
@@ -39,8 +39,14 @@ async function startApplication(...files) {
   };
 }
 
-/** Ends the applications that were started on the way, told by their home. */
+/** Ends the applications that were started on the way, told by their home or by the files that they were started with. */
 function stopStrayApplications() {
+  if (process.platform === 'darwin') {
+    for (const line of execFileSync('ps', ['-axo', 'pid=,command='], { encoding: 'utf8' }).split('\n')) {
+      if (line.includes('/vell-headless ') && line.includes(home)) process.kill(parseInt(line, 10), 'SIGTERM');
+    }
+    return;
+  }
   for (const pid of readdirSync('/proc').filter((name) => /^[0-9]+$/.test(name))) {
     try {
       if (!readlinkSync(`/proc/${pid}/exe`).endsWith('/vell-headless')) continue;
@@ -75,7 +81,7 @@ async function startClient() {
 }
 
 test.after(() => {
-  if (process.platform === 'linux') stopStrayApplications();
+  stopStrayApplications();
   rmSync(home, { recursive: true, force: true, maxRetries: 5 });
 });
 mkdirSync(join(home, 'Library/Containers/app.vell.Vell/Data'), { recursive: true });
@@ -161,10 +167,7 @@ test('an agent works through a day', { timeout: 60_000 }, async (t) => {
   await client.close();
 });
 
-// Elsewhere the system starts the application that it knows, in the home that it knows.
-test('opening starts the application and tells of the waiting', {
-  timeout: 60_000, skip: process.platform !== 'linux',
-}, async () => {
+test('opening starts the application and tells of the waiting', { timeout: 60_000 }, async () => {
   const { client, tool, json } = await startClient();
   const path = join(home, 'new outline.md');
   const stop = await startApplication();
