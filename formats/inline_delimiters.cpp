@@ -1,5 +1,7 @@
 #include "formats/inline_delimiters.h"
 
+#include <utf8proc.h>
+
 #include <algorithm>
 #include <map>
 #include <tuple>
@@ -9,26 +11,16 @@
 namespace vell::formats {
 namespace {
 
-bool isUnicodeBlank(char32_t c) {
-  return c == 0xA0 || c == 0x1680 || (c >= 0x2000 && c <= 0x200A) || c == 0x202F || c == 0x205F ||
-         c == 0x3000;
-}
-
-/// Punctuation and signs beyond ASCII: the blocks that hold nothing else.
-bool isUnicodePunctuation(char32_t c) {
-  return (c >= 0xA1 && c <= 0xBF && c != 0xAA && c != 0xB5 && c != 0xBA) || c == 0xD7 || c == 0xF7 ||
-         (c >= 0x2010 && c <= 0x2BFF) || (c >= 0x3001 && c <= 0x303F) || (c >= 0xFF01 && c <= 0xFF0F) ||
-         (c >= 0x1F000 && c <= 0x1FAFF);
+/// Punctuation and symbols; their categories stand side by side.
+bool isMarkLike(utf8proc_category_t category) {
+  return category >= UTF8PROC_CATEGORY_PC && category <= UTF8PROC_CATEGORY_SO;
 }
 
 CharacterClass classOf(char32_t c) {
-  if (c < 0x80) {
-    const char ascii = static_cast<char>(c);
-    if (isBlank(ascii) || ascii == '\f' || ascii == '\r') return CharacterClass::blank;
-    return isPunctuation(ascii) ? CharacterClass::punctuation : CharacterClass::other;
-  }
-  if (isUnicodeBlank(c)) return CharacterClass::blank;
-  return isUnicodePunctuation(c) ? CharacterClass::punctuation : CharacterClass::other;
+  const utf8proc_category_t category = utf8proc_category(static_cast<utf8proc_int32_t>(c));
+  if (c == '\t' || c == '\n' || c == '\f' || c == '\r' || category == UTF8PROC_CATEGORY_ZS)
+    return CharacterClass::blank;
+  return isMarkLike(category) ? CharacterClass::punctuation : CharacterClass::other;
 }
 
 bool isTwin(char mark) { return mark == '~' || mark == '='; }
