@@ -30,24 +30,17 @@ bool isRule(std::string_view line) {
   return marks >= 3;
 }
 
-bool breaksHard(std::string_view line) {
-  const std::size_t slashes = line.size() - (line.find_last_not_of('\\') + 1);
-  return line.ends_with("  ") || slashes % 2 == 1;
-}
-
-/// The lines of a paragraph as one: joined by blanks, and by line feeds where the break is a hard one.
-std::string joinLines(std::string_view text) {
-  std::string joined;
+/// The lines of a paragraph without their indentation; blanks at their ends can make a break a hard one.
+std::string paragraphSource(std::string_view text) {
+  std::string source;
   for (std::size_t at = 0; at <= text.size();) {
     const std::size_t end = std::min(text.find('\n', at), text.size());
-    std::string_view line = text.substr(at, end - at);
-    const bool isHard = end < text.size() && breaksHard(line);
-    if (isHard && line.ends_with('\\')) line.remove_suffix(1);
-    joined += trim(line);
-    if (end < text.size()) joined += isHard ? "&#10;" : " ";
+    const std::string_view line = text.substr(at, end - at);
+    if (at > 0) source += '\n';
+    source += line.substr(indentBytes(line));
     at = end + 1;
   }
-  return joined;
+  return source;
 }
 
 /// All lines without the indentation of the first.
@@ -190,7 +183,7 @@ bool RowReader::takeTrailer(MarkdownRow& row, std::string_view& source) {
 
 void RowReader::setInline(MarkdownRow& row, std::string_view source) {
   row.inlineSource = trim(source);
-  row.content.text = parseInline(row.inlineSource);
+  row.content.text = parseInline(row.inlineSource, LineFeeds::breaks);
 }
 
 /// The type told in the trailer is set last: the mark's own attribute goes by the mark.
@@ -222,8 +215,8 @@ std::size_t RowReader::addItem(const Block& block, const Block* first) {
   MarkdownRow row = begin(MarkdownForm::item, block.begin, first ? first->end : block.end);
   const bool isOrdered = ordinalLength(text_.substr(block.begin, block.end - block.begin)) > 0;
   row.content.type = isOrdered ? RowType::ordered : RowType::unordered;
-  const std::string joined = first && first->kind == Kind::paragraph ? joinLines(first->text) : "";
-  std::string_view source = joined;
+  const std::string paragraph = first && first->kind == Kind::paragraph ? paragraphSource(first->text) : "";
+  std::string_view source = paragraph;
   takeTrailer(row, source);
   constexpr std::array<std::string_view, 3> boxes = {"[ ]", "[x]", "[X]"};
   for (const std::string_view box : boxes) {
@@ -243,8 +236,8 @@ std::size_t RowReader::addQuote(const Block& block) {
   const bool isFirst = quote.row == MarkdownRow::none;
   MarkdownRow row = begin(MarkdownForm::quote, block.markBegin, block.end);
   row.content.type = RowType::quote;
-  const std::string joined = joinLines(block.text);
-  std::string_view source = joined;
+  const std::string paragraph = paragraphSource(block.text);
+  std::string_view source = paragraph;
   takeTrailer(row, source);
   if (!isFirst && trailer_.type) {
     row.form = MarkdownForm::paragraph;
@@ -292,8 +285,8 @@ void RowReader::addBlock(const Block& block) {
 
 void RowReader::addBody(const Block& block) {
   MarkdownRow row = begin(MarkdownForm::paragraph, block.begin, block.end);
-  const std::string joined = joinLines(block.text);
-  std::string_view source = joined;
+  const std::string paragraph = paragraphSource(block.text);
+  std::string_view source = paragraph;
   takeTrailer(row, source);
   if (isRule(source)) {  // a trailer made a paragraph of it
     row.form = MarkdownForm::rule;
@@ -333,9 +326,9 @@ void RowReader::addHeading(const Block& block) {
   row.level = block.level;
   const bool isAtx = block.kind == Kind::atxHeading;
   const std::string_view text = std::string_view(block.text).substr(indentBytes(block.text));
-  const std::string joined =
-      isAtx ? std::string(trim(text.substr(block.level))) : joinLines(text.substr(0, text.rfind('\n')));
-  std::string_view source = joined;
+  const std::string heading =
+      isAtx ? std::string(trim(text.substr(block.level))) : paragraphSource(text.substr(0, text.rfind('\n')));
+  std::string_view source = heading;
   const bool hasTrailer = takeTrailer(row, source);
   if (isAtx) takeClosing(source);
   if (isAtx && !hasTrailer) takeTrailer(row, source);

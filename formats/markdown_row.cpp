@@ -21,8 +21,9 @@ bool isListItem(RowType type) {
 
 /// A line that begins with a word is nothing but text.
 bool isSafe(MarkdownForm form, std::string_view text) {
+  if (text.find('\n') != std::string_view::npos) return false;
   if (form == MarkdownForm::heading) return !text.ends_with('#');
-  return !text.empty() && isWordByte(text.front()) && ordinalLength(text) == 0;
+  return isWordByte(text.front()) && ordinalLength(text) == 0;
 }
 
 class RowWriter {
@@ -40,7 +41,9 @@ class RowWriter {
   RowType formType() const;
   std::string mark() const;
   RowTrailer trailer(bool markTellsAttribute) const;
-  std::string inlineText() const;
+  std::string rewrittenText() const;
+  std::string lineText() const;
+  std::string continuation() const;
   std::string line(std::string_view text) const;
   bool readsBack(const std::string& line) const;
   std::string markedLine() const;
@@ -106,24 +109,37 @@ RowTrailer RowWriter::trailer(bool markTellsAttribute) const {
   return trailer;
 }
 
-std::string RowWriter::inlineText() const {
+/// What the text was parsed from, changed where it says something else; may have several lines.
+std::string RowWriter::rewrittenText() const {
+  const bool isInline = style_.read && style_.read->form != MarkdownForm::verbatim &&
+                        style_.read->form != MarkdownForm::code;
+  return isInline ? rewriteInline(style_.read->inlineSource, row_.text(), LineFeeds::breaks) : lineText();
+}
+
+/// The text on one line.
+std::string RowWriter::lineText() const {
   std::string text;
-  if (style_.read && style_.read->form != MarkdownForm::verbatim) {
-    text = rewriteInline(style_.read->inlineSource, row_.text());
-    if (text.find_first_of("\r\n") == std::string::npos) return text;
-    text.clear();
-  }
   appendInline(text, row_.text());
   return text;
+}
+
+/// What stands in front of the second and all further lines.
+std::string RowWriter::continuation() const {
+  if (style_.form == MarkdownForm::item) return std::string(style_.mark.size() + 1, ' ');
+  return style_.form == MarkdownForm::quote ? "> " : "";
 }
 
 std::string RowWriter::line(std::string_view text) const {
   std::string line = mark();
   if (!line.empty() && !text.empty()) line += ' ';
-  line += text;
-  const std::string* value = markAttributeValue(row_);
-  const bool markTellsAttribute = value && ((formType() == RowType::task && isDone()) ||
-                                            (row_.type() == RowType::heading && style_.levelIsGranted));
+  const std::string before = continuation();
+  for (const char c : text) {
+    line += c;
+    if (c == '\n') line += before;
+  }
+  const std::string* lead = markAttributeValue(row_);
+  const bool markTellsAttribute = lead && ((formType() == RowType::task && isDone()) ||
+                                     (row_.type() == RowType::heading && style_.levelIsGranted));
   const RowTrailer trailer = this->trailer(markTellsAttribute);
   if (line.empty() && trailer.empty()) line = emptyMarkdownRow;
   if (!line.empty() && !trailer.empty()) line += ' ';
@@ -139,9 +155,13 @@ bool RowWriter::readsBack(const std::string& line) const {
 
 /// Text that begins like a mark is kept from being read as one.
 std::string RowWriter::markedLine() const {
-  std::string text = inlineText();
+  std::string text = rewrittenText();
   if (text.empty() || isSafe(style_.form, text)) return line(text);
   if (std::string plain = line(text); readsBack(plain)) return plain;
+  if (text.find('\n') != std::string::npos) {
+    text = lineText();
+    if (std::string plain = line(text); readsBack(plain)) return plain;
+  }
   if (style_.form == MarkdownForm::heading) return line(text.insert(text.size() - 1, 1, '\\'));
   const std::size_t ordinal = ordinalLength(text);
   std::string escaped = text;
@@ -153,11 +173,12 @@ std::string RowWriter::markedLine() const {
 }
 
 std::string RowWriter::setext() const {
-  const std::string text = inlineText();
+  const std::string text = rewrittenText();
   if (text.empty()) return markedLine();
   std::string lines = line(text).substr(style_.level + 1);
+  const std::size_t width = lines.size() - (lines.rfind('\n') + 1);
   lines += '\n';
-  lines.append(std::max<std::size_t>(lines.size() - 1, 3), style_.level == 1 ? '=' : '-');
+  lines.append(std::max<std::size_t>(width, 3), style_.level == 1 ? '=' : '-');
   return readsBack(lines) ? lines : markedLine();
 }
 
