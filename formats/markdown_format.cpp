@@ -8,11 +8,8 @@ namespace {
 std::optional<std::size_t> findMisread(std::span<const PlacedRow> rows, const MarkdownText& read) {
   for (std::size_t at = 0; at < std::max(rows.size(), read.rows.size()); ++at) {
     if (at >= rows.size() || at >= read.rows.size()) return std::min(at, rows.size() - 1);
-    const Row& row = *rows[at].row;
-    const RowContent& content = read.rows[at].content;
-    const bool isSame = read.rows[at].depth == rows[at].depth && content.type == row.type() &&
-                        content.text == row.text() && content.attributes == row.attributes() &&
-                        content.persistentId == row.persistentId();
+    const bool isSame = read.rows[at].depth == rows[at].depth &&
+                        says(*rows[at].row, read.rows[at].content, Times::dropped);
     if (!isSame) return at;
   }
   return std::nullopt;

@@ -111,8 +111,8 @@ RowTrailer RowWriter::trailer(bool markTellsAttribute) const {
 
 /// What the text was parsed from, changed where it says something else; may have several lines.
 std::string RowWriter::rewrittenText() const {
-  const bool isInline = style_.read && style_.read->form != MarkdownForm::verbatim &&
-                        style_.read->form != MarkdownForm::code;
+  const bool isInline =
+      style_.read && style_.read->form != MarkdownForm::verbatim && style_.read->form != MarkdownForm::code;
   return isInline ? rewriteInline(style_.read->inlineSource, row_.text(), LineFeeds::breaks) : lineText();
 }
 

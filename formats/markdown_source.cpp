@@ -47,6 +47,18 @@ bool MarkdownSource::isAsRead(const Row& row) const {
   return formats::isAsRead(*outline_, row, Times::dropped);
 }
 
+std::string_view MarkdownSource::openFence(const MarkdownRow& row) const {
+  const std::string_view own = this->own(row);
+  const std::string_view first = own.substr(0, own.find_first_of("\r\n"));
+  const std::string_view fence = first.substr(0, openingFence(first));
+  if (row.form != MarkdownForm::code || fence.empty()) return {};
+  const std::string_view last = own.substr(own.find_last_of("\r\n") + 1);
+  const std::size_t blanks = last.find_first_not_of(" \t>");
+  const bool isClosed = last.size() < own.size() && blanks != std::string_view::npos &&
+                        isClosingFence(last.substr(blanks), fence);
+  return isClosed ? std::string_view() : fence;
+}
+
 std::string MarkdownSource::prefix(const MarkdownRow& row) const {
   const std::size_t end = row.span.begin;
   std::size_t begin = end;

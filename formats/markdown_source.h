@@ -36,6 +36,8 @@ class MarkdownSource {
   std::string_view behindLast() const {
     return read_.rows.empty() ? text_.substr(read_.bodyBegin) : text_.substr(read_.rows.back().span.end);
   }
+  /// The fence that the row begins with where nothing ends it; else empty.
+  std::string_view openFence(const MarkdownRow& row) const;
   /// What stands in front of the row's lines: white space and ">", list marks replaced by blanks.
   std::string prefix(const MarkdownRow& row) const;
   /// The same of the rows in the row's item or quote; none where there are none.

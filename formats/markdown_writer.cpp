@@ -138,6 +138,7 @@ void MarkdownWriter::copy() {
   now_.form = read.form;
   now_.keepsPrefix = keepsPrefix(read);
   const std::string prefix = this->prefix();
+  now_.prefix = prefix;
   separate(prefix);
   appendLines(source_.own(read), now_.keepsPrefix ? prefix : source_.prefix(read), prefix);
   nesting_.place(now_.depth, read.gathers ? read.level : 0);
@@ -276,17 +277,13 @@ std::size_t MarkdownWriter::neededLineEnds() const {
 }
 
 /// Lines that end between the two where the source does not tell.
-std::size_t MarkdownWriter::lineEndsHere() {
+std::size_t MarkdownWriter::lineEndsHere() const {
   const MarkdownRow* before = previous_.read;
   const MarkdownRow* read = now_.read;
   std::size_t ends = neededLineEnds();
   if (ends == 1) ends = std::max(before ? source_.listGap(*before) : 1, read ? source_.listGap(*read) : 1);
   if (read) ends = std::max(ends, source_.lineEndsBefore(*read));
   if (before && read) ends = std::max(ends, source_.lineEndsBehind(*before));
-  if (before && !read && source_.isLast(*before)) {
-    out_ += source_.behindLast();
-    ends -= std::min(ends, countLineEnds(source_.behindLast()));
-  }
   return ends;
 }
 
@@ -299,6 +296,14 @@ void MarkdownWriter::begin(const std::string& prefix) {
     if (begun_) out_ += source_.lineEnd();
     out_ += prefix;
   }
+}
+
+/// Ends a block of code that went on to the end of what it stands in.
+void MarkdownWriter::closeFence() {
+  const std::string_view fence = source_.openFence(*previous_.read);
+  if (fence.empty()) return;
+  out_ += source_.lineEnd();
+  out_.append(previous_.prefix).append(fence);
 }
 
 /// Writes what stands between the previous row and this one, and in front of this one.
@@ -317,11 +322,17 @@ void MarkdownWriter::separate(const std::string& prefix) {
     if (isNext && now_.keepsPrefix && isWhole && fits) {
       out_ += gap;
     } else {
+      if (isCopied_[at_ - 1]) closeFence();
       const std::size_t ends = bothStand && found > 0 ? found : std::max(lineEndsHere(), found);
       // A blank line in a quote that both stand in has its mark.
       const bool isInside = now_.depth > previous_.depth || !open_.empty();
       const std::string_view blank = isInside ? withoutEndBlanks(prefix) : std::string_view();
-      for (std::size_t count = 0; count < ends; ++count) {
+      std::size_t count = 0;
+      if (before && !read && source_.isLast(*before)) {
+        out_ += source_.behindLast();
+        count = countLineEnds(source_.behindLast());
+      }
+      for (; count < ends; ++count) {
         if (count > 0) out_ += blank;
         out_ += source_.lineEnd();
       }

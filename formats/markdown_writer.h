@@ -35,7 +35,8 @@ class MarkdownWriter {
     bool hasChildren = false;
     MarkdownForm form = MarkdownForm::paragraph;
     bool keepsPrefix = false;
-    bool isBare = false;  ///< an item that is nothing but its mark
+    std::string prefix = {};  ///< in front of its lines
+    bool isBare = false;      ///< an item that is nothing but its mark
   };
   /// A row in whose item or quote the next rows can stand.
   struct Open {
@@ -72,8 +73,9 @@ class MarkdownWriter {
   std::string prefix() const;
   void openContainer(const std::string& prefix);
   std::size_t neededLineEnds() const;
-  std::size_t lineEndsHere();
+  std::size_t lineEndsHere() const;
   void begin(const std::string& prefix);
+  void closeFence();
   void separate(const std::string& prefix);
   void appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix);
   void finish();

@@ -47,7 +47,7 @@ TEST_F(Reading, EverySampleInEveryFormatThatIsNotItsOwn) {
       {"groceries.vell", "session", "\"shop\": \"market\"\n"},
       {"groceries.vell", "json", "\"id\": \"week\",\n"},
       {"groceries.vell", "json", "\"modified\": \"2026-03-04T07:02:55.120Z\""},
-      {"groceries.vell", "markdown", "\t\t- [ ] Potatoes, ==two kilos== {amount=2kg priority=1}\n"},
+      {"groceries.vell", "markdown", "\t- [ ] Potatoes, ==two kilos== {amount=2kg priority=1}\n"},
       {"groceries.vell", "opml", "<outline text=\"This week\" vell-type=\"heading\" vell-id=\"week\">"},
       {"groceries.vell", "txt", "\tBread from the bakery, not sliced\n\t\tClosed on Mondays"},
       {"project-plan.md", "session", "\"title\": \"A garden shed\""},
