@@ -76,7 +76,11 @@ bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
       if (seed != 0) {
         for (const Attribute& entry : random.attributes("done")) attributes.set(entry.key, entry.value);
       }
-      if (seed % 3 == 2) attributes = {};
+      if (seed % 3 == 2) {  // a heading's level is that of the headings below it
+        const std::string* level = row.attributes().find("level");
+        attributes = {};
+        if (level) attributes.set("level", *level);
+      }
       edit.setAttributes(row, std::move(attributes));
       break;
     }

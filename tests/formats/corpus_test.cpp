@@ -9,16 +9,9 @@
 namespace vell::formats {
 namespace {
 
-/// Formats whose files are still written anew.
-constexpr std::string_view pending[] = {"markdown"};
-
 /// The documents in corpus/, written as people write them, one test each.
 class Corpus : public testing::TestWithParam<std::string> {
  protected:
-  void SetUp() override {
-    if (std::count(std::begin(pending), std::end(pending), format().name) > 0) GTEST_SKIP();
-  }
-
   static const Format& format() { return *formatForFile(GetParam()); }
   static ChangedFile open() {
     std::ifstream stream(std::filesystem::path(VELL_CORPUS) / GetParam(), std::ios::binary);
