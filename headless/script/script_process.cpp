@@ -58,7 +58,8 @@ Ends socketPair() {
   return pair;
 }
 
-/// A child process with the socket as its standard input and no signal blocked; killed at the end of its life.
+/// A child process with the socket as its standard input and no signal blocked; killed at the end of its
+/// life.
 class Process {
  public:
   Process(const std::string& program, int input) {
@@ -74,8 +75,7 @@ class Process {
     std::string name = program;
     std::string flag = scriptFlag;
     const std::array<char*, 3> arguments = {name.data(), flag.data(), nullptr};
-    const int failure =
-        posix_spawn(&id_, program.c_str(), &actions, &attributes, arguments.data(), environ);
+    const int failure = posix_spawn(&id_, program.c_str(), &actions, &attributes, arguments.data(), environ);
     posix_spawnattr_destroy(&attributes);
     posix_spawn_file_actions_destroy(&actions);
     errno = failure;

@@ -21,8 +21,8 @@ std::string runScript(const std::string& program, const Script& script, const st
 
 inline constexpr const char* scriptFlag = "--evaluate-script";
 
-/// The other side: evaluates the script that is asked for over the socket which is standard input. Returns the exit
-/// status of the process.
+/// The other side: evaluates the script that is asked for over the socket which is standard input. Returns
+/// the exit status of the process.
 int serveScript();
 
 }  // namespace vell::headless

@@ -123,20 +123,36 @@ void overwrite(int descriptor, std::string_view bytes, off_t formerSize) {
   if (!platform::syncToDisk(descriptor)) throw systemProblem("fsync");
 }
 
+Problem noRoomIn(const std::string& target) {
+  return systemProblem("its folder " + folderOf(target) + " takes no new file");
+}
+
+FileStamp writeNew(const std::string& target, std::string_view bytes, mode_t mode) {
+  TemporaryFile temporary(target, mode);
+  if (!temporary) throw noRoomIn(target);
+  temporary.fill(bytes);
+  return temporary.moveTo(target);
+}
+
+void keepSpare(const std::string& spare, std::string_view bytes) {
+  try {
+    writeNew(spare, bytes, 0600);
+  } catch (const Problem& problem) {
+    throw Problem("it is to be overwritten, and the copy for the meantime fails: " +
+                  std::string(problem.what()));
+  }
+}
+
 std::optional<Replaced> overwriteExpected(const std::string& target, std::string_view bytes,
                                           const FileStamp& expected, const std::string& spare) {
   const platform::Descriptor file(open(target.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file) throw systemProblem("open");
   if (stampOf(file.get()) != expected) return std::nullopt;
-  replaceFile(spare, bytes, 0600);
+  keepSpare(spare, bytes);
   overwrite(file.get(), bytes, expected.size);
   const FileStamp stamp = stampOf(file.get());
   removeFile(spare);
   return Replaced{stamp};
-}
-
-Problem noRoomIn(const std::string& target) {
-  return systemProblem("its folder " + folderOf(target) + " takes no new file");
 }
 
 std::optional<Replaced> replaceExisting(const std::string& target, std::string_view bytes,
@@ -151,13 +167,6 @@ std::optional<Replaced> replaceExisting(const std::string& target, std::string_v
   if (refused || !temporary.take(target, former)) return overwriteExpected(target, bytes, expected, spare);
   temporary.fill(bytes);
   return temporary.moveTo(target, expected);
-}
-
-FileStamp writeNew(const std::string& target, std::string_view bytes, mode_t mode) {
-  TemporaryFile temporary(target, mode);
-  if (!temporary) throw noRoomIn(target);
-  temporary.fill(bytes);
-  return temporary.moveTo(target);
 }
 
 template <class Action>

@@ -80,6 +80,18 @@ TEST(Files, AFileWithSeveralNamesIsOverwritten) {
   EXPECT_EQ(readFile(file).bytes, "theirs");
 }
 
+TEST(Files, AFileInAFolderThatTakesNoOtherIsOverwritten) {
+  const tests::TemporaryDirectory directory;
+  const std::string file = directory.write("closed/a.txt", "old");
+  const platform::FileIdentity before = stampOf(file).file;
+  chmod((directory / "closed").c_str(), 0555);
+  const bool takesNone = access((directory / "closed").c_str(), W_OK) != 0;  // not for root
+  EXPECT_TRUE(replaceNow(file, "new"));
+  chmod((directory / "closed").c_str(), 0755);
+  EXPECT_EQ(readFile(file).bytes, "new");
+  EXPECT_EQ(stampOf(file).file == before, takesNone);
+}
+
 TEST(Files, ARenamedFileIsFoundButNoBackup) {
   const struct {
     const char* name;
