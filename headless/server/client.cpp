@@ -48,7 +48,7 @@ json::Text Client::takeRequest() {
 
 void Client::flush() {
   while (!output_.empty() && !broken_) {
-    const std::string& front = output_.front();
+    const std::string& front = *output_.front();
     const ssize_t count = platform::writeSocket(descriptor(), front.data() + taken_, front.size() - taken_);
     if (count < 0) {
       broken_ = !wouldBlock(errno);
@@ -63,10 +63,10 @@ void Client::flush() {
   }
 }
 
-void Client::send(std::string bytes) {
-  if (bytes.empty() || broken_ || left_) return;
+void Client::send(std::shared_ptr<const std::string> bytes) {
+  if (bytes->empty() || broken_ || left_) return;
   if (output_.empty()) lastMoved_ = Clock::now();
-  backlog_ += bytes.size();
+  backlog_ += bytes->size();
   output_.push_back(std::move(bytes));
 }
 

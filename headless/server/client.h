@@ -3,6 +3,7 @@
 #include <chrono>
 #include <cstdint>
 #include <deque>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -34,8 +35,9 @@ class Client {
   void receive();
   /// Writes what the client takes without waiting.
   void flush();
-  /// Queues whole lines.
-  void send(std::string bytes);
+  /// Queues bytes, which must make whole lines in the end.
+  void send(std::string bytes) { send(std::make_shared<const std::string>(std::move(bytes))); }
+  void send(std::shared_ptr<const std::string> bytes);
 
   /// A request may be taken now: the one before is answered, and there is room for the next answer.
   bool hasRequest() const { return request_ && !job_ && (left_ || backlog_ < backlogLimit); }
@@ -75,7 +77,7 @@ class Client {
   json::LineFraming lines_;
   std::optional<json::Text> request_;  // the next one
   std::optional<std::uint64_t> job_;
-  std::deque<std::string> output_;
+  std::deque<std::shared_ptr<const std::string>> output_;
   std::size_t taken_ = 0;  // bytes of the first output that are written
   std::size_t backlog_ = 0;
   bool ended_ = false;

@@ -8,6 +8,7 @@
 
 #include "headless/access.h"
 #include "headless/editing/problem.h"
+#include "headless/server/outline_use.h"
 #include "headless/server/request.h"
 
 namespace vell::headless {
@@ -88,53 +89,12 @@ OpenOutline* subject(const Application& application, const Params& params) {
   return application.outlines().empty() ? nullptr : application.outlines().front().get();
 }
 
-/// Counts a call among the users of its outline, once that admits it.
-class OutlineUse {
- public:
-  OutlineUse(const Call& call, Use use) : use_(use) {
-    while (const OpenOutline* opened = subject(call.application, call.params)) {
-      users_ = opened->users();
-      if (users_->admits(use)) {
-        users_->enter(use);
-        return;
-      }
-      wait();
-    }
-    users_.reset();
-  }
-  ~OutlineUse() {
-    if (!users_) return;
-    users_->leave(use_);
-    if (ApplicationHold* const hold = ApplicationHold::current()) hold->announce();
-  }
-  OutlineUse(const OutlineUse&) = delete;
-  OutlineUse& operator=(const OutlineUse&) = delete;
-
- private:
-  /// The outline may be gone behind this, or another one in front.
-  void wait() const {
-    ApplicationHold* const hold = ApplicationHold::current();
-    if (hold == nullptr) throw std::logic_error("the loop cannot wait for an outline");
-    users_->beginWaiting(use_);
-    try {
-      hold->waitForOthers();
-    } catch (...) {
-      users_->endWaiting(use_);
-      throw;
-    }
-    users_->endWaiting(use_);
-  }
-
-  const Use use_;
-  std::shared_ptr<Users> users_;  ///< null where there is no such outline
-};
-
 }  // namespace
 
 std::string carryOut(std::string_view name, const Call& call) {
   const NamedMethod& method = methodNamed(name);
   if (!method.use) return method.method(call);
-  const OutlineUse use(call, *method.use);
+  const OutlineUse use([&] { return subject(call.application, call.params); }, *method.use);
   return method.method(call);
 }
 

@@ -75,16 +75,4 @@ std::string errorLine(std::string_view id, RpcCode code, std::string_view messag
   return line += '\n';
 }
 
-std::string notificationLine(std::string_view method, std::string_view params) {
-  std::string line;
-  json::Writer(line)
-      .beginObject()
-      .member("jsonrpc", "2.0")
-      .member("method", method)
-      .key("params")
-      .raw(params)
-      .endObject();
-  return line += '\n';
-}
-
 }  // namespace vell::headless

@@ -28,10 +28,9 @@ class Request {
   std::string id_;
 };
 
-// Whole lines with their line feed; `id`, `result` and `params` are JSON texts.
+// Whole lines with their line feed; `id` and `result` are JSON texts.
 
 std::string resultLine(std::string_view id, std::string_view result);
 std::string errorLine(std::string_view id, RpcCode code, std::string_view message);
-std::string notificationLine(std::string_view method, std::string_view params);
 
 }  // namespace vell::headless

@@ -195,22 +195,25 @@ void Server::drop(std::uint64_t id) {
   subscriptions_.clientLeft(id);
 }
 
-/// Only queues the line; the loop writes it, since the caller may be in the middle of its subscriptions.
-void Server::send(std::uint64_t id, std::string line) {
+/// Only queues the notification; the loop writes it, since the caller may be in the middle of its
+/// subscriptions.
+void Server::send(std::uint64_t id, Notification notification) {
   Client& client = *clients_.at(id);
-  client.send(std::move(line));
+  client.send(std::move(notification.head));
+  client.send(std::move(notification.data));
+  client.send(std::move(notification.tail));
   loop_.setInterest(client.descriptor(), client.interest());
 }
 
-/// A client is answered before it is told of changes.
-bool Server::hasRoom(std::uint64_t id) const {
-  const Client& client = *clients_.at(id);
-  return !client.job() && client.backlog() < Client::backlogLimit;
-}
+bool Server::hasRoom(std::uint64_t id) const { return clients_.at(id)->backlog() < Client::backlogLimit; }
 
 void Server::keepOpen(std::uint64_t id, bool keep) {
   const auto found = clients_.find(id);
   if (found != clients_.end()) found->second->keepOpen(keep);
+}
+
+void Server::runBeside(std::function<void()> work, std::function<void()> done) {
+  workers_.start(std::move(work), std::move(done));
 }
 
 void Server::keepWithinBacklog(const Client& served) {
@@ -221,7 +224,9 @@ void Server::keepWithinBacklog(const Client& served) {
     if (client->backlog() == 0 || client.get() == &served) continue;
     if (slowest == nullptr || client->lastMoved() < slowest->lastMoved()) slowest = client.get();
   }
-  if (total > limits_.backlog && slowest != nullptr) drop(slowest->id());
+  if (total <= limits_.backlog || slowest == nullptr) return;
+  application_.report("A client that reads too slowly was dropped: too much waited for it");
+  drop(slowest->id());
 }
 
 void Server::dropStalled() {

@@ -46,9 +46,10 @@ class Server : private NotificationSink {
   void closeAfterFlush(std::chrono::milliseconds limit);
 
  private:
-  void send(std::uint64_t client, std::string line) override;
+  void send(std::uint64_t client, Notification notification) override;
   bool hasRoom(std::uint64_t client) const override;
   void keepOpen(std::uint64_t client, bool keep) override;
+  void runBeside(std::function<void()> work, std::function<void()> done) override;
 
   void acceptClients();
   void admit(platform::Descriptor socket);

@@ -5,7 +5,7 @@
 
 #include "headless/editing/uuid.h"
 #include "headless/server/answers.h"
-#include "headless/server/request.h"
+#include "headless/server/outline_use.h"
 #include "json/writer.h"
 
 namespace vell::headless {
@@ -42,10 +42,11 @@ std::string Subscriptions::observeDocuments(std::uint64_t client) { return add(c
 
 std::string Subscriptions::add(std::uint64_t client, Subject subject) {
   const std::string id = newUuid();
+  const bool isAnsweredAtOnce = ApplicationHold::current() == nullptr;
   changed_.insert(subject.opened);
-  subscriptions_.emplace(id, Subscription{client, std::move(subject), std::nullopt});
+  subscriptions_.emplace(id, Subscription{client, std::move(subject), isAnsweredAtOnce});
   sink_.keepOpen(client, true);
-  schedule(std::chrono::milliseconds(0));
+  if (isAnsweredAtOnce) schedule(std::chrono::milliseconds(0));
   return id;
 }
 
@@ -55,13 +56,16 @@ void Subscriptions::clientLeft(std::uint64_t client) {
 }
 
 void Subscriptions::clientCaughtUp(std::uint64_t client) {
-  for (const auto& [id, subscription] : subscriptions_)
-    if (subscription.client == client) changed_.insert(subscription.subject.opened);
+  for (auto& [id, subscription] : subscriptions_) {
+    if (subscription.client != client) continue;
+    subscription.answered = true;
+    changed_.insert(subscription.subject.opened);
+  }
   if (!changed_.empty()) schedule(pace_);
 }
 
 void Subscriptions::applicationQuits() {
-  notifyChanged();
+  notifyAtOnce(takeChanged());
   while (!subscriptions_.empty()) close(subscriptions_.begin()->first, "appQuitting");
 }
 
@@ -71,7 +75,7 @@ void Subscriptions::outlineChanged(OpenOutline& opened) {
 }
 
 void Subscriptions::outlineClosing(OpenOutline& opened) {
-  notifyChanged();
+  if (changed_.count(&opened) != 0) notifyAtOnce(takeChanged(&opened));
   std::vector<std::string> ended;
   for (const auto& [id, subscription] : subscriptions_)
     if (subscription.subject.opened == &opened) ended.push_back(id);
@@ -88,64 +92,115 @@ void Subscriptions::schedule(Scheduler::Clock::duration delay) {
   timer_ = scheduler_.after(delay, [this] { notifyChanged(); });
 }
 
+/// What has to be rendered, all of it or what shows one outline. A client without room asks again.
+Subscriptions::Snapshots Subscriptions::takeChanged(const OpenOutline* only) {
+  Snapshots snapshots;
+  for (const auto& [id, subscription] : subscriptions_) {
+    const OpenOutline* opened = subscription.subject.opened;
+    const bool isMeant = changed_.count(opened) != 0 && (only == nullptr || opened == only);
+    if (isMeant && canHear(subscription)) snapshots.try_emplace(subscription.subject);
+  }
+  if (only == nullptr) changed_.clear();
+  changed_.erase(only);
+  return snapshots;
+}
+
 void Subscriptions::notifyChanged() {
   if (timer_) scheduler_.cancel(*timer_);
   timer_.reset();
-  const auto changed = std::exchange(changed_, {});
+  if (rendering_) return;
+  const auto snapshots = std::make_shared<Snapshots>(takeChanged());
+  if (snapshots->empty()) return;
+  rendering_ = true;
   const auto start = Scheduler::Clock::now();
-  Rendered rendered;
-  for (auto& [id, subscription] : subscriptions_)
-    if (changed.count(subscription.subject.opened) != 0) notify(id, subscription, rendered);
-  // What takes long to render is rendered less often.
-  const auto effort = Scheduler::Clock::now() - start;
-  pace_ = std::clamp<Scheduler::Clock::duration>(effort * 4, usualPace, slowestPace);
+  sink_.runBeside(
+      [this, snapshots] {
+        for (auto& [subject, snapshot] : *snapshots) renderFreely(subject, snapshot);
+      },
+      [this, snapshots, start] {
+        rendering_ = false;
+        // What takes long to render is rendered less often.
+        const auto effort = Scheduler::Clock::now() - start;
+        pace_ = std::clamp<Scheduler::Clock::duration>(effort * 4, usualPace, slowestPace);
+        deliver(*snapshots);
+        if (!changed_.empty()) schedule(pace_);
+      });
 }
 
-void Subscriptions::notify(const std::string& id, Subscription& subscription, Rendered& rendered) {
-  if (!sink_.hasRoom(subscription.client)) return;
-  const auto [entry, isNew] = rendered.try_emplace(subscription.subject);
-  if (isNew) entry->second = render(subscription.subject);
-  if (entry->second.empty()) return;
-  const std::string& data = entry->second;
-  const std::size_t hash = std::hash<std::string>()(data);
-  if (std::exchange(subscription.shown, hash) == hash) return;
-  const Subject& subject = subscription.subject;
-  sink_.send(subscription.client, notification(id, subject, kindOf(subject.opened, subject.view), data));
+/// For a caller that nobody disturbs.
+void Subscriptions::notifyAtOnce(Snapshots snapshots) {
+  for (auto& [subject, snapshot] : snapshots) render(subject, snapshot);
+  deliver(snapshots);
 }
 
-/// Empty where the path fails on the outline as it is now.
-std::string Subscriptions::render(const Subject& subject) const {
-  if (subject.opened == nullptr) return summaries(application_);
-  const OpenOutline& opened = *subject.opened;
-  try {
-    return headless::render(subject.view, opened.outline(),
-                            placePath(opened, subject.path, subject.view.shape));
-  } catch (const std::exception& failure) {
-    application_.report("Observing " + subject.path + ": " + failure.what());
-    return {};
+bool Subscriptions::canHear(const Subscription& subscription) const {
+  return subscription.answered && sink_.hasRoom(subscription.client);
+}
+
+void Subscriptions::deliver(const Snapshots& snapshots) {
+  for (auto& [id, subscription] : subscriptions_) {
+    const auto found = snapshots.find(subscription.subject);
+    if (found == snapshots.end() || !found->second.text || !canHear(subscription)) continue;
+    const Snapshot& snapshot = found->second;
+    if (std::exchange(subscription.shown, snapshot.hash) == snapshot.hash) continue;
+    const Subject& subject = subscription.subject;
+    sink_.send(subscription.client,
+               notification(id, subject, kindOf(subject.opened, subject.view), snapshot.text));
   }
+}
+
+/// Waits until nobody changes the outline; one that was closed meanwhile has nothing to show.
+void Subscriptions::renderFreely(const Subject& subject, Snapshot& snapshot) const {
+  if (subject.opened == nullptr) return render(subject, snapshot);
+  const auto find = [&]() -> const OpenOutline* {
+    for (const auto& opened : application_.outlines())
+      if (opened.get() == subject.opened) return opened.get();
+    return nullptr;
+  };
+  const OutlineUse use(find, Use::reading);
+  if (use.found()) render(subject, snapshot);
+}
+
+void Subscriptions::render(const Subject& subject, Snapshot& snapshot) const {
+  std::string text;
+  if (subject.opened == nullptr) {
+    text = summaries(application_);
+  } else {
+    const OpenOutline& opened = *subject.opened;
+    try {
+      text = headless::render(subject.view, opened.outline(),
+                              placePath(opened, subject.path, subject.view.shape));
+    } catch (const Abandoned&) {
+      throw;
+    } catch (const std::exception& failure) {
+      return application_.report("Observing " + subject.path + ": " + failure.what());
+    }
+  }
+  beside([&] { snapshot.hash = std::hash<std::string>()(text); });
+  snapshot.text = std::make_shared<const std::string>(std::move(text));
 }
 
 void Subscriptions::close(const std::string& id, const char* reason) {
   const auto found = subscriptions_.find(id);
   const std::uint64_t client = found->second.client;
-  sink_.send(client,
-             notification(id, found->second.subject, "subscription.closed", memberAnswer("reason", reason)));
+  auto data = std::make_shared<const std::string>(memberAnswer("reason", reason));
+  sink_.send(client, notification(id, found->second.subject, "subscription.closed", std::move(data)));
   subscriptions_.erase(found);
   const bool others = std::any_of(subscriptions_.begin(), subscriptions_.end(),
                                   [&](const auto& entry) { return entry.second.client == client; });
   if (!others) sink_.keepOpen(client, false);
 }
 
-std::string Subscriptions::notification(const std::string& id, const Subject& subject, std::string_view kind,
-                                        std::string_view data) {
+Notification Subscriptions::notification(const std::string& id, const Subject& subject, std::string_view kind,
+                                         std::shared_ptr<const std::string> data) {
   const bool ofOutline = subject.opened != nullptr;
-  std::string params;
-  json::Writer writer(params);
-  writer.beginObject().key("data").raw(data).member("kind", kind);
-  if (ofOutline) writer.member("outline", subject.opened->persistentId());
-  writer.member("subscriptionId", id).endObject();
-  return notificationLine(ofOutline ? "outline.observe" : "documents.observe", params);
+  Notification made{R"({"jsonrpc":"2.0","method":)" +
+                        json::quoted(ofOutline ? "outline.observe" : "documents.observe") +
+                        R"(,"params":{"data":)",
+                    std::move(data), R"(,"kind":)" + json::quoted(kind)};
+  if (ofOutline) made.tail += R"(,"outline":)" + json::quoted(subject.opened->persistentId());
+  made.tail += R"(,"subscriptionId":)" + json::quoted(id) + "}}\n";
+  return made;
 }
 
 }  // namespace vell::headless

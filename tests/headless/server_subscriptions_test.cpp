@@ -14,9 +14,12 @@ namespace {
 
 class RecordingSink : public NotificationSink {
  public:
-  void send(std::uint64_t, std::string line) override { lines.push_back(std::move(line)); }
+  void send(std::uint64_t, Notification line) override {
+    lines.push_back(line.head + *line.data + line.tail);
+  }
   bool hasRoom(std::uint64_t) const override { return room; }
   void keepOpen(std::uint64_t, bool) override {}
+  void runBeside(std::function<void()> work, std::function<void()> done) override { work(), done(); }
 
   std::vector<std::string> lines;
   bool room = true;
