@@ -82,4 +82,9 @@ bool takeTrailer(std::string_view& line, Times times, RowTrailer& trailer);
 /// Appends the trailer in braces; nothing when it is empty.
 void appendTrailer(std::string& out, Times times, const RowTrailer& trailer);
 
+/// The trailer `now` in braces as it is written over `trailer`, the braces of before: items that still say
+/// the same stay as they are written, with the blanks before them; the others are changed in place or go, and
+/// new ones follow. Empty where nothing is left to say.
+std::string rewriteTrailer(std::string_view trailer, Times times, const RowTrailer& now);
+
 }  // namespace vell::formats

@@ -5,7 +5,6 @@
 
 #include "formats/attribute_list.h"
 #include "formats/inline_markdown.h"
-#include "formats/yaml_value.h"
 #include "json/writer.h"
 #include "text/lines.h"
 

@@ -1,7 +1,7 @@
-#include "formats/trailer_update.h"
-
 #include <algorithm>
 #include <utility>
+
+#include "formats/attribute_list.h"
 
 namespace vell::formats {
 namespace {

@@ -2,7 +2,6 @@
 #include "formats/inline_markdown.h"
 #include "formats/line_update.h"
 #include "formats/marked_line.h"
-#include "formats/trailer_update.h"
 #include "formats/vell_format.h"
 
 namespace vell::formats {

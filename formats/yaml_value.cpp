@@ -1,8 +1,7 @@
-#include "formats/yaml_value.h"
-
 #include <algorithm>
 #include <array>
 
+#include "formats/document_header.h"
 #include "formats/inline_markdown.h"
 #include "json/writer.h"
 

@@ -1,7 +1,6 @@
 #include <gtest/gtest.h>
 
 #include "formats/document_header.h"
-#include "formats/yaml_value.h"
 #include "tests/formats/row_changes.h"
 
 namespace vell::formats {
