@@ -393,6 +393,7 @@ std::vector<MarkdownBlock> joinBelonging(std::string_view text, std::vector<Mark
 }  // namespace
 
 bool isMarkdownDefinition(std::string_view text) {
+  text.remove_prefix(indentBytes(text));
   if (!text.starts_with('[')) return false;
   std::size_t at = 1;
   while (at < text.size() && text[at] != ']' && text[at] != '[') at += text[at] == '\\' ? 2 : 1;

@@ -8,8 +8,8 @@ namespace {
 std::optional<std::size_t> findMisread(std::span<const PlacedRow> rows, const MarkdownText& read) {
   for (std::size_t at = 0; at < std::max(rows.size(), read.rows.size()); ++at) {
     if (at >= rows.size() || at >= read.rows.size()) return std::min(at, rows.size() - 1);
-    const bool isSame = read.rows[at].depth == rows[at].depth &&
-                        says(*rows[at].row, read.rows[at].content, Times::dropped);
+    const bool isSame =
+        read.rows[at].depth == rows[at].depth && says(*rows[at].row, read.rows[at].content, Times::dropped);
     if (!isSame) return at;
   }
   return std::nullopt;

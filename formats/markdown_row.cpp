@@ -139,7 +139,7 @@ std::string RowWriter::line(std::string_view text) const {
   }
   const std::string* lead = markAttributeValue(row_);
   const bool markTellsAttribute = lead && ((formType() == RowType::task && isDone()) ||
-                                     (row_.type() == RowType::heading && style_.levelIsGranted));
+                                           (row_.type() == RowType::heading && style_.levelIsGranted));
   const RowTrailer trailer = this->trailer(markTellsAttribute);
   if (line.empty() && trailer.empty()) line = emptyMarkdownRow;
   if (!line.empty() && !trailer.empty()) line += ' ';

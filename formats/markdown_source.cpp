@@ -17,16 +17,20 @@ MarkdownSource::MarkdownSource(const Outline& outline)
     : outline_(&outline),
       text_(outline.source()->text()),
       read_(readMarkdownText(text_, MarkdownScope::file)),
-      lineEnd_(lineEndOf(text_)),
-      indentsByTabs_(false) {
+      lineEnd_(lineEndOf(text_)) {
   bool hasBullet = false;
+  bool hasBlanks = false;
+  bool hasTabs = false;
   for (const MarkdownRow& row : read_.rows) {
     const bool isBulleted = row.form == MarkdownForm::item && ordinalLength(own(row)) == 0;
     if (isBulleted && !hasBullet) bullet_ = own(row).front();
     hasBullet = hasBullet || isBulleted;
-    if (row.container != MarkdownRow::none && prefix(row).find('\t') != std::string::npos)
-      indentsByTabs_ = true;
+    if (row.container == MarkdownRow::none) continue;
+    const std::string prefix = this->prefix(row);
+    hasTabs = hasTabs || prefix.find('\t') != std::string::npos;
+    hasBlanks = hasBlanks || prefix.starts_with(' ');
   }
+  indentsByTabs_ = hasTabs || !hasBlanks;
 }
 
 const MarkdownRow* MarkdownSource::find(const Row& row) const {
