@@ -13,7 +13,8 @@ ROW REFERENCES
   Commands that read or change rows are told which by references:
 
     12           a session id: the number that reads show as "id". It names the
-                 row while Vell runs and is given anew at the next start.
+                 row while its outline is open; rows that are read anew, because
+                 another program changed the file, get new ones.
     6FJq2aTk     a persistent id: it stays with the row, in the file too.
     //task       an outline path, which begins with "/" and may match any number
                  of rows: '//heading[0]', '//task @done'. Quote it, for shells

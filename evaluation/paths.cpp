@@ -114,7 +114,9 @@ class PathPlan {
       work_.spend(1 + taken.size());
       all.insert(all.end(), taken.begin(), taken.end());
       // Contexts that take the same rows again and again must not fill the memory.
-      if (all.size() > 2 * outline_.rowsInOrder().size()) sortInDocumentOrder(all);
+      if (all.size() <= 2 * outline_.rowsInOrder().size()) continue;
+      work_.spend(4 * all.size());
+      sortInDocumentOrder(all);
     }
     sortInDocumentOrder(all);
     return all;

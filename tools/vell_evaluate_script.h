@@ -15,7 +15,8 @@ struct VellEvaluateScript {
       "`import`/ESM. The script can be a plain expression (e.g. `vell.version`) or an arrow function "
       "`(input) => { ... }` that receives the optional `input` string. The script's return value (last "
       "expression / arrow result) is stringified — objects / arrays are JSON-encoded. The app API hangs off "
-      "the `vell` global; full type surface at docs/scripting.md in the Vell repository (`.d.ts` — translate "
+      "the `vell` global; full type surface at Vell.app/Contents/Resources/scripting/vell.d.ts (`.d.ts` — "
+      "translate "
       "to JS at the call site). Example: `(() => vell.frontmostOutlineEditor?.selection?.word)()`.";
 
   static mcp::Parameters<Record> parameters() {

@@ -8,11 +8,12 @@
 
 namespace vell::headless {
 
-/// Counts its thread among the users of an outline, from when the outline admits it until the end of its life.
+/// Counts its thread among the users of an outline, from when the outline admits it until the end of its
+/// life.
 class OutlineUse {
  public:
-  /// `find` gives the outline, or null where there is none, and is asked again after each wait: the outline may
-  /// be gone then. Throws Abandoned; the loop's own thread must not need to wait.
+  /// `find` gives the outline, or null where there is none, and is asked again after each wait: the outline
+  /// may be gone then. Throws Abandoned; the loop's own thread must not need to wait.
   template <class Find>
   OutlineUse(Find find, Use use) : use_(use) {
     while (const OpenOutline* opened = find()) {
