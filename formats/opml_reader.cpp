@@ -33,7 +33,7 @@ class OpmlReader {
                      bool& hasModified);
   SourceSpan spanOf(pugi::xml_node element, std::size_t parentEnd) const;
   SourceSpan inSource(SourceSpan span) const;
-  Timestamp time(const char* text, pugi::xml_node element) const;
+  Timestamp time(const std::string& text, pugi::xml_node element) const;
   [[noreturn]] void fail(const std::string& fault, std::ptrdiff_t offset) const {
     const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
     throw FormatError(fault, text::lineNumber(text_, at), at);
@@ -125,7 +125,7 @@ void OpmlReader::readHead(pugi::xml_node head) {
 
 void OpmlReader::readHeadElement(pugi::xml_node element, Attributes& frontMatter) {
   const std::string_view name = element.name();
-  const char* value = element.text().get();
+  const std::string value = xmlValue(element.text().get());
   if (name == "vell-id") {
     outline_.setPersistentId(value);
   } else if (name == "vell-created") {
@@ -156,14 +156,14 @@ void OpmlReader::readRow(pugi::xml_node element, std::size_t depth, const Source
 void OpmlReader::readAttribute(const pugi::xml_attribute& attribute, RowContent& row, std::string& markdown,
                                bool& hasModified) {
   const std::string_view name = attribute.name();
-  const char* value = attribute.value();
+  const std::string value = xmlValue(attribute.value());
   if (name == textName(element_.attribute("text") != nullptr)) {
-    row.text = Text(std::string(value));
+    row.text = Text(value);
   } else if (name == "vell-text") {
     markdown = value;
   } else if (name == "vell-type") {
     const auto type = document::rowType(value);
-    if (!type) fail("there is no row type \"" + std::string(value) + "\"", element_.offset_debug());
+    if (!type) fail("there is no row type \"" + value + "\"", element_.offset_debug());
     row.type = *type;
   } else if (name == "vell-id") {
     row.persistentId = value;
@@ -179,10 +179,9 @@ void OpmlReader::readAttribute(const pugi::xml_attribute& attribute, RowContent&
   }
 }
 
-Timestamp OpmlReader::time(const char* text, pugi::xml_node element) const {
+Timestamp OpmlReader::time(const std::string& text, pugi::xml_node element) const {
   const auto time = document::parseTimestamp(text);
-  if (!time)
-    fail("\"" + std::string(text) + "\" is not a time like 2026-01-31T12:00:00Z", element.offset_debug());
+  if (!time) fail("\"" + text + "\" is not a time like 2026-01-31T12:00:00Z", element.offset_debug());
   return *time;
 }
 

@@ -114,6 +114,10 @@ std::size_t xmlTagLength(std::string_view text) {
 
 const unsigned xmlValues = pugi::parse_cdata | pugi::parse_escapes | pugi::parse_eol | pugi::parse_ws_pcdata;
 
+std::string xmlValue(const char* read) {
+  return text::findInvalidUtf8(read) ? text::replaceInvalidUtf8(read) : read;
+}
+
 XmlTag::XmlTag(std::string_view tag, bool isAscii) : isAscii_(isAscii) {
   scan(tag);
   decode(tag);
@@ -149,7 +153,7 @@ void XmlTag::decode(std::string_view tag) {
   document.load_buffer(element.data(), element.size(), xmlValues, pugi::encoding_utf8);
   auto part = attributes_.begin();
   for (const pugi::xml_attribute attribute : document.first_child().attributes()) {
-    if (part != attributes_.end()) part++->value = attribute.value();
+    if (part != attributes_.end()) part++->value = xmlValue(attribute.value());
   }
 }
 

@@ -70,6 +70,8 @@ class XmlTag {
 
 /// How pugixml is to read values.
 extern const unsigned xmlValues;
+/// A value that it read: references to what is no character are U+FFFD.
+std::string xmlValue(const char* read);
 
 /// Bytes of the start tag that the text begins with.
 std::size_t xmlTagLength(std::string_view text);
