@@ -1,5 +1,5 @@
 // A file that is read, changed row by row and written reads back as the rows that the outline holds, and is
-// as it was once the changes are undone. The input is a text; what follows its last zero byte says which
+// as it was once the changes are undone. The input is a text; what follows a zero byte says which
 // changes.
 #include <cstdint>
 #include <cstdio>
@@ -30,7 +30,7 @@ std::optional<ChangedFile> opened(const std::string& text) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string input(reinterpret_cast<const char*>(data), size);
-  const std::size_t zero = input.rfind('\0');
+  const std::size_t zero = input.find('\0');
   const std::string text = input.substr(0, zero);
   const std::string changes = zero == std::string::npos
                                   ? std::string(text.rbegin(), text.rend()).substr(0, 12)
