@@ -364,7 +364,10 @@ void MarkdownWriter::appendLines(std::string_view lines, std::string_view oldPre
 /// The end of the text is as it was: with a line end or without.
 void MarkdownWriter::finish() {
   const std::string_view tail = source_.behindLast();
-  if (!previous_.row) return;
+  if (!previous_.row) {
+    if (source_.read().rows.empty()) out_ += source_.text().substr(source_.bodyBegin());
+    return;
+  }
   if (previous_.read && source_.isLast(*previous_.read)) {
     out_ += tail;
   } else if (source_.text().empty() || countLineEnds(tail) > 0) {
