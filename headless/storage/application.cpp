@@ -38,13 +38,26 @@ Application::~Application() { scheduler_.cancel(filesTimer_); }
 
 OpenOutline& Application::open(const std::string& path) {
   const std::string standard = standardisedPath(path);
-  if (OpenOutline* already = findByPath(standard)) {
+  OpenOutline* already = findByPath(standard);
+  if (already == nullptr) already = findRenamed(standard);
+  if (already != nullptr) {
     bringToFront(*already);
     return *already;
   }
   auto opened = read(standard);
   reportFaultyIds(*opened);
   return add(std::move(opened));
+}
+
+/// The open outline whose file has had that path since a moment ago; null where there is none.
+OpenOutline* Application::findRenamed(const std::string& path) {
+  OpenOutline* former = nullptr;
+  withIndex([&](platform::IdentifierIndex& index) {
+    const auto* known = index.ofFile(stampOf(path).file);
+    if (known != nullptr) former = findByPath(known->path);
+  });
+  if (former != nullptr) saver_.follow(*former);
+  return former != nullptr ? findByPath(path) : nullptr;
 }
 
 std::unique_ptr<OpenOutline> Application::read(const std::string& path) {

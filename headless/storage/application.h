@@ -103,6 +103,7 @@ class Application {
   OpenOutline& frontmost();
   void followFiles();
   OpenOutline& current(OpenOutline& opened);
+  OpenOutline* findRenamed(const std::string& path);
   std::unique_ptr<OpenOutline> read(const std::string& path);
   void removeAbandonedBeside(const std::string& path);
   void identify(OpenOutline& opened);

@@ -9,7 +9,7 @@ namespace {
 std::string keep(const SaveJob& job) {
   try {
     replaceFile(job.spare, job.bytes, 0600);
-    return ". What is not saved is in " + job.spare;
+    return unsavedIn(job.spare);
   } catch (const std::exception&) {
     return {};
   }
@@ -28,6 +28,8 @@ SaveResult carryOut(const SaveJob& job) {
 }
 
 }  // namespace
+
+std::string unsavedIn(const std::string& spare) { return ". What is not saved is in " + spare; }
 
 DiskWriter::DiskWriter(Scheduler& scheduler)
     : scheduler_(scheduler), self_(std::make_shared<DiskWriter*>(this)), thread_([this] { work(); }) {}

@@ -32,6 +32,9 @@ struct SaveResult {
   std::size_t contentHash = 0;  ///< `saved`: of the bytes
 };
 
+/// The sentence that tells people where the bytes are that could not be saved.
+std::string unsavedIn(const std::string& spare);
+
 /// Writes files on a thread of its own, one after another. The destructor finishes what is queued.
 class DiskWriter {
  public:

@@ -63,7 +63,19 @@ void Saver::save(OpenOutline& opened) {
   try {
     startWriting(opened, state);
   } catch (const std::exception& failure) {
-    retry(opened, "Cannot save " + opened.storagePath() + ": " + failure.what());
+    retry(opened, "Cannot save " + opened.storagePath() + ": " + failure.what() + keep(opened, state.spare));
+  }
+}
+
+/// What the outline holds without regard to its source, which may be what fails. Tells where it is.
+std::string Saver::keep(const OpenOutline& opened, const std::string& spare) {
+  try {
+    std::string text;
+    opened.format().write(opened.outline(), formats::placeAll(opened.outline()), false, text);
+    replaceFile(spare, text, 0600);
+    return unsavedIn(spare);
+  } catch (const std::exception&) {
+    return {};
   }
 }
 
@@ -154,6 +166,11 @@ void Saver::saveAs(OpenOutline& opened, const std::string& path) {
   const FileStamp stamp = createFile(path, bytes);
   forget(opened);
   opened.moveTo(path, format, stamp, hashOf(bytes));
+}
+
+void Saver::follow(OpenOutline& opened) {
+  const auto found = states_.find(&opened);
+  if (found == states_.end() || !found->second.writing) locate(opened);
 }
 
 void Saver::refresh(OpenOutline& opened) {

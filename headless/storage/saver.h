@@ -46,6 +46,8 @@ class Saver {
   /// Keeps the outline in a new file at `path` from now on; the former file stays. Throws Problem, with
   /// nothing changed, also where there is a file at `path`.
   void saveAs(OpenOutline& opened, const std::string& path);
+  /// Looks whether the outline's file was renamed.
+  void follow(OpenOutline& opened);
   /// Reads the outline anew if its file has changed and the outline has no unsaved changes.
   void refresh(OpenOutline& opened);
   /// Forgets an outline that is about to be closed; changes that are not being written yet are dropped.
@@ -79,6 +81,7 @@ class Saver {
   Copy writeConflictCopy(const OpenOutline& opened, const std::string& bytes) const;
   void schedule(OpenOutline& opened, Scheduler::Clock::duration delay);
   void retry(OpenOutline& opened, const std::string& fault);
+  static std::string keep(const OpenOutline& opened, const std::string& spare);
   FileStamp locate(OpenOutline& opened);
   void reportGone(OpenOutline& opened);
 

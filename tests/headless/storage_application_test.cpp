@@ -110,8 +110,11 @@ TEST_F(Restarted, WhileItIsOpenARenamedFileKeepsItsId) {
   directory.write("a.txt", "one\n");
   const std::string id = ask([&](Application& application) {
     OpenOutline& opened = application.open(directory / "a.txt");
-    fs::rename(directory / "a.txt", directory / "b.txt");
+    fs::rename(directory / "a.txt", directory / "c.txt");
     EXPECT_EQ(&application.outline(std::nullopt), &opened);
+    EXPECT_EQ(application.findByPath(directory / "c.txt"), &opened);
+    fs::rename(directory / "c.txt", directory / "b.txt");
+    EXPECT_EQ(&application.open(directory / "b.txt"), &opened);
     EXPECT_EQ(application.findByPath(directory / "a.txt"), nullptr);
     EXPECT_EQ(application.findByPath(directory / "b.txt"), &opened);
     directory.write("a.txt", "another\n");
