@@ -1,6 +1,7 @@
 #include "evaluation/axes.h"
 
 #include <algorithm>
+#include <iterator>
 
 namespace vell::evaluation {
 namespace {
@@ -60,7 +61,7 @@ Rows collectEach(Axis axis, const Rows& contexts, const Outline& outline, TypeFi
       return true;
     });
   }
-  sortInDocumentOrder(found);
+  sortInDocumentOrder(found, outline);
   return found;
 }
 
@@ -91,7 +92,7 @@ Rows collectAncestors(Axis axis, const Rows& contexts, const Outline& outline, T
     });
     last = context;
   }
-  sortInDocumentOrder(found);
+  sortInDocumentOrder(found, outline);
   return found;
 }
 
@@ -104,7 +105,7 @@ Rows collectParents(const Rows& contexts, const Outline& outline, TypeFilter fil
       parents.push_back(parent);
     }
   }
-  sortInDocumentOrder(parents);
+  sortInDocumentOrder(parents, outline);
   return parents;
 }
 
@@ -153,11 +154,21 @@ std::optional<Range> rangeOf(Axis axis, const Row& from, const Outline& outline)
   }
 }
 
-void sortInDocumentOrder(Rows& rows) {
+void sortInDocumentOrder(Rows& rows, const Outline& outline) {
+  constexpr std::size_t kFew = 16;
   const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
   if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
-  std::sort(rows.begin(), rows.end(), isBefore);
-  rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+  const auto& all = outline.rowsInOrder();
+  if (rows.size() < all.size() / kFew) {
+    std::sort(rows.begin(), rows.end(), isBefore);
+    rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
+    return;
+  }
+  std::vector<bool> isIn(all.size());
+  for (const Row* row : rows) isIn[row->order()] = true;
+  rows.clear();
+  std::copy_if(all.begin(), all.end(), std::back_inserter(rows),
+               [&](const Row* row) { return isIn[row->order()]; });
 }
 
 Rows rowsAlong(Axis axis, const Rows& contexts, const Outline& outline, TypeFilter filter, Work& work) {

@@ -106,6 +106,6 @@ Rows rowsAlong(outline_path::Axis axis, const Rows& contexts, const Outline& out
                Work& work);
 
 /// Sorts rows in document order and drops repeated ones.
-void sortInDocumentOrder(Rows& rows);
+void sortInDocumentOrder(Rows& rows, const Outline& outline);
 
 }  // namespace vell::evaluation

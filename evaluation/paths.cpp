@@ -115,10 +115,10 @@ class PathPlan {
       all.insert(all.end(), taken.begin(), taken.end());
       // Contexts that take the same rows again and again must not fill the memory.
       if (all.size() <= 2 * outline_.rowsInOrder().size()) continue;
-      work_.spend(4 * all.size());
-      sortInDocumentOrder(all);
+      work_.spend(all.size());
+      sortInDocumentOrder(all, outline_);
     }
-    sortInDocumentOrder(all);
+    sortInDocumentOrder(all, outline_);
     return all;
   }
 

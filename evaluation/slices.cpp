@@ -59,7 +59,7 @@ class SharedCandidates {
       takers += changes_[i];
       if (takers > 0) rows.push_back(rows_[i]);
     }
-    sortInDocumentOrder(rows);
+    sortInDocumentOrder(rows, outline_);
     return rows;
   }
 
