@@ -62,6 +62,11 @@ std::string TestClient::line() {
   }
 }
 
+bool TestClient::hasNews() const {
+  pollfd waiting{socket_.get(), POLLIN, 0};
+  return !received_.empty() || poll(&waiting, 1, 0) == 1;
+}
+
 std::string TestClient::ask(std::string_view request) {
   send(std::string(request) + "\n");
   return line();

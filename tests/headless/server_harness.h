@@ -22,6 +22,8 @@ class TestClient {
   void endInput() const;
   /// The next line, without its line feed; "<end>" at the end of the stream.
   std::string line();
+  /// Whether a line or the end of the stream has come.
+  bool hasNews() const;
   /// Sends the request line and returns the answer's.
   std::string ask(std::string_view request);
 
