@@ -22,7 +22,8 @@ struct MarkdownRow {
   std::size_t depth = 0;
   SourceSpan span;
   MarkdownForm form = MarkdownForm::paragraph;
-  std::string inlineSource;              ///< what its text was parsed from
+  std::string trailer;                   ///< as written, with its braces
+  std::string inlineSource;              ///< what its text was parsed from; of fenced code the opening line
   std::size_t level = 0;                 ///< of a heading, from 1
   std::size_t enclosing = 0;             ///< level of the section that a heading stands in
   bool gathers = false;                  ///< it is a heading that begins a section

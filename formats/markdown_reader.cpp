@@ -175,7 +175,9 @@ MarkdownRow RowReader::begin(MarkdownForm form, std::size_t from, std::size_t to
 }
 
 bool RowReader::takeTrailer(MarkdownRow& row, std::string_view& source) {
+  const std::string_view whole = trimEnd(source);
   if (!formats::takeTrailer(source, Times::dropped, trailer_)) return false;
+  row.trailer = trim(whole.substr(source.size()));
   row.content.persistentId = std::move(trailer_.persistentId);
   row.content.attributes = std::move(trailer_.attributes);
   return true;
@@ -312,6 +314,7 @@ void RowReader::addVerbatim(const Block& block) {
   if (!trim(end).empty()) {
     row.content.persistentId.clear();
     row.content.attributes = {};
+    row.trailer.clear();
     trailer_ = {};
   } else if (last != std::string_view::npos) {
     text = text.substr(0, last);
@@ -347,6 +350,7 @@ void RowReader::addCode(const Block& block) {
     lines.next();
     indent = indentColumns(lines.line());
     const std::string_view opening = trim(lines.line());
+    row.inlineSource = opening;
     fence = opening.substr(0, runLength(opening, 0));
     std::string_view info = trim(opening.substr(fence.size()));
     takeTrailer(row, info);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "formats/attribute_list.h"
 #include "formats/inline_markdown.h"
 #include "formats/marked_line.h"
 
@@ -26,6 +27,12 @@ bool isSafe(MarkdownForm form, std::string_view text) {
   return isWordByte(text.front()) && ordinalLength(text) == 0;
 }
 
+/// But for its text.
+bool saysTheSame(const Row& row, const RowContent& read) {
+  return row.type() == read.type && row.attributes() == read.attributes &&
+         row.persistentId() == read.persistentId;
+}
+
 class RowWriter {
  public:
   RowWriter(const Row& row, const MarkdownRowStyle& style) : row_(row), style_(style) {}
@@ -41,6 +48,7 @@ class RowWriter {
   RowType formType() const;
   std::string mark() const;
   RowTrailer trailer(bool markTellsAttribute) const;
+  void writeTrailer(std::string& line, const RowTrailer& trailer) const;
   std::string rewrittenText() const;
   std::string lineText() const;
   std::string continuation() const;
@@ -93,10 +101,10 @@ std::string RowWriter::mark() const {
     case MarkdownForm::rule:
       return style_.isFirst ? "***" : "---";  // a document that begins with "---" has front matter
     case MarkdownForm::quote:
-      return row_.type() == RowType::note ? "> " + std::string(noteMark) : ">";
+      return row_.type() == RowType::note ? ">" + style_.gap + std::string(noteMark) : ">";
     case MarkdownForm::item:
       if (formType() != RowType::task) return style_.mark;
-      return style_.mark + (isDone() ? " [x]" : " [ ]");
+      return style_.mark + style_.gap + (isDone() ? "[x]" : "[ ]");
     default:
       return "";
   }
@@ -107,6 +115,16 @@ RowTrailer RowWriter::trailer(bool markTellsAttribute) const {
   if (style_.tellsType || formType() != row_.type()) trailer.type = row_.type();
   trailer.depth = style_.depth;
   return trailer;
+}
+
+/// Over the one that the row had.
+void RowWriter::writeTrailer(std::string& line, const RowTrailer& trailer) const {
+  const MarkdownRow* read = style_.read;
+  if (read && !read->trailer.empty() && !read->toldDepth && !trailer.depth) {
+    line += rewriteTrailer(read->trailer, Times::dropped, trailer);
+  } else {
+    appendTrailer(line, Times::dropped, trailer);
+  }
 }
 
 /// What the text was parsed from, changed where it says something else; may have several lines.
@@ -125,13 +143,14 @@ std::string RowWriter::lineText() const {
 
 /// What stands in front of the second and all further lines.
 std::string RowWriter::continuation() const {
-  if (style_.form == MarkdownForm::item) return std::string(style_.mark.size() + 1, ' ');
-  return style_.form == MarkdownForm::quote ? "> " : "";
+  if (style_.form == MarkdownForm::item) return std::string(style_.mark.size(), ' ') + style_.gap;
+  return style_.form == MarkdownForm::quote ? ">" + style_.gap : "";
 }
 
 std::string RowWriter::line(std::string_view text) const {
   std::string line = mark();
-  if (!line.empty() && !text.empty()) line += ' ';
+  const bool hasBox = formType() == RowType::task || formType() == RowType::note;
+  if (!line.empty() && !text.empty()) line += hasBox ? " " : style_.gap;
   const std::string before = continuation();
   for (const char c : text) {
     line += c;
@@ -143,7 +162,7 @@ std::string RowWriter::line(std::string_view text) const {
   const RowTrailer trailer = this->trailer(markTellsAttribute);
   if (line.empty() && trailer.empty()) line = emptyMarkdownRow;
   if (!line.empty() && !trailer.empty()) line += ' ';
-  appendTrailer(line, Times::dropped, trailer);
+  writeTrailer(line, trailer);
   return line;
 }
 
@@ -175,13 +194,14 @@ std::string RowWriter::markedLine() const {
 std::string RowWriter::setext() const {
   const std::string text = rewrittenText();
   if (text.empty()) return markedLine();
-  std::string lines = line(text).substr(style_.level + 1);
+  std::string lines = line(text).substr(style_.level + style_.gap.size());
   const std::size_t width = lines.size() - (lines.rfind('\n') + 1);
   lines += '\n';
   lines.append(std::max<std::size_t>(width, 3), style_.level == 1 ? '=' : '-');
   return readsBack(lines) ? lines : markedLine();
 }
 
+/// The fence and what stands behind it stay as they were where they still tell the same.
 std::string RowWriter::fenced() const {
   const std::string_view text = row_.text().string();
   const std::string* language = markAttributeValue(row_);
@@ -189,9 +209,16 @@ std::string RowWriter::fenced() const {
   std::string info = markTellsAttribute ? *language : "";
   const RowTrailer trailer = this->trailer(markTellsAttribute);
   if (!info.empty() && !trailer.empty()) info += ' ';
-  appendTrailer(info, Times::dropped, trailer);
-  const bool hasBacktick = info.find('`') != std::string::npos;
-  const std::string fence = fenceFor(text, hasBacktick ? '~' : style_.fence);
+  writeTrailer(info, trailer);
+  const MarkdownRow* read = style_.read;
+  const std::string_view before =
+      read && read->form == MarkdownForm::code ? std::string_view(read->inlineSource) : std::string_view();
+  const std::size_t length = openingFence(before);
+  const bool isSame = length > 0 && !style_.depth && !read->toldDepth && saysTheSame(row_, read->content);
+  if (isSame) info = before.substr(length);
+  const bool needsTildes = info.find('`') != std::string::npos;
+  std::string fence = fenceFor(text, needsTildes || before.starts_with('~') ? '~' : '`');
+  if (length > fence.size()) fence.append(length - fence.size(), fence.front());
   std::string lines = fence + info;
   lines += '\n';
   if (!text.empty()) lines.append(text) += '\n';
@@ -202,7 +229,7 @@ std::string RowWriter::verbatim() const {
   std::string lines = row_.text().string();
   const RowTrailer trailer = this->trailer(false);
   if (!trailer.empty()) lines += '\n';
-  appendTrailer(lines, Times::dropped, trailer);
+  writeTrailer(lines, trailer);
   return lines;
 }
 

@@ -46,6 +46,17 @@ std::string_view withoutPrefix(std::string_view line, std::string_view prefix) {
   return line;
 }
 
+/// The blanks behind the mark of a row, one where they could mean something else.
+std::string gapOf(std::string_view own, MarkdownForm form) {
+  std::size_t mark = 1;
+  if (form == MarkdownForm::item) mark = std::max<std::size_t>(ordinalLength(own), 1);
+  if (form == MarkdownForm::heading) mark = own.starts_with('#') ? runLength(own, 0) : own.size();
+  const std::string_view rest = own.substr(mark);
+  const std::string_view gap = rest.substr(0, indentBytes(rest));
+  const bool isOdd = gap.size() > 4 || rest.size() == gap.size() || isBlank(rest[gap.size()]);
+  return isOdd || (gap.empty() && form != MarkdownForm::quote) ? " " : std::string(gap);
+}
+
 std::string_view withoutEndBlanks(std::string_view prefix) {
   while (!prefix.empty() && prefix.back() != '>') prefix.remove_suffix(1);
   return prefix;
@@ -164,8 +175,8 @@ void MarkdownWriter::render() {
     section = style.tellsType ? 0 : style.level;
   }
   if (style.form == MarkdownForm::item) style.mark = itemMark();
+  if (keepsForm) style.gap = gapOf(source_.own(*read), style.form);
   if (style.form == MarkdownForm::paragraph) style.tellsType = !open_.empty() && open_.back().isQuote;
-  if (keepsForm && source_.own(*read).starts_with('~')) style.fence = '~';
   if (nesting_.depthOf(section) != now_.depth) style.depth = now_.depth - nesting_.base();
   if (style.form == MarkdownForm::verbatim && style.depth) style.form = naturalForm(row, style.depth);
   now_.form = style.form;
@@ -282,7 +293,8 @@ std::size_t MarkdownWriter::lineEndsHere() const {
   const MarkdownRow* read = now_.read;
   std::size_t ends = neededLineEnds();
   if (ends == 1) ends = std::max(before ? source_.listGap(*before) : 1, read ? source_.listGap(*read) : 1);
-  if (read) ends = std::max(ends, source_.lineEndsBefore(*read));
+  const bool isInList = previous_.form == MarkdownForm::item && now_.form == MarkdownForm::item;
+  if (read && (before || !isInList)) ends = std::max(ends, source_.lineEndsBefore(*read));
   if (before && read) ends = std::max(ends, source_.lineEndsBehind(*before));
   return ends;
 }
