@@ -51,7 +51,8 @@ void FakeApplication::serve() {
   for (;;) {
     std::vector<pollfd> watched = {{stopRead_.get(), POLLIN, 0}, {listener_.get(), POLLIN, 0}};
     for (const Client& client : clients) watched.push_back({client.socket.get(), POLLIN, 0});
-    if (::poll(watched.data(), watched.size(), -1) < 0 || watched[0].revents != 0) return;
+    if (::poll(watched.data(), static_cast<nfds_t>(watched.size()), -1) < 0 || watched[0].revents != 0)
+      return;
     for (std::size_t i = clients.size(); i-- > 0;) {
       if (watched[i + 2].revents == 0 || answer(clients[i].socket.get(), clients[i].pending)) continue;
       clients.erase(clients.begin() + static_cast<std::ptrdiff_t>(i));
