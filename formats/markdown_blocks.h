@@ -36,6 +36,10 @@ enum class Indentation { code, rows };
 std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from,
                                               Indentation indentation);
 
+/// Makes one verbatim block of each group of blocks that is a formula or a footnote: CommonMark does not know
+/// these.
+std::vector<MarkdownBlock> joinVerbatim(std::string_view text, std::vector<MarkdownBlock> blocks);
+
 /// True if the paragraph begins with the definition of a link or a footnote.
 bool isMarkdownDefinition(std::string_view text);
 

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/markdown_nesting.h"
 #include "formats/markdown_row.h"
 #include "formats/markdown_source.h"
 

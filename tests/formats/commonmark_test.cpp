@@ -16,7 +16,7 @@ struct Example {
   std::string html;
 };
 
-/// The examples of CommonMark's specification, a tab written as an arrow there.
+/// The examples of CommonMark; a tab is written as an arrow there.
 std::vector<Example> examples() {
   std::ifstream stream(VELL_COMMONMARK, std::ios::binary);
   const std::string spec(std::istreambuf_iterator<char>(stream), {});
