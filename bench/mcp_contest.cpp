@@ -45,7 +45,9 @@ std::vector<double> McpContest::pipelinedPerSecond(int calls, int rounds) const 
   std::vector<Contender> contenders;
   for (const auto& each : sessions_) {
     contenders.push_back({"", [calls, &requests, session = each.get()] {
-                            return calls / secondsFor(1, [&] { session->exchangeAll(requests, calls); });
+                            return calls / secondsFor(1, [&] {
+                                     session->exchangeAll(requests, static_cast<std::size_t>(calls));
+                                   });
                           }});
   }
   return medians(contenders, rounds);

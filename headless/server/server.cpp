@@ -148,7 +148,7 @@ void Server::finishJob(std::uint64_t id, std::string answer) {
 void Server::serveWaiting() {
   for (const auto& [id, client] : clients_) {
     if (client->hasRequest() && turns_.insert(id).second)
-      loop_.after(std::chrono::milliseconds(0), [this, id = id] { takeTurn(id); });
+      loop_.after(std::chrono::milliseconds(0), [this, waiting = id] { takeTurn(waiting); });
   }
 }
 
