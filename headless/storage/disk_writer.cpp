@@ -6,24 +6,31 @@ namespace vell::headless {
 namespace {
 
 /// Tells where the bytes are that could not be saved; nothing where they cannot be kept either.
-std::string keep(const SaveJob& job) {
+std::string keep(const SaveJob& job, const std::string& bytes) {
   try {
-    replaceFile(job.spare, job.bytes, 0600);
+    replaceFile(job.spare, bytes, 0600);
     return unsavedIn(job.spare);
   } catch (const std::exception&) {
     return {};
   }
 }
 
-SaveResult carryOut(const SaveJob& job) {
+SaveResult carryOut(SaveJob& job) {
+  std::string bytes;
   try {
-    const auto replaced = replaceExpected(job.path, job.bytes, job.expected, job.spare);
+    bytes = job.encode();
+    job.encode = nullptr;  // and what it held
+  } catch (const std::exception& failure) {
+    return {SaveResult::Kind::unencoded, {}, failure.what()};
+  }
+  try {
+    const auto replaced = replaceExpected(job.path, bytes, job.expected, job.spare);
     if (!replaced) return {SaveResult::Kind::conflict, {}, {}};
     removeFile(job.spare);
     const bool anew = replaced->anew && job.expected != FileStamp();
-    return {SaveResult::Kind::saved, replaced->stamp, {}, anew, hashOf(job.bytes)};
+    return {SaveResult::Kind::saved, replaced->stamp, {}, anew, hashOf(bytes)};
   } catch (const std::exception& failure) {
-    return {SaveResult::Kind::failed, {}, failure.what() + keep(job)};
+    return {SaveResult::Kind::failed, {}, failure.what() + keep(job, bytes)};
   }
 }
 
@@ -70,7 +77,6 @@ void DiskWriter::work() {
     busy_ = true;
     lock.unlock();
     entry.result = carryOut(entry.job);
-    entry.job.bytes = {};
     lock.lock();
     busy_ = false;
     finished_.push_back(std::move(entry));

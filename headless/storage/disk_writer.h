@@ -13,18 +13,20 @@
 
 namespace vell::headless {
 
-/// Bytes to replace a file with, if it still looks as expected.
+/// A file to be replaced, if it still looks as expected.
 struct SaveJob {
   std::string path;
-  std::string bytes;
+  /// Makes the bytes, on the writer's thread.
+  std::function<std::string()> encode;
   FileStamp expected;
   /// Where the bytes are kept if they cannot be written there.
   std::string spare;
 };
 
 struct SaveResult {
-  /// `conflict`: the file is not as expected and was left alone. `failed`: `fault` says why.
-  enum class Kind { saved, conflict, failed };
+  /// `conflict`: the file is not as expected and was left alone. `failed`, and `unencoded` where there are no
+  /// bytes to write: `fault` says why.
+  enum class Kind { saved, conflict, failed, unencoded };
   Kind kind;
   FileStamp stamp;
   std::string fault;

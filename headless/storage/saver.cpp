@@ -12,8 +12,8 @@ namespace {
 
 using std::chrono::milliseconds;
 
-/// The longest wait for further changes, of an outline that takes long to encode.
-constexpr milliseconds slowestPace{100};
+/// Rows that are encoded within a few milliseconds.
+constexpr std::size_t quicklyEncoded = 5'000;
 constexpr milliseconds retryPace{2'000};
 
 std::string encoded(const OpenOutline& opened, const formats::Format& format) {
@@ -48,7 +48,7 @@ void Saver::changed(OpenOutline& opened) {
   const auto now = Scheduler::Clock::now();
   if (!state.changedAt) state.changedAt = now;
   if (state.scheduled || state.writing) return;
-  schedule(opened, std::max(*state.changedAt + state.pace - now, Scheduler::Clock::duration(0)));
+  schedule(opened, std::max(*state.changedAt + usualPace - now, Scheduler::Clock::duration(0)));
 }
 
 void Saver::schedule(OpenOutline& opened, Scheduler::Clock::duration delay) {
@@ -82,16 +82,27 @@ std::string Saver::keep(const OpenOutline& opened, const std::string& spare) {
 void Saver::startWriting(OpenOutline& opened, State& state) {
   locate(opened);
   if (state.spare.empty()) state.spare = container_.pathForUnsaved(fileName(opened.storagePath()));
-  const auto start = Scheduler::Clock::now();
-  SaveJob job{opened.storagePath(), encoded(opened), opened.stamp(), state.spare};
-  const auto effort = Scheduler::Clock::now() - start;
-  state.pace = std::clamp<Scheduler::Clock::duration>(effort, usualPace, slowestPace);
+  SaveJob job{opened.storagePath(), encoder(opened), opened.stamp(), state.spare};
   state.writing = true;
   state.changedAt.reset();
   const std::uint64_t revision = opened.outline().revision();
   writer_.write(std::move(job), [this, outline = &opened, revision](const SaveResult& result) {
     finish(*outline, revision, result);
   });
+}
+
+/// Encodes a small outline at once; a large one on the writer's thread, as a reader that changes wait for.
+std::function<std::string()> Saver::encoder(OpenOutline& opened) {
+  if (opened.outline().rowCount() <= quicklyEncoded)
+    return [bytes = std::make_shared<std::string>(encoded(opened))] { return std::move(*bytes); };
+  opened.outline().number();  // what is encoded is only read
+  opened.users()->enter(Use::reading);
+  // Destroyed with the job's encoder, whether that was called or not.
+  const std::shared_ptr<Users> reading(opened.users().get(),
+                                       [&scheduler = scheduler_, users = opened.users()](Users*) {
+                                         scheduler.post([users] { users->leave(Use::reading); });
+                                       });
+  return [&opened, reading] { return encoded(opened); };
 }
 
 void Saver::finish(OpenOutline& opened, std::uint64_t revision, const SaveResult& result) {
@@ -109,6 +120,9 @@ void Saver::finish(OpenOutline& opened, std::uint64_t revision, const SaveResult
       return settleConflict(opened);
     case SaveResult::Kind::failed:
       return retry(opened, result.fault);
+    case SaveResult::Kind::unencoded:
+      return retry(opened,
+                   "Cannot save " + opened.storagePath() + ": " + result.fault + keep(opened, state.spare));
   }
 }
 

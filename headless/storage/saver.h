@@ -64,9 +64,8 @@ class Saver {
     std::optional<Scheduler::Clock::time_point> changedAt;  ///< the first change that is not being saved
     std::string lastFault;
     std::string spare;
-    bool gone = false;                            ///< the file is, and that was reported
-    FileStamp unreadable{};                       ///< the stamp of a content that is no outline
-    Scheduler::Clock::duration pace = usualPace;  ///< from a change to its saving
+    bool gone = false;       ///< the file is, and that was reported
+    FileStamp unreadable{};  ///< the stamp of a content that is no outline
   };
 
   struct Copy {
@@ -81,6 +80,7 @@ class Saver {
   Copy writeConflictCopy(const OpenOutline& opened, const std::string& bytes) const;
   void schedule(OpenOutline& opened, Scheduler::Clock::duration delay);
   void retry(OpenOutline& opened, const std::string& fault);
+  std::function<std::string()> encoder(OpenOutline& opened);
   static std::string keep(const OpenOutline& opened, const std::string& spare);
   FileStamp locate(OpenOutline& opened);
   void reportGone(OpenOutline& opened);

@@ -32,10 +32,13 @@ TEST(Beside, OthersAreServedWhileAScriptRunsAndAfterItsClientLeft) {
   std::size_t begun = 0;
   for (const char* source : {"for (;;) {}", "for (;;) await null"}) {
     TestClient busy = server.client();
-    busy.send(script("async () => { vell.frontmostOutline.createRow('begun'); " + std::string(source) + " }") + "\n");
+    busy.send(
+        script("async () => { vell.frontmostOutline.createRow('begun'); " + std::string(source) + " }") +
+        "\n");
     ++begun;
     while (rowsIn(steady.ask(read("//* \"begun\""))) < begun) usleep(1000);
-    EXPECT_EQ(steady.ask(request("row.create", R"({"markdown":"meanwhile"})")).find("error"), std::string::npos);
+    EXPECT_EQ(steady.ask(request("row.create", R"({"markdown":"meanwhile"})")).find("error"),
+              std::string::npos);
     EXPECT_FALSE(busy.hasNews()) << source;
   }
 }
@@ -52,8 +55,8 @@ TEST(Beside, ManyMayChangeAndReadAnOutlineAtOnce) {
   for (std::size_t number = 0; number < clients; ++number) {
     threads.emplace_back([&server, path = "//task \"by " + std::to_string(number) + "\"", number] {
       const std::string place = json::quoted("//* \"Later\"");
-      const std::string create = request("row.create", R"({"markdown":"- [ ] by )" + std::to_string(number) +
-                                                           R"(","after":)" + place + "}");
+      const std::string create = request(
+          "row.create", R"({"markdown":"- [ ] by )" + std::to_string(number) + R"(","after":)" + place + "}");
       TestClient client = server.client();
       for (std::size_t round = 1; round <= rounds; ++round) {
         const std::string made = client.ask(create);
