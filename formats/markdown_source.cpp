@@ -1,5 +1,7 @@
 #include "formats/markdown_source.h"
 
+#include <algorithm>
+
 #include "formats/marked_line.h"
 
 namespace vell::formats {
@@ -88,11 +90,20 @@ std::size_t MarkdownSource::lineEndsBehind(const MarkdownRow& row) const {
   return isLast(row) ? 0 : countLineEnds(between(row, *(&row + 1)));
 }
 
+bool MarkdownSource::isInListWith(const MarkdownRow& row, const MarkdownRow& beside) const {
+  if (row.form != MarkdownForm::item || beside.form != MarkdownForm::item) return false;
+  return row.container != beside.container || listMark(own(row)) == listMark(own(beside));
+}
+
 std::size_t MarkdownSource::listGap(const MarkdownRow& row) const {
-  const bool isItem = row.form == MarkdownForm::item;
-  if (isItem && indexOf(row) > 0 && (&row - 1)->form == MarkdownForm::item) return lineEndsBefore(row);
-  if (isItem && !isLast(row) && (&row + 1)->form == MarkdownForm::item) return lineEndsBehind(row);
+  if (indexOf(row) > 0 && isInListWith(row, *(&row - 1))) return lineEndsBefore(row);
+  if (!isLast(row) && isInListWith(row, *(&row + 1))) return lineEndsBehind(row);
   return 1;
+}
+
+char listMark(std::string_view item) {
+  const std::size_t ordinal = ordinalLength(item);
+  return item[std::max<std::size_t>(ordinal, 1) - 1];
 }
 
 std::size_t countLineEnds(std::string_view text) {

@@ -44,7 +44,7 @@ class MarkdownSource {
   std::optional<std::string> childPrefix(const MarkdownRow& row) const;
   std::size_t lineEndsBefore(const MarkdownRow& row) const;
   std::size_t lineEndsBehind(const MarkdownRow& row) const;
-  /// Line ends between the row and an item beside it; 1 where there is none.
+  /// Line ends between the row and an item of its list beside it, or a list in it; 1 where there is none.
   std::size_t listGap(const MarkdownRow& row) const;
 
   std::string_view lineEnd() const { return lineEnd_; }
@@ -52,6 +52,8 @@ class MarkdownSource {
   bool indentsByTabs() const { return indentsByTabs_; }
 
  private:
+  bool isInListWith(const MarkdownRow& row, const MarkdownRow& beside) const;
+
   const Outline* outline_ = nullptr;
   std::string_view text_;
   MarkdownText read_;
@@ -60,6 +62,8 @@ class MarkdownSource {
   bool indentsByTabs_ = true;
 };
 
+/// What the items of a list have in common: their bullet, or the character behind their number.
+char listMark(std::string_view item);
 /// Line ends of any kind.
 std::size_t countLineEnds(std::string_view text);
 

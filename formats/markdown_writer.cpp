@@ -147,6 +147,7 @@ std::string MarkdownWriter::prefix() const {
 void MarkdownWriter::copy() {
   const MarkdownRow& read = *now_.read;
   now_.form = read.form;
+  if (read.form == MarkdownForm::item) now_.listMark = listMark(source_.own(read));
   now_.keepsPrefix = keepsPrefix(read);
   const std::string prefix = this->prefix();
   now_.prefix = prefix;
@@ -180,6 +181,7 @@ void MarkdownWriter::render() {
   if (nesting_.depthOf(section) != now_.depth) style.depth = now_.depth - nesting_.base();
   if (style.form == MarkdownForm::verbatim && style.depth) style.form = naturalForm(row, style.depth);
   now_.form = style.form;
+  if (style.form == MarkdownForm::item) now_.listMark = listMark(style.mark);
   now_.keepsPrefix = read && keepsPrefix(*read);
   const std::string prefix = this->prefix();
   std::string lines = writeMarkdownRow(row, style);
@@ -287,13 +289,22 @@ std::size_t MarkdownWriter::neededLineEnds() const {
   return isFirstChild && !interrupts ? 2 : 1;
 }
 
+/// An item that another list ends before.
+bool MarkdownWriter::beginsAnotherList() const {
+  const Sibling& before = siblings_.back();
+  const char mark = before.bullet != '\0' ? before.bullet : before.delimiter;
+  return mark != '\0' && now_.listMark != mark && now_.depth <= previous_.depth;
+}
+
 /// Lines that end between the two where the source does not tell.
 std::size_t MarkdownWriter::lineEndsHere() const {
   const MarkdownRow* before = previous_.read;
   const MarkdownRow* read = now_.read;
   std::size_t ends = neededLineEnds();
   if (ends == 1) ends = std::max(before ? source_.listGap(*before) : 1, read ? source_.listGap(*read) : 1);
-  const bool isInList = previous_.form == MarkdownForm::item && now_.form == MarkdownForm::item;
+  const bool areItems = previous_.form == MarkdownForm::item && now_.form == MarkdownForm::item;
+  const bool isInList = areItems && !beginsAnotherList();
+  if (before && areItems && !isInList) ends = std::max(ends, source_.lineEndsBehind(*before));
   if (read && (before || !isInList)) ends = std::max(ends, source_.lineEndsBefore(*read));
   if (before && read) ends = std::max(ends, source_.lineEndsBehind(*before));
   return ends;

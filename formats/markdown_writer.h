@@ -35,6 +35,7 @@ class MarkdownWriter {
     const MarkdownRow* read = nullptr;  ///< null where it is new
     bool hasChildren = false;
     MarkdownForm form = MarkdownForm::paragraph;
+    char listMark = '\0';  ///< of an item
     bool keepsPrefix = false;
     std::string prefix = {};  ///< in front of its lines
     bool isBare = false;      ///< an item that is nothing but its mark
@@ -74,6 +75,7 @@ class MarkdownWriter {
   std::string prefix() const;
   void openContainer(const std::string& prefix);
   std::size_t neededLineEnds() const;
+  bool beginsAnotherList() const;
   std::size_t lineEndsHere() const;
   void begin(const std::string& prefix);
   void closeFence();
