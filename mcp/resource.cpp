@@ -29,7 +29,8 @@ void ResourceRead::answer(ResourceContents contents) {
 }
 
 void ResourceRead::fail(const std::string& description) {
-  request_->log(LogLevel::error, "Error reading resource", {{"uri", uri_}, {"error", description}});
+  if (!request_->isCancelled())
+    request_->log(LogLevel::error, "Error reading resource", {{"uri", uri_}, {"error", description}});
   request_->fail(MCPError::internalError("Error reading resource " + uri_ + ": " + description));
 }
 

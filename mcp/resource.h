@@ -44,7 +44,7 @@ class ResourceRead {
   RequestContext& request() const { return *request_; }
 
   void answer(ResourceContents contents);
-  /// The error names the URI and the description.
+  /// The error names the URI and the description, and so does the log unless the read was cancelled.
   void fail(const std::string& description);
 
  private:

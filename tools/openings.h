@@ -38,7 +38,7 @@ class Openings {
 
   Ticket start(Work work, Handler handler);
   /// The outcome is an error. The work ends before its next wait or call, or is never begun; a call of it
-  /// that waits its turn is never sent.
+  /// that waits its turn is never sent, and one that was sent is ended.
   void cancel(Ticket ticket);
 
  private:

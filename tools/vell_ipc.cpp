@@ -24,10 +24,20 @@ VellIPC::Ticket VellIPC::call(std::string method, std::string params, OutcomeHan
 void VellIPC::cancel(Ticket ticket) {
   const auto call = std::find_if(calls_.begin(), calls_.end(),
                                  [ticket](const Call& each) { return each.ticket == ticket; });
-  if (call == calls_.end() || (inFlight_ && call == calls_.begin())) return;
+  if (call == calls_.end()) return;
+  const bool sent = inFlight_ && call == calls_.begin();
   const OutcomeHandler handler = std::move(call->handler);
   calls_.erase(call);
+  if (sent) disconnect();
   handler(std::make_exception_ptr(std::runtime_error("The call was cancelled")));
+}
+
+// The application gives up what it does for a connection that is closed.
+void VellIPC::disconnect() {
+  std::exchange(connection_, nullptr)->close();
+  outcome_.reset();
+  inFlight_ = false;
+  sendNext();
 }
 
 void VellIPC::sendNext() {

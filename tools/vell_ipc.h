@@ -21,7 +21,8 @@ using Outcome = std::variant<ipc::Answer, std::exception_ptr>;
 using OutcomeHandler = std::function<void(Outcome outcome)>;
 
 /// The one connection on which `vell mcp` calls the application: one call at a time, in the order of their
-/// arrival. It is made by the first call and made anew by the next one after a transport failure.
+/// arrival. It is made by the first call, and made anew by the next one after a transport failure and after
+/// the cancelling of a call that was sent.
 class VellIPC {
  public:
   using Ticket = std::uint64_t;
@@ -38,8 +39,8 @@ class VellIPC {
   Ticket call(const Record& record, OutcomeHandler handler) {
     return call(Record::method, record.toJson(), std::move(handler));
   }
-  /// A call that waits its turn is never sent, and its outcome is an error at once. One that was sent is
-  /// answered as usual.
+  /// The call's outcome is an error at once. One that waits its turn is never sent; one that was sent is
+  /// ended by closing the connection, and the next call goes over a new one.
   void cancel(Ticket ticket);
 
  private:
@@ -50,6 +51,7 @@ class VellIPC {
     OutcomeHandler handler;
   };
 
+  void disconnect();
   void sendNext();
   void ensureConnected();
   void onLine(json::Text line);

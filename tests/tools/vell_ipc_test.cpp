@@ -83,7 +83,8 @@ TEST_F(VellIPCTest, ACallCancelledWhileItWaitsIsNeverSent) {
       {{}, {"a", "b", "c", "d"}, {"a: \"a\"", "b: \"b\"", "c: \"c\"", "d: \"d\""}},
       {{1}, {"a", "c", "d"}, {"b" + gone, "a: \"a\"", "c: \"c\"", "d: \"d\""}},
       {{2, 1, 1}, {"a", "d"}, {"c" + gone, "b" + gone, "a: \"a\"", "d: \"d\""}},
-      {{0}, {"a", "b", "c", "d"}, {"a: \"a\"", "b: \"b\"", "c: \"c\"", "d: \"d\""}},  // sent already
+      {{0}, {"b", "c", "d"}, {"a" + gone, "b: \"b\"", "c: \"c\"", "d: \"d\""}},  // before it is connected
+      {{0, 1, 0}, {"c", "d"}, {"a" + gone, "b" + gone, "c: \"c\"", "d: \"d\""}},
   };
   const auto methodOf = [](const std::string& request) {
     constexpr std::string_view before = "\"method\":\"";
