@@ -18,14 +18,6 @@ void require(const std::string& fault, const ChangedFile& file) {
   std::abort();
 }
 
-std::optional<ChangedFile> opened(const std::string& text) {
-  try {
-    return ChangedFile(*formatNamed(VELL_FORMAT), text);
-  } catch (const FormatError&) {
-    return {};
-  }
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -35,13 +27,18 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const std::string changes = zero == std::string::npos
                                   ? std::string(text.rbegin(), text.rend()).substr(0, 12)
                                   : input.substr(zero + 1);
-  std::optional<ChangedFile> file = opened(text);
-  if (!file) return 0;
+  std::optional<ChangedFile> file;
+  try {
+    file.emplace(VELL_FORMAT, text);
+  } catch (const FormatError&) {
+    return 0;
+  }
   require(file->differs(), *file);
   const bool readsBack = !file->isFaulty();
-  for (std::size_t at = 0; at + 2 < changes.size() && at < 24 && file->rowCount() > 0; at += 3) {
+  for (std::size_t at = 0; at + 2 < changes.size() && at < 24 && file->outline().rowCount() > 0; at += 3) {
     const auto number = [&](std::size_t byte) { return static_cast<unsigned char>(changes[at + byte]); };
-    file->change(number(0) % file->rowCount(), static_cast<ChangeKind>(number(1) % changeKinds), number(2));
+    file->change(number(0) % file->outline().rowCount(), static_cast<ChangeKind>(number(1) % changeKinds),
+                 number(2));
     if (readsBack) require(file->readsOtherwise(), *file);
   }
   file->undo();

@@ -1,11 +1,14 @@
 #include "tests/formats/changed_file.h"
 
 #include <algorithm>
+#include <stdexcept>
+
+#include "formats/inline_markdown.h"
 
 namespace vell::formats {
 namespace {
 
-constexpr Timestamp readTime = 1'790'000'000'000;
+constexpr Timestamp readTime = 1'790'000'000'000;  // 2026-09-21T14:13:20Z
 constexpr Timestamp changeTime = readTime + 5'000;
 constexpr std::string_view kindNames[changeKinds] = {"text",   "append", "type",  "attribute", "persistentId",
                                                      "remove", "before", "after", "child",     "move"};
@@ -40,20 +43,35 @@ Holds heldBy(const Format& format) {
   return {};
 }
 
-ChangedFile::ChangedFile(const Format& format, const std::string& text)
-    : format_(&format), holds_(heldBy(format)) {
-  readFile(format, text, {readTime}, *outline_);
+ChangedFile::ChangedFile(std::string_view format, std::string_view text)
+    : format_(*formatNamed(format)), holds_(heldBy(format_)), edit_(outline_, changeTime) {
+  readFile(format_, std::string(text), {readTime}, outline_);
   // Files that were not made here tell no times of what is new.
-  if (outline_->created() == readTime) holds_.times = false;
+  if (outline_.created() == readTime) holds_.times = false;
+}
+
+void ChangedFile::undo() {
+  for (headless::Change& change : edit_.take()) changes_.push_back(std::move(change));
+  headless::undo(outline_, changes_);
+  changes_.clear();
+  story_ += "undone; ";
+}
+
+Text ChangedFile::parse(std::string_view markdown) { return parseInline(markdown); }
+
+const Row& ChangedFile::row(std::string_view text) const {
+  const Row* row = &outline_.root();
+  while (row && row->text().string() != text) row = nextInOrder(row, &outline_.root());
+  if (!row) throw std::out_of_range("no row \"" + std::string(text) + "\"");
+  return *row;
 }
 
 bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
-  outline_->number();
-  const Row& row = *outline_->rowsInOrder().at(place + 1);
+  outline_.number();
+  const Row& row = *outline_.rowsInOrder().at(place + 1);
   const bool isSource = changes_.empty();
   if (isSource) story_.clear();
   OutlineGenerator random(seed, holds_);
-  headless::Edit edit(*outline_, changeTime);
   const Row* before = nullptr;
   const Row* parent = row.parent();
   switch (kind) {
@@ -62,12 +80,12 @@ bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
       if (!headless::carriesText(row.type())) return false;
       Text text = kind == ChangeKind::append ? row.text() : Text();
       text.append(newText(random, seed));
-      edit.setText(row, std::move(text));
+      edit_.setText(row, std::move(text));
       break;
     }
     case ChangeKind::type:
       if (!holds_.styles) return false;
-      edit.setType(row, document::rowTypes[(place + seed) % document::rowTypes.size()]);
+      edit_.setType(row, document::rowTypes[(place + seed) % document::rowTypes.size()]);
       break;
     case ChangeKind::attribute: {
       if (!holds_.styles) return false;
@@ -81,12 +99,12 @@ bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
         attributes = {};
         if (level) attributes.set("level", *level);
       }
-      edit.setAttributes(row, std::move(attributes));
+      edit_.setAttributes(row, std::move(attributes));
       break;
     }
     case ChangeKind::persistentId:
       if (!holds_.styles) return false;
-      edit.setPersistentId(row, seed == 0 ? "new-id" : seed % 3 == 2 ? "" : random.text() + "new id");
+      edit_.setPersistentId(row, seed == 0 ? "new-id" : seed % 3 == 2 ? "" : random.text() + "new id");
       break;
     case ChangeKind::remove:
       if (isSource) {
@@ -98,7 +116,7 @@ bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
           free_ = {std::min(free_.begin, above.begin), std::max(free_.end, above.end)};
         }
       }
-      edit.remove(row);
+      edit_.remove(row);
       break;
     case ChangeKind::before:
     case ChangeKind::after:
@@ -113,63 +131,56 @@ bool ChangedFile::change(std::size_t place, ChangeKind kind, unsigned seed) {
       }
       if (!headless::carriesText(content.type)) content.text = Text();
       if (!holds_.styles) content = {.text = content.text};
-      edit.insert(edit.make(std::move(content)), *parent, before);
+      edit_.insert(edit_.make(std::move(content)), *parent, before);
       break;
     }
     case ChangeKind::move: {
-      const Row* to = outline_->rowsInOrder()[random.below(outline_->rowCount() + 1)];
+      const Row* to = outline_.rowsInOrder()[random.below(outline_.rowCount() + 1)];
       if (isWithin(*to, row)) return false;
       for (before = to->firstChild(); before && random.below(2) == 0;) before = before->next();
-      free_ = {0, outline_->source()->text().size()};
-      edit.place(row, *to, before);
+      free_ = {0, outline_.source()->text().size()};
+      edit_.place(row, *to, before);
       break;
     }
   }
-  if (edit.empty()) return false;
+  if (edit_.empty()) return false;
   if (isSource && kind < ChangeKind::remove) free_ = ownLines(row);
   if (isSource && kind == ChangeKind::type) free_ = around(free_);
   story_.append(kindNames[static_cast<std::size_t>(kind)]).append(" of row ").append(std::to_string(place));
   story_.append(", seed ").append(std::to_string(seed)).append("; ");
-  for (headless::Change& change : edit.take()) changes_.push_back(std::move(change));
+  for (headless::Change& change : edit_.take()) changes_.push_back(std::move(change));
   return true;
 }
 
-void ChangedFile::undo() {
-  headless::undo(*outline_, changes_);
-  changes_.clear();
-  story_ += "undone; ";
-}
-
 bool ChangedFile::isFaulty() const {
-  const std::string& text = outline_->source()->text();
-  const std::string content = dump(*outline_, holds_);
+  const std::string& text = outline_.source()->text();
+  const std::string content = dump(outline_, holds_);
   const auto holds = [&](std::string_view escape) { return content.find(escape) != std::string::npos; };
-  return repeatsIds(*outline_, text) ||
-         (!holds_.controls && (holds("\\u00") || holds("\\b") || holds("\\f")));
+  return repeatsIds(outline_, text) || (!holds_.controls && (holds("\\u00") || holds("\\b") || holds("\\f")));
 }
 
 std::string ChangedFile::differs() const {
-  const std::string written = now();
-  return written == outline_->source()->text() ? "" : "differs from what was read:\n" + written;
+  const std::string written = this->written();
+  return written == outline_.source()->text() ? "" : "differs from what was read:\n" + written;
 }
 
 std::string ChangedFile::readsOtherwise() const {
-  const std::string written = now();
+  const std::string written = this->written();
   Outline again;
   try {
-    readFile(*format_, written, {readTime}, again);
+    readFile(format_, written, {readTime}, again);
   } catch (const FormatError& error) {
     return std::string("cannot be read: ") + error.what() + "\n" + written;
   }
-  const std::string expected = dump(*outline_, holds_);
+  const std::string expected = dump(outline_, holds_);
   const std::string found = dump(again, holds_);
   if (found == expected) return "";
   return "rows:" + expected + "\nread back as:" + found + "\nfrom:\n" + written;
 }
 
 std::string ChangedFile::touchesOthers() const {
-  const std::string_view before = outline_->source()->text();
-  const std::string written = now();
+  const std::string_view before = outline_.source()->text();
+  const std::string written = this->written();
   const std::string_view head = before.substr(0, free_.begin);
   const std::string_view tail = before.substr(free_.end);
   if (written.size() >= head.size() + tail.size() && written.starts_with(head) && written.ends_with(tail)) {
@@ -182,7 +193,7 @@ std::string ChangedFile::touchesOthers() const {
 /// What rows call their own, in the order of the text.
 std::vector<ChangedFile::Range> ChangedFile::pieces() const {
   std::vector<Range> pieces;
-  for (const Row* row = outline_->root().firstChild(); row; row = nextInOrder(row, &outline_->root())) {
+  for (const Row* row = outline_.root().firstChild(); row; row = nextInOrder(row, &outline_.root())) {
     const SourceSpan& own = span(*row);
     pieces.push_back({own.begin, own.end});
     if (own.closeEnd != 0) pieces.push_back({own.closeBegin, own.closeEnd});
@@ -193,13 +204,13 @@ std::vector<ChangedFile::Range> ChangedFile::pieces() const {
 
 /// The row's own lines, with those of its children where it closes behind them.
 ChangedFile::Range ChangedFile::ownLines(const Row& row) const {
-  if (&row == &outline_->root()) return {0, outline_->source()->text().size()};
+  if (&row == &outline_.root()) return {0, outline_.source()->text().size()};
   return {span(row).begin, std::max(span(row).end, span(row).closeEnd)};
 }
 
 /// The range with what separates it from its neighbours.
 ChangedFile::Range ChangedFile::around(Range range) const {
-  const std::string_view text = outline_->source()->text();
+  const std::string_view text = outline_.source()->text();
   std::size_t begin =
       std::min(text.find_last_not_of(" \t\r\n", range.begin - (range.begin > 0)) + 1, range.begin);
   std::size_t end = std::min(text.find_first_not_of(" \t\r\n", range.end), text.size());
@@ -219,7 +230,7 @@ ChangedFile::Range ChangedFile::beside(const Row& parent, const Row* before) con
   if (before) return around({span(*before).begin, span(*before).begin});
   const Row* last = parent.lastChild();
   if (!last) {
-    const bool encloses = format_->name == "opml" || format_->name == "json";
+    const bool encloses = format_.name == "opml" || format_.name == "json";
     return encloses ? ownLines(parent) : around({span(parent).end, span(parent).end});
   }
   while (span(*last).closeEnd == 0 && last->lastChild()) last = last->lastChild();

@@ -1,6 +1,4 @@
-#include <gtest/gtest.h>
-
-#include "tests/formats/row_changes.h"
+#include "tests/formats/update_case.h"
 
 namespace vell::formats {
 namespace {
@@ -9,82 +7,82 @@ namespace {
 const UpdateCase updateCases[] = {
     // A changed row keeps what else its tag says, as it says it.
     {"quotes and blanks", "<opml><body><outline  type='rss' text = 'a'\n\tx:u=\"b&#99;\"  /></body></opml>",
-     [](RowChanges& rows) { rows.text("a", "it's \"b\" & <c>"); },
+     [](ChangedFile& rows) { rows.text("a", "it's \"b\" & <c>"); },
      "<opml><body><outline  type='rss' text = 'it&apos;s \"b\" &amp; &lt;c&gt;'\n\tx:u=\"b&#99;\"  /></body></opml>"},
     {"title stands in", "<opml><body><outline title='a' u='1'/></body></opml>",
-     [](RowChanges& rows) { rows.text("a", "b"); },
+     [](ChangedFile& rows) { rows.text("a", "b"); },
      "<opml><body><outline title='b' u='1'/></body></opml>"},
     {"title becomes an attribute", "<opml><body><outline title='a'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("a", {{"title", "t"}}); },
+     [](ChangedFile& rows) { rows.attributes("a", {{"title", "t"}}); },
      "<opml><body><outline title='t' text='a'/></body></opml>"},
     {"repeated attributes", "<opml><body><outline text='no' a='no' text='t' a='1' b='2'/></body></opml>",
-     [](RowChanges& rows) { rows.text("t", "u"); rows.attributes("u", {{"a", "3"}, {"b", "2"}}); },
+     [](ChangedFile& rows) { rows.text("t", "u"); rows.attributes("u", {{"a", "3"}, {"b", "2"}}); },
      "<opml><body><outline text='no' a='3' text='u' b='2'/></body></opml>"},
     {"attributes that only look like ours", "<opml><body><outline text='t' vell-x='1' vell-attributes2='2' vell-y='3'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("t", {{"vell-attributes2", "a"}, {"vell-y", "3"}}); },
+     [](ChangedFile& rows) { rows.attributes("t", {{"vell-attributes2", "a"}, {"vell-y", "3"}}); },
      "<opml><body><outline text='t' vell-attributes2='a' vell-y='3'/></body></opml>"},
     {"styles come and go", "<opml><body><outline text=\"a b\" vell-text='_a_ b'/><outline text=\"c\"/><outline text=\"d\" vell-text=\"_d_\"/></body></opml>",
-     [](RowChanges& rows) { rows.text("a b", "_a_ b e"); rows.text("c", "**c**"); rows.text("d", "d"); },
+     [](ChangedFile& rows) { rows.text("a b", "_a_ b e"); rows.text("c", "**c**"); rows.text("d", "d"); },
      "<opml><body><outline text=\"a b e\" vell-text='_a_ b e'/><outline text=\"c\" vell-text=\"**c**\"/><outline text=\"d\"/></body></opml>"},
     {"one attribute changes, one goes, one comes", "<opml><body><outline a='1' text='t' b=\"2\" c='3'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("t", {{"a", "1"}, {"c", "x"}, {"d", "4"}}); },
+     [](ChangedFile& rows) { rows.attributes("t", {{"a", "1"}, {"c", "x"}, {"d", "4"}}); },
      "<opml><body><outline a='1' text='t' c='x' d='4'/></body></opml>"},
     {"attributes in another order", "<opml><body><outline text='t' a='1' b='2'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("t", {{"b", "2"}, {"n", "3"}, {"a", "1"}}); },
+     [](ChangedFile& rows) { rows.attributes("t", {{"b", "2"}, {"n", "3"}, {"a", "1"}}); },
      "<opml><body><outline text='t' b='2' n='3' a='1'/></body></opml>"},
     {"attributes that XML cannot name", "<opml><body><outline text='t' vell-attributes='{ \"a b\": \"1\" }' c='2'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("t", {{"a b", "1"}, {"c", "2"}, {"text", "3"}, {"\xC3\xA9", "4"}}); },
+     [](ChangedFile& rows) { rows.attributes("t", {{"a b", "1"}, {"c", "2"}, {"text", "3"}, {"\xC3\xA9", "4"}}); },
      "<opml><body><outline text='t' vell-attributes='{ \"a b\": \"1\" }' c='2' vell-attributes-2='{\"text\":\"3\"}' \xC3\xA9='4'/></body></opml>"},
     {"the first of two such", "<opml><body><outline text='t' vell-attributes='{\"1\":\"1\"}' c='2' vell-attributes-2='{\"2\":\"2\",\"3\":\"3\"}'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("t", {{"c", "2"}, {"3", "x"}, {"d", "4"}, {"5", "5"}}); },
+     [](ChangedFile& rows) { rows.attributes("t", {{"c", "2"}, {"3", "x"}, {"d", "4"}, {"5", "5"}}); },
      "<opml><body><outline text='t' c='2' vell-attributes-2='{\"3\":\"x\"}' d='4' vell-attributes-3='{\"5\":\"5\"}'/></body></opml>"},
     {"type and id", "<opml><body><outline vell-type='task' text='t'/><outline text='u' vell-id='i'/></body></opml>",
-     [](RowChanges& rows) { rows.edit().setType(rows.row("t"), RowType::body); rows.edit().setPersistentId(rows.row("t"), "i"); },
+     [](ChangedFile& rows) { rows.edit().setType(rows.row("t"), RowType::body); rows.edit().setPersistentId(rows.row("t"), "i"); },
      "<opml><body><outline text='t' vell-id='i'/><outline text='u'/></body></opml>"},
     {"entities of its own", "<!DOCTYPE opml [<!ENTITY co \"Company\">]>\n<opml><body><outline text=\"&co; &amp; a\" b=\"&co;\"/></body></opml>",
-     [](RowChanges& rows) { rows.text("&co; & a", "&co; & &b;"); },
+     [](ChangedFile& rows) { rows.text("&co; & a", "&co; & &b;"); },
      "<!DOCTYPE opml [<!ENTITY co \"Company\">]>\n<opml><body><outline text=\"&co; &amp; &amp;b;\" b=\"&co;\"/></body></opml>"},
     {"texts that look like references", "<opml><body><outline text='&lt; &amp;lt; &amp;co;'/></body></opml>",
-     [](RowChanges& rows) { rows.edit().setText(rows.row("< &lt; &co;"), Text("< &lt; &co; &amp;")); },
+     [](ChangedFile& rows) { rows.edit().setText(rows.row("< &lt; &co;"), Text("< &lt; &co; &amp;")); },
      "<opml><body><outline text='&lt; &amp;lt; &amp;co; &amp;amp;'/></body></opml>"},
     {"references to no character", "<opml><body><outline text='&#xD800;' a='&#999999999;'/></body></opml>",
-     [](RowChanges& rows) { rows.attributes("\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD", {{"a", "b"}}); },
+     [](ChangedFile& rows) { rows.attributes("\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD", {{"a", "b"}}); },
      "<opml><body><outline text='&#xD800;' a='b'/></body></opml>"},
     {"another declared encoding", "<?xml version='1.0' encoding='ISO-8859-1'?><opml><body><outline text='a'/></body></opml>",
-     [](RowChanges& rows) { rows.text("a", "\xC3\xA9"); rows.create("", "\xF0\x9F\x98\x80"); },
+     [](ChangedFile& rows) { rows.text("a", "\xC3\xA9"); rows.create("", "\xF0\x9F\x98\x80"); },
      "<?xml version='1.0' encoding='ISO-8859-1'?><opml><body><outline text='&#233;'/><outline text=\"&#128512;\"/></body></opml>"},
     // New rows stand as those beside them.
     {"on lines, with a byte order mark", "\xEF\xBB\xBF<opml>\r\n<body>\r\n  <outline text='a'/>\r\n</body></opml>",
-     [](RowChanges& rows) { rows.create("", "0", "a"); rows.create("a", "b"); rows.create("b", "c"); rows.create("", "d"); },
+     [](ChangedFile& rows) { rows.create("", "0", "a"); rows.create("a", "b"); rows.create("b", "c"); rows.create("", "d"); },
      "\xEF\xBB\xBF<opml>\r\n<body>\r\n  <outline text=\"0\"/>\r\n  <outline text='a'>\r\n    <outline text=\"b\">\r\n      <outline text=\"c\"/>\r\n    </outline>\r\n  </outline>\r\n  <outline text=\"d\"/>\r\n</body></opml>"},
     {"the first row", "<opml>\n  <body />\n</opml>\n",
-     [](RowChanges& rows) { rows.create("", "a"); },
+     [](ChangedFile& rows) { rows.create("", "a"); },
      "<opml>\n  <body>\n    <outline text=\"a\"/>\n  </body>\n</opml>\n"},
     {"between end tags", "<opml><body>\n<outline text='a'></outline> <!-- of a -->\n\n<outline text='b'>text</outline>\n</body></opml>",
-     [](RowChanges& rows) { rows.create("a", "c"); rows.create("", "d", "b"); rows.create("b", "e"); },
+     [](ChangedFile& rows) { rows.create("a", "c"); rows.create("", "d", "b"); rows.create("b", "e"); },
      "<opml><body>\n<outline text='a'>\n  <outline text=\"c\"/>\n</outline> <!-- of a -->\n<outline text=\"d\"/>\n\n<outline text='b'>\n  <outline text=\"e\"/>text\n</outline>\n</body></opml>"},
     // What stands before a row goes with it; comments outlive the rows that are deleted.
     {"deleted rows", "<opml><body>\n\t<!-- 1 -->\n\t<outline text='a'/> <!-- of a -->\n\t<?p?>\n\t<outline text='b'><outline text='c'/></outline>\n\n\t<outline text='d'/>\n</body></opml>",
-     [](RowChanges& rows) { rows.remove("a"); rows.remove("b"); },
+     [](ChangedFile& rows) { rows.remove("a"); rows.remove("b"); },
      "<opml><body>\n\t<!-- 1 -->\n\t<?p?>\n\n\t<outline text='d'/>\n</body></opml>"},
     {"all rows deleted", "<opml><body>\n\t<outline text='a'>\n\t\t<outline text='b'/>\n\t</outline>\n</body></opml>",
-     [](RowChanges& rows) { rows.remove("b"); },
+     [](ChangedFile& rows) { rows.remove("b"); },
      "<opml><body>\n\t<outline text='a'>\n\t</outline>\n</body></opml>"},
     {"a subtree that moves", "<opml><body>\n<outline text='a'>\n\t<!-- b -->\n\t<outline\n\t\ttext='b'>\n\t\t<outline text='c'/>\n\t</outline>\n</outline>\n<outline text='d'/>\n</body></opml>",
-     [](RowChanges& rows) { rows.move("b", ""); },
+     [](ChangedFile& rows) { rows.move("b", ""); },
      "<opml><body>\n<outline text='a'>\n</outline>\n<outline text='d'/>\n\t<!-- b -->\n<outline\n\t\ttext='b'>\n\t<outline text='c'/>\n</outline>\n</body></opml>"},
     {"the last becomes the first", "<opml><body>\n<outline text='a'/>\n\n<outline text='b'/>\n<outline text='c'/>\n</body></opml>",
-     [](RowChanges& rows) { rows.move("c", "", "a"); },
+     [](ChangedFile& rows) { rows.move("c", "", "a"); },
      "<opml><body>\n<outline text='c'/>\n<outline text='a'/>\n\n<outline text='b'/>\n</body></opml>"},
     {"what no row is", "<opml><body><x:outline text='no'/>\n<group><outline text='no'/></group>\n<outline text='a'/>\n</body><body><outline text='no'/></body></opml>",
-     [](RowChanges& rows) { rows.text("a", "b"); rows.create("", "c"); },
+     [](ChangedFile& rows) { rows.text("a", "b"); rows.create("", "c"); },
      "<opml><body><x:outline text='no'/>\n<group><outline text='no'/></group>\n<outline text='b'/>\n<outline text=\"c\"/>\n</body><body><outline text='no'/></body></opml>"},
     // Times stand in files that were made here, and in rows that tell them.
     {"notes of others", "<opml><head><vell-id>x</vell-id></head><body>\n<outline text='a'/>\n<outline text='b' vell-modified='2026-01-01T00:00:00Z'/>\n</body></opml>",
-     [](RowChanges& rows) { rows.text("a", "A"); rows.text("b", "B"); rows.create("", "c"); rows.outline().setPersistentId("x"); },
+     [](ChangedFile& rows) { rows.text("a", "A"); rows.text("b", "B"); rows.create("", "c"); rows.outline().setPersistentId("x"); },
      "<opml><head><vell-id>x</vell-id></head><body>\n<outline text='A'/>\n<outline text='B' vell-modified='2026-09-21T14:13:25Z'/>\n<outline text=\"c\"/>\n</body></opml>"},
     {"a file made here", "<opml><head><vell-created>2026-01-01T00:00:00Z</vell-created></head><body>\n<outline text='a'/>\n</body></opml>",
-     [](RowChanges& rows) { rows.text("a", "A"); rows.create("", "c"); },
+     [](ChangedFile& rows) { rows.text("a", "A"); rows.create("", "c"); },
      "<opml><head><vell-created>2026-01-01T00:00:00Z</vell-created></head><body>\n<outline text='A' vell-modified='2026-09-21T14:13:25Z'/>\n<outline text=\"c\" vell-created=\"2026-09-21T14:13:25Z\"/>\n</body></opml>"},
 };
 // clang-format on
@@ -98,7 +96,7 @@ TEST(OpmlUpdate, WritesTheOutlinesIdWhereOneStood) {
        {std::pair("<opml><head><vell-id>a</vell-id></head><body/></opml>",
                   "<opml><head><vell-id>b&amp;c</vell-id></head><body/></opml>"),
         std::pair("<opml><head/><body/></opml>", "<opml><head/><body/></opml>")}) {
-    RowChanges rows("opml", source);
+    ChangedFile rows("opml", source);
     rows.outline().setPersistentId("b&c");
     EXPECT_EQ(rows.written(), written);
   }
@@ -110,7 +108,7 @@ TEST(OpmlUpdate, DepthCostsNoMoreThanRows) {
   for (std::size_t level = 0; level < depth; ++level) source += "<outline text='x'>\n";
   for (std::size_t level = 0; level < depth; ++level) source += "</outline>\n";
   source += "</body></opml>";
-  RowChanges rows("opml", source);
+  ChangedFile rows("opml", source);
   EXPECT_EQ(rows.written(), source);
   const Row* deepest = &rows.row("x");
   while (deepest->firstChild()) deepest = deepest->firstChild();
