@@ -11,6 +11,8 @@
 // What the reader and the writer of markdown share.
 namespace vell::formats {
 
+struct MarkdownBlock;
+
 /// As what a row stands in a text; `type` in its trailer can say that it is another type all the same.
 enum class MarkdownForm { paragraph, item, quote, heading, rule, code, verbatim };
 
@@ -50,6 +52,10 @@ enum class MarkdownScope {
 /// front matter says.
 MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timestamp time = 0,
                               Outline* outline = nullptr);
+
+/// The rows that the blocks of the text are.
+std::vector<MarkdownRow> rowsOfBlocks(std::string_view text, const std::vector<MarkdownBlock>& blocks,
+                                      MarkdownScope scope, Timestamp time);
 
 /// Stands for a body row without text.
 inline constexpr std::string_view emptyMarkdownRow = "<br>";
