@@ -2,9 +2,9 @@
 #include <utility>
 
 #include "formats/document_header.h"
+#include "formats/inline_markdown.h"
 #include "formats/markdown_blocks.h"
 #include "formats/markdown_format.h"
-#include "formats/inline_markdown.h"
 #include "text/lines.h"
 
 namespace vell::formats {

@@ -164,46 +164,14 @@ TEST(InlineMarkdown, RewritesWhatChanged) {
   }
 }
 
-constexpr std::string_view scraps[] = {"word",
-                                       "two words",
-                                       "*em*",
-                                       "__strong__",
-                                       "_a_",
-                                       "***x***",
-                                       "`code`",
-                                       "`` a`b ``",
-                                       "[l](u 'T')",
-                                       "[l](<a b>)",
-                                       "![i](j)",
-                                       "[![b](a)](c)",
-                                       "<http://a.b>",
-                                       "<kbd>k</kbd>",
-                                       "&copy;",
-                                       "&#169;",
-                                       "\\*",
-                                       "[[w]]",
-                                       "{{ t }}",
-                                       "[a][b]",
-                                       "~~s~~",
-                                       "==m==",
-                                       "[x]{k=v}",
-                                       "*a **b** c*",
-                                       "*",
-                                       "**",
-                                       "_",
-                                       "`",
-                                       "[",
-                                       "](u)",
-                                       "~~",
-                                       "\xE2\x80\x9C",
-                                       "\\",
-                                       "<b",
-                                       "a  \nb",
-                                       "c\\\nd",
-                                       "e\nf",
-                                       " {a=b}",
-                                       "!",
-                                       "(x)"};
+// clang-format off
+constexpr std::string_view scraps[] = {
+    "word", "two words", "*em*", "__strong__", "_a_", "***x***", "`code`", "`` a`b ``", "[l](u 'T')",
+    "[l](<a b>)", "![i](j)", "[![b](a)](c)", "<http://a.b>", "<kbd>k</kbd>", "&copy;", "&#169;", "\\*",
+    "[[w]]", "{{ t }}", "[a][b]", "~~s~~", "==m==", "[x]{k=v}", "*a **b** c*", "*", "**", "_", "`", "[",
+    "](u)", "~~", "\xE2\x80\x9C", "\\", "<b", "a  \nb", "c\\\nd", "e\nf", " {a=b}", "!", "(x)",
+};
+// clang-format on
 
 class InlineEdits {
  public:

@@ -79,33 +79,5 @@ TEST(JsonUpdate, ChangesWhatChanged) {
   for (const UpdateCase& row : updateCases) checkUpdate("json", row);
 }
 
-TEST(JsonUpdate, WritesTheOutlinesIdWhereOneStood) {
-  for (const auto& [source, written] :
-       {std::pair(R"({"id": "a", "rows": [{"text": "b"}], "x": 1})",
-                  R"({"id": "c", "rows": [{"text": "b"}], "x": 1})"),
-        std::pair(R"({"id": 7, "persistentId":"a","rows":[]})", R"({"id": 7, "persistentId":"c","rows":[]})"),
-        std::pair(R"({"rows":[]})", R"({"rows":[]})"), std::pair("[]", "[]")}) {
-    ChangedFile rows("json", source);
-    rows.outline().setPersistentId("c");
-    EXPECT_EQ(rows.written(), written);
-  }
-}
-
-TEST(JsonUpdate, DepthCostsNoMoreThanRows) {
-  constexpr std::size_t depth = 9'900;
-  std::string source = "[\n";
-  for (std::size_t level = 0; level < depth; ++level) source += "{\"text\":\"x\",\"children\":[\n";
-  for (std::size_t level = 0; level < depth; ++level) source += "]}\n";
-  source += "]";
-  ChangedFile rows("json", source);
-  EXPECT_EQ(rows.written(), source);
-  const Row* deepest = &rows.row("x");
-  while (deepest->firstChild()) deepest = deepest->firstChild();
-  rows.edit().setText(*deepest, Text("deepest"));
-  for (std::size_t level = 0; level < 100; ++level)
-    rows.create(level == 0 ? "" : std::to_string(level - 1), std::to_string(level));
-  EXPECT_LT(rows.written().size(), source.size() + 100 * 200);
-}
-
 }  // namespace
 }  // namespace vell::formats

@@ -91,33 +91,5 @@ TEST(OpmlUpdate, ChangesWhatChanged) {
   for (const UpdateCase& row : updateCases) checkUpdate("opml", row);
 }
 
-TEST(OpmlUpdate, WritesTheOutlinesIdWhereOneStood) {
-  for (const auto& [source, written] :
-       {std::pair("<opml><head><vell-id>a</vell-id></head><body/></opml>",
-                  "<opml><head><vell-id>b&amp;c</vell-id></head><body/></opml>"),
-        std::pair("<opml><head/><body/></opml>", "<opml><head/><body/></opml>")}) {
-    ChangedFile rows("opml", source);
-    rows.outline().setPersistentId("b&c");
-    EXPECT_EQ(rows.written(), written);
-  }
-}
-
-TEST(OpmlUpdate, DepthCostsNoMoreThanRows) {
-  constexpr std::size_t depth = 20'000;
-  std::string source = "<opml><body>\n";
-  for (std::size_t level = 0; level < depth; ++level) source += "<outline text='x'>\n";
-  for (std::size_t level = 0; level < depth; ++level) source += "</outline>\n";
-  source += "</body></opml>";
-  ChangedFile rows("opml", source);
-  EXPECT_EQ(rows.written(), source);
-  const Row* deepest = &rows.row("x");
-  while (deepest->firstChild()) deepest = deepest->firstChild();
-  rows.edit().setText(*deepest, Text("deepest"));
-  for (std::size_t level = 0; level < 100; ++level)
-    rows.create(level == 0 ? "" : std::to_string(level - 1), std::to_string(level));
-  EXPECT_LT(rows.written().size(), source.size() + 100 * 200);
-  EXPECT_LT(writeAll("opml", rows.outline()).size(), depth * 200);
-}
-
 }  // namespace
 }  // namespace vell::formats
