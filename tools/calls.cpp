@@ -4,6 +4,7 @@
 #include <variant>
 
 #include "ipc/client_error.h"
+#include "tools/answer_limit.h"
 
 namespace vell::tools {
 
@@ -21,13 +22,15 @@ std::string textOf(const std::exception_ptr& failure) {
   try {
     std::rethrow_exception(failure);
   } catch (const std::exception& error) {
-    return error.what();
+    return shortened(error.what());
   }
 }
 
 static void answer(const mcp::ToolCallPtr& call, const Outcome& outcome, WhenNotRunning whenNotRunning) {
   if (const auto* answer = std::get_if<ipc::Answer>(&outcome)) {
-    return call->answerText(answer->bytes());
+    std::string text = answer->bytes();
+    if (auto why = refusal(text, *answer)) return call->fail(std::move(*why));
+    return call->answerText(std::move(text));
   }
   const std::exception_ptr failure = std::get<std::exception_ptr>(outcome);
   if (whenNotRunning == WhenNotRunning::emptyList && meansNotRunning(failure)) return call->answerText("[]");

@@ -19,9 +19,11 @@ struct Services {
 /// What a call answers where the application does not run: an error, or an empty list.
 enum class WhenNotRunning { error, emptyList };
 
+/// The failure's description, cut where it is too large for a message.
 std::string textOf(const std::exception_ptr& failure);
 
-/// Answers with the result of one method of the application; cancelling withdraws the call.
+/// Answers with the result of one method of the application, or with an error where it is too large for a
+/// message; cancelling ends the call.
 void forward(const Services& services, std::string method, std::string params, const mcp::ToolCallPtr& call,
              WhenNotRunning whenNotRunning = WhenNotRunning::error);
 

@@ -7,6 +7,7 @@
 #include "ipc/methods.h"
 #include "ipc/outline_summary.h"
 #include "outlines/opening.h"
+#include "tools/answer_limit.h"
 
 namespace vell::tools {
 
@@ -27,8 +28,10 @@ constexpr const char* currentDescription =
 
 void answer(const mcp::ResourceReadPtr& read, const Outcome& outcome) {
   if (const auto* failure = std::get_if<std::exception_ptr>(&outcome)) return read->fail(textOf(*failure));
-  auto markdown = std::get<ipc::Answer>(outcome).result().string();
+  const auto& answer = std::get<ipc::Answer>(outcome);
+  auto markdown = answer.result().string();
   if (!markdown) return read->fail("Vell did not send the outline as text");
+  if (const auto why = refusal(*markdown, answer)) return read->fail(*why);
   read->answer({.uri = read->uri(), .mimeType = markdownType, .text = std::move(*markdown)});
 }
 

@@ -3,6 +3,7 @@
 #include <string>
 
 #include "outline_path/path_check.h"
+#include "tools/answer_limit.h"
 #include "tools/declared_tool.h"
 
 namespace vell::tools {
@@ -34,7 +35,7 @@ struct VellOutlinePathCheck {
   }
 
   static void perform(const Record& record, const Services&, const mcp::ToolCallPtr& call) {
-    call->answerText(outline_path::checkOutlinePath(record.path));
+    call->answerText(shortened(outline_path::checkOutlinePath(record.path)));
   }
 };
 

@@ -80,13 +80,17 @@ class Host {
   mcp::Value ask(const std::string& method, const std::string& params = "{}") {
     return answer(request(method, params));
   }
-  /// The text of a tool's result, with "error: " before it where it says so.
+  /// The text of a tool's or a resource's result, with "error: " before it where the tool's says so; the
+  /// message of an error.
+  static std::string textOf(const mcp::Value& answer) {
+    if (const auto* error = answer.find("error")) return *error->find("message")->string();
+    const mcp::Value& result = *answer.find("result");
+    const mcp::Value* contents = result.find("contents");
+    const mcp::Value& item = (contents ? contents : result.find("content"))->array()->front();
+    return (result.find("isError") ? "error: " : "") + *item.find("text")->string();
+  }
   std::string call(const std::string& name, const std::string& arguments) {
-    const mcp::Value message = answer(requestTool(name, arguments));
-    const mcp::Value* result = message.find("result");
-    if (!result) return message.description();
-    const std::string& text = *result->find("content")->array()->front().find("text")->string();
-    return (result->find("isError") ? "error: " : "") + text;
+    return textOf(answer(requestTool(name, arguments)));
   }
 
  private:

@@ -225,6 +225,61 @@ TEST(Tools, HangingInTheApplicationDelayNothingElse) {
   EXPECT_THAT(toolRequests(application), ::testing::ElementsAre(::testing::HasSubstr("command.list")));
 }
 
+/// A JSON array of that many times the same.
+std::string list(const std::string& item, int count) {
+  std::string items = "[" + item;
+  while (--count > 0) items += "," + item;
+  return items + "]";
+}
+
+TEST(Tools, RefuseAnswersThatWouldEndTheSession) {
+  const auto leaf = [](const std::string& string) {
+    return R"({"id":1,"text":[{"string":")" + string + R"("}],"type":"body"})";
+  };
+  const std::string plain = leaf(std::string(3000, 'x')), escapes = leaf(std::string(3000, '\\'));
+  const std::string branch = R"({"children":)" + list(plain, 2) + R"(,"id":1,"text":[],"type":"body"})";
+  const auto string = [](std::size_t size) { return '"' + std::string(size, 'x') + '"'; };
+  const auto refused = [](const std::string& size) {
+    return "error: Vell has done what was asked, but its answer is too large to be sent: " + size +
+           "; at most 8 MB can be. Read less of an outline with vell_get_outline: name rows in `refs`, such "
+           "as `//heading` or, for the first 200 rows, `//*[0:200]`; `output: markdown` is shorter than "
+           "JSON.";
+  };
+  std::string path;
+  while (path.size() < 220'000) path += "/a";
+  const std::string get = R"({"name":"vell_get_outline"})", resource = R"({"uri":"vell://outline/p"})",
+                    script = R"({"name":"vell_evaluate_script","arguments":{"script":"1"}})",
+                    check = R"({"name":"vell_outline_path_check","arguments":{"path":")" + path + "\"}}";
+  const struct {
+    const char* method;
+    std::string params;
+    FakeApplication::Reply reply;
+    std::string answer;
+  } rows[] = {
+      {"tools/call", get, FakeApplication::result(R"({"rows":)" + list(branch, 1500) + "}"),
+       refused("9.3 MB, 4500 rows")},
+      {"tools/call", get, FakeApplication::result(list(escapes, 1500)), refused("9.1 MB, 1500 rows")},
+      {"tools/call", get, FakeApplication::result(list(R"({"row":)" + plain + "}", 3000)),
+       refused("9.2 MB, 3000 rows")},
+      {"tools/call", script, FakeApplication::result(string(7'999'994)), "7999996 bytes"},
+      {"tools/call", script, FakeApplication::result(string(7'999'995)), refused("8.0 MB")},
+      {"tools/call", script, FakeApplication::error(7, string(9'000'000).substr(1, 9'000'000)), "1019 bytes"},
+      {"tools/call", check, {}, "1012 bytes"},
+      {"resources/read", resource, FakeApplication::result(string(7'999'999)),
+       "Internal error: Error reading resource vell://outline/p: " + refused("8.0 MB").substr(7)},
+  };
+  const TemporaryHome home;
+  Host host;
+  host.initialize();
+  for (const auto& row : rows) {
+    const FakeApplication application([&row](const std::string& request) {
+      return request.find("documents.observe") == std::string::npos ? row.reply : FakeApplication::Reply{};
+    });
+    const std::string text = Host::textOf(host.ask(row.method, row.params));
+    EXPECT_EQ(text.size() > 1000 ? std::to_string(text.size()) + " bytes" : text, row.answer);
+  }
+}
+
 /// An application that never answers the first request of a tool or a resource, and all others with 1.
 class HangingApplication {
  public:

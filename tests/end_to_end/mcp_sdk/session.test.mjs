@@ -4,6 +4,7 @@ import assert from 'node:assert/strict';
 import { execFileSync, spawn } from 'node:child_process';
 import {
   copyFileSync, existsSync, mkdirSync, mkdtempSync, readdirSync, readFileSync, readlinkSync, realpathSync, rmSync,
+  writeFileSync,
 } from 'node:fs';
 import { once } from 'node:events';
 import { join } from 'node:path';
@@ -154,6 +155,19 @@ test('an agent works through a day', { timeout: 60_000 }, async (t) => {
     assert.match((await call('vell_get_outline', { refs: ['//task['] })).text, /^Vell error /);
     assert.deepEqual(await json('vell_close_outline', { outline, discard: true }), { closed: true });
     await until('the closed outline is gone', async () => (await resources()).length === 2);
+  });
+
+  await t.test('an outline that is too large for a line is read in parts', async () => {
+    const path = join(home, 'large.md');
+    writeFileSync(path, `- ${'x'.repeat(10_000)}\n`.repeat(1200));
+    const outline = (await json('vell_open_outline', { path })).persistentId;
+    const { failed, text } = await call('vell_get_outline', { outline });
+    assert.ok(failed);
+    assert.match(text, /12\.\d MB, 1200 rows; .*`\/\/\*\[0:200\]`/);
+    await assert.rejects(client.readResource({ uri: 'vell://file/' + encodeURIComponent(path) }), /12\.\d MB; /);
+    assert.equal((await json('vell_get_outline', { outline, refs: ['//*[0:200]'], rows: true })).length, 200);
+    assert.deepEqual(await json('vell_close_outline', { outline }), { closed: true });
+    await until('it is gone', async () => (await resources()).length === 2);
   });
 
   await t.test('the application restarts', async () => {
