@@ -92,7 +92,12 @@ std::size_t MarkdownSource::lineEndsBehind(const MarkdownRow& row) const {
 
 bool MarkdownSource::isInListWith(const MarkdownRow& row, const MarkdownRow& beside) const {
   if (row.form != MarkdownForm::item || beside.form != MarkdownForm::item) return false;
-  return row.container != beside.container || listMark(own(row)) == listMark(own(beside));
+  if (row.container == indexOf(beside)) return true;
+  const MarkdownRow* sibling = &beside;
+  while (sibling->container != row.container && sibling->container != MarkdownRow::none) {
+    sibling = &read_.rows[sibling->container];
+  }
+  return sibling->container == row.container && listMark(own(row)) == listMark(own(*sibling));
 }
 
 std::size_t MarkdownSource::listGap(const MarkdownRow& row) const {

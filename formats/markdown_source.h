@@ -52,6 +52,7 @@ class MarkdownSource {
   bool indentsByTabs() const { return indentsByTabs_; }
 
  private:
+  /// Both are items of one list, or one begins a list within the other.
   bool isInListWith(const MarkdownRow& row, const MarkdownRow& beside) const;
 
   const Outline* outline_ = nullptr;

@@ -35,12 +35,12 @@ const UpdateCase cases[] = {
        for (const char* before : {"c", "d"}) rows.edit().insert(rows.edit().make({.type = *before == 'c' ? RowType::ordered : RowType::unordered, .text = Text("n")}), rows.row(""), &rows.row(before));
      },
      "1. a\n2. b\n3. n\n\nc\n\n* n\n\n* d\n\n* e\n"},
-    {"in tight lists", "para\n\n- PNG\n- JPEG\n\n1. one\n\nend\n",
+    {"in tight lists", "para\n\n- PNG\n- JPEG\n  - x\n\n1. one\n\nend\n",
      [](ChangedFile& rows) {
        for (const char* before : {"PNG", "JPEG", "one"}) rows.edit().insert(rows.edit().make({.type = *before == 'o' ? RowType::ordered : RowType::unordered, .text = Text("n")}), rows.row(""), &rows.row(before));
        rows.edit().insert(rows.edit().make({.type = RowType::ordered, .text = Text("m")}), rows.row(""), &rows.row("end"));
      },
-     "para\n\n- n\n- PNG\n- n\n- JPEG\n\n1. n\n1. one\n1. m\n\nend\n"},
+     "para\n\n- n\n- PNG\n- n\n- JPEG\n  - x\n\n1. n\n1. one\n1. m\n\nend\n"},
     {"below rows", "a\n\n- b\n\n> c\n> - d\n",
      [](ChangedFile& rows) { rows.create("a", "n"); rows.create("b", "n"); rows.create("c", "n"); },
      "a\n\nn {depth=1}\n\n- b\n\n\tn\n\n> c\n> - d\n>\n> n {type=body}\n"},
