@@ -9,6 +9,41 @@ PlaceBefore placeOf(Outline& outline, Row& row) {
   return {&row, parent, next};
 }
 
+std::size_t bytesOf(const Attributes& attributes) {
+  std::size_t bytes = 0;
+  for (const auto& [key, value] : attributes) bytes += sizeof(Attribute) + key.size() + value.size();
+  return bytes;
+}
+
+std::size_t bytesOf(const Text& text) {
+  std::size_t bytes = 0;
+  text.forEachRun(
+      [&](std::string_view string, const Attributes& attrs) { bytes += string.size() + bytesOf(attrs); });
+  return bytes;
+}
+
+/// What a change holds while it can be undone.
+struct BytesHeld {
+  std::size_t operator()(const PlaceBefore& change) const {
+    std::size_t bytes = sizeof(Change);
+    if (!change.removes) return bytes;
+    for (const Row* row = change.row; row != nullptr; row = nextInOrder(row, change.row))
+      bytes += bytesOf(row->text()) + bytesOf(row->attributes()) + row->persistentId().size();
+    return bytes;
+  }
+  std::size_t operator()(const ContentBefore& change) const {
+    return sizeof(Change) + bytesOf(change.text) + bytesOf(change.attributes) + change.persistentId.size();
+  }
+};
+
+void discard(Outline& outline, const std::vector<Change>& changes, bool PlaceBefore::*which) {
+  for (const Change& change : changes) {
+    const auto* place = std::get_if<PlaceBefore>(&change);
+    if (place != nullptr && place->*which && outline.find(place->row->id()) == nullptr)
+      outline.discard(*place->row);
+  }
+}
+
 ContentBefore contentOf(Row& row) {
   return {&row, row.type(), row.text(), row.attributes(), row.persistentId(), row.modified()};
 }
@@ -46,6 +81,20 @@ void redo(Outline& outline, std::vector<Change>& changes) {
   for (Change& change : changes) std::visit(Swap{outline}, change);
 }
 
+void discardRemoved(Outline& outline, const std::vector<Change>& changes) {
+  discard(outline, changes, &PlaceBefore::removes);
+}
+
+void discardCreated(Outline& outline, const std::vector<Change>& changes) {
+  discard(outline, changes, &PlaceBefore::creates);
+}
+
+std::size_t bytesHeld(const std::vector<Change>& changes) {
+  std::size_t bytes = 0;
+  for (const Change& change : changes) bytes += std::visit(BytesHeld(), change);
+  return bytes;
+}
+
 Row& Edit::make(NewRow content) {
   release(content.persistentId);
   Row& row = *outline_.create(content.type, std::move(content.text), now_);
@@ -70,7 +119,9 @@ void Edit::place(const Row& row, const Row& parent, const Row* before) {
 
 void Edit::remove(const Row& row) {
   Row& removed = outline_.mutableRow(row);
-  changes_.emplace_back(placeOf(outline_, removed));
+  PlaceBefore before = placeOf(outline_, removed);
+  before.removes = true;
+  changes_.emplace_back(before);
   outline_.remove(removed);
 }
 

@@ -16,7 +16,9 @@ struct PlaceBefore {
   Row* row;
   Row* parent;  ///< null: outside the tree
   Row* next;    ///< null: last child
+  // What the change does when it is made; neither: it moves the row.
   bool creates = false;
+  bool removes = false;
 };
 struct ContentBefore {
   Row* row;
@@ -31,6 +33,12 @@ using Change = std::variant<PlaceBefore, ContentBefore>;
 /// Undoes the changes, the last one first; or makes undone changes again.
 void undo(Outline& outline, std::vector<Change>& changes);
 void redo(Outline& outline, std::vector<Change>& changes);
+/// Frees the rows that these changes took out of the tree, or had put into it before they were undone. No
+/// other change may be about to bring them back.
+void discardRemoved(Outline& outline, const std::vector<Change>& changes);
+void discardCreated(Outline& outline, const std::vector<Change>& changes);
+/// What the changes hold while they can be undone: former content and removed rows.
+std::size_t bytesHeld(const std::vector<Change>& changes);
 
 struct NewRow {
   RowType type = RowType::body;

@@ -1,20 +1,33 @@
 #include "headless/editing/history.h"
 
+#include <iterator>
+
 namespace vell::headless {
 
 void History::record(Edit& edit, EditorPlace before, Group group) {
   if (edit.empty()) return;
-  for (const Step& step : redoSteps_) discardCreated(step);
+  for (const Step& step : redoSteps_) discardCreated(outline_, step.changes);
   redoSteps_.clear();
   const bool follows = group != noGroup && !undoSteps_.empty() && undoSteps_.back().group == group;
-  if (follows) return extend(undoSteps_.back(), edit);
-  undoSteps_.push_back({edit.take(), std::move(before), editor_.place(), group});
-  if (undoSteps_.size() > limit) undoSteps_.pop_front();
+  if (!follows) undoSteps_.push_back({{}, std::move(before), {}, group});
+  extend(undoSteps_.back(), edit.take());
+  while (undoSteps_.size() > 1 && (undoSteps_.size() > limits_.steps || undoBytes_ > limits_.bytes))
+    dropOldest();
 }
 
-void History::extend(Step& step, Edit& edit) {
-  for (Change& change : edit.take()) step.changes.push_back(std::move(change));
+void History::extend(Step& step, std::vector<Change> changes) {
+  const std::size_t bytes = bytesHeld(changes);
+  step.bytes += bytes;
+  undoBytes_ += bytes;
+  step.changes.insert(step.changes.end(), std::make_move_iterator(changes.begin()),
+                      std::make_move_iterator(changes.end()));
   step.after = editor_.place();
+}
+
+void History::dropOldest() {
+  undoBytes_ -= undoSteps_.front().bytes;
+  discardRemoved(outline_, undoSteps_.front().changes);
+  undoSteps_.pop_front();
 }
 
 /// The next edit begins a step of its own.
@@ -26,6 +39,7 @@ bool History::undo() {
   if (undoSteps_.empty()) return false;
   redoSteps_.push_back(std::move(undoSteps_.back()));
   undoSteps_.pop_back();
+  undoBytes_ -= redoSteps_.back().bytes;
   headless::undo(outline_, redoSteps_.back().changes);
   editor_.restore(redoSteps_.back().before);
   cutGroup();
@@ -36,6 +50,7 @@ bool History::redo() {
   if (redoSteps_.empty()) return false;
   undoSteps_.push_back(std::move(redoSteps_.back()));
   redoSteps_.pop_back();
+  undoBytes_ += undoSteps_.back().bytes;
   headless::redo(outline_, undoSteps_.back().changes);
   editor_.restore(undoSteps_.back().after);
   cutGroup();
@@ -45,14 +60,7 @@ bool History::redo() {
 void History::clear() {
   undoSteps_.clear();
   redoSteps_.clear();
-}
-
-/// Frees the rows that an undone step had created: nothing can bring them back.
-void History::discardCreated(const Step& step) {
-  for (const Change& change : step.changes) {
-    const auto* place = std::get_if<PlaceBefore>(&change);
-    if (place != nullptr && place->creates) outline_.discard(*place->row);
-  }
+  undoBytes_ = 0;
 }
 
 }  // namespace vell::headless

@@ -9,10 +9,17 @@
 
 namespace vell::headless {
 
-/// The undo and redo steps of one outline.
+/// What can be undone in one outline. The oldest steps are dropped first; the latest one stays.
+struct HistoryLimits {
+  std::size_t steps = 1'000;
+  std::size_t bytes = std::size_t{64} << 20;  ///< of former content and removed rows
+};
+
+/// The undo and redo steps of one outline. Rows that no step can bring back are freed.
 class History {
  public:
-  History(Outline& outline, Editor& editor) : outline_(outline), editor_(editor) {}
+  History(Outline& outline, Editor& editor, HistoryLimits limits = {})
+      : outline_(outline), editor_(editor), limits_(limits) {}
 
   /// Edits of the same group that follow each other are one step, where nobody undid or redid in between.
   using Group = std::uint64_t;
@@ -32,18 +39,18 @@ class History {
     EditorPlace before;
     EditorPlace after;
     Group group = noGroup;
+    std::size_t bytes = 0;  ///< held while the step can be undone
   };
 
-  void discardCreated(const Step& step);
-  void extend(Step& step, Edit& edit);
+  void extend(Step& step, std::vector<Change> changes);
+  void dropOldest();
   void cutGroup();
-
-  /// Steps that can be undone; older ones are dropped.
-  static constexpr std::size_t limit = 1000;
 
   Outline& outline_;
   Editor& editor_;
+  HistoryLimits limits_;
   std::deque<Step> undoSteps_;
+  std::size_t undoBytes_ = 0;
   std::vector<Step> redoSteps_;
 };
 

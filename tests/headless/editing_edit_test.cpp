@@ -121,5 +121,79 @@ TEST_F(EditTest, ANewStepEndsWhatCouldBeMadeAgain) {
   EXPECT_FALSE(history->redo());
 }
 
+struct DroppedCase {
+  const char* name;
+  std::vector<std::function<void(Edit&)>> steps;
+  int undoable;
+  bool freesB;
+};
+
+class DroppedSteps : public EditTest, public testing::WithParamInterface<DroppedCase> {};
+
+TEST_P(DroppedSteps, FreeTheRowsThatNoOtherStepBringsBack) {
+  SCOPED_TRACE(GetParam().name);
+  history.emplace(outline, *editor, HistoryLimits{.steps = 3, .bytes = 64'000});
+  const Row& b = row(3);
+  for (const auto& change : GetParam().steps) {
+    Edit edit(outline, 1);
+    change(edit);
+    history->record(edit, editor->place());
+    history->undo();
+    history->redo();
+  }
+  EXPECT_EQ(b.text().empty(), GetParam().freesB);
+  const std::string after = picture();
+  int undone = 0;
+  while (history->undo()) ++undone;
+  EXPECT_EQ(undone, GetParam().undoable);
+  EXPECT_EQ(&b == outline.find(3), !GetParam().freesB);
+  while (history->redo())
+    ;
+  EXPECT_EQ(picture(), after);
+}
+
+void retype(Edit& edit, SessionId id, std::size_t length) {
+  edit.setText(*edit.outline().find(id), Text(std::string(length, 'x')));
+}
+void remove(Edit& edit, SessionId id) { edit.remove(*edit.outline().find(id)); }
+void removeLong(Edit& edit, SessionId id) {
+  retype(edit, id, 40'000);
+  remove(edit, id);
+}
+void moveBelow4(Edit& edit, SessionId id) {
+  edit.place(*edit.outline().find(id), *edit.outline().find(4), nullptr);
+}
+
+const std::vector<DroppedCase> droppedCases = {
+    {"as many as are kept",
+     {[](Edit& e) { remove(e, 3); }, [](Edit& e) { retype(e, 4, 2); }, [](Edit& e) { retype(e, 4, 3); }},
+     3,
+     false},
+    {"one more, the child first, then its parent",
+     {[](Edit& e) { remove(e, 3); }, [](Edit& e) { remove(e, 2); }, [](Edit& e) { retype(e, 4, 2); },
+      [](Edit& e) { retype(e, 4, 3); }},
+     3,
+     true},
+    {"moved, and removed by a later step",
+     {[](Edit& e) { moveBelow4(e, 3); }, [](Edit& e) { remove(e, 3); }, [](Edit& e) { retype(e, 4, 2); },
+      [](Edit& e) { retype(e, 4, 3); }},
+     3,
+     false},
+    {"moved into what a later step removes",
+     {[](Edit& e) { moveBelow4(e, 3); }, [](Edit& e) { remove(e, 4); }, [](Edit& e) { retype(e, 2, 2); },
+      [](Edit& e) { retype(e, 2, 3); }},
+     3,
+     false},
+    {"more bytes", {[](Edit& e) { removeLong(e, 3); }, [](Edit& e) { removeLong(e, 4); }}, 1, true},
+    {"the latest holds more by itself",
+     {[](Edit& e) {
+       retype(e, 3, 70'000);
+       remove(e, 3);
+     }},
+     1,
+     false},
+};
+INSTANTIATE_TEST_SUITE_P(Each, DroppedSteps, testing::ValuesIn(droppedCases));
+
 }  // namespace
 }  // namespace vell::headless
