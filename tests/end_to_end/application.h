@@ -23,6 +23,7 @@ class Application {
  public:
   explicit Application(std::vector<std::string> files = {});
 
+  pid_t process() const { return process_.id(); }
   void kill() { process_.signal(9); }
   /// Asks it to end, and waits for that.
   Ended stop();

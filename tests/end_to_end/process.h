@@ -26,6 +26,7 @@ class Process {
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;
 
+  pid_t id() const { return id_; }
   void signal(int number) const;
   /// Waits for the end, a minute at most; a process that takes longer is killed.
   Ended wait();
