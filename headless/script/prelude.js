@@ -56,7 +56,7 @@
     update(changes) {
       const [{ row, fieldErrors }] = call("row.update", { outline: this.#outline.id, rows: [String(this.id)], ...changes });
       this.#state = row;
-      if (fieldErrors) throw new Error(JSON.stringify(fieldErrors));
+      if (fieldErrors) throw new Error(Object.entries(fieldErrors).map(([field, fault]) => `${field}: ${fault}`).join("; "));
       return this;
     }
     append(markdown) { return this.update({ append: markdown }); }
@@ -143,7 +143,11 @@
     get id() { return this.#entry.id; }
     get outline() { return vell.outlines.find((outline) => outline.id === this.#entry.outlineId); }
     get selection() { return new Selection(this.outline, this.#state.selection); }
-    get focusedRow() { return this.outline.row("@focused"); }
+    // Null at the root.
+    get focusedRow() {
+      const row = this.outline.row("@focused");
+      return row.type === "root" ? null : row;
+    }
     get collapsed() { return listed(this.outline, this.#state.collapsed); }
 
     // Performs commands in order: [{ id, performed }].

@@ -29,10 +29,15 @@ TEST_F(ServedScript, ReadsWhatIsOpen) {
       {"vell.frontmostOutlineEditor.outline.id", R"("outline-1")"},
       {"vell.frontmostOutlineEditor.selection.rows.length", "0"},
       {"vell.frontmostOutlineEditor.selection.head", "null"},
+      {"vell.frontmostOutlineEditor.focusedRow", "null"},
+      {"vell.frontmostOutlineEditor.update({focus: 'milk'}).focusedRow.text", R"("Milk")"},
+      {"vell.frontmostOutline.row('//task[9]')", "null"},
       {"(async () => (await vell.frontmostOutline).row('milk').text)()", R"("Milk")"},
       {"vell.commands.some(({id}) => id === 'row:toggle-done')", "true"},
       {"try { vell.frontmostOutline.row('nobody') } catch (error) { error.message.includes('nobody') }",
        "true"},
+      {"try { vell.frontmostOutline.row('milk').type = 'poem' } catch (error) { error.message.slice(0, 33) }",
+       R"("type: There is no row type \"poem\"")"},
   };
   for (const auto& row : rows) EXPECT_EQ(run(row.script), row.value) << row.script;
 }
