@@ -19,7 +19,7 @@ interface Vell {
   readonly outlineEditors: OutlineEditor[];
   readonly frontmostOutlineEditor: OutlineEditor | null;
   readonly commands: { id: string; source: string | null }[];
-  createOutline(format?: Format): Outline;
+  createOutline(format?: Exclude<Format, "session">): Outline;
 }
 
 interface Outline {
@@ -30,6 +30,7 @@ interface Outline {
   readonly fileURL: string | null;
   /** Every row without references. */
   rows(...refs: RowRef[]): Row[];
+  /** null where a path matches no row; throws where no row has that id. */
   row(ref: RowRef): Row | null;
   read(format: "session" | "json"): object;
   read(format: "markdown" | "vell" | "opml" | "txt"): string;
@@ -48,7 +49,8 @@ interface Outline {
 /** A row as it was when it was read, and as its own methods made it. */
 interface Row {
   readonly id: number;
-  persistentId: string | null;
+  get persistentId(): string | null;
+  set persistentId(id: string);
   type: string;
   /** Without styles; setting it takes the text literally. */
   text: string;
