@@ -70,7 +70,7 @@ std::string separatorLike(std::string_view separator, bool isFirst, const JsonSt
   return breaksLine(separator) ? "," + std::string(separator) : style.comma;
 }
 
-JsonObject::JsonObject(std::string text, const JsonStyle& style, std::string_view indent)
+JsonObject::JsonObject(std::string_view text, const JsonStyle& style, std::string_view indent)
     : document_(text), style_(style), indent_(indent) {
   for (json::Member& member : document_.root().members()) members_.push_back({std::move(member), 0});
   const std::string_view all = document_.text();

@@ -33,7 +33,7 @@ std::string separatorLike(std::string_view separator, bool isFirst, const JsonSt
 class JsonObject {
  public:
   /// `indent` is that of the line on which the object begins; empty where it does not begin a line.
-  JsonObject(std::string text, const JsonStyle& style, std::string_view indent);
+  JsonObject(std::string_view text, const JsonStyle& style, std::string_view indent);
 
   std::size_t size() const { return members_.size(); }
   const std::string& key(std::size_t index) const { return members_[index].member.key; }

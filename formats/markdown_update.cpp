@@ -69,8 +69,7 @@ std::string updateMarkdown(const Outline& outline) {
     if (!suspect) break;
     ++cautions[*suspect];
   }
-  std::string text = head;
-  return text + MarkdownWriter(MarkdownSource(), !head.empty()).write(rows);
+  return head + MarkdownWriter(MarkdownSource(), !head.empty()).write(rows);
 }
 
 }  // namespace vell::formats

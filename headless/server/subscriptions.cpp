@@ -128,7 +128,7 @@ void Subscriptions::notifyChanged() {
 }
 
 /// For a caller that nobody disturbs.
-void Subscriptions::notifyAtOnce(Snapshots snapshots) {
+void Subscriptions::notifyAtOnce(Snapshots&& snapshots) {
   for (auto& [subject, snapshot] : snapshots) render(subject, snapshot);
   deliver(snapshots);
 }

@@ -90,7 +90,7 @@ class Subscriptions : public ApplicationListener {
   void schedule(Scheduler::Clock::duration delay);
   Snapshots takeChanged(const OpenOutline* only = nullptr);
   void notifyChanged();
-  void notifyAtOnce(Snapshots snapshots);
+  void notifyAtOnce(Snapshots&& snapshots);
   void deliver(const Snapshots& snapshots);
   bool canHear(const Subscription& subscription) const;
   void renderFreely(const Subject& subject, Snapshot& snapshot) const;
