@@ -121,6 +121,11 @@ bool Incoming::mayTakeLong(const Application& application) const {
   }
 }
 
+std::string Incoming::refusal(const Problem& problem) const {
+  return request_ && request_->wantsAnswer() ? errorLine(request_->id(), RpcCode::application, problem.what())
+                                             : std::string();
+}
+
 std::string Incoming::answer(Application& application, const Subscriber& subscriber) const {
   if (!request_) return refusal_;
   std::string answered;

@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "headless/editing/problem.h"
 #include "headless/server/methods.h"
 #include "headless/server/request.h"
 #include "json/text.h"
@@ -21,6 +22,9 @@ class Incoming {
   /// Carries the request out and returns the answer's line: a result, or an error that says what is wrong.
   /// Returns "" for a blank line and for a request without an id. Throws Abandoned.
   std::string answer(Application& application, const Subscriber& subscriber) const;
+
+  /// The answer where the request cannot be carried out.
+  std::string refusal(const Problem& problem) const;
 
  private:
   std::optional<Request> request_;

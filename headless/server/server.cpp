@@ -15,6 +15,8 @@ namespace {
 constexpr auto acceptPause = std::chrono::milliseconds(100);
 /// How often to look whether a client whose request runs beside the loop is still there.
 constexpr auto jobPace = std::chrono::milliseconds(25);
+/// The number of a job that has not begun: that of none.
+constexpr Workers::Id waitingJob = 0;
 
 }  // namespace
 
@@ -94,7 +96,7 @@ bool Server::isGone(const Client& client) {
 
 void Server::serve(Client& client) {
   const auto end = Client::Clock::now() + limits_.turn;
-  while (client.hasRequest() && Client::Clock::now() < end && begin(client)) continue;
+  while (client.hasRequest() && Client::Clock::now() < end) begin(client);
   if (client.overlong()) {
     const std::string limit = std::to_string(Client::lineLimit >> 20);
     client.send(
@@ -104,28 +106,32 @@ void Server::serve(Client& client) {
   }
 }
 
-/// Answers the next request or has it answered. False where that has to wait for a job to end.
-bool Server::begin(Client& client) {
-  if (workers_.count() >= limits_.jobs) return false;
+/// Answers the next request or has it answered.
+void Server::begin(Client& client) {
   const auto request = std::make_shared<const Incoming>(client.takeRequest());
-  if (request->mayTakeLong(application_)) {
-    startJob(client, request);
-  } else {
-    client.send(request->answer(application_, {subscriptions_, client.id()}));
-    client.flush();
-    if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
-  }
-  return true;
+  if (request->mayTakeLong(application_)) return startJob(client, request);
+  client.send(request->answer(application_, {subscriptions_, client.id()}));
+  client.flush();
+  if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
 }
 
 void Server::startJob(Client& client, std::shared_ptr<const Incoming> request) {
   const std::uint64_t id = client.id();
+  if (workers_.count() >= limits_.jobs) {
+    client.setJob(waitingJob);
+    return waiting_.push_back({id, std::move(request)});
+  }
   const auto answer = std::make_shared<std::string>();
-  client.setJob(workers_.start(
-      [this, id, request = std::move(request), answer] {
-        *answer = request->answer(application_, {subscriptions_, id});
-      },
-      [this, id, answer] { finishJob(id, std::move(*answer)); }));
+  try {
+    client.setJob(workers_.start(
+        [this, id, request, answer] {
+          *answer = request->answer(application_, {subscriptions_, id});
+        },
+        [this, id, answer] { finishJob(id, std::move(*answer)); }));
+  } catch (const Problem& problem) {
+    client.setJob(std::nullopt);
+    return client.send(request->refusal(problem));
+  }
   if (client.hasLeft()) clientLeft(client);
   if (!jobTimer_) jobTimer_ = loop_.after(jobPace, [this] { lookAfterJobs(); });
 }
@@ -141,14 +147,15 @@ void Server::finishJob(std::uint64_t id, std::string answer) {
     serve(client);
     settle(client);
   }
-  serveWaiting();
+  startWaiting();
 }
 
-/// Gives a turn to those that wait for a job to end.
-void Server::serveWaiting() {
-  for (const auto& [id, client] : clients_) {
-    if (client->hasRequest() && turns_.insert(id).second)
-      loop_.after(std::chrono::milliseconds(0), [this, waiting = id] { takeTurn(waiting); });
+void Server::startWaiting() {
+  while (!waiting_.empty() && workers_.count() < limits_.jobs) {
+    auto [id, request] = std::move(waiting_.front());
+    waiting_.pop_front();
+    if (const auto found = clients_.find(id); found != clients_.end())
+      startJob(*found->second, std::move(request));
   }
 }
 
@@ -176,8 +183,7 @@ void Server::settle(Client& client) {
   if (client.done()) return drop(client.id());
   loop_.setInterest(client.descriptor(), client.interest());
   const std::uint64_t id = client.id();
-  const bool hasTurn = client.hasRequest() && workers_.count() < limits_.jobs;
-  if (hasTurn && turns_.insert(id).second)
+  if (client.hasRequest() && turns_.insert(id).second)
     loop_.after(std::chrono::milliseconds(0), [this, id] { takeTurn(id); });
 }
 

@@ -1,10 +1,12 @@
 #pragma once
 
 #include <chrono>
+#include <deque>
 #include <map>
 #include <memory>
 #include <optional>
 #include <set>
+#include <utility>
 
 #include "headless/server/application_socket.h"
 #include "headless/server/client.h"
@@ -59,10 +61,10 @@ class Server : private NotificationSink {
   static bool isGone(const Client& client);
   void takeTurn(std::uint64_t id);
   void serve(Client& client);
-  bool begin(Client& client);
+  void begin(Client& client);
   void startJob(Client& client, std::shared_ptr<const Incoming> request);
   void finishJob(std::uint64_t id, std::string answer);
-  void serveWaiting();
+  void startWaiting();
   void lookAfterJobs();
   void clientLeft(Client& client);
   void settle(Client& client);
@@ -81,6 +83,8 @@ class Server : private NotificationSink {
   std::map<std::uint64_t, std::unique_ptr<Client>> clients_;
   Subscriptions subscriptions_;
   std::set<std::uint64_t> turns_;  // clients with requests left for their next turn
+  std::deque<std::pair<std::uint64_t, std::shared_ptr<const Incoming>>>
+      waiting_;  // by client; for a job to end
   Workers workers_;
 };
 
