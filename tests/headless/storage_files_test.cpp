@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 #include <sys/stat.h>
-#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <filesystem>
@@ -38,7 +37,6 @@ TEST(Files, ReplacingKeepsWhatBelongsToTheFileAndLeavesNothingBeside) {
   const tests::TemporaryDirectory directory;
   const std::string file = directory.write("real/a.txt", "old");
   chmod(file.c_str(), 0640);
-  const bool tagged = setxattr(file.c_str(), "user.tag", "red", 3, 0) == 0;
   const std::string link = directory / "link.txt";
   fs::create_symlink("real/a.txt", link);
 
@@ -48,9 +46,6 @@ TEST(Files, ReplacingKeepsWhatBelongsToTheFileAndLeavesNothingBeside) {
   EXPECT_EQ(readFile(file).bytes, "new");
   EXPECT_TRUE(fs::is_symlink(link));
   EXPECT_EQ(modeOf(file), 0640U);
-  char tag[4] = "";
-  EXPECT_TRUE(!tagged || getxattr(file.c_str(), "user.tag", tag, 3) == 3);
-  EXPECT_STREQ(tag, tagged ? "red" : "");
   EXPECT_EQ(filesIn(directory / "real"), 1U);
   ASSERT_TRUE(replaced);
   EXPECT_NE(replaced->stamp, before);
