@@ -19,7 +19,8 @@ ROW REFERENCES
     //task       an outline path, which begins with "/" and may match any number
                  of rows: '//heading[0]', '//task @done'. Quote it, for shells
                  have their own use for blanks, * and [ ].
-    @selection   the row that holds the caret or the selection.
+    @selection   the row that holds the caret, or of several selected rows the
+                 one that --select-head names.
     @focused     the row that the editor is focused into, else the root.
 
   References are separated by blanks. One that begins with "-" goes behind "--",
