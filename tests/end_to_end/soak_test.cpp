@@ -324,6 +324,7 @@ using Outlines = std::vector<std::unique_ptr<SoakedOutline>>;
 void work(const Outlines& outlines, milliseconds time, unsigned& seed) {
   const auto end = std::chrono::steady_clock::now() + time;
   std::vector<std::thread> threads;
+  threads.reserve(sessions);
   for (int session = 0; session < sessions; ++session) {
     threads.emplace_back([&, own = ++seed] {
       Random random(own);

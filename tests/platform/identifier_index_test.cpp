@@ -33,9 +33,9 @@ TEST(IdentifierIndex, FindsWhatWasPutLatestFirst) {
 
 TEST(IdentifierIndex, AFileCutShortGivesWhatIsWhole) {
   const tests::TemporaryDirectory directory;
-  directory.write("identifiers", std::string("a\0/one\0b\0/two\0", 15));
+  directory.write("identifiers", std::string("a\0/one\0b\0/two\0", 14));
   EXPECT_THAT(IdentifierIndex(directory.path()).find("a"), IsEmpty());  // a file of another form
-  directory.write("identifiers", std::string("a\0/one\0\0b\0/t", 13));
+  directory.write("identifiers", std::string("a\0/one\0\0b\0/t", 12));
   IdentifierIndex index(directory.path());
   EXPECT_THAT(index.find("a"), ElementsAre("/one"));
   index.put({"b", "/two"});
