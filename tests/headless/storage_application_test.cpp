@@ -169,23 +169,23 @@ TEST_F(Restarted, TheContentTellsTheFormatWhereTheNameDoesNot) {
       {"gone", "", "No such file or directory"},
   };
   fs::create_directory(directory / "folder");
-  for (const auto& [name, content, outcome] : rows) {
-    if (name != "folder" && name != "gone") directory.write(name, content);
-    const std::string path = directory / name;
+  for (const auto& row : rows) {
+    if (row.name != "folder" && row.name != "gone") directory.write(row.name, row.content);
+    const std::string path = directory / row.name;
     EXPECT_EQ(ask([&](Application& application) {
                 try {
                   return std::string(application.open(path).format().name);
                 } catch (const Problem& problem) {
-                  EXPECT_EQ(problem.what(), "Cannot open " + path + ": " + outcome);
+                  EXPECT_EQ(problem.what(), "Cannot open " + path + ": " + row.outcome);
                   const auto refusal = application.refusal(path);
                   const bool folder = fs::is_directory(path);
-                  if (!folder) directory.write(name, "other content now\n");
+                  if (!folder) directory.write(row.name, "other content now\n");
                   EXPECT_EQ(application.refusal(path).has_value(), folder);
                   return refusal.value_or("none");
                 }
               }),
-              outcome)
-        << name;
+              row.outcome)
+        << row.name;
   }
 }
 
