@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <system_error>
 
+#include "headless/access.h"
 #include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
 #include "headless/storage/paths.h"
@@ -45,6 +46,10 @@ OpenOutline& Application::open(const std::string& path) {
     return *already;
   }
   auto opened = read(standard);
+  if ((already = findByPath(standard)) != nullptr) {  // somebody else was faster
+    bringToFront(*already);
+    return *already;
+  }
   reportFaultyIds(*opened);
   return add(std::move(opened));
 }
@@ -64,7 +69,9 @@ std::unique_ptr<OpenOutline> Application::read(const std::string& path) {
   removeAbandonedBeside(path);
   refusals_.erase(path);
   try {
-    return OpenOutline::read(path);
+    std::unique_ptr<OpenOutline> opened;
+    beside([&] { opened = OpenOutline::read(path); });
+    return opened;
   } catch (const UnreadableFile& failure) {
     if (refusals_.size() >= mostRefusals) refusals_.clear();
     refusals_[path] = {stampOf(path), failure.reason()};
