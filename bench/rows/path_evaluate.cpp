@@ -5,7 +5,6 @@
 #include <cmath>
 #include <pugixml.hpp>
 #include <random>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <vector>
@@ -42,6 +41,14 @@ constexpr PathPair evaluated[] = {
     {"//task union //heading", "//task | //heading"},
 };
 
+struct TextWriter : pugi::xml_writer {
+  void write(const void* data, std::size_t size) override {
+    text.append(static_cast<const char*>(data), size);
+  }
+
+  std::string text;
+};
+
 /// The same rows twice, as an outline and as elements.
 class Trees {
  public:
@@ -55,9 +62,9 @@ class Trees {
     }
     outline.number();
     // Elements that were parsed from one text know their order from their place in it.
-    std::ostringstream text;
-    built.save(text, "", pugi::format_raw);
-    document.load_string(text.str().c_str());
+    TextWriter written;
+    built.save(written, "", pugi::format_raw);
+    document.load_string(written.text.c_str());
   }
 
   document::Outline outline;
