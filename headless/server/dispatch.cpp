@@ -94,7 +94,12 @@ OpenOutline* subject(const Application& application, const Params& params) {
 std::string carryOut(std::string_view name, const Call& call) {
   const NamedMethod& method = methodNamed(name);
   if (!method.use) return method.method(call);
-  const OutlineUse use([&] { return subject(call.application, call.params); }, *method.use);
+  const auto find = [&] {
+    OpenOutline* opened = subject(call.application, call.params);
+    if (opened != nullptr) call.application.refresh(*opened);
+    return opened;
+  };
+  const OutlineUse use(find, *method.use);
   return method.method(call);
 }
 

@@ -154,8 +154,10 @@ void Server::startWaiting() {
   while (!waiting_.empty() && workers_.count() < limits_.jobs) {
     auto [id, request] = std::move(waiting_.front());
     waiting_.pop_front();
-    if (const auto found = clients_.find(id); found != clients_.end())
-      startJob(*found->second, std::move(request));
+    const auto found = clients_.find(id);
+    if (found == clients_.end()) continue;
+    startJob(*found->second, std::move(request));
+    settle(*found->second);
   }
 }
 
@@ -196,7 +198,9 @@ void Server::takeTurn(std::uint64_t id) {
 }
 
 void Server::drop(std::uint64_t id) {
-  loop_.forget(clients_.at(id)->descriptor());
+  const Client& client = *clients_.at(id);
+  if (client.job()) workers_.giveUp(*client.job());
+  loop_.forget(client.descriptor());
   clients_.erase(id);
   subscriptions_.clientLeft(id);
 }
@@ -240,6 +244,7 @@ void Server::dropStalled() {
   for (auto at = clients_.begin(); at != clients_.end();) {
     const Client& client = *(at++)->second;
     const bool stalled = client.backlog() > 0 && client.lastMoved() < oldest;
+    if (stalled) application_.report("A client that reads nothing was dropped");
     if (stalled || (isGone(client) && !client.job()))
       drop(client.id());  // macOS does not report a client without an interest
   }

@@ -274,8 +274,7 @@ void Application::rescueLeftovers() {
 /// Looks regularly for what other programs wrote, for the sake of observers.
 void Application::followFiles() {
   try {
-    for (const auto& outline : outlines())
-      if (outline->users()->count() == 0) saver_.refresh(*outline);
+    for (const auto& outline : outlines()) refresh(*outline);
   } catch (const std::exception& failure) {
     report(std::string("Cannot look for changed files: ") + failure.what());
   }
@@ -299,10 +298,13 @@ OpenOutline& Application::frontmost() {
   return current(*outlines().front());
 }
 
-/// Rows that others are reading cannot be read anew.
 OpenOutline& Application::current(OpenOutline& opened) {
-  if (opened.users()->count() <= 1) saver_.refresh(opened);
+  refresh(opened);
   return opened;
+}
+
+void Application::refresh(OpenOutline& opened) {
+  if (opened.users()->count() == 0) saver_.refresh(opened);
 }
 
 void Application::moved(OpenOutline& opened) {

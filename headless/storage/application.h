@@ -82,6 +82,8 @@ class Application {
   /// A line for people.
   void report(const std::string& line) const { settings_.report(line); }
 
+  /// Reads the outline anew where another program has changed its file, and nobody is at work on it.
+  void refresh(OpenOutline& opened);
   /// Begins changes to an outline. Committing them calls `changed`.
   Transaction begin(OpenOutline& opened, History::Group group = History::noGroup);
   /// Saves changes of rows and notifies the listener; called after every change of rows or editor.
