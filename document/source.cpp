@@ -4,6 +4,15 @@
 
 namespace vell::document {
 
+SourceSpan shifted(SourceSpan span, std::size_t bytes) {
+  span.begin += bytes;
+  span.end += bytes;
+  if (span.closeEnd == 0) return span;
+  span.closeBegin += bytes;
+  span.closeEnd += bytes;
+  return span;
+}
+
 void Source::add(const Row& row, const SourceSpan& span) {
   if (spans_.empty()) first_ = row.id();
   if (row.id() != first_ + spans_.size()) throw std::logic_error("rows of a source come in order");

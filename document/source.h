@@ -32,6 +32,9 @@ struct SourceSpan {
   SessionId parent = 0;
 };
 
+/// The span that many bytes further on.
+SourceSpan shifted(SourceSpan span, std::size_t bytes);
+
 /// What a source says about the whole document.
 struct DocumentContent {
   std::string persistentId;

@@ -116,7 +116,7 @@ class JsonReader {
 
   /// Keeps its own stack, so that depth costs no call frames.
   void readRows(const json::Node& rows, const SourceSpan& root) {
-    builder_.addRoot(inSource(root));
+    builder_.addRoot(shifted(root, skipped_));
     std::vector<Siblings> open;
     open.push_back({rows.elements(), root.closeBegin});
     while (!open.empty()) {
@@ -151,7 +151,7 @@ class JsonReader {
     row.modified = modified.value_or(row.created);
     const json::Member* children = lastOf(members, childrenKey);
     const SourceSpan span = spanOf(node, members, children, limit);
-    builder_.add(depth, std::move(row), inSource(span));
+    builder_.add(depth, std::move(row), shifted(span, skipped_));
     return {children ? children->value.elements() : std::vector<json::Node>(), span.closeBegin};
   }
 
@@ -164,16 +164,6 @@ class JsonReader {
     const bool isLast = list == &members.back();
     const std::size_t bracket = text_.rfind(']', isLast ? brace : list[1].offset);
     return {node.offset(), list->value.offset() + 1, bracket, brace + 1};
-  }
-
-  /// The same with offsets from the start of the source.
-  SourceSpan inSource(SourceSpan span) const {
-    span.begin += skipped_;
-    span.end += skipped_;
-    if (span.closeEnd == 0) return span;
-    span.closeBegin += skipped_;
-    span.closeEnd += skipped_;
-    return span;
   }
 
   std::string_view text_;

@@ -32,7 +32,6 @@ class OpmlReader {
   void readAttribute(const pugi::xml_attribute& attribute, RowContent& row, std::string& markdown,
                      bool& hasModified);
   SourceSpan spanOf(pugi::xml_node element, std::size_t parentEnd) const;
-  SourceSpan inSource(SourceSpan span) const;
   Timestamp time(const std::string& text, pugi::xml_node element) const;
   [[noreturn]] void fail(const std::string& fault, std::ptrdiff_t offset) const {
     const auto at = static_cast<std::size_t>(std::max<std::ptrdiff_t>(offset, 0));
@@ -72,7 +71,7 @@ void OpmlReader::read() {
 }
 
 void OpmlReader::readRows(pugi::xml_node body, const SourceSpan& span) {
-  builder_.addRoot(inSource(span));
+  builder_.addRoot(shifted(span, skipped_));
   std::vector<std::size_t> ends{span.closeBegin};
   for (pugi::xml_node at = body.child("outline"); at;) {
     const SourceSpan row = spanOf(at, ends.back());
@@ -102,16 +101,6 @@ SourceSpan OpmlReader::spanOf(pugi::xml_node element, std::size_t parentEnd) con
   const std::size_t limit = next ? static_cast<std::size_t>(next.offset_debug()) : parentEnd;
   span.closeBegin = text_.substr(0, limit).rfind("</");
   span.closeEnd = text_.find('>', span.closeBegin) + 1;
-  return span;
-}
-
-/// The same with offsets from the start of the source.
-SourceSpan OpmlReader::inSource(SourceSpan span) const {
-  span.begin += skipped_;
-  span.end += skipped_;
-  if (span.closeEnd == 0) return span;
-  span.closeBegin += skipped_;
-  span.closeEnd += skipped_;
   return span;
 }
 
@@ -150,7 +139,7 @@ void OpmlReader::readRow(pugi::xml_node element, std::size_t depth, const Source
   Text styled = parseInline(markdown);
   if (styled.string() == row.text.string())
     row.text = std::move(styled);  // else the text was edited elsewhere
-  builder_.add(depth, std::move(row), inSource(span));
+  builder_.add(depth, std::move(row), shifted(span, skipped_));
 }
 
 void OpmlReader::readAttribute(const pugi::xml_attribute& attribute, RowContent& row, std::string& markdown,
