@@ -45,6 +45,19 @@ TEST_F(ApplicationTest, AFileReadAnewHasNoCaret) {
   EXPECT_FALSE(opened.editor().hasSelection());
 }
 
+TEST_F(ApplicationTest, AFileIsNotReadAnewWhileSomebodyReadsItsRows) {
+  OpenOutline& opened = application.open(directory.write("a.md", "one\n"));
+  const auto text = [&] {
+    return application.outline(std::nullopt).outline().root().firstChild()->text().string();
+  };
+  opened.users()->enter(Use::reading);
+  directory.write("a.md", "other\n");
+  scheduler.runTimers();
+  EXPECT_EQ(text(), "one");
+  opened.users()->leave(Use::reading);
+  EXPECT_EQ(text(), "other");
+}
+
 /// Starts anew for each question, with the same container.
 class Restarted : public testing::Test {
  protected:
