@@ -43,7 +43,8 @@ std::vector<Block> blocks(const std::string& page) {
   return found;
 }
 
-/// The examples of the blocks marked "console": a command behind "$ ", continued behind "> ", then its output.
+/// The examples of the blocks marked "console": a command behind "$ ", continued behind "> ", then its
+/// output.
 std::vector<Example> examples(const std::string& page) {
   std::vector<Example> found;
   for (const auto& [language, first, lines] : blocks(page)) {
@@ -70,7 +71,8 @@ std::vector<Example> examples(const std::string& page) {
   return found;
 }
 
-/// The text with what differs from run to run written in one way: ids, times, the home directory, process ids.
+/// The text with what differs from run to run written in one way: ids, times, the home directory, process
+/// ids.
 std::string masked(std::string text, const std::string& home) {
   const std::pair<std::regex, const char*> rows[] = {
       {std::regex("[0-9A-F]{8}(-[0-9A-F]{4}){3}-[0-9A-F]{12}"), "<id>"},
@@ -102,8 +104,8 @@ bool matches(std::string_view text, std::string_view expected) {
   }
 }
 
-/// One shell that runs all examples of a page and ends each one's output with a mark. What goes on in the background
-/// is waited for until it serves, and stopped at the end.
+/// One shell that runs all examples of a page and ends each one's output with a mark. What goes on in the
+/// background is waited for until it serves, and stopped at the end.
 std::string scriptOf(const std::vector<Example>& examples) {
   std::string script =
       "cd\n"
@@ -128,17 +130,21 @@ TEST_P(Documentation, SaysWhatItsCommandsPrint) {
 
   const TemporaryHome home;
   fs::copy(VELL_SAMPLES, home / "samples");
-  const std::string path = fs::path(VELL).parent_path().string() + ":" + fs::path(VELL_HEADLESS).parent_path().string() +
-                           ":" + std::getenv("PATH");
-  const Ended ended = Process({"/usr/bin/env", "PATH=" + path, "LC_ALL=C.UTF-8", "NO_COLOR=1", "bash", "-c", scriptOf(all)}).wait();
+  const std::string path = fs::path(VELL).parent_path().string() + ":" +
+                           fs::path(VELL_HEADLESS).parent_path().string() + ":" + std::getenv("PATH");
+  const Ended ended =
+      Process({"/usr/bin/env", "PATH=" + path, "LC_ALL=C.UTF-8", "NO_COLOR=1", "bash", "-c", scriptOf(all)})
+          .wait();
   std::istringstream outputs(ended.output);
   for (const Example& example : all) {
     std::string output;
-    ASSERT_TRUE(std::getline(outputs, output, '\036')) << "the shell ended before line " << example.line << ": " << ended.error;
+    ASSERT_TRUE(std::getline(outputs, output, '\036'))
+        << "the shell ended before line " << example.line << ": " << ended.error;
     if (!output.empty() && !output.ends_with("\n")) output += "\n";
     output = masked(output, home.path());
     EXPECT_TRUE(matches(output, masked(example.output, "")))
-        << GetParam() << ":" << example.line << ": $ " << example.command << "\nprints\n" << output;
+        << GetParam() << ":" << example.line << ": $ " << example.command << "\nprints\n"
+        << output;
   }
 }
 
@@ -146,7 +152,22 @@ TEST_P(Documentation, ShowsCommandsWithWhatTheyPrint) {
   const std::regex command("(\\$ )?vell(-headless)? [a-z-].*");
   for (const auto& [language, first, lines] : blocks(read(std::string(VELL_SOURCE) + "/" + GetParam()))) {
     if (language == "console") continue;
-    for (const std::string& line : lines) EXPECT_FALSE(std::regex_match(line, command)) << GetParam() << ":" << first << ": " << line;
+    for (const std::string& line : lines)
+      EXPECT_FALSE(std::regex_match(line, command)) << GetParam() << ":" << first << ": " << line;
+  }
+}
+
+// Commands that prose and tables name are valid command lines. Those that would start an application are left
+// out.
+TEST_P(Documentation, NamesCommandsThatExist) {
+  const TemporaryHome home;
+  const std::string page = read(std::string(VELL_SOURCE) + "/" + GetParam());
+  const std::regex span("`(vell (?!open|create outline|1`)[^`<>…]*)`");
+  for (std::sregex_iterator at(page.begin(), page.end(), span), end; at != end; ++at) {
+    const std::string command = "cd; " + fs::path(VELL).string() + (*at)[1].str().substr(4);
+    const Ended ended = Process({"/usr/bin/env", "bash", "-c", command}).wait();
+    EXPECT_TRUE(ended.status == 0 || ended.status == 1) << GetParam() << ": " << at->str() << "\n"
+                                                        << ended.error;
   }
 }
 
