@@ -7,6 +7,8 @@
 #include <cerrno>
 #include <system_error>
 
+#include "cli/colours.h"
+#include "cli/waiting_line.h"
 #include "text/utf8.h"
 
 namespace vell::cli {
@@ -16,12 +18,15 @@ namespace {
   throw std::system_error(errno, std::generic_category(), what);
 }
 
-std::string readToEnd(int descriptor, const std::string& what) {
+/// `beforeRead` is called before each read.
+template <class Call>
+std::string readToEnd(int descriptor, const std::string& what, const Call& beforeRead) {
   constexpr std::size_t chunk = 64 * 1024;
   std::string text;
   std::size_t size = 0;
   while (true) {
     text.resize(size + std::max(chunk, size));
+    beforeRead();
     const ssize_t count = ::read(descriptor, text.data() + size, text.size() - size);
     if (count < 0 && errno == EINTR) continue;
     if (count < 0) fail("Cannot read " + what);
@@ -35,7 +40,7 @@ std::string readToEnd(int descriptor, const std::string& what) {
 std::string readFile(const std::string& path) {
   const platform::Descriptor file(::open(path.c_str(), O_RDONLY | O_CLOEXEC));
   if (!file) fail("Cannot read " + path);
-  return readToEnd(file.get(), path);
+  return readToEnd(file.get(), path, [] {});
 }
 
 void watchReader(int output, int stop) {
@@ -51,15 +56,45 @@ void Output::pass(std::string_view part) {
   }
 }
 
+Console::Console(int input, int output, int error)
+    : out(output),
+      input_(input),
+      error_(error),
+      coloursOutput_(takesColours(output)),
+      coloursError_(takesColours(error)),
+      showsProgress_(isCapableTerminal(error)) {}
+
+void Console::print(const json::Node& data, json::Layout layout) {
+  if (coloursOutput_) {
+    JsonColours coloured(out);
+    json::write(data, layout, coloured);
+    coloured.finish();
+  } else {
+    json::write(data, layout, out);
+  }
+  out.write("\n");
+}
+
+std::string Console::readInput() {
+  constexpr std::chrono::seconds patience(1);
+  const bool typed = isatty(input_) == 1;
+  if (typed && isatty(error_)) say("Reading standard input until end of file (Ctrl-D).\n");
+  WaitingLine line(*this, "standard input");
+  return readToEnd(input_, "standard input", [&] {
+    if (typed || !showsProgress_ || platform::waitUntilReadable(input_, patience)) return;
+    line.show();
+  });
+}
+
 std::string Console::read(const std::string& path) {
-  const bool standardInput = path == "-";
-  if (standardInput && isatty(input_)) say("Reading standard input until end of file (Ctrl-D).\n");
-  std::string text = standardInput ? readToEnd(input_, "standard input") : readFile(path);
+  std::string text = path == "-" ? readInput() : readFile(path);
   if (text::findInvalidUtf8(text)) throw std::runtime_error("Input is not valid UTF-8.");
   return text;
 }
 
-void Console::say(std::string_view text) { platform::writeAll(error_, text); }
+void Console::say(std::string_view text) {
+  platform::writeAll(error_, coloursError_ ? colouredMessage(text) : text);
+}
 
 ReaderWatch::ReaderWatch(const Output& out) {
   int ends[2];

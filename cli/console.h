@@ -6,6 +6,7 @@
 #include <string_view>
 #include <thread>
 
+#include "json/rewrite.h"
 #include "json/sink.h"
 #include "platform/descriptor.h"
 
@@ -47,20 +48,28 @@ class Output : public json::Sink {
 /// The three streams of a run.
 class Console {
  public:
-  explicit Console(int input = 0, int output = 1, int error = 2)
-      : out(output), input_(input), error_(error) {}
+  explicit Console(int input = 0, int output = 1, int error = 2);
 
   Output out;
 
-  /// The whole text of a file, or of standard input for "-" (announced on standard error when a person types
-  /// it). Throws when it cannot be read or is not UTF-8.
+  /// Writes a value and a line feed to standard output, in colours where a person sees it.
+  void print(const json::Node& data, json::Layout layout);
+  /// The whole text of a file, or of standard input for "-"; on a terminal standard error says what is waited
+  /// for. Throws when it cannot be read or is not UTF-8.
   std::string read(const std::string& path);
-  /// Writes to standard error at once; failures are ignored.
+  /// Writes to standard error at once, in colours where a person sees it; failures are ignored.
   void say(std::string_view text);
+  /// Whether a line on standard error can be wiped again.
+  bool showsProgress() const { return showsProgress_; }
 
  private:
+  std::string readInput();
+
   int input_;
   int error_;
+  bool coloursOutput_;
+  bool coloursError_;
+  bool showsProgress_;
 };
 
 /// Ends the process, as a write would, as soon as nobody reads the output any more: a stream may be silent

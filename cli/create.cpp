@@ -26,12 +26,17 @@ constexpr Option format{
         "for path mode, defaults from the path's extension (txt if unknown).",
     .choices = newOutlineFormats};
 
+ipc::Answer created(const std::string& absolutePath, const std::string& kind, Console& console) {
+  WaitingLine line(console, openingOfOutline);
+  ipc::ReconnectingClient application(line.whenSlow());
+  return outlines::createOutlineFile(application, absolutePath, kind, {.onPoll = line.whilePolling()});
+}
+
 void createOutlineAt(const std::string& where, const Arguments& arguments, Console& console) {
   if (where.empty()) throw UsageError("The path is empty.");
   const std::string absolutePath = outlines::absolutize(where);
   const std::string kind = arguments.value(format).value_or(outlines::formatForPath(absolutePath));
-  ipc::ReconnectingClient application;
-  const ipc::Answer outline = outlines::createOutlineFile(application, absolutePath, kind);
+  const ipc::Answer outline = created(absolutePath, kind, console);
   GlobalOptions(arguments, console).print(outline.result());
 }
 

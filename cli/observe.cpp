@@ -1,7 +1,6 @@
 #include "cli/commands.h"
 #include "cli/outline_read.h"
 #include "ipc/methods.h"
-#include "json/rewrite.h"
 
 namespace vell::cli {
 namespace {
@@ -33,17 +32,16 @@ struct OutlineObserveOptions {
 /// Prints what a subscription brings: each notification as a line of JSON, or the snapshots in them.
 class Printer {
  public:
-  Printer(OutputFormat format, Output& out) : format_(format), out_(out) {}
+  Printer(OutputFormat format, Console& console) : format_(format), console_(console) {}
 
   /// Everything is handed to the system before the next notification is waited for.
   void print(const json::Node& notification) {
     if (format_ == OutputFormat::session) {
-      json::write(notification, json::Layout::compact, out_);
-      out_.write("\n");
+      console_.print(notification, json::Layout::compact);
     } else if (!closes(notification)) {
       printSnapshot(notification);
     }
-    out_.flush();
+    console_.out.flush();
   }
 
  private:
@@ -55,13 +53,13 @@ class Printer {
   void printSnapshot(const json::Node& notification) {
     const auto data = notification.find("data");
     if (!data) return;
-    if (!first_) out_.write("---\n");
+    if (!first_) console_.out.write("---\n");
     first_ = false;
-    writeEncoded(*data, out_);
+    writeEncoded(*data, console_);
   }
 
   OutputFormat format_;
-  Output& out_;
+  Console& console_;
   bool first_ = true;
 };
 
@@ -73,7 +71,7 @@ void streamOutline(const OutlineObserveOptions& options, bool rowsOnly, Console&
                                         .shape = name(options.read.shape),
                                         .rows = rowsOnly,
                                         .outline = options.read.outline};
-  Printer printer(format, console.out);
+  Printer printer(format, console);
   ipc::VellClient client;
   const ReaderWatch watch(console.out);
   client.subscribe(observation, [&](const json::Node& notification) { printer.print(notification); });

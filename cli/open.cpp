@@ -30,11 +30,15 @@ double seconds(const Arguments& arguments) {
   return number;
 }
 
+ipc::Answer opened(const std::string& where, double limit, Console& console) {
+  WaitingLine line(console, openingOfOutline);
+  ipc::ReconnectingClient application(line.whenSlow());
+  return outlines::openOutline(application, where, {.timeout = limit, .onPoll = line.whilePolling()});
+}
+
 void openOutline(const Arguments& arguments, Console& console) {
   if (arguments.value(path)->empty()) throw UsageError("The path is empty.");
-  const outlines::OpenOptions waiting{.timeout = seconds(arguments)};
-  ipc::ReconnectingClient application;
-  const ipc::Answer outline = outlines::openOutline(application, *arguments.value(path), waiting);
+  const ipc::Answer outline = opened(*arguments.value(path), seconds(arguments), console);
   GlobalOptions(arguments, console).print(outline.result());
 }
 

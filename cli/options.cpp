@@ -1,6 +1,5 @@
 #include "cli/options.h"
 
-#include "json/rewrite.h"
 #include "outline_path/near_miss.h"
 
 namespace vell::cli {
@@ -34,8 +33,7 @@ void warnOfNoMatch(const ipc::Answer& answer, const std::vector<std::string>& re
 
 void GlobalOptions::print(const json::Node& data) const {
   if (data.kind() == json::Kind::string) warnPrettyIgnored("text-format output");
-  json::write(data, pretty ? json::Layout::indented : json::Layout::compact, console_.out);
-  console_.out.write("\n");
+  console_.print(data, pretty ? json::Layout::indented : json::Layout::compact);
 }
 
 void GlobalOptions::warnPrettyIgnored(std::string_view label) const {

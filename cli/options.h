@@ -6,6 +6,7 @@
 
 #include "cli/console.h"
 #include "cli/parser.h"
+#include "cli/waiting_line.h"
 #include "ipc/message.h"
 #include "ipc/vell_client.h"
 #include "json/document.h"
@@ -45,11 +46,19 @@ class GlobalOptions {
   Console& console_;
 };
 
-/// Sends one of the params records on a connection of its own, and prints and returns the answer.
+/// Sends one of the params records on a connection of its own.
+template <class Record>
+ipc::Answer call(const Record& record, Console& console) {
+  WaitingLine line(console, "Vell to answer");
+  ipc::VellClient client;
+  client.whenSlow(line.whenSlow());
+  return client.request(record);
+}
+
+/// The same, and prints the answer.
 template <class Record>
 ipc::Answer callAndPrint(const Record& record, const Arguments& arguments, Console& console) {
-  ipc::VellClient client;
-  ipc::Answer answer = client.request(record);
+  ipc::Answer answer = call(record, console);
   GlobalOptions(arguments, console).print(answer.result());
   return answer;
 }

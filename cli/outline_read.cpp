@@ -4,7 +4,6 @@
 #include <iterator>
 
 #include "ipc/methods.h"
-#include "json/rewrite.h"
 
 namespace vell::cli {
 namespace {
@@ -42,19 +41,15 @@ void fetchOutline(const OutlineReadCommonOptions& options, std::vector<std::stri
                              .shape = name(options.shape),
                              .rows = rowsOnly,
                              .outline = options.outline};
-  ipc::VellClient client;
-  const ipc::Answer answer = client.request(read);
-  writeEncoded(answer.result(), console.out);
+  const ipc::Answer answer = call(read, console);
+  writeEncoded(answer.result(), console);
   warnOfNoMatch(answer, *read.rowRefs, console);
 }
 
-void writeEncoded(const json::Node& data, Output& out) {
-  if (data.kind() == json::Kind::string) {
-    out.write(*data.string());
-  } else {
-    json::write(data, json::Layout::indented, out);
-  }
-  out.write("\n");
+void writeEncoded(const json::Node& data, Console& console) {
+  if (data.kind() != json::Kind::string) return console.print(data, json::Layout::indented);
+  console.out.write(*data.string());
+  console.out.write("\n");
 }
 
 }  // namespace vell::cli

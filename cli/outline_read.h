@@ -51,6 +51,6 @@ void fetchOutline(const OutlineReadCommonOptions& options, std::vector<std::stri
                   Console& console);
 
 /// Writes a text as it is, anything else as indented JSON; then a line feed.
-void writeEncoded(const json::Node& data, Output& out);
+void writeEncoded(const json::Node& data, Console& console);
 
 }  // namespace vell::cli

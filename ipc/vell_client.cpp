@@ -26,6 +26,8 @@ std::string VellClient::resolveSocketPath() { return platform::applicationSocket
 VellClient::VellClient(const std::string& socketPath) : socket_(connectToApplication(socketPath)) {}
 
 Answer VellClient::request(std::string_view method, const std::string& params) {
+  constexpr std::chrono::seconds patience(1);
+  if (tellSlow_) slowAt_ = std::chrono::steady_clock::now() + patience;
   writeAll(requestLine(nextId_++, method, params));
   json::LineFraming arrived;
   for (;;) {
@@ -38,6 +40,7 @@ std::string VellClient::call(std::string_view method, const std::string& params)
 }
 
 void VellClient::subscribe(std::string_view method, const std::string& params, const EventHandler& onEvent) {
+  slowAt_.reset();
   writeAll(requestLine(nextId_++, method, params));
   json::LineFraming arrived;
   for (;;) {
@@ -52,6 +55,7 @@ json::Text VellClient::readLine(json::LineFraming& arrived) {
   for (;;) {
     if (auto line = arrived.next()) return std::move(*line);
     const json::LineFraming::Room room = arrived.room();
+    tellIfSlow();
     const ssize_t count = ::read(socket_.get(), room.data, room.size);
     if (count <= 0) break;
     arrived.commit(static_cast<std::size_t>(count));
@@ -60,13 +64,23 @@ json::Text VellClient::readLine(json::LineFraming& arrived) {
   throw ClientError::connectionClosed();
 }
 
+// Without a handler nothing is asked of the clock or the system.
+void VellClient::tellIfSlow() {
+  if (!slowAt_) return;
+  const auto left = *slowAt_ - std::chrono::steady_clock::now();
+  const auto wait = std::chrono::ceil<std::chrono::milliseconds>(left);
+  if (wait.count() > 0 && platform::waitUntilReadable(socket_.get(), wait)) return;
+  slowAt_.reset();
+  tellSlow_();
+}
+
 void VellClient::writeAll(std::string_view bytes) {
   if (!platform::writeAll(socket_.get(), bytes, platform::writeSocket)) throw ClientError::writeFailed(errno);
 }
 
 Answer ReconnectingClient::request(std::string_view method, const std::string& params) {
   try {
-    if (!client_) client_.emplace();
+    if (!client_) client_.emplace().whenSlow(tellSlow_);
     return client_->request(method, params);
   } catch (const ClientError& error) {
     if (error.endsConnection()) client_.reset();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <functional>
 #include <optional>
@@ -27,6 +28,9 @@ class VellClient : public Application {
 
   static std::string resolveSocketPath();
 
+  /// Has a handler called once for each request whose answer takes more than a second.
+  void whenSlow(std::function<void()> tell) { tellSlow_ = std::move(tell); }
+
   using Application::request;
   Answer request(std::string_view method, const std::string& params) override;
   /// The answer's result as compact JSON text with sorted keys.
@@ -47,18 +51,26 @@ class VellClient : public Application {
   void writeAll(std::string_view bytes);
 
  private:
+  void tellIfSlow();
+
   platform::Descriptor socket_;
   std::int64_t nextId_ = 1;
+  std::function<void()> tellSlow_;
+  std::optional<std::chrono::steady_clock::time_point> slowAt_;  // of the request at hand, until it is told
 };
 
 /// A connection made when first needed and made anew after a transport failure, for commands that wait while
 /// the application starts. Nothing is retried: the call that meets the failure throws it.
 class ReconnectingClient : public Application {
  public:
+  /// The handler is that of VellClient::whenSlow.
+  explicit ReconnectingClient(std::function<void()> tellSlow = {}) : tellSlow_(std::move(tellSlow)) {}
+
   using Application::request;
   Answer request(std::string_view method, const std::string& params) override;
 
  private:
+  std::function<void()> tellSlow_;
   std::optional<VellClient> client_;
 };
 

@@ -45,6 +45,11 @@ bool writeAll(int descriptor, std::string_view bytes, ssize_t (*write)(int, cons
   return true;
 }
 
+bool waitUntilReadable(int descriptor, std::chrono::milliseconds limit) {
+  pollfd waiting{descriptor, POLLIN, 0};
+  return ::poll(&waiting, 1, static_cast<int>(limit.count())) != 0;
+}
+
 bool readerIsGone(int descriptor) {
   pollfd asked{descriptor, POLLOUT, 0};
   return ::poll(&asked, 1, 0) > 0 && (asked.revents & (POLLHUP | POLLERR)) != 0;

@@ -2,6 +2,7 @@
 
 #include <sys/types.h>
 
+#include <chrono>
 #include <cstddef>
 #include <string_view>
 
@@ -34,6 +35,9 @@ ssize_t writeSome(int descriptor, const char* data, std::size_t size);
 /// errno set, as soon as that fails.
 bool writeAll(int descriptor, std::string_view bytes,
               ssize_t (*write)(int descriptor, const char* data, std::size_t size) = writeSome);
+
+/// Waits until the descriptor can be read without blocking or is at its end; false where that takes longer.
+bool waitUntilReadable(int descriptor, std::chrono::milliseconds limit);
 
 /// Whether nobody is left to read what is written to a pipe or a socket. A peer that has only ended its own
 /// writing still reads.
