@@ -42,7 +42,7 @@ int run(const CommandLine& line, Console& console) {
 }  // namespace
 
 int Vell::main(const ArgumentList& arguments, Console& console) {
-  const CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments));
+  const CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments), arguments);
   const int status = run(line, console);
   tellNotices(line, console);
   return status;

@@ -1,4 +1,7 @@
+#include <algorithm>
+
 #include "cli/commands.h"
+#include "cli/entry.h"
 #include "cli/outline_read.h"
 #include "ipc/methods.h"
 
@@ -13,11 +16,22 @@ constexpr Option pathOption{.name = "--path",
                                 "are rejected."};
 constexpr Option pathArgument{.name = "path", .value = "path", .help = "The same as --path."};
 
+constexpr const char* twoPaths = "Give one path only, as an argument or with --path.";
+
 std::string observedPath(const Arguments& arguments) {
-  auto paths = arguments.values(pathOption);
-  if (const auto plain = arguments.value(pathArgument)) paths.push_back(*plain);
-  if (paths.size() > 1) throw UsageError("Give one path only, as an argument or with --path.");
-  return paths.empty() ? "//*" : paths.front();
+  const auto named = arguments.value(pathOption), plain = arguments.value(pathArgument);
+  if (named && plain) throw UsageError(twoPaths);
+  return named ? *named : plain.value_or("//*");
+}
+
+/// A plain path has been moved behind a --path of its own before the command line is parsed.
+std::string refusePlainAndNamed(const ArgumentList& typed) {
+  const auto isNamed = [](const std::string& word) {
+    return word == pathOption.name || word.starts_with(std::string(pathOption.name) + "=");
+  };
+  const ArgumentList moved = Vell::preprocessOutlineRefs(typed);
+  const auto named = std::count_if(typed.begin(), typed.end(), isNamed);
+  return named > 0 && std::count_if(moved.begin(), moved.end(), isNamed) > named ? twoPaths : "";
 }
 
 /// The options of both commands.
@@ -120,6 +134,7 @@ const Command outline{
                   "The headings as markdown (the same as with --path):"}},
     .appendix = outlineStream,
     .plainArguments = &pathOption,
+    .check = refusePlainAndNamed,
     .run =
         [](const Arguments& arguments, Console& console) {
           streamOutline({arguments, console}, false, console);

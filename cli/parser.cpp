@@ -49,9 +49,9 @@ class Parser {
   explicit Parser(const Command& root)
       : root_(root), line_{&root, std::string(root.name), Action::run, {}, {}} {}
 
-  CommandLine parse(const ArgumentList& words) {
+  CommandLine parse(const ArgumentList& words, const ArgumentList& typed) {
     split(words);
-    if (line_.fault.empty() && line_.command->check != nullptr) refuse(line_.command->check(words));
+    if (line_.fault.empty() && line_.command->check != nullptr) refuse(line_.command->check(typed));
     for (const Token& token : tokens_) token.name.empty() ? giveArgument(token) : giveOption(token);
     for (const Option* option : line_.command->options) check(*option);
     const bool isGroup = line_.command->run == nullptr;
@@ -193,6 +193,8 @@ std::vector<std::string> Arguments::values(const Option& option) const {
 
 bool isOptionToken(const std::string& word) { return word.size() > 1 && word.front() == '-'; }
 
-CommandLine parse(const Command& root, const ArgumentList& words) { return Parser(root).parse(words); }
+CommandLine parse(const Command& root, const ArgumentList& words, const ArgumentList& typed) {
+  return Parser(root).parse(words, typed);
+}
 
 }  // namespace vell::cli

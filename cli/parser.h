@@ -42,7 +42,8 @@ struct CommandLine {
 bool isOptionToken(const std::string& word);
 
 /// Follows the command names down from `root`, options standing anywhere between them, and gives every other
-/// word to the options of the command found.
-CommandLine parse(const Command& root, const ArgumentList& words);
+/// word to the options of the command found. `typed` is what the words were before references in them were
+/// moved.
+CommandLine parse(const Command& root, const ArgumentList& words, const ArgumentList& typed);
 
 }  // namespace vell::cli

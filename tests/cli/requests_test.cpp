@@ -70,6 +70,8 @@ TEST(Requests, OfTheCommandsThatChangeRows) {
        R"({"markdown":"- item","parent":"3","position":"-1"})"},
       {"create row 'Buy milk' --parent 3", "row.create", R"({"markdown":"Buy milk","parent":"3"})"},
       {"create row -- '- [ ] Buy milk'", "row.create", R"({"markdown":"- [ ] Buy milk"})"},
+      {"create row a --outline x --outline y --position 1 --position 2", "row.create",
+       R"({"markdown":"a","outline":"y","position":"2"})"},
       {"create row --text a --text b", "row.create", R"({"markdown":"b"})"},
       {"create row --text= --before a --after b --outline o", "row.create",
        R"({"after":"b","before":"a","markdown":"","outline":"o"})"},

@@ -127,6 +127,8 @@ TEST(UsageErrors, NameTheFaultAndTheWayOut) {
        "vell open outline"},
       {"observe outline /a --path /b", "Give one path only, as an argument or with --path.",
        "vell observe outline"},
+      {"observe outline --path=/a --outline x -- /b", "Give one path only, as an argument or with --path.",
+       "vell observe outline"},
       {"observe outline /a /b", "Unknown command '/b'.", "vell observe outline"},
       {"observe outline rows /a --path /b", "Give one path only, as an argument or with --path.",
        "vell observe outline rows"},
