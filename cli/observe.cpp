@@ -88,7 +88,9 @@ void streamOutline(const OutlineObserveOptions& options, bool rowsOnly, Console&
   Printer printer(format, console);
   ipc::VellClient client;
   const ReaderWatch watch(console.out);
-  client.subscribe(observation, [&](const json::Node& notification) { printer.print(notification); });
+  sendNaming(observation, client, [&](const ipc::OutlineObserve& each) {
+    client.subscribe(each, [&](const json::Node& notification) { printer.print(notification); });
+  });
 }
 
 constexpr std::string_view rowsStream = R"(

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "cli/console.h"
+#include "cli/outline_naming.h"
 #include "cli/parser.h"
 #include "cli/waiting_line.h"
 #include "ipc/message.h"
@@ -52,7 +53,7 @@ ipc::Answer call(const Record& record, Console& console) {
   WaitingLine line(console, "Vell to answer");
   ipc::VellClient client;
   client.whenSlow(line.whenSlow());
-  return client.request(record);
+  return sendNaming(record, client, [&client](const Record& each) { return client.request(each); });
 }
 
 /// The same, and prints the answer.

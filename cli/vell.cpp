@@ -28,9 +28,11 @@ ROW REFERENCES
 
 PERSISTENT IDS
   Every outline has a persistent id (`vell get outlines` lists them), which
-  --outline and `vell open outline id:<outline-id>` take. A row has one when it
-  was given one: `vell update rows 12 --persistent-id groceries`. Session ids
-  are for the next few commands; what a script keeps should be persistent ids.
+  --outline and `vell open outline id:<outline-id>` take. Where no open outline
+  has such an id, --outline also takes the display name of an open outline or
+  the path of its file. A row has a persistent id when it was given one:
+  `vell update rows 12 --persistent-id groceries`. Session ids are for the next
+  few commands; what a script keeps should be persistent ids.
 
 OUTPUT FORMATS
   session    JSON for working with the rows at hand: "id" is the session id,
