@@ -13,6 +13,11 @@ endif()
 find_path(VELL_HEADERS asio.hpp REQUIRED)
 target_include_directories(vell_options SYSTEM INTERFACE ${VELL_HEADERS})
 
+# asio chooses its allocator by what was included before it: two sources that choose differently must not meet.
+add_library(vell_asio INTERFACE)
+target_compile_definitions(vell_asio INTERFACE ASIO_DISABLE_STD_ALIGNED_ALLOC)
+target_link_libraries(vell_asio INTERFACE Threads::Threads)
+
 # A plain library on every system; not all of them give it a package file for CMake.
 find_library(VELL_PCRE2 pcre2-8 REQUIRED)
 

@@ -57,7 +57,7 @@ void Server::admit(platform::Descriptor socket) {
   fcntl(socket.get(), F_SETFL, O_NONBLOCK);
   const std::uint64_t id = nextClient_++;
   auto client = std::make_unique<Client>(id, std::move(socket));
-  loop_.watch(client->descriptor(), client->interest(), [this, id](short events) { onReady(id, events); });
+  loop_.watch(client->descriptor(), client->interest(), [this, id](short event) { onReady(id, event); });
   clients_.emplace(id, std::move(client));
 }
 
@@ -74,14 +74,12 @@ void Server::dropLongestIdle() {
   loop_.after(acceptPause, [this] { loop_.setInterest(listener_, POLLIN); });
 }
 
-void Server::onReady(std::uint64_t id, short events) {
+void Server::onReady(std::uint64_t id, short event) {
   Client& client = *clients_.at(id);
   const bool wasBehind = client.backlog() >= Client::backlogLimit;
-  // Of a client that is gone macOS reports the hang-up alone, whatever was asked for.
-  if ((events & (POLLOUT | POLLHUP | POLLERR)) != 0) client.flush();
+  if (event == POLLOUT) client.flush();
   if (wasBehind && client.backlog() < Client::backlogLimit) subscriptions_.clientCaughtUp(id);
-  if ((events & (POLLIN | POLLHUP | POLLERR)) != 0) client.receive();
-  // Linux would report the hang-up again and again.
+  if (event == POLLIN) client.receive();
   if (isGone(client)) clientLeft(client);
   serve(client);
   settle(client);
@@ -246,7 +244,7 @@ void Server::dropStalled() {
     const bool stalled = client.backlog() > 0 && client.lastMoved() < oldest;
     if (stalled) application_.report("A client that reads nothing was dropped");
     if (stalled || (isGone(client) && !client.job()))
-      drop(client.id());  // macOS does not report a client without an interest
+      drop(client.id());  // nothing is reported of a client without an interest
   }
   stallTimer_ = loop_.after(limits_.stall / 4, [this] { dropStalled(); });
 }

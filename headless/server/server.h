@@ -57,7 +57,7 @@ class Server : private NotificationSink {
   void admit(platform::Descriptor socket);
   void dropLongestIdle();
 
-  void onReady(std::uint64_t id, short events);
+  void onReady(std::uint64_t id, short event);
   static bool isGone(const Client& client);
   void takeTurn(std::uint64_t id);
   void serve(Client& client);

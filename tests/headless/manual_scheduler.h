@@ -13,12 +13,11 @@ namespace vell::headless {
 /// Time passes when the test says so.
 class ManualScheduler : public Scheduler {
  public:
-  Timer after(Clock::duration delay, Task task) override {
-    const Timer timer{Clock::time_point(delay), next_++};
-    timers_.emplace(timer, std::move(task));
-    return timer;
+  Timer after(Clock::duration, Task task) override {
+    timers_.emplace(next_, std::move(task));
+    return next_++;
   }
-  void cancel(const Timer& timer) override { timers_.erase(timer); }
+  void cancel(Timer timer) override { timers_.erase(timer); }
   void post(Task task) override {
     const std::lock_guard lock(mutex_);
     posted_.push_back(std::move(task));
@@ -44,7 +43,7 @@ class ManualScheduler : public Scheduler {
 
  private:
   std::map<Timer, Task> timers_;
-  std::uint64_t next_ = 0;
+  Timer next_ = 0;
   std::mutex mutex_;
   std::vector<Task> posted_;
 };
