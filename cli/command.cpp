@@ -20,6 +20,20 @@ std::vector<const Option*> namedOptions(const Command& command) {
   return named;
 }
 
+const Option* findOption(const Command& command, std::string_view name) {
+  for (const Option* option : namedOptions(command)) {
+    if (option->name == name || option->shortName == name) return option;
+  }
+  return nullptr;
+}
+
+const Command* findSubcommand(const Command& command, std::string_view name) {
+  for (const Command* next : command.subcommands) {
+    if (next->name == name) return next;
+  }
+  return nullptr;
+}
+
 std::vector<TreeEntry> wholeTree(const Command& root) {
   std::vector<TreeEntry> entries;
   append(entries, root, std::string(root.name));

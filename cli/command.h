@@ -77,6 +77,10 @@ inline constexpr Option versionOption{
 /// The command's options that are typed with dashes, and those that every command has.
 std::vector<const Option*> namedOptions(const Command& command);
 
+/// The option of that name, long or short, and the subcommand; null where there is none.
+const Option* findOption(const Command& command, std::string_view name);
+const Command* findSubcommand(const Command& command, std::string_view name);
+
 /// In front of a command: shows its help.
 inline constexpr std::string_view helpCommand = "help";
 

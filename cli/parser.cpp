@@ -8,36 +8,6 @@
 namespace vell::cli {
 namespace {
 
-constexpr std::string_view terminator = "--";
-
-using Words = std::span<const std::string>;
-
-/// An option as typed, or a plain argument, which has one value and no name.
-struct Token {
-  std::string name;
-  std::vector<std::string> values;
-};
-
-const Option* findOption(const Command& command, std::string_view name) {
-  for (const Option* option : namedOptions(command)) {
-    if (option->name == name || option->shortName == name) return option;
-  }
-  return nullptr;
-}
-
-/// Splits `--name=value`, `-nvalue` and `-n=value`.
-Token splitAttached(const std::string& word) {
-  const std::size_t end = word.starts_with("--") ? word.find('=') : 2;
-  if (end >= word.size()) return {word, {}};
-  return {word.substr(0, end), {word.substr(end + (word[end] == '=' ? 1 : 0))}};
-}
-
-std::size_t followingValues(const Option& option, Words rest) {
-  if (option.takes == Takes::nothing) return 0;
-  if (option.takes != Takes::list) return std::min<std::size_t>(rest.size(), 1);
-  return static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isOptionToken) - rest.begin());
-}
-
 /// " Did you mean '…'?" where a candidate is near the word; else empty.
 std::string didYouMean(std::string_view word, std::span<const std::string_view> candidates) {
   const std::string_view meant = text::nearest(word, candidates);
@@ -82,13 +52,11 @@ class Parser {
   }
 
   bool descend(const std::string& word) {
-    for (const Command* next : line_.command->subcommands) {
-      if (next->name != word) continue;
-      line_.command = next;
-      line_.path += " " + word;
-      return true;
-    }
-    return false;
+    const Command* next = findSubcommand(*line_.command, word);
+    if (next == nullptr) return false;
+    line_.command = next;
+    line_.path += " " + word;
+    return true;
   }
 
   /// Returns how many of the words behind the option are its values.
@@ -192,6 +160,18 @@ std::vector<std::string> Arguments::values(const Option& option) const {
 }
 
 bool isOptionToken(const std::string& word) { return word.size() > 1 && word.front() == '-'; }
+
+Token splitAttached(const std::string& word) {
+  const std::size_t end = word.starts_with("--") ? word.find('=') : 2;
+  if (end >= word.size()) return {word, {}};
+  return {word.substr(0, end), {word.substr(end + (word[end] == '=' ? 1 : 0))}};
+}
+
+std::size_t followingValues(const Option& option, Words rest) {
+  if (option.takes == Takes::nothing) return 0;
+  if (option.takes != Takes::list) return std::min<std::size_t>(rest.size(), 1);
+  return static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isOptionToken) - rest.begin());
+}
 
 CommandLine parse(const Command& root, const ArgumentList& words, const ArgumentList& typed) {
   return Parser(root).parse(words, typed);

@@ -2,7 +2,9 @@
 
 #include <map>
 #include <optional>
+#include <span>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "cli/command.h"
@@ -38,8 +40,27 @@ struct CommandLine {
   std::string fault;
 };
 
+// The words of a command line.
+
+using Words = std::span<const std::string>;
+
+/// The word behind which no other is an option.
+inline constexpr std::string_view terminator = "--";
+
+/// An option as typed, or a plain argument, which has one value and no name.
+struct Token {
+  std::string name;
+  std::vector<std::string> values;
+};
+
 /// Whether a word names an option: it begins with "-" and is more than that.
 bool isOptionToken(const std::string& word);
+
+/// Splits `--name=value`, `-nvalue` and `-n=value`.
+Token splitAttached(const std::string& word);
+
+/// How many of the words behind an option are its values.
+std::size_t followingValues(const Option& option, Words rest);
 
 /// Follows the command names down from `root`, options standing anywhere between them, and gives every other
 /// word to the options of the command found. `typed` is what the words were before references in them were

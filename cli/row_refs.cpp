@@ -10,12 +10,6 @@ namespace {
 // A group and its command stand in the first two arguments; what is rewritten begins behind them.
 constexpr std::size_t commandWords = 2;
 
-const Command* findSubcommand(const Command& command, std::string_view name) {
-  const auto found = std::find_if(command.subcommands.begin(), command.subcommands.end(),
-                                  [&](const Command* next) { return next->name == name; });
-  return found == command.subcommands.end() ? nullptr : *found;
-}
-
 /// The command in the first two arguments whose plain arguments belong behind an option; null for any other.
 const Command* rewrittenCommand(const ArgumentList& arguments) {
   if (arguments.size() < commandWords) return nullptr;
