@@ -1,15 +1,13 @@
 #pragma once
 
-#include <string>
-#include <string_view>
+#include <optional>
 
 #include "cli/command.h"
+#include "cli/completion_values.h"
 
 namespace vell::cli {
 
-inline constexpr std::string_view completionShells[] = {"bash", "zsh", "fish"};
-
-/// The script that teaches one of these shells the whole tree.
-std::string completionScript(const Command& root, std::string_view shell);
+/// What may be typed as the last of the words that follow the program's name; none where it is a file's path.
+std::optional<Candidates> candidatesFor(const Command& root, const ArgumentList& words);
 
 }  // namespace vell::cli

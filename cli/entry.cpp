@@ -3,6 +3,7 @@
 #include "cli/commands.h"
 #include "cli/help.h"
 #include "cli/parser.h"
+#include "cli/shell_completion.h"
 #include "outlines/location.h"
 #include "platform/notices.h"
 
@@ -42,6 +43,8 @@ int run(const CommandLine& line, Console& console) {
 }  // namespace
 
 int Vell::main(const ArgumentList& arguments, Console& console) {
+  if (!arguments.empty() && arguments.front() == completeOption)
+    return complete(vellCommand, {arguments.begin() + 1, arguments.end()}, console);
   const CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments), arguments);
   const int status = run(line, console);
   tellNotices(line, console);

@@ -1,8 +1,8 @@
 #include "cli/commands.h"
-#include "cli/completion.h"
 #include "cli/console.h"
 #include "cli/help.h"
 #include "cli/parser.h"
+#include "cli/shell_completion.h"
 
 namespace vell::cli {
 namespace {
@@ -58,12 +58,12 @@ constexpr Option completionOption{
     .name = "--generate-completion-script",
     .value = "shell",
     .help = "Print a completion script: bash, zsh or fish.",
-    .choices = completionShells,
+    .choices = shellNames,
 };
 
 void run(const Arguments& arguments, Console& console) {
   const auto shell = arguments.value(completionOption);
-  console.out.write(shell ? completionScript(vellCommand, *shell)
+  console.out.write(shell ? std::string(completionScript(*shell))
                           : helpScreen(vellCommand, std::string(vellCommand.name)));
 }
 
