@@ -19,6 +19,8 @@ interface Vell {
   readonly outlineEditors: OutlineEditor[];
   readonly frontmostOutlineEditor: OutlineEditor | null;
   readonly commands: { id: string; source: string | null }[];
+  /** What an outline path selects in every open outline, frontmost first; outlines without such rows are left out. */
+  search(path: string): { outline: Outline; rows: Row[] }[];
   createOutline(format?: Exclude<Format, "session">): Outline;
 }
 

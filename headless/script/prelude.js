@@ -175,6 +175,11 @@
     get outlineEditors() { return call("editor.list").map((entry) => new OutlineEditor(entry)); },
     get frontmostOutlineEditor() { return this.outlineEditors[0] ?? null; },
     get commands() { return call("command.list"); },
+    // What a path selects in every open outline: [{ outline, rows }], without outlines in which it selects nothing.
+    search(path) {
+      const found = this.outlines.map((outline) => ({ outline, rows: outline.rows(path) }));
+      return found.filter(({ rows }) => rows.length > 0);
+    },
     createOutline(format) { return new Outline(call("outline.new", { format })); },
   });
   return vell;

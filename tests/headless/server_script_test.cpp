@@ -38,6 +38,10 @@ TEST_F(ServedScript, ReadsWhatIsOpen) {
        "true"},
       {"try { vell.frontmostOutline.row('milk').type = 'poem' } catch (error) { error.message.slice(0, 33) }",
        R"("type: There is no row type \"poem\"")"},
+      {"vell.search('//task')[0].rows[0].outline.id", R"("outline-1")"},
+      {"vell.createOutline(); vell.search('//task').map(({outline, rows}) => [String(outline), "
+       "...rows.map(String)])",
+       R"([["groceries.json","Milk"]])"},
   };
   for (const auto& row : rows) EXPECT_EQ(run(row.script), row.value) << row.script;
 }
