@@ -109,17 +109,11 @@ bool numbersHold(double left, RelationOp op, double right) {
   return ordered(left, op, right);
 }
 
-std::optional<Timestamp> dateOf(std::string_view text) {
-  constexpr std::size_t kDateLength = 10;
-  if (text.size() == kDateLength) return document::parseTimestamp(std::string(text) + "T00:00Z");
-  return document::parseTimestamp(text);
-}
-
-bool datesHold(std::string_view left, RelationOp op, std::string_view right) {
-  const auto first = dateOf(left);
-  const auto second = dateOf(right);
+bool datesHold(const Value& left, RelationOp op, const Value& right, const Dates& dates) {
+  const auto first = dates.dateOf(left), second = dates.dateOf(right);
   if (!first || !second) return op == RelationOp::notEqual;
-  return ordered(*first, op, *second);
+  if (first->index() == second->index()) return ordered(*first, op, *second);
+  return ordered(dates.dayOf(*first), op, dates.dayOf(*second));
 }
 
 bool endsWith(std::string_view text, std::string_view end) {
@@ -169,11 +163,12 @@ bool modifiedTextHolds(std::string_view left, const Relation& relation, std::str
   return localeAwareHolds(text::foldAccents(first), relation.op, text::foldAccents(second));
 }
 
-bool plainHolds(const Value& left, RelationOp op, const Value& right, Work& work) {
+bool plainHolds(const Value& left, RelationOp op, const Value& right, Work& work, const Dates& dates) {
   const auto either = [&](auto type) {
     return std::holds_alternative<decltype(type)>(left) || std::holds_alternative<decltype(type)>(right);
   };
   if (!isTextual(op) && either(true)) return ordered(truthOf(left), op, truthOf(right));
+  if (!isTextual(op) && (isDate(left) || isDate(right))) return datesHold(left, op, right, dates);
   if (!isTextual(op) && either(0.0)) return numbersHold(numberOf(left), op, numberOf(right));
   std::string first, second;
   const std::string_view text = textOf(left, first);
@@ -183,23 +178,21 @@ bool plainHolds(const Value& left, RelationOp op, const Value& right, Work& work
 
 }  // namespace
 
-bool holds(const Value& left, const Relation& relation, const Value& right, Work& work) {
+bool holds(const Value& left, const Relation& relation, const Value& right, Work& work, const Dates& dates) {
   if (isNull(left) || isNull(right)) {
     const bool same = isNull(left) && isNull(right);
     return relation.op == RelationOp::equal ? same : relation.op == RelationOp::notEqual && !same;
   }
-  if (!relation.modifier) return plainHolds(left, relation.op, right, work);
-  std::string first, second;
-  const std::string_view leftText = textOf(left, first);
-  const std::string_view rightText = textOf(right, second);
+  if (!relation.modifier) return plainHolds(left, relation.op, right, work, dates);
   const bool compares = !isTextual(relation.op);
   if (compares && relation.modifier->type == RelationModifierType::numericCompare) {
     return numbersHold(numberOf(left), relation.op, numberOf(right));
   }
   if (compares && relation.modifier->type == RelationModifierType::dateCompare) {
-    return datesHold(leftText, relation.op, rightText);
+    return datesHold(left, relation.op, right, dates);
   }
-  return modifiedTextHolds(leftText, relation, rightText, work);
+  std::string first, second;
+  return modifiedTextHolds(textOf(left, first), relation, textOf(right, second), work);
 }
 
 }  // namespace vell::evaluation

@@ -4,6 +4,7 @@
 
 #include "evaluation/comparison.h"
 #include "evaluation/evaluate.h"
+#include "outline_path/near_miss.h"
 #include "text/folding.h"
 
 namespace vell::evaluation {
@@ -25,11 +26,18 @@ Value idOf(const Row& row) {
   return textValue(row.persistentId());
 }
 
-/// The text of a value that is the same for every row and is text.
-const std::string* constantText(const ValueExpression& value) {
-  if (const auto* literal = std::get_if<Literal>(&value.node)) return &literal->text;
-  if (const auto* unquoted = std::get_if<Unquoted>(&value.node)) return &unquoted->word;
-  return nullptr;
+/// Throws where a bare word stands that was meant as a date: `today` is text, which is ordered by its
+/// letters.
+void rejectDateWord(const ValueExpression& value) {
+  const auto* unquoted = std::get_if<Unquoted>(&value.node);
+  const std::string hint = unquoted == nullptr ? "" : hintForDateWord(unquoted->word);
+  if (!hint.empty()) throw EvaluationError(hint);
+}
+
+bool comparesOrderOrDates(const Relation& relation) {
+  const bool comparesDates =
+      relation.modifier && relation.modifier->type == RelationModifierType::dateCompare;
+  return comparesDates || relation.op >= RelationOp::lessThanOrEqual;
 }
 
 /// A pattern that is the same for every row is compiled once.
@@ -54,9 +62,16 @@ const PathExpression* pathOf(const FunctionCall& call) {
 
 }  // namespace
 
-Compiler::Compiler(const Outline& outline, const EditorView* editor, Work& work)
+const std::string* constantText(const ValueExpression& value) {
+  if (const auto* literal = std::get_if<Literal>(&value.node)) return &literal->text;
+  if (const auto* unquoted = std::get_if<Unquoted>(&value.node)) return &unquoted->word;
+  return nullptr;
+}
+
+Compiler::Compiler(const Outline& outline, const EditorView* editor, const Dates& dates, Work& work)
     : outline_(outline),
       editor_(editor),
+      dates_(dates),
       work_(work),
       ordinals_([&outline, &work, known = std::make_shared<std::optional<TypeOrdinals>>() ]() -> const auto& {
         if (*known) return **known;
@@ -87,13 +102,17 @@ Predicate Compiler::compileNode(const ContainsAttribute& node) const {
 }
 
 Predicate Compiler::compileNode(const Comparison& node) const {
+  if (comparesOrderOrDates(node.relation)) {
+    rejectDateWord(node.left);
+    rejectDateWord(node.right);
+  }
   const Getter left = compile(node.left);
   if (auto test = compileMatches(node, left, work_)) return *test;
-  return
-      [left, right = compile(node.right), relation = &node.relation, &work = work_](const Context& context) {
-        work.spend(1 + context.text.size() / kStretch);
-        return holds(left(context), *relation, right(context), work);
-      };
+  return [left, right = compile(node.right), relation = &node.relation, &work = work_,
+          &dates = dates_](const Context& context) {
+    work.spend(1 + context.text.size() / kStretch);
+    return holds(left(context), *relation, right(context), work, dates);
+  };
 }
 
 Predicate Compiler::compileNode(const Or& node) const {
@@ -137,10 +156,15 @@ Getter Compiler::compileNode(const RowAttribute& attribute) const {
     case AttributeKind::other:
       break;
   }
-  return [name = &attribute.name()](const Context& context) {
-    const std::string* value = context.attributes->find(*name);
-    return value == nullptr ? Value() : textValue(*value);
-  };
+  return
+      [name = &attribute.name(), time = timeAttributeOf(attribute.name())](const Context& context) -> Value {
+        const std::string* value = context.attributes->find(*name);
+        if (value != nullptr) return textValue(*value);
+        if (!time) return {};
+        const Row& row = *context.row;
+        return Moment(
+            std::chrono::milliseconds(*time == TimeAttribute::created ? row.created() : row.modified()));
+      };
 }
 
 Getter Compiler::compileNode(const Variable& variable) const {
@@ -154,9 +178,12 @@ Getter Compiler::compileNode(const Unquoted& unquoted) const {
 }
 
 Getter Compiler::compileNode(const Additive& node) const {
-  const double sign = node.op == AdditiveOp::add ? 1 : -1;
-  return [sign, left = compile(*node.left), right = compile(*node.right)](const Context& context) {
-    return Value(numberOf(left(context)) + sign * numberOf(right(context)));
+  rejectDateWord(*node.left);
+  rejectDateWord(*node.right);
+  const bool adds = node.op == AdditiveOp::add;
+  return [adds, left = compile(*node.left), right = compile(*node.right),
+          &dates = dates_](const Context& context) {
+    return adds ? dates.add(left(context), right(context)) : dates.subtract(left(context), right(context));
   };
 }
 
@@ -196,28 +223,31 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   getters.reserve(arguments.size());
   for (const ValueExpression& argument : arguments) getters.push_back(compile(argument));
   if (auto function = compileFunction(call, getters, ordinals_)) return *function;
+  if (auto function = compileDateFunction(call, getters, dates_)) return *function;
   const auto editorFunction = editorFunctionOf(call.name());
-  if (!editorFunction || editor_ == nullptr)
-    throw EvaluationError("there is no function " + call.name() + "() here");
+  if (!editorFunction || editor_ == nullptr) {
+    const std::string hint = hintForFunction(call.name());
+    throw EvaluationError("there is no function " + call.name() + "() here" +
+                          (hint.empty() ? "" : "; " + hint));
+  }
   if (!arguments.empty()) throw EvaluationError(call.name() + "() takes no argument");
   return [editor = editor_, function = *editorFunction](const Context& context) {
     return editor->call(function, *context.row);
   };
 }
 
-Evaluated evaluate(const Expression& expression, const Outline& outline, const EditorView* editor,
-                   const Budget& budget) {
+Evaluated evaluate(const Expression& expression, const Outline& outline, const Environment& environment) {
   outline.number();
-  Work work(outline, budget);
-  const Compiler compiler(outline, editor, work);
+  Work work(outline, environment.budget);
+  const Dates dates(environment.clock);
+  const Compiler compiler(outline, environment.editor, dates, work);
   const Context root = Context::of(outline.root());
   if (const auto* path = std::get_if<PathExpression>(&expression)) return compiler.compile(*path)(root);
   return compiler.compile(std::get<ValueExpression>(expression))(root);
 }
 
-Rows evaluateRows(const Expression& expression, const Outline& outline, const EditorView* editor,
-                  const Budget& budget) {
-  Evaluated result = evaluate(expression, outline, editor, budget);
+Rows evaluateRows(const Expression& expression, const Outline& outline, const Environment& environment) {
+  Evaluated result = evaluate(expression, outline, environment);
   if (auto* rows = std::get_if<Rows>(&result)) return std::move(*rows);
   throw EvaluationError(std::string("it gives ") + kindOf(std::get<Value>(result)) +
                         ", not rows (predicates compare values: //* count(child::*) > 0)");

@@ -7,6 +7,7 @@
 #include "evaluation/axes.h"
 #include "evaluation/context.h"
 #include "evaluation/counts.h"
+#include "evaluation/dates.h"
 #include "evaluation/value.h"
 #include "evaluation/work.h"
 #include "outline_path/expression.h"
@@ -14,7 +15,7 @@
 namespace vell::evaluation {
 
 // An expression is first turned into functions that do as little as possible for each row. They refer to the
-// expression, the outline, the editor and the work, which must outlive them.
+// expression, the outline, the editor, the dates and the work, which must outlive them.
 
 /// Whether a predicate holds.
 using Predicate = std::function<bool(const Context&)>;
@@ -26,7 +27,7 @@ using LazyOrdinals = std::function<const TypeOrdinals&()>;
 class Compiler {
  public:
   /// `editor` may be null: then there are no editor functions.
-  Compiler(const Outline& outline, const EditorView* editor, Work& work);
+  Compiler(const Outline& outline, const EditorView* editor, const Dates& dates, Work& work);
 
   Work& work() const { return work_; }
 
@@ -62,6 +63,7 @@ class Compiler {
 
   const Outline& outline_;
   const EditorView* editor_;
+  const Dates& dates_;
   Work& work_;
   LazyOrdinals ordinals_;
 };
@@ -70,5 +72,11 @@ class Compiler {
 /// EvaluationError where the arguments do not fit.
 std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
                                       const std::vector<Getter>& arguments, const LazyOrdinals& ordinals);
+/// The same for the functions that give dates.
+std::optional<Getter> compileDateFunction(const outline_path::FunctionCall& call,
+                                          const std::vector<Getter>& arguments, const Dates& dates);
+
+/// The text of a value that is the same for every row and is text; null for others.
+const std::string* constantText(const outline_path::ValueExpression& value);
 
 }  // namespace vell::evaluation

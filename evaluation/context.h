@@ -15,9 +15,7 @@ using document::Outline;
 using document::Row;
 using document::RowType;
 using document::Run;
-using document::SessionId;
 using document::Text;
-using document::Timestamp;
 
 /// What a predicate is asked about: a row, or one of its runs, and where it stands among the candidates of
 /// its step.

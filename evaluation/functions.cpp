@@ -98,7 +98,36 @@ void checkArity(const outline_path::FunctionCall& call, Arity arity) {
   throw EvaluationError(call.name() + "() takes " + wanted + ", not " + std::to_string(given));
 }
 
+/// The date that a text in the path spells is known before the first row is.
+Getter compileDate(const outline_path::FunctionCall& call, const Getter& argument, const Dates& dates) {
+  const auto dateOf = [&dates](const Value& value) {
+    const auto date = dates.dateOf(value);
+    return date ? std::visit([](auto either) { return Value(either); }, *date) : Value();
+  };
+  const std::string* text = constantText(call.arguments().front());
+  if (text == nullptr)
+    return [argument, dateOf](const Context& context) { return dateOf(argument(context)); };
+  const Value date = dateOf(std::string_view(*text));
+  if (isNull(date))
+    throw EvaluationError("\"" + *text +
+                          "\" is no date: write date(\"2026-05-04\") or date(\"2026-05-04T12:00\")");
+  return [date](const Context&) { return date; };
+}
+
 }  // namespace
+
+std::optional<Getter> compileDateFunction(const outline_path::FunctionCall& call,
+                                          const std::vector<Getter>& arguments, const Dates& dates) {
+  using outline_path::DateFunction;
+  const auto function = outline_path::dateFunctionOf(call.name());
+  if (!function) return std::nullopt;
+  const std::size_t wanted = function == DateFunction::date ? 1 : 0;
+  checkArity(call, {wanted, wanted});
+  if (function == DateFunction::date) return compileDate(call, arguments.front(), dates);
+  return [date = function == DateFunction::now ? Value(dates.now()) : Value(dates.today())](const Context&) {
+    return date;
+  };
+}
 
 std::optional<Getter> compileFunction(const outline_path::FunctionCall& call,
                                       const std::vector<Getter>& arguments, const LazyOrdinals& ordinals) {

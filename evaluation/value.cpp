@@ -6,6 +6,7 @@
 #include <cstdint>
 #include <limits>
 
+#include "document/timestamp.h"
 #include "outline_path/literals.h"
 
 namespace vell::evaluation {
@@ -32,6 +33,12 @@ std::string textOfNumber(double number) {
   if (std::isnan(number)) return "NaN";
   if (std::isinf(number)) return number < 0 ? "-Infinity" : "Infinity";
   return (number < 0 ? "-" : "") + outline_path::textOf(std::abs(number));
+}
+
+std::string textOfDay(Day day) {
+  constexpr std::size_t kLength = 10;
+  const auto midnight = std::chrono::milliseconds(day.time_since_epoch()).count();
+  return document::formatTimestamp(midnight).substr(0, kLength);
 }
 
 }  // namespace
@@ -67,6 +74,9 @@ std::string_view textOf(const Value& value, std::string& buffer) {
   if (const auto* text = std::get_if<std::string>(&value)) return *text;
   if (const auto* truth = std::get_if<bool>(&value)) return *truth ? "true" : "false";
   if (const auto* number = std::get_if<double>(&value)) return buffer = textOfNumber(*number);
+  if (const auto* day = std::get_if<Day>(&value)) return buffer = textOfDay(*day);
+  if (const auto* moment = std::get_if<Moment>(&value))
+    return buffer = document::formatTimestamp(moment->time_since_epoch().count());
   return {};
 }
 

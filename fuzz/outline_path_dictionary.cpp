@@ -14,8 +14,9 @@ int main() {
   for (const auto word : keywords()) put(word);
   for (const Axis axis : verboseAxes()) put(spelling(axis));
   for (const TypeTest test : typeTests()) put(spelling(test));
-  for (const auto name : functionNames()) put(std::string(name) + "(");
-  for (const auto name : editorFunctionNames()) put(std::string(name) + "(");
+  for (const auto names : functionNames()) {
+    for (const auto name : names) put(std::string(name) + "(");
+  }
   for (const char letter : kRelationModifiers) put(std::string("[") + letter + kLocaleAware + "]");
   for (const auto word : {kTrue, kFalse, kNull}) put(word);
 }

@@ -29,7 +29,7 @@ void addTypeTests(Items& items) {
 }
 
 void addFunctions(Items& items) {
-  for (const auto names : {functionNames(), editorFunctionNames()}) {
+  for (const auto names : functionNames()) {
     for (const std::string_view name : names) items.push_back(std::string(name) + "()");
   }
 }

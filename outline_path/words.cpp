@@ -44,6 +44,9 @@ constexpr std::array<std::string_view, 11> kEditorFunctions{
     "selection-ancestor", "selection-descendant", "drop-indicator",
 };
 
+constexpr std::array<std::string_view, 3> kDateFunctions{"today", "now", "date"};
+constexpr std::array<std::string_view, 2> kTimeAttributes{"created", "modified"};
+
 constexpr std::array<std::string_view, 3> kAttributes{"id", "type", "text"};
 
 constexpr auto kKeywords = [] {
@@ -71,8 +74,9 @@ std::optional<Entry> entryOf(const Table& table, const Word& word) {
 std::span<const Axis> namedAxes() { return kNamedAxes; }
 std::span<const Axis> verboseAxes() { return namedAxes().first(kVerboseAxes); }
 std::span<const TypeTest> typeTests() { return kTypeTestCases; }
-std::span<const std::string_view> functionNames() { return kFunctions; }
-std::span<const std::string_view> editorFunctionNames() { return kEditorFunctions; }
+std::array<std::span<const std::string_view>, 3> functionNames() {
+  return {kFunctions, kDateFunctions, kEditorFunctions};
+}
 std::span<const std::string_view> keywords() { return kKeywords; }
 
 std::optional<TypeTest> typeTestOf(std::string_view word) { return entryOf<TypeTest>(kTypeTests, word); }
@@ -94,6 +98,12 @@ FunctionKind functionKindOf(std::string_view name) {
 }
 std::optional<EditorFunction> editorFunctionOf(std::string_view name) {
   return entryOf<EditorFunction>(kEditorFunctions, name);
+}
+std::optional<DateFunction> dateFunctionOf(std::string_view name) {
+  return entryOf<DateFunction>(kDateFunctions, name);
+}
+std::optional<TimeAttribute> timeAttributeOf(std::string_view name) {
+  return entryOf<TimeAttribute>(kTimeAttributes, name);
 }
 AttributeKind attributeKindOf(std::string_view name) {
   return static_cast<AttributeKind>(indexIn(kAttributes, name));

@@ -141,6 +141,12 @@ enum class EditorFunction : std::uint8_t {
   dropIndicator,
 };
 
+/// Functions that give dates; `other` among the kinds.
+enum class DateFunction : std::uint8_t { today, now, date };
+
+/// The times that every row has; `other` among the kinds of attributes.
+enum class TimeAttribute : std::uint8_t { created, modified };
+
 enum class AttributeKind : std::uint8_t { id, type, text, other };
 
 struct AxisWord {
@@ -183,8 +189,8 @@ std::span<const Axis> namedAxes();
 /// Those spelled `name::` alone.
 std::span<const Axis> verboseAxes();
 std::span<const TypeTest> typeTests();
-std::span<const std::string_view> functionNames();
-std::span<const std::string_view> editorFunctionNames();
+/// The names of all functions: those with a kind of their own, those that give dates, those of an editor.
+std::array<std::span<const std::string_view>, 3> functionNames();
 
 /// Whole-word look-ups; case matters.
 std::optional<Axis> namedAxisOf(std::string_view word);
@@ -192,6 +198,8 @@ std::optional<RelationModifierType> relationModifierOf(char letter);
 std::optional<TypeTest> typeTestOf(std::string_view word);
 FunctionKind functionKindOf(std::string_view name);
 std::optional<EditorFunction> editorFunctionOf(std::string_view name);
+std::optional<DateFunction> dateFunctionOf(std::string_view name);
+std::optional<TimeAttribute> timeAttributeOf(std::string_view name);
 AttributeKind attributeKindOf(std::string_view name);
 
 constexpr bool isSelf(Axis axis) { return axis == Axis::self || axis == Axis::selfShortcut; }

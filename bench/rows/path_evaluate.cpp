@@ -97,7 +97,7 @@ class Trees {
 
 std::size_t findOurs(const Trees& trees, const char* path) {
   const auto parsed = outline_path::parse(path);
-  return evaluation::evaluateRows(*parsed.expression, trees.outline).size();
+  return evaluation::evaluateRows(*parsed.expression, trees.outline, {evaluation::SystemClock()}).size();
 }
 
 std::size_t findTheirs(const Trees& trees, const char* xpath) {

@@ -51,11 +51,12 @@ std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor,
   const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
   if (parsed.error) throw Problem(outline_path::render(*parsed.error, path));
   const EditorFunctions functions(outline, editor);
-  const evaluation::Budget budget{.pause = throwIfAbandoned};
+  const evaluation::SystemClock clock;
+  const evaluation::Environment environment{clock, &functions, {.pause = throwIfAbandoned}};
   outline.number();  // evaluating beside others only reads
   try {
     std::vector<const Row*> rows;
-    beside([&] { rows = evaluation::evaluateRows(*parsed.expression, outline, &functions, budget); });
+    beside([&] { rows = evaluation::evaluateRows(*parsed.expression, outline, environment); });
     return rows;
   } catch (const evaluation::EvaluationError& error) {
     throw Problem("The path " + std::string(path) + " cannot be evaluated: " + error.what());

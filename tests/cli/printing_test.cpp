@@ -41,6 +41,10 @@ TEST(Printing, OfResults) {
        "you "
        "mean \"blockquote\"?)\n"},
       {"get outline rows //\"tasks\" //milk", "[]", "[]\n", "warning: no row matches //\"tasks\", //milk\n"},
+      {"get outline rows //@due=today", "[]", "[]\n",
+       "warning: no row matches //@due=today (\"today\" is a word here: write today() for the date, "
+       "\"today\" for "
+       "the text)\n"},
       {"get outline //x", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", "warning: no row matches //x\n"},
       {"get outline", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", ""},
       {"update rows //x --type task", "[]", "[]\n", "warning: no row matches //x\n"},

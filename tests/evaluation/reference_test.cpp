@@ -273,7 +273,7 @@ TEST(Evaluation, AgreesWithTheDefinition) {
     const std::string text = randomOurs(random, 2);
     const auto parsed = outline_path::parse(text);
     ASSERT_FALSE(parsed.error) << text;
-    const Rows rows = evaluateRows(*parsed.expression, *outline);
+    const Rows rows = evaluateRows(*parsed.expression, *outline, {SystemClock()});
     const auto wanted = Naive(*outline).select(std::get<outline_path::PathExpression>(*parsed.expression));
     ASSERT_EQ(std::set<const Row*>(rows.begin(), rows.end()), wanted) << "seed " << seed << ": " << text;
     ASSERT_EQ(rows.size(), wanted.size()) << "a row twice, seed " << seed << ": " << text;

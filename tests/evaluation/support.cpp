@@ -42,12 +42,12 @@ std::unique_ptr<Outline> outlineOf(std::string_view lines) {
 }
 
 std::string selected(const Outline& outline, const std::string& path, const EditorView* editor,
-                     const Budget& budget) {
+                     const Budget& budget, const Clock& clock) {
   const auto parsed = outline_path::parse(path, {.allowValueExpression = true});
   if (parsed.error) return render(*parsed.error, path);
   try {
     std::string names;
-    for (const Row* row : evaluateRows(*parsed.expression, outline, editor, budget)) {
+    for (const Row* row : evaluateRows(*parsed.expression, outline, {clock, editor, budget})) {
       names += (names.empty() ? "" : " ") + (row == &outline.root() ? "ROOT" : row->text().string());
     }
     return names;

@@ -32,6 +32,6 @@ struct Selection {
 std::unique_ptr<Outline> outlineOf(std::string_view lines);
 /// The texts of the rows that the path selects, with blanks between; "error: …" where it cannot be evaluated.
 std::string selected(const Outline& outline, const std::string& path, const EditorView* editor = nullptr,
-                     const Budget& budget = {});
+                     const Budget& budget = {}, const Clock& clock = SystemClock());
 
 }  // namespace vell::evaluation

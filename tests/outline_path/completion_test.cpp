@@ -42,7 +42,8 @@ const std::pair<const char*, const char*> kGroups[] = {
      "last() position() root() parent() level() leaf() first-child() last-child() nth-child() "
      "first-of-type() "
      "last-of-type() nth-of-type() only-child() only-of-type() round() floor() ceil() boolean() count() "
-     "start-of-matches() end-of-matches() focused-root() focused-branch() focused-level() expanded() "
+     "start-of-matches() end-of-matches() today() now() date() focused-root() focused-branch() "
+     "focused-level() expanded() "
      "collapsed() "
      "filter-match() filter-match-ancestor() selection() selection-ancestor() selection-descendant() "
      "drop-indicator()"},
