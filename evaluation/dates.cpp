@@ -58,8 +58,8 @@ Day Dates::dayOf(const Date& date) const {
   return floor<days>(clock_.localTimeAt(std::get<Moment>(date)));
 }
 
-/// Whole days are those of the calendar, whatever the clocks do on them: the same time on another day. What is
-/// left of a day counts for moments only.
+/// Whole days are those of the calendar, whatever the clocks do on them: the same time on another day. What
+/// is left of a day counts for moments only.
 Value Dates::plus(const Date& date, double count) const {
   if (!(std::abs(count) < kMostDays)) return kNoNumber;
   const days whole(static_cast<int>(count));

@@ -21,14 +21,15 @@ class Dates {
   Moment now() const { return now_; }
   Day today() const { return dayOf(now_); }
 
-  /// The date that a value is, or that its text spells: "2026-05-04", or with a time "2026-05-04T12:00", which is
-  /// local where no zone stands behind it.
+  /// The date that a value is, or that its text spells: "2026-05-04", or with a time "2026-05-04T12:00",
+  /// which is local where no zone stands behind it.
   std::optional<Date> dateOf(const Value& value) const;
 
   /// The local day of a moment.
   Day dayOf(const Date& date) const;
 
-  /// Adds days to a date, subtracts them, or gives the days between two dates; not a number for anything else.
+  /// Adds days to a date, subtracts them, or gives the days between two dates; not a number for anything
+  /// else.
   Value add(const Value& left, const Value& right) const;
   Value subtract(const Value& left, const Value& right) const;
 

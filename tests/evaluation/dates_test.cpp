@@ -10,7 +10,9 @@
 namespace vell::evaluation {
 namespace {
 
-Moment momentOf(std::string_view text) { return Moment(std::chrono::milliseconds(*document::parseTimestamp(text))); }
+Moment momentOf(std::string_view text) {
+  return Moment(std::chrono::milliseconds(*document::parseTimestamp(text)));
+}
 
 /// The system's conversions, at a moment that does not move.
 class StoppedClock : public SystemClock {
@@ -162,7 +164,8 @@ TEST_F(DatesInPaths, CountDaysOfTheCalendar) {
 TEST_F(DatesInPaths, BelongToTheZoneAndToOneMoment) {
   const auto outline = outlineOf("task a\ntask b");
   const std::string path = "//* today() = date(\"2026-05-04\") and now() = date(\"2026-05-04T08:00Z\")";
-  for (const auto& [zone, rows] : {std::pair("UTC0", "a b"), std::pair("HST10", ""), std::pair("NZST-12", "a b")}) {
+  for (const auto& [zone, rows] :
+       {std::pair("UTC0", "a b"), std::pair("HST10", ""), std::pair("NZST-12", "a b")}) {
     live(zone);
     const StoppedClock here("2026-05-04T08:00Z");
     EXPECT_EQ(selected(*outline, path, nullptr, {}, here), rows) << zone;
