@@ -13,7 +13,9 @@ std::optional<std::size_t> indexOf(const std::string& position) {
   if (position == "start") return 0;
   const auto isDigit = [](char c) { return c >= '0' && c <= '9'; };
   if (position.empty() || !std::all_of(position.begin(), position.end(), isDigit)) {
-    throw Problem("There is no position \"" + position + "\"; use start, end or an index from 0");
+    constexpr std::string_view names[] = {"start", "end"};
+    throw Problem("There is no position \"" + position + "\"" + didYouMean(position, names) +
+                  "; use start, end or an index from 0");
   }
   std::size_t index = 0;
   for (const char digit : position)

@@ -8,13 +8,15 @@
 namespace vell::headless {
 namespace {
 
-std::string knownTypes() {
-  std::string names;
-  for (const RowType type : document::rowTypes) {
-    if (!names.empty()) names += ", ";
-    names += name(type);
+/// ` (did you mean "…"?); use one of …`
+std::string advice(const std::string& type) {
+  std::vector<std::string_view> names;
+  std::string list;
+  for (const RowType known : document::rowTypes) {
+    names.push_back(name(known));
+    list.append(list.empty() ? "" : ", ").append(name(known));
   }
-  return names;
+  return didYouMean(type, names) + "; use one of " + list;
 }
 
 /// Applies one update to rows, one at a time.
@@ -61,7 +63,7 @@ void RowUpdater::rejectForRoot() {
 void RowUpdater::setType(const Row& row) {
   if (!update_.type) return;
   if (const auto type = document::rowType(*update_.type)) return edit_.setType(row, *type);
-  reject("type", "There is no row type \"" + *update_.type + "\"; use one of " + knownTypes());
+  reject("type", "There is no row type \"" + *update_.type + "\"" + advice(*update_.type));
 }
 
 void RowUpdater::setText(const Row& row) {

@@ -96,6 +96,8 @@ const ChangeCase createCases[] = {
      "There is no position 1: the row has 0 children; use start, end or 0 to 0"},
     {"", [](Bench& b) { create(b, "x", below(nullptr, "-1")); }, nullptr,
      "There is no position \"-1\"; use start, end or an index from 0"},
+    {"", [](Bench& b) { create(b, "x", below(nullptr, "strat")); }, nullptr,
+     "There is no position \"strat\" (did you mean \"start\"?); use start, end or an index from 0"},
     {"", [](Bench& b) { create(b, "x", below(nullptr, "99999999999999999999")); }, nullptr,
      "There is no position 99999999999999999999: the row has 0 children; use start, end or 0 to 0"},
     {"", [](Bench& b) { create(b, "x", after(b["root"])); }, nullptr,
@@ -220,6 +222,15 @@ const ChangeCase updateCases[] = {
              "unordered"}});
      },
      "ax {#a modified=2026-09-21T14:13:25Z}\n", nullptr},
+    {"a {#a}\n",
+     [](Bench& b) {
+       update(
+           b, {"a"}, {.type = "tsak"},
+           {{"type",
+             "There is no row type \"tsak\" (did you mean \"task\"?); use one of body, heading, task, note, "
+             "quote, code, hr, ordered, unordered"}});
+     },
+     "a {#a}\n", nullptr},
     {"a {#a k=1 l=2 m=3}\n",
      [](Bench& b) {
        update(b, {"a"},

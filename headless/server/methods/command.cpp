@@ -1,7 +1,7 @@
 #include "headless/commands/commands.h"
+#include "headless/editing/problem.h"
 #include "headless/server/methods.h"
 #include "json/writer.h"
-#include "text/edit_distance.h"
 
 namespace vell::headless::methods {
 namespace {
@@ -9,9 +9,8 @@ namespace {
 [[noreturn]] void failAsUnknown(const std::string& place, const std::string& id) {
   std::vector<std::string_view> ids;
   for (const Command& command : commands()) ids.push_back(command.id);
-  const std::string_view meant = text::nearest(id, ids);
   Params::fail(place, "a command that vell_get_commands (vell get commands) lists",
-               json::quoted(id) + (meant.empty() ? "" : " (did you mean " + json::quoted(meant) + "?)"));
+               json::quoted(id) + didYouMean(id, ids));
 }
 
 std::vector<const Command*> commandsParam(const Params& params) {
