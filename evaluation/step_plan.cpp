@@ -12,10 +12,6 @@ using Conjuncts = std::vector<const PredicateExpression*>;
 
 TypeTest typeTestOf(const Step& step) { return step.filter().typeTest.value_or(TypeTest::any); }
 
-bool asksForPosition(const PredicateExpression& predicate) {
-  return Step(Axis::self, {std::nullopt, predicate}).meta().requiresContextPositions;
-}
-
 /// The predicates that all have to hold where this one does.
 void collectConjuncts(const PredicateExpression& predicate, Conjuncts& conjuncts) {
   if (const auto* group = std::get_if<PredicateGroup>(&predicate.node))

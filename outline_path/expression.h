@@ -170,6 +170,9 @@ struct PredicateExpression {
   bool operator==(const PredicateExpression&) const = default;
 };
 
+/// Whether it asks for a position among the candidates of its step or for their number.
+bool asksForPosition(const PredicateExpression& predicate);
+
 // Steps
 
 /// A text that a matching row contains, compared as a text test compares it.

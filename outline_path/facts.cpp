@@ -30,18 +30,6 @@ bool asksForPosition(const ValueExpression& value) {
   return false;
 }
 
-bool asksForPosition(const PredicateExpression& predicate) {
-  const auto both = [](const auto& left, const auto& right) {
-    return asksForPosition(left) || asksForPosition(right);
-  };
-  if (const auto* node = nodeOf<Comparison>(predicate)) return both(node->left, node->right);
-  if (const auto* node = nodeOf<And>(predicate)) return both(*node->left, *node->right);
-  if (const auto* node = nodeOf<Or>(predicate)) return both(*node->left, *node->right);
-  if (const auto* node = nodeOf<Not>(predicate)) return asksForPosition(*node->operand);
-  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return asksForPosition(*node->inner);
-  return false;
-}
-
 MatchTerms termsOf(std::string_view text) {
   return text.empty() ? MatchTerms() : MatchTerms{{std::string(text)}};
 }
@@ -101,6 +89,18 @@ MatchShape shapeOfSelf(const Step& step) {
 }
 
 }  // namespace
+
+bool asksForPosition(const PredicateExpression& predicate) {
+  const auto both = [](const auto& left, const auto& right) {
+    return asksForPosition(left) || asksForPosition(right);
+  };
+  if (const auto* node = nodeOf<Comparison>(predicate)) return both(node->left, node->right);
+  if (const auto* node = nodeOf<And>(predicate)) return both(*node->left, *node->right);
+  if (const auto* node = nodeOf<Or>(predicate)) return both(*node->left, *node->right);
+  if (const auto* node = nodeOf<Not>(predicate)) return asksForPosition(*node->operand);
+  if (const auto* node = nodeOf<PredicateGroup>(predicate)) return asksForPosition(*node->inner);
+  return false;
+}
 
 // FNV-1a
 std::uint64_t hashOfName(std::string_view name) {

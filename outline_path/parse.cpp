@@ -2,12 +2,32 @@
 
 #include "outline_path/actions.h"
 #include "outline_path/control.h"
+#include "outline_path/deep_stack.h"
 #include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
 
 namespace pegtl = tao::pegtl;
+
+/// Longer texts may nest so deep that the stack of a main thread, and more so of another, would not hold
+/// them.
+constexpr std::size_t kShallowText = 400;
+
+/// Whether the whole text matches the grammar.
+bool match(ParseState& state, TopLevel& top) {
+  bool matched = false;
+  const auto run = [&] {
+    rules::Input in = rules::inputOf(state.text);
+    matched = pegtl::parse<grammar::OutlinePathParser, Action, Control>(in, state, top);
+  };
+  if (state.text.size() <= kShallowText) {
+    run();
+  } else {
+    onDeepStack(run);
+  }
+  return matched;
+}
 
 /// Why the text of a parse that failed is no expression as a whole.
 Diagnostic diagnose(const ParseState& state, const TopLevel& top) {
@@ -26,9 +46,8 @@ Diagnostic diagnose(const ParseState& state, const TopLevel& top) {
 
 ParseResult parseValid(std::string_view text, ParseOptions options, TraceContext* trace) {
   ParseState state(text, options.allowValueExpression, trace);
-  rules::Input in = rules::inputOf(text);
   TopLevel top;
-  const bool matched = pegtl::parse<grammar::OutlinePathParser, Action, Control>(in, state, top);
+  const bool matched = match(state, top);
   if (trace != nullptr) trace->steps = state.steps + state.lookahead.steps();
   ParseResult result;
   if (!matched || state.tooDeepAt) result.error = diagnose(state, top);
@@ -59,9 +78,8 @@ TracedParseResult parseTraced(std::string text, ParseOptions options) {
 std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options) {
   if (text::findInvalidUtf8(text)) return {};
   ParseState state(text, options.allowValueExpression);
-  rules::Input in = rules::inputOf(text);
   TopLevel top;
-  static_cast<void>(pegtl::parse<grammar::OutlinePathParser, Action, Control>(in, state, top));
+  match(state, top);
   if (state.tooDeepAt || state.expectations.furthest() != text.size()) return {};
   return state.expectations.all().inOrder();
 }

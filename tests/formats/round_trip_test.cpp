@@ -1,6 +1,7 @@
 #include <gtest/gtest.h>
 
 #include "tests/formats/changed_file.h"
+#include "tests/support/stack.h"
 
 namespace vell::formats {
 namespace {
@@ -33,13 +34,15 @@ TEST(DeepNesting, CostsNoCallFrames) {
     outline.insert(*row, *parent);
     parent = row;
   }
-  for (const std::string_view format : formats) {
-    Outline again;
-    readAs(format, writeAll(format, outline), again);
-    again.number();
-    EXPECT_EQ(again.rowCount(), depth) << format;
-    EXPECT_EQ(again.find(static_cast<SessionId>(depth + 1))->level(), depth) << format;
-  }
+  tests::onStackOf(tests::threadStack, [&] {
+    for (const std::string_view format : formats) {
+      Outline again;
+      readAs(format, writeAll(format, outline), again);
+      again.number();
+      EXPECT_EQ(again.rowCount(), depth) << format;
+      EXPECT_EQ(again.find(static_cast<SessionId>(depth + 1))->level(), depth) << format;
+    }
+  });
 }
 
 /// Broken input of every kind is refused with a message, or read and written back as it was.

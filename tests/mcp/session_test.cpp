@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "tests/mcp/support.h"
+#include "tests/support/stack.h"
 
 namespace vell::mcp::tests {
 namespace {
@@ -207,11 +208,13 @@ TEST_F(Session, AnswersParamsThatItCannotHoldWithTheirId) {
       {R"({"x":1e308})", pong},    {R"({"x":-1e309})", refused("a number beyond the range of doubles")},
       {R"({"x":"\ud800"})", pong},
   };
-  for (const auto& [params, answer] : rows) {
-    EXPECT_THAT(ask(ping(params)), ElementsAre(answer)) << params.substr(0, 20);
-    EXPECT_THAT(ask("[" + ping(params) + "]"), ElementsAre("[" + answer + "]")) << params.substr(0, 20);
-    EXPECT_THAT(ask(R"({"jsonrpc":"2.0","method":"x","params":)" + params + "}"), IsEmpty());
-  }
+  vell::tests::onStackOf(vell::tests::mainStack, [&] {
+    for (const auto& [params, answer] : rows) {
+      EXPECT_THAT(ask(ping(params)), ElementsAre(answer)) << params.substr(0, 20);
+      EXPECT_THAT(ask("[" + ping(params) + "]"), ElementsAre("[" + answer + "]")) << params.substr(0, 20);
+      EXPECT_THAT(ask(R"({"jsonrpc":"2.0","method":"x","params":)" + params + "}"), IsEmpty());
+    }
+  });
 }
 
 TEST_F(Session, IsStrictUntilInitialized) {

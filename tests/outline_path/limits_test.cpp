@@ -5,6 +5,7 @@
 
 #include "outline_path/parse.h"
 #include "outline_path/print.h"
+#include "tests/support/stack.h"
 
 namespace vell::outline_path {
 namespace {
@@ -25,9 +26,10 @@ const Nesting kNestings[] = {
     {"path groups", [](std::size_t n) { return repeat("(", n) + "//a" + repeat(")", n); }},
     {"value groups", [](std::size_t n) { return repeat("(", n) + "1" + repeat(")", n); }},
     {"predicate groups",
-     [](std::size_t n) { return "//* " + repeat("(", n) + "not @a" + repeat(")", n - 1); }},
+     [](std::size_t n) { return "//* " + repeat("(", n - 1) + "not @a" + repeat(")", n - 1); }},
     {"groups of an attribute", [](std::size_t n) { return "//* " + repeat("(", n) + "@a" + repeat(")", n); }},
     {"function calls", [](std::size_t n) { return repeat("f(", n) + repeat(")", n); }},
+    {"calls of paths", [](std::size_t n) { return repeat("//* f(", n) + "." + repeat(") = 1", n); }},
     {"negations", [](std::size_t n) { return repeat("-", n) + "1"; }},
     {"nots", [](std::size_t n) { return "//* " + repeat("not ", n) + "@a"; }},
     {"ands", [](std::size_t n) { return "//* @a" + repeat(" and @a", n); }},
@@ -40,16 +42,17 @@ const Nesting kNestings[] = {
     {"quotients in a comparison", [](std::size_t n) { return "//* @a" + repeat("/@a", n) + " = 1"; }},
 };
 
-TEST(Depth, IsLimitedForEveryConstruct) {
+TEST(Depth, IsLimitedForEveryConstructAndFitsTheStack) {
   for (const Nesting& nesting : kNestings) {
     SCOPED_TRACE(nesting.name);
-    const bool isOpen = std::string(nesting.name) == "predicate groups";
-    const std::string deepest = nesting.text(1000) + (isOpen ? ")" : "");
-    const ParseResult allowed = parse(deepest, {true});
-    if (!isOpen) {
+    tests::onStackOf(tests::mainStack, [&] {
+      const std::string deepest = nesting.text(1000);
+      const ParseResult allowed = parse(deepest, {true});
       ASSERT_FALSE(allowed.error) << render(*allowed.error, deepest);
-      EXPECT_EQ(parse(print(*allowed.expression), {true}).expression, allowed.expression);
-    }
+      const std::string printed = print(*allowed.expression);
+      EXPECT_EQ(print(*parse(printed, {true}).expression), printed);
+      EXPECT_FALSE(treeText(*allowed.expression).empty());
+    });
     for (const std::size_t levels : {1001U, 5000U}) {
       const std::string text = nesting.text(levels);
       const ParseResult refused = parse(text, {true});
