@@ -22,15 +22,18 @@ std::string stringAt(const json::Node& value, std::string_view place) {
   Params::fail(place, "a string", describe(value) + (number ? " (write \"" + quoted(value) + "\")" : ""));
 }
 
-bool mentionsPath(const json::Node& value) {
-  if (const auto text = value.string()) return text->starts_with('/') || text->starts_with('(');
-  if (value.kind() == json::Kind::array) {
-    for (const json::Node& element : value.elements())
-      if (mentionsPath(element)) return true;
-  }
-  if (value.kind() == json::Kind::object) {
-    for (const auto& [key, member, at] : value.members())
-      if (mentionsPath(member)) return true;
+/// Keeps its own stack, so that depth costs no call frames.
+bool mentionsPath(const json::Node& params) {
+  std::vector<json::Node> open{params};
+  while (!open.empty()) {
+    const json::Node value = open.back();
+    open.pop_back();
+    const auto text = value.string();
+    if (text && (text->starts_with('/') || text->starts_with('('))) return true;
+    if (value.kind() == json::Kind::array)
+      for (const json::Node& element : value.elements()) open.push_back(element);
+    if (value.kind() == json::Kind::object)
+      for (const auto& [key, member, at] : value.members()) open.push_back(member);
   }
   return false;
 }

@@ -1,6 +1,7 @@
 #include <filesystem>
 #include <vector>
 
+#include "json/index.h"
 #include "json/writer.h"
 #include "tests/headless/server_conversation.h"
 
@@ -52,6 +53,9 @@ TEST_F(Reading, SaysWhichReferenceNamesNothing) {
   };
   for (const auto& [ref, message] : cases)
     EXPECT_EQ(call("outline.get", R"({"rowRefs":[)" + json::quoted(ref) + R"(]})"), message);
+  const std::size_t deep = json::maxDepth - 3;
+  EXPECT_EQ(call("outline.get", R"({"rowRefs":)" + std::string(deep, '[') + std::string(deep, ']') + "}"),
+            "rowRefs[0]: expected a string, got an array");
   server_.open("empty.json", R"({"rows":[]})");
   EXPECT_EQ(call("outline.get", R"({"rowRefs":["@selection"]})"),
             R"(Nothing is selected: "empty.json" has no rows)");
