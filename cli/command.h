@@ -81,7 +81,7 @@ std::vector<const Option*> namedOptions(const Command& command);
 const Option* findOption(const Command& command, std::string_view name);
 const Command* findSubcommand(const Command& command, std::string_view name);
 
-/// In front of a command: shows its help.
+/// Among the words that lead to a command: shows its help.
 inline constexpr std::string_view helpCommand = "help";
 
 /// A command and the words that lead to it, beginning with the root's name.

@@ -78,7 +78,7 @@ void Console::print(const json::Node& data, json::Layout layout) {
 std::string Console::readInput() {
   constexpr std::chrono::seconds patience(1);
   const bool typed = isatty(input_) == 1;
-  if (typed && isatty(error_)) say("Reading standard input until end of file (Ctrl-D).\n");
+  sayToTypist("Reading standard input until end of file (Ctrl-D).\n");
   WaitingLine line(*this, "standard input");
   return readToEnd(input_, "standard input", [&] {
     if (typed || !showsProgress_ || platform::waitUntilReadable(input_, patience)) return;
@@ -90,6 +90,10 @@ std::string Console::read(const std::string& path) {
   std::string text = path == "-" ? readInput() : readFile(path);
   if (text::findInvalidUtf8(text)) throw std::runtime_error("Input is not valid UTF-8.");
   return text;
+}
+
+void Console::sayToTypist(std::string_view text) {
+  if (isatty(input_) == 1 && isatty(error_) == 1) say(text);
 }
 
 void Console::say(std::string_view text) {

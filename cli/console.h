@@ -57,6 +57,8 @@ class Console {
   /// The whole text of a file, or of standard input for "-"; on a terminal standard error says what is waited
   /// for. Throws when it cannot be read or is not UTF-8.
   std::string read(const std::string& path);
+  /// Says something to a person who types standard input; nothing where that is no terminal.
+  void sayToTypist(std::string_view text);
   /// Writes to standard error at once, in colours where a person sees it; failures are ignored.
   void say(std::string_view text);
   /// Whether a line on standard error can be wiped again.

@@ -119,9 +119,10 @@ std::string optionTable(const Command& command, bool positional) {
   return table.text();
 }
 
-std::string subcommandTable(const Command& command) {
+std::string subcommandTable(const Command& command, bool isRoot) {
   Table table;
   for (const Command* next : command.subcommands) table.row(next->name, next->abstract);
+  if (isRoot) table.row(helpCommand, helpOption.help);
   return table.text();
 }
 
@@ -165,14 +166,15 @@ std::string usageLines(const Command& command, const std::string& path, std::str
 }
 
 std::string helpScreen(const Command& command, const std::string& path) {
+  const bool isRoot = path.find(' ') == std::string::npos;
   std::string screen;
   section(screen, "OVERVIEW", overview(command));
   section(screen, "USAGE", usageLines(command, path, "  "));
   section(screen, "ARGUMENTS", optionTable(command, true));
   section(screen, "OPTIONS", optionTable(command, false));
-  section(screen, "SUBCOMMANDS", subcommandTable(command));
+  section(screen, "SUBCOMMANDS", subcommandTable(command, isRoot));
   if (!command.subcommands.empty()) {
-    const std::string groups = path.find(' ') == std::string::npos ? "" : path.substr(path.find(' '));
+    const std::string groups = isRoot ? "" : path.substr(path.find(' '));
     screen += "\n  See 'vell help" + groups + " <subcommand>' for detailed help.\n";
   }
   screen += command.appendix;

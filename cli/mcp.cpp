@@ -6,7 +6,10 @@
 namespace vell::cli {
 namespace {
 
-void serve(const Arguments&, Console&) { tools::serveMCP(outlines::cliVersion()); }
+void serve(const Arguments&, Console& console) {
+  console.sayToTypist("Serving an MCP host on standard input until end of file (Ctrl-D).\n");
+  tools::serveMCP(outlines::cliVersion());
+}
 
 }  // namespace
 

@@ -86,10 +86,15 @@ void streamOutline(const OutlineObserveOptions& options, bool rowsOnly, Console&
                                         .rows = rowsOnly,
                                         .outline = options.read.outline};
   Printer printer(format, console);
+  WaitingLine line(console, vellToAnswer);
   ipc::VellClient client;
+  client.whenSlow(line.whenSlow());
   const ReaderWatch watch(console.out);
   sendNaming(observation, client, [&](const ipc::OutlineObserve& each) {
-    client.subscribe(each, [&](const json::Node& notification) { printer.print(notification); });
+    client.subscribe(each, [&](const json::Node& notification) {
+      line.wipe();
+      printer.print(notification);
+    });
   });
 }
 

@@ -50,7 +50,7 @@ class GlobalOptions {
 /// Sends one of the params records on a connection of its own.
 template <class Record>
 ipc::Answer call(const Record& record, Console& console) {
-  WaitingLine line(console, "Vell to answer");
+  WaitingLine line(console, vellToAnswer);
   ipc::VellClient client;
   client.whenSlow(line.whenSlow());
   return sendNaming(record, client, [&client](const Record& each) { return client.request(each); });

@@ -33,10 +33,6 @@ class Parser {
   /// Finds the command, and splits what else is there into tokens, as the options of the command say that is
   /// reached so far.
   void split(Words words) {
-    if (!words.empty() && words.front() == helpCommand) {
-      line_.action = Action::help;
-      words = words.subspan(1);
-    }
     while (!words.empty() && words.front() != terminator) {
       const std::string& word = words.front();
       words = words.subspan(1);
@@ -44,6 +40,8 @@ class Parser {
         words = words.subspan(takeOption(word, words));
       } else if (line_.command->subcommands.empty()) {
         tokens_.push_back({{}, {word}});
+      } else if (word == helpCommand) {
+        line_.action = Action::help;
       } else if (!descend(word)) {
         return refuseCommand(word);
       }

@@ -20,8 +20,9 @@ std::function<void(double)> WaitingLine::whilePolling() {
 }
 
 // To the line's start, and erases it.
-WaitingLine::~WaitingLine() {
+void WaitingLine::wipe() {
   if (shown_) console_.say("\r\x1b[K");
+  shown_ = false;
 }
 
 }  // namespace vell::cli

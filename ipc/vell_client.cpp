@@ -26,13 +26,17 @@ std::string VellClient::resolveSocketPath() { return platform::applicationSocket
 VellClient::VellClient(const std::string& socketPath) : socket_(connectToApplication(socketPath)) {}
 
 Answer VellClient::request(std::string_view method, const std::string& params) {
-  constexpr std::chrono::seconds patience(1);
-  if (tellSlow_) slowAt_ = std::chrono::steady_clock::now() + patience;
-  writeAll(requestLine(nextId_++, method, params));
+  send(method, params);
   json::LineFraming arrived;
   for (;;) {
     if (auto answer = Answer::parse(readLine(arrived))) return std::move(*answer);
   }
+}
+
+void VellClient::send(std::string_view method, const std::string& params) {
+  constexpr std::chrono::seconds patience(1);
+  if (tellSlow_) slowAt_ = std::chrono::steady_clock::now() + patience;
+  writeAll(requestLine(nextId_++, method, params));
 }
 
 std::string VellClient::call(std::string_view method, const std::string& params) {
@@ -40,12 +44,12 @@ std::string VellClient::call(std::string_view method, const std::string& params)
 }
 
 void VellClient::subscribe(std::string_view method, const std::string& params, const EventHandler& onEvent) {
-  slowAt_.reset();
-  writeAll(requestLine(nextId_++, method, params));
+  send(method, params);
   json::LineFraming arrived;
   for (;;) {
     const auto event = Notification::parse(readLine(arrived));
     if (!event) continue;
+    slowAt_.reset();
     onEvent(event->params());
     if (event->closesSubscription()) return;
   }

@@ -28,7 +28,7 @@ class VellClient : public Application {
 
   static std::string resolveSocketPath();
 
-  /// Has a handler called once for each request whose answer takes more than a second.
+  /// Has a handler called once for each request whose answer, or first event, takes more than a second.
   void whenSlow(std::function<void()> tell) { tellSlow_ = std::move(tell); }
 
   using Application::request;
@@ -51,6 +51,7 @@ class VellClient : public Application {
   void writeAll(std::string_view bytes);
 
  private:
+  void send(std::string_view method, const std::string& params);
   void tellIfSlow();
 
   platform::Descriptor socket_;

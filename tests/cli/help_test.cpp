@@ -49,7 +49,10 @@ TEST(Help, ExamplesAreValidCommandLines) {
 }
 
 TEST(Help, TheRootIsShownWithoutArgumentsAndTheVersionEverywhere) {
-  EXPECT_EQ(run("").out, run("help").out);
+  for (const char* form : {"help", "help help", "--help"}) EXPECT_EQ(run(form).out, run("").out) << form;
+  for (const char* form : {"get help outline rows", "help get help outline rows"})
+    EXPECT_EQ(run(form).out, run("help get outline rows").out) << form;
+  EXPECT_NE(run("").out.find("\n  help  "), std::string::npos);
   const std::string version = run("--version").out;
   EXPECT_FALSE(version.empty());
   EXPECT_EQ(run("get outline 12 --version").out, version);

@@ -70,14 +70,19 @@ TEST(Terminal, SaysWhatIsWaitedForAndWipesIt) {
   std::promise<void> seen;
   const FakeApplication application([answered = seen.get_future().share()](const std::string&) {
     answered.wait();
-    return FakeApplication::result("1");
+    return FakeApplication::Reply{
+        "{\"id\":1,\"result\":1}\n"
+        R"({"method":"outline.observe","params":{"kind":"subscription.closed"}})"
+        "\n"};
   });
   const std::vector<std::string> plain = {"TERM=xterm", "NO_COLOR=1"};
   Terminal reading(withProgram({"get", "outlines"}), plain);
   Terminal opening(withProgram({"create", "outline", home / "a.md"}), plain);
   Terminal piped({"sh", "-c", "read line | " VELL " create rows -f -"}, plain);
+  Terminal observing(withProgram({"observe", "outline"}), plain);
   Terminal dumb(withProgram({"get", "editors"}), {"TERM=dumb"});
   reading.shown("answer...");
+  observing.shown("answer...");
   opening.shown("outline...");
   piped.shown("input...");
   piped.type("\n");
@@ -87,6 +92,8 @@ TEST(Terminal, SaysWhatIsWaitedForAndWipesIt) {
   EXPECT_EQ(opening.wait().output,
             "Waiting for Vell to open the outline...\r\x1b[K"
             "Error: outline.newContent did not return a string payload\n");
+  EXPECT_EQ(observing.wait().output,
+            "Waiting for Vell to answer...\r\x1b[K{\"kind\":\"subscription.closed\"}\n");
   EXPECT_EQ(piped.wait().output,
             "Waiting for standard input...\n\r\x1b[KWaiting for Vell to answer...\r\x1b[K1\n");
   EXPECT_EQ(dumb.wait().output, "1\n");
@@ -94,6 +101,10 @@ TEST(Terminal, SaysWhatIsWaitedForAndWipesIt) {
 
 TEST(Terminal, TellsWhoTypesHowToEnd) {
   const TemporaryHome home;
+  Terminal serving(withProgram({"mcp"}), {"TERM=dumb"});
+  serving.shown("(Ctrl-D).\n");
+  serving.type("\x04");
+  EXPECT_EQ(serving.wait().output, "Serving an MCP host on standard input until end of file (Ctrl-D).\n");
   const FakeApplication application([](const std::string&) { return FakeApplication::result("1"); });
   Terminal typing(withProgram({"create", "rows", "-f", "-"}), {"TERM=dumb"});
   typing.shown("(Ctrl-D).\n");
