@@ -61,6 +61,7 @@ if [[ $funcstack[1] == _vell ]]; then _vell "$@"; else compdef _vell vell; fi
 constexpr std::string_view fishScript = R"(# fish completion for vell, which tells what may be typed
 
 function __vell
+    command -q vell; or return
     set -l answer (command vell --complete fish (commandline -pc) 2>/dev/null)
     if test $status -eq 0
         printf '%s\n' $answer
