@@ -9,7 +9,8 @@
 namespace vell::outline_path {
 namespace {
 
-/// A level of nesting takes up to 14 KB, under the address sanitizer 42 KB. What is not touched costs nothing.
+/// A level of nesting takes up to 14 KB, under the address sanitizer 42 KB. What is not touched costs
+/// nothing.
 constexpr std::size_t kStackBytes = 64 << 20;
 
 void* call(void* work) {

@@ -27,7 +27,7 @@ class Reading : public testing::Test {
   std::map<std::string, std::string> ids_;
 };
 
-TEST_F(Reading, ASampleInItsOwnFormatIsItsFile) {
+TEST_F(Reading, ASampleInItsOwnFormatIsItsFileHoweverItIsNamed) {
   const std::pair<const char*, const char*> rows[] = {
       {"groceries.vell", "vell"},
       {"project-plan.md", "markdown"},
@@ -35,7 +35,10 @@ TEST_F(Reading, ASampleInItsOwnFormatIsItsFile) {
       {"notes.txt", "txt"},
   };
   for (const auto& [sample, format] : rows) {
-    EXPECT_EQ(read(sample, format), tests::read(home_ / sample) + "\n") << sample;
+    for (const std::string& name : {ids_[sample], std::string(sample), home_ / sample})
+      EXPECT_EQ(printed({"get", "outline", "--outline", name, "-o", format}),
+                tests::read(home_ / sample) + "\n")
+          << name;
   }
 }
 
