@@ -10,7 +10,7 @@
 
 #include "headless/editing/problem.h"
 #include "headless/script/script_process.h"
-#include "headless/server/handover.h"
+#include "headless/program/running.h"
 #include "headless/server/server.h"
 #include "headless/server/signals.h"
 #include "headless/storage/files.h"

@@ -1,4 +1,4 @@
-#include "headless/server/handover.h"
+#include "headless/program/running.h"
 
 #include <poll.h>
 #include <sys/socket.h>
