@@ -6,6 +6,7 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstdlib>
 
 #include "headless/editing/problem.h"
 #include "platform/socket.h"
@@ -25,12 +26,18 @@ platform::Descriptor newSocket() {
   return socket;
 }
 
-/// Held by the application that serves the socket, for as long as it runs; none where another holds it.
+std::string lockPathOf(const std::string& path) { return path + ".lock"; }
+
+/// Held by the application that serves the socket, for as long as it runs; none where another holds it. The
+/// file says which process that is.
 platform::Descriptor lockBeside(const std::string& path) {
-  const std::string lockPath = path + ".lock";
+  const std::string lockPath = lockPathOf(path);
   platform::Descriptor lock(open(lockPath.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600));
   if (!lock) throw systemProblem("Cannot open " + lockPath);
-  if (flock(lock.get(), LOCK_EX | LOCK_NB) == 0) return lock;
+  if (flock(lock.get(), LOCK_EX | LOCK_NB) == 0) {
+    if (ftruncate(lock.get(), 0) == 0) platform::writeAll(lock.get(), std::to_string(getpid()) + "\n");
+    return lock;
+  }
   if (errno != EWOULDBLOCK && errno != EINTR) throw systemProblem("Cannot lock " + lockPath);
   return platform::Descriptor();
 }
@@ -79,6 +86,14 @@ void ApplicationSocket::remove() {
   struct stat found {};
   if (lstat(path_.c_str(), &found) == 0 && found.st_ino == inode_) unlink(path_.c_str());
   listener_ = platform::Descriptor();
+}
+
+std::optional<pid_t> holderOf(const std::string& path) {
+  const platform::Descriptor lock(open(lockPathOf(path).c_str(), O_RDONLY | O_CLOEXEC));
+  if (!lock || flock(lock.get(), LOCK_SH | LOCK_NB) == 0) return std::nullopt;
+  char digits[16] = {};
+  const ssize_t count = read(lock.get(), digits, sizeof digits - 1);
+  return count > 0 ? static_cast<pid_t>(std::strtol(digits, nullptr, 10)) : 0;
 }
 
 platform::Descriptor connectTo(const std::string& path) {

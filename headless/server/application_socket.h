@@ -33,6 +33,10 @@ class ApplicationSocket {
   ino_t inode_ = 0;
 };
 
+/// The process that holds the lock of that socket: it serves, or is about to begin or to end. None where
+/// there is none, 0 where it is not known.
+std::optional<pid_t> holderOf(const std::string& path);
+
 /// A connection to the application that serves `path`; none if there is none. Throws Problem if the path is
 /// too long.
 platform::Descriptor connectTo(const std::string& path);

@@ -37,6 +37,7 @@ constexpr std::array table = {
     NamedMethod{"editor.get",                 methods::editorGet,                 reads},
     NamedMethod{"editor.list",                methods::editorList,                none},
     NamedMethod{"editor.update",              methods::editorUpdate,              changes},
+    NamedMethod{"headless.status",            methods::headlessStatus,            none},
     NamedMethod{"outline.bringToFront",       methods::outlineBringToFront,       none},
     NamedMethod{"outline.close",              methods::outlineClose,              changes},
     NamedMethod{"outline.findByPath",         methods::outlineFindByPath,         none},

@@ -35,6 +35,7 @@ using Method = std::string (*)(const Call&);
 namespace methods {
 
 std::string applicationOpen(const Call& call);
+std::string headlessStatus(const Call& call);
 
 std::string outlineList(const Call& call);
 std::string outlineGet(const Call& call);

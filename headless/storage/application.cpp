@@ -1,5 +1,6 @@
 #include "headless/storage/application.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <filesystem>
 #include <system_error>
@@ -13,6 +14,7 @@ namespace vell::headless {
 namespace {
 
 constexpr std::chrono::milliseconds followPace{1000};
+constexpr std::chrono::milliseconds replacingLimit{700};
 constexpr std::size_t mostRefusals = 100;
 
 }  // namespace
@@ -30,7 +32,10 @@ Application::Application(Scheduler& scheduler, ApplicationSettings settings)
                     notifyChanged(opened);
                   },
               .moved = [this](OpenOutline& opened) { moved(opened); },
-              .saved = [this](OpenOutline& opened) { remember(opened); }}) {
+              .saved = [this](OpenOutline& opened) { remember(opened); },
+              .gone = [this](OpenOutline& opened) { gone(opened); }}),
+      folders_(scheduler, {.found = [this](std::vector<FoundFile> files) { takeNew(std::move(files)); },
+                           .fault = [this](const std::string& fault) { report(fault); }}) {
   rescueLeftovers();
   followFiles();
 }
@@ -38,20 +43,67 @@ Application::Application(Scheduler& scheduler, ApplicationSettings settings)
 Application::~Application() { scheduler_.cancel(filesTimer_); }
 
 OpenOutline& Application::open(const std::string& path) {
+  OpenOutline& opened = openBehind(path);
+  bringToFront(opened);
+  return opened;
+}
+
+OpenOutline& Application::openBehind(const std::string& path) {
   const std::string standard = standardisedPath(path);
-  OpenOutline* already = findByPath(standard);
-  if (already == nullptr) already = findRenamed(standard);
-  if (already != nullptr) {
-    bringToFront(*already);
-    return *already;
-  }
+  if (OpenOutline* already = findOpen(standard)) return *already;
   auto opened = read(standard);
-  if ((already = findByPath(standard)) != nullptr) {  // somebody else was faster
-    bringToFront(*already);
-    return *already;
-  }
+  if (OpenOutline* already = findByPath(standard)) return *already;  // somebody else was faster
   reportFaultyIds(*opened);
-  return add(std::move(opened));
+  return addBehind(std::move(opened));
+}
+
+OpenOutline* Application::findOpen(const std::string& path) {
+  OpenOutline* already = findByPath(path);
+  return already != nullptr ? already : findRenamed(path);
+}
+
+std::size_t Application::serveFolder(const std::string& path) {
+  std::vector<FoundFile> files;
+  beside([&] { files = folders_.add(standardisedPath(path)); });
+  for (FoundFile& file : files) take(std::move(file));
+  const auto held = [this](const auto& each) { return folders_.hold(each->storagePath()); };
+  return static_cast<std::size_t>(std::count_if(outlines().begin(), outlines().end(), held));
+}
+
+/// Whether that opened an outline.
+bool Application::take(FoundFile file) {
+  if (findOpen(file.path) != nullptr) return false;
+  if (!file.outline) {
+    log(file.fault);
+    return false;
+  }
+  reportFaultyIds(*file.outline);
+  addBehind(std::move(file.outline));
+  return true;
+}
+
+void Application::takeNew(std::vector<FoundFile> files) {
+  for (FoundFile& file : files) {
+    const std::string path = file.path;
+    if (take(std::move(file))) log("Opened " + path + ", which is new");
+  }
+}
+
+/// Other programs replace files by removing them first.
+void Application::gone(const OpenOutline& opened) {
+  const std::string& path = opened.storagePath();
+  if (!folders_.cover(path))
+    return report(path + " is gone. Its outline stays open, and its next change writes the file again");
+  scheduler_.after(replacingLimit, [this, path] { closeGone(path); });
+}
+
+void Application::closeGone(const std::string& path) {
+  OpenOutline* opened = findByPath(path);
+  if (opened == nullptr || opened->isDirty() || stampOf(path) != FileStamp()) return;
+  if (opened->users()->count() > 0) return gone(*opened);
+  folders_.forget(path);
+  close(*opened, false);
+  log("Closed " + path + ": the file is gone");
 }
 
 /// The open outline whose file has had that path since a moment ago; null where there is none.
@@ -61,7 +113,7 @@ OpenOutline* Application::findRenamed(const std::string& path) {
     const auto* known = index.ofFile(stampOf(path).file);
     if (known != nullptr) former = findByPath(known->path);
   });
-  if (former != nullptr) saver_.follow(*former);
+  if (former != nullptr) saver_.follow(*former, path);
   return former != nullptr ? findByPath(path) : nullptr;
 }
 
@@ -107,12 +159,19 @@ void Application::reopenUntitled() {
     try {
       auto opened = read(path);
       opened->setUntitled();
-      identify(*opened);
-      outlines_.addBehind(std::move(opened));
+      addBehind(std::move(opened));
     } catch (const Problem& problem) {
       report(problem.what());
     }
   }
+}
+
+OpenOutline& Application::addBehind(std::unique_ptr<OpenOutline> opened) {
+  identify(*opened);
+  OpenOutline& added = *opened;
+  outlines_.addBehind(std::move(opened));
+  notifyListChanged();
+  return added;
 }
 
 OpenOutline& Application::add(std::unique_ptr<OpenOutline> opened) {

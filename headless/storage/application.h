@@ -7,8 +7,10 @@
 #include <set>
 #include <string>
 
+#include "document/timestamp.h"
 #include "headless/editing/transaction.h"
 #include "headless/storage/container.h"
+#include "headless/storage/folders.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/outline_list.h"
 #include "headless/storage/saver.h"
@@ -35,6 +37,8 @@ struct ApplicationSettings {
   std::string version = "dev";
   /// The executable that evaluates scripts: vell-headless.
   std::string scriptProgram{};
+  /// Takes lines that people may miss; `report` takes them where there is none.
+  std::function<void(const std::string&)> log{};
 };
 
 /// The open outlines, frontmost first: opening, finding, saving and closing them. One outline per file, one
@@ -48,6 +52,12 @@ class Application {
 
   /// Opens the file, or finds it open, and brings it to front. Throws Problem.
   OpenOutline& open(const std::string& path);
+  /// The same behind the open ones.
+  OpenOutline& openBehind(const std::string& path);
+  /// Opens the outline files below the folder behind the open ones, and from now on those that come; closes
+  /// those that go, unless they have unsaved changes. Returns how many there are now. Throws Problem.
+  std::size_t serveFolder(const std::string& path);
+  const Folders& folders() const { return folders_; }
   /// Why the file could not be opened when that was last tried; nothing once it is open or has changed.
   std::optional<std::string> refusal(const std::string& path) const;
   /// Opens a new outline, which is kept in the container in that format, and brings it to front.
@@ -79,8 +89,14 @@ class Application {
   OpenOutline& outlineOfEditor(const std::optional<std::string>& editorId);
 
   const ApplicationSettings& settings() const { return settings_; }
+  /// When it started.
+  document::Timestamp since() const { return since_; }
   /// A line for people.
   void report(const std::string& line) const { settings_.report(line); }
+  /// The same where nothing is amiss.
+  void log(const std::string& line) const { settings_.log ? settings_.log(line) : settings_.report(line); }
+  /// What people should know of how an outline is kept, a sentence each.
+  std::vector<std::string> faults(const OpenOutline& opened) const { return saver_.faults(opened); }
 
   /// Reads the outline anew where another program has changed its file, and nobody is at work on it.
   void refresh(OpenOutline& opened);
@@ -116,6 +132,12 @@ class Application {
   void withIndex(Action action);
   void reportFaultyIds(const OpenOutline& opened) const;
   OpenOutline& add(std::unique_ptr<OpenOutline> opened);
+  OpenOutline& addBehind(std::unique_ptr<OpenOutline> opened);
+  OpenOutline* findOpen(const std::string& path);
+  bool take(FoundFile file);
+  void takeNew(std::vector<FoundFile> files);
+  void gone(const OpenOutline& opened);
+  void closeGone(const std::string& path);
   void setAside(OpenOutline& outline);
   bool rescue(const OpenOutline& outline);
   void rescueLeftovers();
@@ -123,12 +145,14 @@ class Application {
   Scheduler& scheduler_;
   Scheduler::Timer filesTimer_{};
   ApplicationSettings settings_;
+  document::Timestamp since_ = document::currentTime();
   Container container_;
   OutlineList outlines_;
   std::map<std::string, Refusal> refusals_;  ///< by standardised path
   std::set<std::string> tidied_;             ///< folders in which nothing abandoned is left
   ApplicationListener* listener_ = nullptr;
   Saver saver_;
+  Folders folders_;
 };
 
 }  // namespace vell::headless

@@ -132,6 +132,7 @@ void Saver::settleConflict(OpenOutline& opened) {
   try {
     const std::string bytes = encoded(opened);
     const Copy copy = writeConflictCopy(opened, bytes);
+    states_[&opened].conflictCopy = copy.path;
     events_.report(opened.storagePath() + " was changed by another program: our changes are in " + copy.path);
     if (opened.reload()) return events_.reloaded(opened);
     opened.moveTo(copy.path, opened.format(), copy.stamp, hashOf(bytes));
@@ -168,6 +169,22 @@ std::string Saver::fault(const OpenOutline& opened) const {
   return found != states_.end() ? found->second.lastFault : std::string();
 }
 
+std::vector<std::string> Saver::faults(const OpenOutline& opened) const {
+  const auto found = states_.find(&opened);
+  if (found == states_.end()) return {};
+  const State& state = found->second;
+  const FileStamp now = stampOf(opened.storagePath());
+  std::vector<std::string> faults;
+  if (!state.lastFault.empty()) faults.push_back(state.lastFault);
+  if (state.gone && now == FileStamp())
+    faults.emplace_back("The file is gone; the next change writes it again");
+  if (now != FileStamp() && now == state.unreadable)
+    faults.emplace_back("Another program changed the file, and it can no longer be read");
+  if (!state.conflictCopy.empty() && stampOf(state.conflictCopy) != FileStamp())
+    faults.push_back("Another program changed the file: our changes are in " + state.conflictCopy);
+  return faults;
+}
+
 std::string Saver::spare(const OpenOutline& opened) const {
   const auto found = states_.find(&opened);
   return found != states_.end() ? found->second.spare : std::string();
@@ -182,9 +199,14 @@ void Saver::saveAs(OpenOutline& opened, const std::string& path) {
   opened.moveTo(path, format, stamp, hashOf(bytes));
 }
 
-void Saver::follow(OpenOutline& opened) {
+void Saver::follow(OpenOutline& opened, const std::string& path) {
   const auto found = states_.find(&opened);
-  if (found == states_.end() || !found->second.writing) locate(opened);
+  if (found != states_.end() && found->second.writing) return;
+  if (locate(opened) != FileStamp()) return;
+  const FileStamp there = stampOf(path);
+  if (there.file != opened.stamp().file) return;
+  opened.rename(path, there);
+  events_.moved(opened);
 }
 
 void Saver::refresh(OpenOutline& opened) {
@@ -214,13 +236,11 @@ FileStamp Saver::locate(OpenOutline& opened) {
   return there;
 }
 
-/// Once for as long as the file is gone.
 void Saver::reportGone(OpenOutline& opened) {
   State& state = states_[&opened];
   if (state.gone) return;
   state.gone = true;
-  events_.report(opened.storagePath() +
-                 " is gone. Its outline stays open, and its next change writes the file again");
+  events_.gone(opened);
 }
 
 void Saver::forget(OpenOutline& opened) {

@@ -4,6 +4,7 @@
 #include <map>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "headless/storage/container.h"
 #include "headless/storage/disk_writer.h"
@@ -30,6 +31,8 @@ class Saver {
     std::function<void(OpenOutline&)> moved;
     /// The outline was saved: its file may be a new one under the same name.
     std::function<void(OpenOutline&)> saved;
+    /// The file of an outline without unsaved changes is no longer there; once for as long as it is not.
+    std::function<void(OpenOutline&)> gone;
   };
 
   Saver(Scheduler& scheduler, const Container& container, Events events)
@@ -41,13 +44,16 @@ class Saver {
   void flush(OpenOutline& opened);
   /// Why the outline could not be saved; empty where it could.
   std::string fault(const OpenOutline& opened) const;
+  /// What people should know of how the outline is kept: that it cannot be saved, that its file is gone or
+  /// can no longer be read, where changes of ours are that met those of another program.
+  std::vector<std::string> faults(const OpenOutline& opened) const;
   /// Where the container keeps what could not be saved.
   std::string spare(const OpenOutline& opened) const;
   /// Keeps the outline in a new file at `path` from now on; the former file stays. Throws Problem, with
   /// nothing changed, also where there is a file at `path`.
   void saveAs(OpenOutline& opened, const std::string& path);
-  /// Looks whether the outline's file was renamed.
-  void follow(OpenOutline& opened);
+  /// Looks whether the outline's file was renamed; it may be at `path` now.
+  void follow(OpenOutline& opened, const std::string& path);
   /// Reads the outline anew if its file has changed and the outline has no unsaved changes.
   void refresh(OpenOutline& opened);
   /// Forgets an outline that is about to be closed; changes that are not being written yet are dropped.
@@ -64,6 +70,7 @@ class Saver {
     std::optional<Scheduler::Clock::time_point> changedAt;  ///< the first change that is not being saved
     std::string lastFault;
     std::string spare;
+    std::string conflictCopy;
     bool gone = false;       ///< the file is, and that was reported
     FileStamp unreadable{};  ///< the stamp of a content that is no outline
   };

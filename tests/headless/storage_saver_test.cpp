@@ -53,7 +53,8 @@ class SaverTest : public testing::Test {
               {.report = [this](const std::string& line) { reports.push_back(line); },
                .reloaded = [this](OpenOutline&) { ++reloads; },
                .moved = [this](OpenOutline&) { ++moves; },
-               .saved = [](OpenOutline&) {}}};
+               .saved = [](OpenOutline&) {},
+               .gone = [this](OpenOutline& gone) { reports.push_back(gone.storagePath() + " is gone"); }}};
 };
 
 TEST_F(SaverTest, AChangeIsSavedOnceForABurst) {
@@ -123,6 +124,10 @@ TEST_F(SaverTest, OursGoBesideWhatOthersWroteMeanwhile) {
   ASSERT_EQ(reports.size(), 1U);
   EXPECT_EQ(reports[0],
             path + " was changed by another program: our changes are in " + (directory / others()[0]));
+  EXPECT_THAT(saver.faults(*opened), ElementsAre("Another program changed the file: our changes are in " +
+                                                 (directory / others()[0])));
+  fs::remove(directory / others()[0]);
+  EXPECT_THAT(saver.faults(*opened), IsEmpty());
 }
 
 TEST_F(SaverTest, WhatOthersMadeUnreadableIsLeftAloneAndOursMoves) {
@@ -133,6 +138,8 @@ TEST_F(SaverTest, WhatOthersMadeUnreadableIsLeftAloneAndOursMoves) {
   saver.refresh(*opened);
   EXPECT_EQ(rows(), "one;");
   EXPECT_THAT(reports, ElementsAre(path + " was changed by another program and can no longer be read"));
+  EXPECT_THAT(saver.faults(*opened),
+              ElementsAre("Another program changed the file, and it can no longer be read"));
   change("two");
   save();
   EXPECT_EQ(readFile(path).bytes, "no outline");
@@ -152,6 +159,7 @@ TEST_F(SaverTest, SavingIsTriedAgainAndSaidOnce) {
   EXPECT_EQ(reports[0].rfind("Cannot save " + path, 0), 0U) << reports[0];
   EXPECT_TRUE(opened->isDirty());
   EXPECT_EQ(saver.fault(*opened), reports[0]);
+  EXPECT_THAT(saver.faults(*opened), ElementsAre(reports[0]));
   ASSERT_THAT(container.unsavedFiles(), ElementsAre(saver.spare(*opened)));
   EXPECT_EQ(readFile(saver.spare(*opened)).bytes, "one\ntwo\n");
   EXPECT_THAT(reports[0], testing::EndsWith(". What is not saved is in " + saver.spare(*opened)));
@@ -167,10 +175,11 @@ TEST_F(SaverTest, AFileThatIsGoneIsWrittenAnewButNotWithoutAWord) {
   saver.refresh(*opened);
   saver.refresh(*opened);
   EXPECT_EQ(rows(), "one;");
-  EXPECT_THAT(reports, ElementsAre(path + " is gone. Its outline stays open, and its next change writes the "
-                                          "file again"));
+  EXPECT_THAT(reports, ElementsAre(path + " is gone"));
+  EXPECT_THAT(saver.faults(*opened), ElementsAre("The file is gone; the next change writes it again"));
   change("two");
   save();
+  EXPECT_THAT(saver.faults(*opened), IsEmpty());
   EXPECT_EQ(readFile(path).bytes, "one\ntwo\n");
   EXPECT_EQ(reports.size(), 1U);
   change("three");

@@ -1,3 +1,5 @@
+#include <filesystem>
+
 #include "formats/format.h"
 #include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
@@ -31,8 +33,12 @@ std::string orNull(const OpenOutline* opened) { return opened != nullptr ? summa
 void openOne(json::Writer& entries, Application& application, const std::string& path) {
   entries.beginObject();
   try {
-    const std::string opened = summary(application.open(path));
-    entries.key("outline").raw(opened);
+    if (std::filesystem::is_directory(path)) {
+      entries.member("outlines", application.serveFolder(path));
+    } else {
+      const std::string opened = summary(application.open(path));
+      entries.key("outline").raw(opened);
+    }
   } catch (const Problem& problem) {
     entries.member("error", problem.what());
   }
