@@ -30,18 +30,15 @@ json::Text receiveLine(int socket, std::chrono::milliseconds limit) {
   }
 }
 
-std::string openRequest(const std::vector<std::string>& paths) {
+std::string requestLine(std::string_view method, std::string_view params) {
   std::string line;
   json::Writer(line)
       .beginObject()
       .member("id", 1)
       .member("jsonrpc", "2.0")
-      .member("method", "application.open")
+      .member("method", method)
       .key("params")
-      .beginObject()
-      .key("paths")
-      .array(paths)
-      .endObject()
+      .raw(params)
       .endObject();
   return line += '\n';
 }
@@ -61,11 +58,18 @@ std::vector<std::string> faultsIn(std::string_view answer) try {
 
 }  // namespace
 
+json::Text ask(const platform::Descriptor& socket, std::string_view method, std::string_view params,
+               std::chrono::milliseconds limit) {
+  if (!platform::writeAll(socket.get(), requestLine(method, params), platform::writeSocket))
+    throw systemProblem("The running application does not listen");
+  return receiveLine(socket.get(), limit);
+}
+
 std::vector<std::string> handOver(const std::vector<std::string>& paths, const platform::Descriptor& socket,
                                   std::chrono::milliseconds limit) {
-  if (!platform::writeAll(socket.get(), openRequest(paths), platform::writeSocket))
-    throw systemProblem("The running application does not listen");
-  return faultsIn(receiveLine(socket.get(), limit).view());
+  std::string params;
+  json::Writer(params).beginObject().key("paths").array(paths).endObject();
+  return faultsIn(ask(socket, "application.open", params, limit).view());
 }
 
 }  // namespace vell::headless

@@ -8,6 +8,7 @@
 
 #include "platform/macos/workspace.h"
 #include "platform/property_list.h"
+#include "platform/service.h"
 #include "platform/start_bundle.h"
 
 namespace vell::platform {
@@ -37,5 +38,7 @@ void openFileWithApplication(const std::string& file, const std::string& bundle,
   if (takesArguments(bundle)) return startBundleWithFile(file, bundle);
   openFileThroughWorkspace(file, bundle, limit);
 }
+
+ServiceSetup serviceSetup(const Service& service) { return launchdSetup(service); }
 
 }  // namespace vell::platform

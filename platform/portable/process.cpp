@@ -5,6 +5,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "platform/service.h"
 #include "platform/start_bundle.h"
 
 namespace vell::platform {
@@ -27,5 +28,7 @@ std::size_t residentBytes(pid_t process) {
 void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds /*limit*/) {
   startBundleWithFile(file, bundle);
 }
+
+ServiceSetup serviceSetup(const Service& service) { return systemdSetup(service); }
 
 }  // namespace vell::platform

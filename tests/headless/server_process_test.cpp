@@ -1,5 +1,5 @@
 #include <fcntl.h>
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -14,6 +14,9 @@
 
 namespace vell::headless {
 namespace {
+
+using testing::HasSubstr;
+using testing::StartsWith;
 
 struct Ended {
   int status;
@@ -40,6 +43,7 @@ class Process {
     kill(pid_, SIGKILL);
     waitpid(pid_, nullptr, 0);
   }
+  pid_t id() const { return pid_; }
   void signal(int number) const { kill(pid_, number); }
   Ended wait() {
     int status = 0;
@@ -79,17 +83,28 @@ TEST(HeadlessProcess, ServesPrivatelyAndEndsCleanlyOnASignal) {
 TEST(HeadlessProcess, ASecondStartHandsItsFilesToTheFirst) {
   const tests::TemporaryHome home;
   home.write("a.json", R"({"rows":[]})");
-  Process first(home / "first", {home / "gone.json"});
+  home.write("bad.json", "no outline");
+  home.write("folder/b.md", "b\n");
+  Process first(home / "first", {home / "bad.json"});
   TestClient client(platform::applicationSocketPath());
   client.ask(list);
-  const Ended second = Process(home / "second", {home / "a.json", home / "missing.json"}).wait();
+  const std::string runs = "vell-headless: Vell runs already (process " + std::to_string(first.id()) + ")";
+  const Ended second = Process(home / "second", {home / "a.json", home / "folder"}).wait();
   EXPECT_EQ(second.status, 0);
   EXPECT_EQ(second.standardError,
-            "vell-headless: Cannot open " + (home / "missing.json") + ": No such file or directory\n");
-  EXPECT_NE(client.ask(list).find("a.json"), std::string::npos);
+            runs + " and serves that now, too. \"vell-headless status\" shows what it serves.\n");
+  EXPECT_THAT(client.ask(list), testing::AllOf(HasSubstr("a.json"), HasSubstr("b.md")));
+  const Ended refused = Process(home / "second", {home / "bad.json"}).wait();
+  EXPECT_EQ(refused.status, 1);
+  EXPECT_THAT(refused.standardError, StartsWith("vell-headless: Cannot open " + (home / "bad.json")));
+  const Ended alone = Process(home / "second", {}).wait();
+  EXPECT_EQ(alone.status, 1);
+  EXPECT_EQ(alone.standardError,
+            runs + ". \"vell-headless status\" shows what it serves, \"vell-headless stop\" ends it.\n");
   first.signal(SIGTERM);
-  EXPECT_EQ(first.wait().standardError,
-            "vell-headless: Cannot open " + (home / "gone.json") + ": No such file or directory\n");
+  EXPECT_THAT(first.wait().standardError,
+              testing::AllOf(StartsWith("vell-headless: Cannot open " + (home / "bad.json")),
+                             HasSubstr("vell-headless: serves no outlines yet")));
 }
 
 TEST(HeadlessProcess, AnOutlineKeepsItsIdOverRestartsWhetherItsFileHoldsOneOrNot) {
@@ -202,6 +217,9 @@ TEST(HeadlessProcess, RefusesWhatItCannotDo) {
   const tests::TemporaryHome home;
   EXPECT_EQ(Process(home / "e", {"--no-such-option"}).wait().status, 64);
   EXPECT_EQ(Process(home / "e", {"--help"}).wait().status, 0);
+  const Ended missing = Process(home / "e", {home / "gone.json"}).wait();
+  EXPECT_EQ(missing.status, 1);
+  EXPECT_EQ(missing.standardError, "vell-headless: No such file or folder: " + (home / "gone.json") + "\n");
   const std::string deep = home / std::string(90, 'x');
   setenv("HOME", deep.c_str(), 1);
   const Ended tooLong = Process(home / "e", {}).wait();

@@ -1,0 +1,94 @@
+#include "platform/service.h"
+
+#include <cstdio>
+#include <filesystem>
+
+#include "headless/editing/problem.h"
+#include "headless/program/program.h"
+#include "headless/storage/files.h"
+#include "headless/storage/paths.h"
+#include "platform/process.h"
+
+namespace vell::headless {
+namespace {
+
+using platform::Command;
+
+std::string shown(const Command& command) {
+  std::string text;
+  for (const std::string& word : command) {
+    const bool plain = word.find_first_of(" \t\"'\\$") == std::string::npos;
+    text.append(text.empty() ? "" : " ").append(plain ? word : "'" + word + "'");
+  }
+  return text;
+}
+
+void print(const std::string& line) {
+  std::printf("%s\n", line.c_str());
+  std::fflush(stdout);  // before what the commands print
+}
+
+/// Says what came of it. False where a command is missing or failed: those behind it are not run then.
+bool runAll(const std::vector<Command>& commands) {
+  for (const Command& command : commands) {
+    const auto status = platform::runProgram(command);
+    if (status == 0) {
+      print("Ran " + shown(command));
+      continue;
+    }
+    print(status ? "Failed: " + shown(command) : "There is no " + command.front() + " here: nothing was run");
+    return false;
+  }
+  return true;
+}
+
+platform::ServiceSetup setupFor(const std::vector<std::string>& paths) {
+  const auto program = platform::executablePath();
+  if (!program) throw Problem("Cannot tell where vell-headless is");
+  platform::Service service{"Vell without a desktop: serves outline files to vell", {*program}};
+  service.command.insert(service.command.end(), paths.begin(), paths.end());
+  return platform::serviceSetup(service);
+}
+
+bool isInstalled(const platform::ServiceSetup& setup) { return stampOf(setup.file) != FileStamp(); }
+
+}  // namespace
+
+int installService(const std::vector<std::string>& paths) {
+  const platform::ServiceSetup setup = setupFor(existingPaths(paths));
+  std::filesystem::create_directories(folderOf(setup.file));
+  replaceFile(setup.file, setup.text);
+  print("Wrote " + setup.file);
+  const bool known = runAll(setup.afterWriting);
+  print(known ? "It starts with your next login. Start it now: " + shown(setup.start)
+              : "Start it where the service manager runs: " + shown(setup.start));
+  return 0;
+}
+
+int removeService() {
+  const platform::ServiceSetup setup = setupFor({});
+  if (!isInstalled(setup)) {
+    warn("no service is installed (there is no " + setup.file + ")");
+    return 0;
+  }
+  runAll(setup.beforeRemoving);
+  removeFile(setup.file);
+  print("Removed " + setup.file);
+  runAll(setup.afterRemoving);
+  return 0;
+}
+
+int showService() {
+  const platform::ServiceSetup setup = setupFor({});
+  if (!isInstalled(setup)) {
+    warn("no service is installed. Install one with: vell-headless service install ~/notes");
+    return notRunningStatus;
+  }
+  print("Installed as " + setup.file);
+  const auto status = platform::runProgram(setup.status);
+  if (status) return *status;
+  print("There is no " + setup.status.front() + " here that could tell more; see vell-headless status");
+  return 0;
+}
+
+}  // namespace vell::headless
