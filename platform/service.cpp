@@ -38,8 +38,7 @@ ServiceSetup systemdSetup(const Service& service) {
   std::string command;
   for (const std::string& word : service.command) {
     command += command.empty() ? "\"" : " \"";
-    command +=
-        escaped(word, {{'"', "\\\""}, {'\\', "\\\\"}, {'%', "%%"}, {'$', "$$"}, {'\n', "\\n"}}) + "\"";
+    command += escaped(word, {{'"', "\\\""}, {'\\', "\\\\"}, {'%', "%%"}, {'$', "$$"}, {'\n', "\\n"}}) + "\"";
   }
   const auto systemctl = [&](const std::string& verb) -> Command {
     return {"systemctl", "--user", verb, unit};
@@ -64,13 +63,14 @@ ServiceSetup launchdSetup(const Service& service) {
   for (const std::string& word : service.command)
     words += "\t\t<string>" + escaped(word, {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}}) + "</string>\n";
   return {.file = file,
-          .text = "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
-                  "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
-                  "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
-                  "<plist version=\"1.0\">\n<dict>\n\t<key>Label</key>\n\t<string>" +
-                  label + "</string>\n\t<key>ProgramArguments</key>\n\t<array>\n" + words +
-                  "\t</array>\n\t<key>RunAtLoad</key>\n\t<true/>\n\t<key>KeepAlive</key>\n\t<dict>\n"
-                  "\t\t<key>SuccessfulExit</key>\n\t\t<false/>\n\t</dict>\n</dict>\n</plist>\n",
+          .text =
+              "<?xml version=\"1.0\" encoding=\"UTF-8\"?>\n"
+              "<!DOCTYPE plist PUBLIC \"-//Apple//DTD PLIST 1.0//EN\" "
+              "\"http://www.apple.com/DTDs/PropertyList-1.0.dtd\">\n"
+              "<plist version=\"1.0\">\n<dict>\n\t<key>Label</key>\n\t<string>" +
+              label + "</string>\n\t<key>ProgramArguments</key>\n\t<array>\n" + words +
+              "\t</array>\n\t<key>RunAtLoad</key>\n\t<true/>\n\t<key>KeepAlive</key>\n\t<dict>\n"
+              "\t\t<key>SuccessfulExit</key>\n\t\t<false/>\n\t</dict>\n</dict>\n</plist>\n",
           .afterWriting = {},
           .start = {"launchctl", "bootstrap", domain, file},
           .beforeRemoving = {{"launchctl", "bootout", domain + "/" + label}},

@@ -15,8 +15,8 @@ struct ServeOptions {
   std::string version;
 };
 
-/// Serves the files and folders, and what clients open, until a signal asks to quit. Where another application
-/// serves already, has that open them.
+/// Serves the files and folders, and what clients open, until a signal asks to quit. Where another
+/// application serves already, has that open them.
 int serve(const ServeOptions& options);
 
 /// As systemctl has it: what `status` says of a program that does not run.

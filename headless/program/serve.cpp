@@ -105,6 +105,15 @@ int serveAt(ApplicationSocket socket, const ServeOptions& options, const std::ve
   return application.saveAll() ? 0 : 1;
 }
 
+void makeContainer() {
+  try {
+    makePrivateDirectory(platform::containerDirectory());
+  } catch (const Problem& problem) {
+    throw Problem(std::string(problem.what()) + " (the home directory is " + platform::homeDirectory() +
+                  "; set HOME to your own)");
+  }
+}
+
 int handOverTo(const platform::Descriptor& other, const std::vector<std::string>& paths) {
   const auto process = holderOf(platform::applicationSocketPath());
   const std::string runs =
@@ -123,10 +132,11 @@ int handOverTo(const platform::Descriptor& other, const std::vector<std::string>
 int serve(const ServeOptions& options) {
   const std::vector<std::string> paths = existingPaths(options.paths);
   const std::string socketPath = platform::applicationSocketPath();
-  makePrivateDirectory(platform::containerDirectory());
+  makeContainer();
   const auto end = EventLoop::Clock::now() + otherStarts;
   do {
-    if (auto socket = ApplicationSocket::claim(socketPath)) return serveAt(std::move(*socket), options, paths);
+    if (auto socket = ApplicationSocket::claim(socketPath))
+      return serveAt(std::move(*socket), options, paths);
     if (const platform::Descriptor other = connectTo(socketPath)) return handOverTo(other, paths);
     std::this_thread::sleep_for(milliseconds(50));
   } while (EventLoop::Clock::now() < end);

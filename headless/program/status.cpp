@@ -94,7 +94,8 @@ void tellThatNoneRuns() { warn("not running. Start it with: vell-headless ~/note
 
 /// Of another application: the desktop's, or an older one.
 [[noreturn]] void failToUnderstand(const std::string& path) {
-  throw Problem("Another Vell than vell-headless serves " + path + "; \"vell get outlines\" lists what it has open");
+  throw Problem("Another Vell than vell-headless serves " + path +
+                "; \"vell get outlines\" lists what it has open");
 }
 
 }  // namespace

@@ -17,8 +17,7 @@ using testing::IsEmpty;
 
 std::vector<std::string> namesIn(const FolderScan& scan) {
   std::vector<std::string> names;
-  for (const std::string& path : scan.files())
-    names.push_back(path.substr(scan.folder().size() + 1));
+  for (const std::string& path : scan.files()) names.push_back(path.substr(scan.folder().size() + 1));
   return names;
 }
 
@@ -63,9 +62,10 @@ class FoldersTest : public testing::Test {
   /// A run of the application over the same container; ends with the returned object.
   struct Run {
     explicit Run(FoldersTest& test)
-        : application(scheduler, {.container = test.container.path(),
-                                  .report = [&test](const std::string& line) { test.reports.push_back(line); },
-                                  .log = [&test](const std::string& line) { test.logged.push_back(line); }}),
+        : application(scheduler,
+                      {.container = test.container.path(),
+                       .report = [&test](const std::string& line) { test.reports.push_back(line); },
+                       .log = [&test](const std::string& line) { test.logged.push_back(line); }}),
           session(scheduler, application) {}
 
     std::vector<std::string> names() const {
