@@ -4,8 +4,10 @@
 #include "cli/help.h"
 #include "cli/parser.h"
 #include "cli/shell_completion.h"
+#include "ipc/client_error.h"
 #include "outlines/location.h"
 #include "platform/notices.h"
+#include "platform/process.h"
 
 namespace vell::cli {
 namespace {
@@ -24,6 +26,13 @@ void tellNotices(const CommandLine& line, Console& console) {
   for (const std::string& notice : platform::takeNotices()) console.say("Note from Vell: " + notice + "\n");
 }
 
+/// What is wrong, and how people start the application where that is what is wrong.
+void report(const ipc::ClientError& error, Console& console) {
+  console.say("Error: " + std::string(error.what()) + "\n");
+  const std::string start = platform::startCommand();
+  if (error.meansNotRunning() && !start.empty()) console.say("hint: start it with: " + start + "\n");
+}
+
 int run(const CommandLine& line, Console& console) {
   try {
     perform(line, console);
@@ -34,6 +43,9 @@ int run(const CommandLine& line, Console& console) {
     return ExitStatus::usage;
   } catch (const ClosedOutput&) {
     return ExitStatus::closedPipe;
+  } catch (const ipc::ClientError& error) {
+    report(error, console);
+    return ExitStatus::failure;
   } catch (const std::exception& error) {
     console.say("Error: " + std::string(error.what()) + "\n");
     return ExitStatus::failure;

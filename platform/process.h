@@ -15,6 +15,9 @@ std::optional<std::string> executablePath();
 /// The memory that a process of this user has in use; 0 where the system does not tell.
 std::size_t residentBytes(pid_t process);
 
+/// The command by which people start the application; empty where they start it as any other.
+std::string startCommand();
+
 using Seconds = std::chrono::duration<double>;
 
 /// Asks the system to open the file with the application bundle, starting it where it does not run.

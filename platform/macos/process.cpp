@@ -28,6 +28,8 @@ std::size_t residentBytes(pid_t process) {
   return usage.ri_phys_footprint;
 }
 
+std::string startCommand() { return {}; }
+
 /// The headless application takes files as arguments and not from the system's open requests.
 static bool takesArguments(const std::string& bundle) {
   const auto info = readPropertyListStrings(bundle + "/Contents/Info.plist");

@@ -25,6 +25,8 @@ std::size_t residentBytes(pid_t process) {
   return resident * static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
 }
 
+std::string startCommand() { return "vell-headless ~/notes"; }
+
 void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds /*limit*/) {
   startBundleWithFile(file, bundle);
 }

@@ -1,5 +1,6 @@
 #include <gtest/gtest.h>
 
+#include "platform/process.h"
 #include "tests/cli/run.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
@@ -84,8 +85,10 @@ TEST(Printing, OfAnAbsentApplication) {
   tests::TemporaryHome home;
   const Outcome outcome = run("get outlines");
   EXPECT_EQ(outcome.status, 1);
+  const std::string start = platform::startCommand();
+  const std::string hint = start.empty() ? "" : "hint: start it with: " + start + "\n";
   EXPECT_EQ(outcome.err, "Error: Vell.app must be running for CLI/MCP access.\nError: (socket " +
-                             platform::applicationSocketPath() + ": No such file or directory)\n");
+                             platform::applicationSocketPath() + ": No such file or directory)\n" + hint);
 }
 
 TEST(Printing, OfUnreadableInput) {

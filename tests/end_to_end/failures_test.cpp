@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "platform/container.h"
+#include "platform/process.h"
 #include "platform/socket.h"
 #include "tests/end_to_end/application.h"
 #include "tests/support/fake_application.h"
@@ -50,11 +51,13 @@ TEST(Failures, NoApplication) {
   const TemporaryHome home;
   const std::string socket = platform::applicationSocketPath();
   const std::string message = "Error: Vell.app must be running for CLI/MCP access.\nError: (socket " + socket;
-  EXPECT_EQ(vell({"get", "outlines"}).error, message + ": No such file or directory)\n");
+  const std::string start = platform::startCommand();
+  const std::string hint = start.empty() ? "" : "hint: start it with: " + start + "\n";
+  EXPECT_EQ(vell({"get", "outlines"}).error, message + ": No such file or directory)\n" + hint);
   Application application;
   application.kill();
   EXPECT_EQ(application.stop().status, -SIGKILL);
-  EXPECT_EQ(vell({"get", "outlines"}).error, message + ": Connection refused)\n");
+  EXPECT_EQ(vell({"get", "outlines"}).error, message + ": Connection refused)\n" + hint);
   EXPECT_EQ(vell({"get", "outlines"}).status, 1);
 }
 

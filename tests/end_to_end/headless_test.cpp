@@ -59,12 +59,15 @@ TEST(Headless, ItsCommandsSayThatItDoesNotRun) {
   EXPECT_EQ(stop.output + stop.error, hint);
   const std::string log = platform::containerDirectory() + "/vell.log";
   EXPECT_EQ(headless({"log"}).error, "vell-headless: nothing was logged yet in " + log + "\n");
-  for (const std::vector<std::string>& wrong :
-       {std::vector<std::string>{"stop", "--timeout", "0"}, {"status", "more"}, {home.path(), "stop"}, {"service"}})
+  for (const std::vector<std::string>& wrong : {std::vector<std::string>{"stop", "--timeout", "0"},
+                                                {"status", "more"},
+                                                {home.path(), "stop"},
+                                                {"service"}})
     EXPECT_EQ(headless(wrong).status, 64) << testing::PrintToString(wrong);
   const Ended word = headless({"statsu"});
   EXPECT_EQ(word.status, 1);
-  EXPECT_THAT(word.error, HasSubstr("(commands are status, stop, log and service; see vell-headless --help)"));
+  EXPECT_THAT(word.error,
+              HasSubstr("(commands are status, stop, log and service; see vell-headless --help)"));
 }
 
 TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
@@ -99,7 +102,8 @@ TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
     EXPECT_THAT(said({"status"}), AllOf(HasSubstr("serves    1 outline\n"), Not(HasSubstr("folder"))));
   }
   const Application application;
-  EXPECT_THAT(printed({"get", "outlines"}), AllOf(HasSubstr("single.md"), HasSubstr("Untitled 1"), Not(HasSubstr("a.md\""))));
+  EXPECT_THAT(printed({"get", "outlines"}),
+              AllOf(HasSubstr("single.md"), HasSubstr("Untitled 1"), Not(HasSubstr("a.md\""))));
 }
 
 TEST(Headless, ItsStatusAndLogTellWhatIsAmiss) {
@@ -134,7 +138,8 @@ TEST(Headless, StoppingSavesAndTellsWhatCouldOnlyBeRescued) {
   printed({"get", "outlines"});  // takes the note about the fault
   const Ended stopped = headless({"stop", "--timeout", "60"});
   EXPECT_EQ(stopped.status, 0);
-  EXPECT_THAT(stopped.error, HasSubstr("vell-headless: What could not be saved as " + (home / "folder/a.md") + " is in "));
+  EXPECT_THAT(stopped.error,
+              HasSubstr("vell-headless: What could not be saved as " + (home / "folder/a.md") + " is in "));
   EXPECT_THAT(stopped.output, testing::StartsWith("Ended process "));
 }
 

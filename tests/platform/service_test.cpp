@@ -28,8 +28,7 @@ TEST(ServiceSetup, OfSystemd) {
             "Restart=on-failure\nRestartSec=1\n\n[Install]\nWantedBy=default.target\n");
   EXPECT_THAT(setup.afterWriting, ElementsAre(Command{"systemctl", "--user", "daemon-reload"},
                                               Command{"systemctl", "--user", "enable", name}));
-  EXPECT_THAT(setup.beforeRemoving,
-              ElementsAre(Command{"systemctl", "--user", "disable", "--now", name}));
+  EXPECT_THAT(setup.beforeRemoving, ElementsAre(Command{"systemctl", "--user", "disable", "--now", name}));
   const char* const places[][2] = {{"/etc/xdg", "/etc/xdg"}, {"relative", nullptr}, {"", nullptr}};
   for (const auto& [configured, place] : places) {
     setenv("XDG_CONFIG_HOME", configured, 1);
@@ -44,8 +43,9 @@ TEST(ServiceSetup, OfLaunchd) {
   const ServiceSetup setup = launchdSetup(service);
   const std::string user = "gui/" + std::to_string(getuid());
   EXPECT_EQ(setup.file, home / "Library/LaunchAgents/app.vell.headless.plist");
-  EXPECT_THAT(setup.text, HasSubstr("<string>/opt/a b/vell-headless</string>\n\t\t"
-                                    "<string>/home/ada/50% \"of\" $x\\ &amp; &lt;y&gt;</string>\n\t</array>"));
+  EXPECT_THAT(setup.text,
+              HasSubstr("<string>/opt/a b/vell-headless</string>\n\t\t"
+                        "<string>/home/ada/50% \"of\" $x\\ &amp; &lt;y&gt;</string>\n\t</array>"));
   const auto strings = readPropertyListStrings(home.write("agent.plist", setup.text));
   ASSERT_TRUE(strings);
   EXPECT_EQ(strings->at("Label"), "app.vell.headless");

@@ -48,15 +48,13 @@ TEST_F(ServiceCommand, SaysWhatItDoesAndLeavesNothingBehind) {
   EXPECT_EQ(run(install), "Wrote " + unit + "\nno bus\nFailed: systemctl --user daemon-reload\n" +
                               "Start it where the service manager runs: " + start);
   makeSystemctl("echo \"$@\" >> " + home / "asked" + "; [ \"$3\" != status ] || exit 4");
-  EXPECT_EQ(run(install),
-            "Wrote " + unit + "\nRan systemctl --user daemon-reload\n" +
-                "Ran systemctl --user enable vell-headless.service\n" +
-                "It starts with your next login. Start it now: " + start);
+  EXPECT_EQ(run(install), "Wrote " + unit + "\nRan systemctl --user daemon-reload\n" +
+                              "Ran systemctl --user enable vell-headless.service\n" +
+                              "It starts with your next login. Start it now: " + start);
   EXPECT_THAT(readFile(unit).bytes, HasSubstr("vell-headless\" \"" + home.path() + "\"\n"));
   EXPECT_EQ(run("status"), "Installed as " + unit + "\nexit 4");
-  EXPECT_EQ(run("remove"),
-            "Ran systemctl --user disable --now vell-headless.service\nRemoved " + unit +
-                "\nRan systemctl --user daemon-reload\nexit 0");
+  EXPECT_EQ(run("remove"), "Ran systemctl --user disable --now vell-headless.service\nRemoved " + unit +
+                               "\nRan systemctl --user daemon-reload\nexit 0");
   EXPECT_FALSE(fs::exists(unit));
   EXPECT_EQ(readFile(home / "asked").bytes,
             "--user daemon-reload\n--user enable vell-headless.service\n"
