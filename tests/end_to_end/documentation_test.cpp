@@ -173,8 +173,9 @@ TEST_P(Documentation, NamesCommandsThatExist) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, Documentation,
-                         testing::Values("docs/agents.md", "docs/formats.md", "docs/headless.md", "docs/mcp.md",
-                                         "docs/outline_path.md", "docs/protocol.md", "docs/scripting.md"),
+                         testing::Values("docs/agents.md", "docs/formats.md", "docs/headless.md",
+                                         "docs/mcp.md", "docs/outline_path.md", "docs/protocol.md",
+                                         "docs/scripting.md"),
                          [](const auto& page) { return fs::path(page.param).stem().string(); });
 
 }  // namespace
