@@ -15,33 +15,28 @@ endif()
 # The script engine brings the shared runtime into vell-headless; two of them must not meet in one process.
 target_link_options(vell-headless PRIVATE ${VELL_LTO_LINK})
 
-# The desktop application has the same name.
-install(CODE [[
-  set(place "$ENV{DESTDIR}${CMAKE_INSTALL_PREFIX}/Vell.app")
-  if(EXISTS "${place}")
-    set(ours "")
-    if(EXISTS "${place}/Contents/Info.plist")
-      file(STRINGS "${place}/Contents/Info.plist" ours REGEX VellHeadless)
-    endif()
-    if(NOT ours)
-      message(FATAL_ERROR "${place} is another application: move it away, or install elsewhere with --prefix")
-    endif()
-  endif()
-]])
-install(DIRECTORY ${CMAKE_BINARY_DIR}/Vell.app DESTINATION . USE_SOURCE_PERMISSIONS)
-
-# The man page, the types that scripts find, and the completion scripts that vell writes from its command tree.
-configure_file(${PROJECT_SOURCE_DIR}/docs/man/vell.1 ${VELL_BUNDLE}/Resources/man/man1/vell.1 COPYONLY)
+# The manual pages, the types that scripts find, and the completion scripts: those of `vell` are written by itself, from its
+# command tree.
+file(GLOB VELL_MANUALS CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/docs/man/*.1)
+foreach(manual IN LISTS VELL_MANUALS)
+  get_filename_component(name ${manual} NAME)
+  configure_file(${manual} ${VELL_BUNDLE}/Resources/man/man1/${name} COPYONLY)
+endforeach()
 configure_file(${PROJECT_SOURCE_DIR}/docs/vell.d.ts ${VELL_BUNDLE}/Resources/scripting/vell.d.ts COPYONLY)
-set(completions ${VELL_BUNDLE}/Resources/completions)
+set(VELL_COMPLETIONS ${VELL_BUNDLE}/Resources/completions)
+file(GLOB scripts CONFIGURE_DEPENDS ${PROJECT_SOURCE_DIR}/app/completions/*)
+foreach(script IN LISTS scripts)
+  get_filename_component(name ${script} NAME)
+  configure_file(${script} ${VELL_COMPLETIONS}/${name} COPYONLY)
+endforeach()
 if(CMAKE_CROSSCOMPILING AND NOT CMAKE_CROSSCOMPILING_EMULATOR)
   add_custom_target(vell_completions)  # vell does not run here
   return()
 endif()
-add_custom_command(OUTPUT ${completions}/vell.bash ${completions}/_vell ${completions}/vell.fish
-  COMMAND ${CMAKE_COMMAND} -E make_directory ${completions}
-  COMMAND vell --generate-completion-script bash > ${completions}/vell.bash
-  COMMAND vell --generate-completion-script zsh > ${completions}/_vell
-  COMMAND vell --generate-completion-script fish > ${completions}/vell.fish
+add_custom_command(OUTPUT ${VELL_COMPLETIONS}/vell.bash ${VELL_COMPLETIONS}/_vell ${VELL_COMPLETIONS}/vell.fish
+  COMMAND ${CMAKE_COMMAND} -E make_directory ${VELL_COMPLETIONS}
+  COMMAND vell --generate-completion-script bash > ${VELL_COMPLETIONS}/vell.bash
+  COMMAND vell --generate-completion-script zsh > ${VELL_COMPLETIONS}/_vell
+  COMMAND vell --generate-completion-script fish > ${VELL_COMPLETIONS}/vell.fish
   DEPENDS vell VERBATIM)
-add_custom_target(vell_completions ALL DEPENDS ${completions}/vell.bash)
+add_custom_target(vell_completions ALL DEPENDS ${VELL_COMPLETIONS}/vell.bash)
