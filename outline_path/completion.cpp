@@ -42,6 +42,7 @@ void addValues(Items& items, const Known& known) {
 
 void addPredicates(Items& items, const Known& known) {
   for (const std::string& name : known.attributeNames) items.push_back('@' + name);
+  for (const std::string_view name : everyRowsAttributeNames()) items.push_back('@' + std::string(name));
   items.emplace_back(spelling(PredicateOp::notOf));
   addFunctions(items);
 }
@@ -71,7 +72,8 @@ void addFor(Expected expected, Items& items, const Known& known) {
     case Expected::predicate:
       return addPredicates(items, known);
     case Expected::attributeName:
-      return addSpellings(items, known.attributeNames);
+      addSpellings(items, known.attributeNames);
+      return addSpellings(items, everyRowsAttributeNames());
     case Expected::closingQuote:
       return addStrings(items, known);
     case Expected::relation:

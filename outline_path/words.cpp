@@ -49,6 +49,13 @@ constexpr std::array<std::string_view, 2> kTimeAttributes{"created", "modified"}
 
 constexpr std::array<std::string_view, 3> kAttributes{"id", "type", "text"};
 
+constexpr auto kEveryRowsAttributes = [] {
+  std::array<std::string_view, kAttributes.size() + kTimeAttributes.size()> all{};
+  const auto end = std::copy(kAttributes.begin(), kAttributes.end(), all.begin());
+  std::copy(kTimeAttributes.begin(), kTimeAttributes.end(), end);
+  return all;
+}();
+
 constexpr auto kKeywords = [] {
   std::array<std::string_view, kSetOps.size() + kPredicateOps.size() + kRelationOps.size()> all{};
   auto end = std::copy(kSetOps.begin(), kSetOps.end(), all.begin());
@@ -78,6 +85,8 @@ std::array<std::span<const std::string_view>, 3> functionNames() {
   return {kFunctions, kDateFunctions, kEditorFunctions};
 }
 std::span<const std::string_view> keywords() { return kKeywords; }
+
+std::span<const std::string_view> everyRowsAttributeNames() { return kEveryRowsAttributes; }
 
 std::optional<TypeTest> typeTestOf(std::string_view word) { return entryOf<TypeTest>(kTypeTests, word); }
 

@@ -191,6 +191,8 @@ std::span<const Axis> verboseAxes();
 std::span<const TypeTest> typeTests();
 /// The names of all functions: those with a kind of their own, those that give dates, those of an editor.
 std::array<std::span<const std::string_view>, 3> functionNames();
+/// The attributes that every row has, whatever its outline says.
+std::span<const std::string_view> everyRowsAttributeNames();
 
 /// Whole-word look-ups; case matters.
 std::optional<Axis> namedAxisOf(std::string_view word);

@@ -112,7 +112,8 @@ TEST(Completion, OffersWhatMayStandThere) {
       // Paths.
       {"vell delete rows //he", "//heading "},
       {"vell get outline //task\\ @s", "@shop "},
-      {"vell get outline '//task @", "//task @due|//task @shop"},
+      {"vell get outline '//task @",
+       "//task @due|//task @shop|//task @id|//task @type|//task @text|//task @created|//task @modified"},
       {"vell get outline '//* @shop = \"", "//* @shop = \"market\"|//* @shop = \"the \\\"Inn\\\"\""},
       {"vell observe outline 'anc", "ancestor-or-self::|ancestor::"},
       {"vell observe outline --path //ta", "//task "},

@@ -14,9 +14,9 @@ struct Completed {
 
 const Completed kTexts[] = {
     {"|", "0-0 AXES"},
-    {"/|", "1-1 AXES TYPES @done @due not FUNCTIONS"},
+    {"/|", "1-1 AXES TYPES @done @due OWN not FUNCTIONS"},
     {"/he|", "1-3 heading"},
-    {"//|", "2-2 TYPES @done @due not FUNCTIONS"},
+    {"//|", "2-2 TYPES @done @due OWN not FUNCTIONS"},
     {"//ta|", "2-4 task"},
     {"//hea|ding", "2-9 heading"},
     {"//*/anc|", "4-7 ancestor-or-self:: ancestor::"},
@@ -30,6 +30,7 @@ const Completed kTexts[] = {
     {"//task first|", "7-12 first-child() first-of-type()"},
     {"//task sel|", "7-10 selection() selection-ancestor() selection-descendant()"},
     {"//task @done an|", "13-15 and"},
+    {"//task @mo|", "8-10 modified"},
 };
 
 /// Items that always stand together, by the names that the table has for them.
@@ -38,6 +39,7 @@ const std::pair<const char*, const char*> kGroups[] = {
      "ancestor-or-self:: ancestor:: descendant-or-self:: descendant:: following-sibling:: following:: "
      "preceding-sibling:: preceding:: parent:: self:: child:: run::"},
     {"TYPES", "* row heading blockquote codeblock note unordered ordered task hr body run"},
+    {"OWN", "@id @type @text @created @modified"},
     {"FUNCTIONS",
      "last() position() root() parent() level() leaf() first-child() last-child() nth-child() "
      "first-of-type() "
