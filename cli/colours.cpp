@@ -24,10 +24,8 @@ struct Label {
   std::string_view colour;
 };
 constexpr Label labels[] = {
-    {"Error:", "\x1b[1;31m"},
-    {"warning:", "\x1b[1;33m"},
-    {"Note from Vell:", "\x1b[1;36m"},
-    {"Hint:", "\x1b[1;36m"},
+    {"Error:", "\x1b[1;31m"}, {"warning:", "\x1b[1;33m"}, {"Note from Vell:", "\x1b[1;36m"},
+    {"Hint:", "\x1b[1;36m"},  {"hint:", "\x1b[1;36m"},
 };
 
 std::string painted(std::string_view text, std::string_view colour) {
