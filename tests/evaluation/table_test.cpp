@@ -153,10 +153,9 @@ TEST(Evaluation, OfTheDeepestPathsFitsTheStack) {
       {"//* " + repeat(1000, "-") + "@n = 3", "b"},
       {"//task" + repeat(1000, " union //note"), "b c d h"},
   };
-  for (const auto& [path, names] : rows) {
-    tests::onStackOf(tests::mainStack,
-                     [&] { EXPECT_EQ(selected(*outline, path), names) << path.substr(0, 30); });
-  }
+  tests::onStackOf(tests::mainStack, [&] {
+    for (const auto& [path, names] : rows) EXPECT_EQ(selected(*outline, path), names) << path.substr(0, 30);
+  });
 }
 
 TEST(Evaluation, SeesWhatHasChangedSince) {
