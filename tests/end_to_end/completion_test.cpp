@@ -64,7 +64,9 @@ class Shell {
 
   static std::vector<std::string> command(const std::string& name, const TemporaryHome& home) {
     if (name == "fish") {
-      home.write(".config/fish/config.fish", "cd ~\nsource " + script("vell.fish") + R"(
+      home.write(".config/fish/config.fish",
+                 "source " + script("vell.fish") + "\nsource " + script("vell-headless.fish") + R"(
+cd ~
 function fish_greeting; end
 function fish_prompt; printf 'ready %s> ' $lines; end
 function vell
@@ -73,6 +75,7 @@ function vell
     printf '<%s>' $argv
     printf ']]\n'
 end
+function vell-headless; vell $argv; end
 set -g lines 0
 )");
       return {"fish", "-i"};
@@ -81,6 +84,7 @@ set -g lines 0
 lines=0
 PS1='ready ${lines}> '
 vell() { printf '[[%s|' $((++lines)); printf '<%s>' "$@"; printf ']]\n'; }
+vell-headless() { vell "$@"; }
 cd ~
 )";
     if (name == "zsh") {
@@ -90,7 +94,8 @@ cd ~
     }
     // What bash 3.2, the one that Apple ships, does not know.
     const std::string without = name == "bash" ? "" : "enable -n compopt mapfile readarray\n";
-    const std::string rc = home.write("rc", without + "source " + script("vell.bash") + function);
+    const std::string rc = home.write("rc", without + "source " + script("vell.bash") + "\nsource " +
+                                                script("vell-headless.bash") + function);
     return {"bash", "--noprofile", "--rcfile", rc, "-i"};
   }
 
@@ -123,6 +128,10 @@ TEST_P(CompletionIn, InsertsWhatBeginsLikeTheWord) {
       {"vell create rows --file my\t", "<create><rows><--file><my notes.md>"},
       {"vell create rows --file=my\t", "<create><rows><--file=my notes.md>"},
       {"vell open outline fol\tin\t", "<open><outline><folder/inner.md>"},
+      {"vell-headless my\t", "<my notes.md>"},
+      {"vell-headless sto\t--t\t5", "<stop><--timeout><5>"},
+      {"vell-headless log --fol\tx", "<log><--follow><x>"},
+      {"vell-headless service ins\tfol\tin\tm\t", "<service><install><folder/inner.md><my notes.md>"},
   };
   Shell shell(GetParam(), home_);
   for (const auto& [line, words] : rows) ASSERT_EQ(shell.words(line), words) << line;
