@@ -16,12 +16,14 @@ using Words = std::span<const std::string>;
 /// What the words in front of the one that is typed come to.
 struct Place {
   const Command* command;
-  bool helped = false;        // "help" stands in front
+  bool helped = false;        // "help" is among them
   bool optionsEnded = false;  // by "--"
   /// The option that the last of the words are about, where it takes more.
   const Option* open = nullptr;
   std::size_t arguments = 0;
   std::optional<std::string> outline = {};
+
+  bool takesSubcommand() const { return arguments == 0 && !optionsEnded; }
 };
 
 class Walk {
@@ -29,10 +31,6 @@ class Walk {
   explicit Walk(const Command& root) : place_{&root} {}
 
   Place along(Words words) {
-    if (!words.empty() && words.front() == helpCommand) {
-      place_.helped = true;
-      words = words.subspan(1);
-    }
     while (!words.empty()) {
       const std::string& word = words.front();
       words = words.subspan(1);
@@ -49,10 +47,12 @@ class Walk {
 
  private:
   void takePlain(const std::string& word) {
-    const Command* next =
-        place_.arguments == 0 && !place_.optionsEnded ? findSubcommand(*place_.command, word) : nullptr;
+    const Command& command = *place_.command;
+    const Command* next = place_.takesSubcommand() ? findSubcommand(command, word) : nullptr;
     if (next != nullptr) {
       place_.command = next;
+    } else if (word == helpCommand && !command.subcommands.empty() && command.plainArguments == nullptr) {
+      place_.helped = true;
     } else {
       ++place_.arguments;
     }
@@ -115,7 +115,7 @@ std::optional<Candidates> attachedValues(const Place& place, const std::string& 
 
 Candidates subcommands(const Place& place) {
   Candidates candidates;
-  if (place.arguments > 0 || place.optionsEnded) return candidates;
+  if (!place.takesSubcommand()) return candidates;
   for (const Command* next : place.command->subcommands)
     candidates.push_back({std::string(next->name), brief(next->abstract)});
   return candidates;
@@ -125,7 +125,7 @@ Candidates subcommands(const Place& place) {
 std::optional<Candidates> plainWords(const Command& root, const Place& place, const std::string& word) {
   Candidates candidates = subcommands(place);
   if (place.helped) return candidates;
-  if (place.command == &root && place.arguments == 0)
+  if (place.command == &root && place.takesSubcommand())
     candidates.push_back({std::string(helpCommand), brief(helpOption.help)});
   if (const Option* argument = nextArgument(place)) {
     const auto values = valuesFor({*argument, word, place.outline});

@@ -62,7 +62,7 @@ constexpr std::string_view fishScript = R"(# fish completion for vell, which tel
 
 function __vell
     command -q vell; or return
-    set -l answer (command vell --complete fish (commandline -pc) 2>/dev/null)
+    set -l answer (command vell --complete fish (commandline -pc | string collect) 2>/dev/null)
     if test $status -eq 0
         printf '%s\n' $answer
         return
@@ -79,11 +79,6 @@ complete -c vell -k -f -a '(__vell)'
 
 // How shells take the answer.
 
-/// What stands behind a description's word on a screen.
-std::string padding(std::size_t width, std::size_t column) {
-  return std::string(column > width ? column - width : 0, ' ');
-}
-
 /// Descriptions beside their words, as much of them as a line of a terminal holds.
 class DescriptionColumn {
  public:
@@ -93,8 +88,10 @@ class DescriptionColumn {
     column_ = std::min(column_, widest);
   }
 
-  std::string beside(const Candidate& candidate) const {
-    return padding(text::displayWidth(candidate.word), column_);
+  /// The blanks behind a word that lead to the column.
+  std::string padding(const std::string& word) const {
+    const std::size_t width = text::displayWidth(word);
+    return std::string(column_ > width ? column_ - width : 0, ' ');
   }
   std::string fitting(const std::string& description) const {
     return text::firstColumns(text::displayText(description), line - column_).text;
@@ -116,7 +113,7 @@ void writeDescribed(const Candidates& candidates, Shell shell, Output& out) {
   for (const auto& [word, description] : candidates) {
     out.write(word + "\t");
     if (shell == Shell::zsh) out.write(word);
-    if (shell == Shell::zsh && !description.empty()) out.write(column.beside({word}) + "  -- ");
+    if (shell == Shell::zsh && !description.empty()) out.write(column.padding(word) + "  -- ");
     out.write(column.fitting(description) + "\n");
   }
 }
@@ -159,23 +156,28 @@ bool staysDistinct(const Candidates& candidates) {
   });
 }
 
-/// Bash knows no descriptions: where it lists the words, these are made part of them, in brackets, which no
-/// command line may hold, should they ever come into one.
+/// Bash knows no descriptions: where it lists the words, they become part of these, in brackets. Should one
+/// ever come into a command line, bash refuses that for its bracket, unless it is within quotes.
 void writeForBash(const Candidates& all, const std::string& typed, const BashQuestion& question,
                   Output& out) {
   const Candidates candidates = insertedByBash(all, typed, question.kept);
   const DescriptionColumn column(candidates);
-  const bool described = question.lists && candidates.size() > 1 && staysDistinct(candidates);
-  for (const Candidate& candidate : candidates) {
-    const auto& [word, description] = candidate;
+  const bool quoted = question.kept.openQuote != 0;
+  const bool described = question.lists && !quoted && candidates.size() > 1 && staysDistinct(candidates);
+  for (const auto& [word, description] : candidates) {
     out.write(word);
     if (described && !description.empty()) {
-      out.write(column.beside(candidate) + "  (" + column.fitting(description) + ")");
-    } else if (question.kept.openQuote == 0 && !isUnfinished(word)) {
+      out.write(column.padding(word) + "  (" + column.fitting(description) + ")");
+    } else if (!quoted && !isUnfinished(word)) {
       out.write(" ");
     }
     out.write("\n");
   }
+}
+
+/// Whether a word in front of the program's name is no part of the command: "A=1 vell get".
+bool setsVariable(const std::string& word) {
+  return word.find('=') != std::string::npos && word.find('=') < word.find('/');
 }
 
 }  // namespace
@@ -192,8 +194,7 @@ int complete(const Command& root, const ArgumentList& question, Console& console
   const auto shell = static_cast<Shell>(name - std::begin(shellNames));
   const std::string& line = question[1];
   ArgumentList words = splitLine(line, shell).words;
-  // Variables may be set in front of the program's name.
-  while (words.size() > 1 && words.front().find('=') != std::string::npos) words.erase(words.begin());
+  while (!words.empty() && setsVariable(words.front())) words.erase(words.begin());
   if (words.size() < 2) return ExitStatus::usage;
   words.erase(words.begin());
   const auto candidates = candidatesFor(root, words);

@@ -68,6 +68,7 @@ TEST(Completion, OffersWhatMayStandThere) {
       {"vell g", "get "},
       {"A=1 vell he", "help "},
       {"vell help get outl", "outline |outlines "},
+      {"vell get help outlines -", "--pretty |--version |--help "},
       {"vell get outline r", "rows |rule "},
       {"vell get outline @f rows @", "@selection |@focused "},
       {"vell get outlines ", "--pretty |--version |--help "},
@@ -134,6 +135,7 @@ TEST(Completion, TellsEachShellInItsWay) {
       {{"fish", "vell close outline --outline "}, "groc-1\tgroceries.vell|9F\t" + shown},
       {{"bash", "vell close outline --outline ", "", "9"},
        "groc-1  (groceries.vell)|9F      (" + shown + ")"},
+      {{"bash", "vell close outline --outline '", "", "9"}, "groc-1|9F"},
       {{"bash", "vell close outline --outline ", ""}, "groc-1  (groceries.vell)|9F      (" + shown + ")"},
       {{"bash", "vell close outline --outline g", "g", "9"}, "groc-1 "},
       {{"bash", "vell close outline --outline ", "", "42"}, "groc-1 |9F "},
@@ -167,8 +169,10 @@ TEST(Completion, WithoutAnAnswerOffersWhatIsFixed) {
 }
 
 TEST(Completion, RefusesAQuestionThatIsNone) {
-  for (const ArgumentList& question :
-       {ArgumentList{"--complete"}, {"--complete", "tcsh", "vell g"}, {"--complete", "zsh", "vell"}}) {
+  for (const ArgumentList& question : {ArgumentList{"--complete"},
+                                       {"--complete", "tcsh", "vell g"},
+                                       {"--complete", "zsh", "vell"},
+                                       {"--complete", "zsh", "A=1"}}) {
     const Outcome outcome = run(question);
     EXPECT_EQ(outcome.status, 64) << testing::PrintToString(question);
     EXPECT_EQ(outcome.out + outcome.err, "");
