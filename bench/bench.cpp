@@ -1,5 +1,5 @@
 // Measures vell beside others who do the same work, in the same run. scripts/bench calls it.
-// usage: vell_bench [ROW…]   (all rows where none is named)
+// usage: vell_bench [ROW…]   (all usual rows where none is named)
 
 #include <algorithm>
 #include <cstdio>
@@ -16,12 +16,15 @@ using namespace vell::bench;
 constexpr struct {
   const char* name;
   void (*measure)(Table&);
+  bool isUsual = true;
 } rows[] = {
     {"get-outlines", getOutlines},
     {"get-outline", getOutline},
     {"mcp-start", mcpStart},
     {"mcp-forwarded", mcpForwarded},
     {"path-parse", pathParse},
+    {"growth", growth},
+    {"growth-quick", growthQuick, false},
     // Last: it fills this process with memory, which the system counts for the programs started from it.
     {"path-evaluate", pathEvaluate},
 };
@@ -30,13 +33,11 @@ constexpr struct {
 
 int main(int count, char** arguments) {
   const std::vector<std::string> wanted(arguments + 1, arguments + count);
-  const auto isWanted = [&](const char* name) {
-    return wanted.empty() || std::find(wanted.begin(), wanted.end(), name) != wanted.end();
-  };
   try {
     Table table;
     for (const auto& row : rows) {
-      if (isWanted(row.name)) row.measure(table);
+      const bool isNamed = std::find(wanted.begin(), wanted.end(), row.name) != wanted.end();
+      if (isNamed || (wanted.empty() && row.isUsual)) row.measure(table);
     }
   } catch (const std::exception& error) {
     std::fprintf(stderr, "vell_bench: %s\n", error.what());

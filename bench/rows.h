@@ -10,6 +10,8 @@ void getOutline(Table& table);
 void mcpStart(Table& table);
 void mcpForwarded(Table& table);
 void pathParse(Table& table);
+void growth(Table& table);
+void growthQuick(Table& table);
 void pathEvaluate(Table& table);
 
 }  // namespace vell::bench

@@ -23,9 +23,11 @@ Command sdkServer(const std::string& socket) {
 // $TMPDIR may be too long for a home's socket.
 Stage::Stage() : directory_("/tmp/vell-bench-XXXXXX") {
   if (mkdtemp(directory_.data()) == nullptr) throw std::runtime_error("cannot make " + directory_);
-  setenv("HOME", directory_.c_str(), 1);
+  enter();
   std::filesystem::create_directories(std::filesystem::path(socket()).parent_path());
 }
+
+void Stage::enter() const { setenv("HOME", directory_.c_str(), 1); }
 
 Stage::~Stage() { std::filesystem::remove_all(directory_); }
 

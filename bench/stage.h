@@ -20,6 +20,8 @@ class Stage {
   Stage& operator=(const Stage&) = delete;
   ~Stage();
 
+  /// Makes it the home of the programs that are started from now on, as a new stage is.
+  void enter() const;
   std::string path(const std::string& name) const { return directory_ + "/" + name; }
   /// Copies a program here and gives its path. A linker writes its file piece by piece, which costs each
   /// start more than a file written at once, as an installed one is.

@@ -1,5 +1,6 @@
 #include "bench/table.h"
 
+#include <cmath>
 #include <cstdio>
 
 namespace vell::bench {
@@ -32,15 +33,20 @@ bool comparesSpeed(const Line& line) {
 }
 
 double ratioOf(const Line& line) {
+  if (line.growth > 0) return std::log(line.ours / line.peers) / std::log(line.growth);
   const bool inverted = comparesSpeed(line) && line.unit != Unit::perSecond;
   return inverted ? line.peers / line.ours : line.ours / line.peers;
 }
 
 std::string shownRatio(const Line& line) {
   const double ratio = ratioOf(line);
-  const char* what = line.unit == Unit::bytes ? "size" : comparesSpeed(line) ? "speed" : "time";
+  const char* what = line.growth > 0            ? "exp."
+                     : line.unit == Unit::bytes ? "size"
+                     : comparesSpeed(line)      ? "speed"
+                                                : "time";
   char text[32];
-  std::snprintf(text, sizeof text, "%.*f x %s", ratio < 10 ? 2 : 0, ratio, what);
+  std::snprintf(text, sizeof text, line.growth > 0 ? "%.*f %s" : "%.*f x %s", ratio < 10 ? 2 : 0, ratio,
+                what);
   return text;
 }
 
@@ -64,7 +70,7 @@ const char* verdict(const Line& line) {
   return "";
 }
 
-constexpr const char* row = "%-38s %9s   %-34s %9s  %12s  %-8s %s\n";
+constexpr const char* row = "%-44s %9s   %-34s %9s  %12s  %-8s %s\n";
 
 }  // namespace
 

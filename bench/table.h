@@ -23,6 +23,7 @@ struct Line {
   double peers;
   Target target;
   Unit unit = Unit::seconds;
+  double growth = 0;  ///< the peer is ours with so many times less to do: the ratio is shown as an exponent
 };
 
 /// Prints each line as it comes.

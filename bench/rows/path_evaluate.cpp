@@ -20,7 +20,8 @@ namespace {
 
 using document::RowType;
 
-constexpr int rowCount = 1'000'000;
+constexpr int manyRows = 1'000'000;
+constexpr int fewRows = 10'000;
 
 /// An outline path and the XPath expression that asks for the same.
 struct PathPair {
@@ -52,7 +53,7 @@ struct TextWriter : pugi::xml_writer {
 /// The same rows twice, as an outline and as elements.
 class Trees {
  public:
-  Trees() {
+  explicit Trees(int rowCount) {
     std::mt19937 random(1);
     pugi::xml_document built;
     std::vector<Twin> open{{&outline.root(), built}};
@@ -109,7 +110,8 @@ std::size_t findTheirs(const Trees& trees, const char* xpath) {
 }  // namespace
 
 void pathEvaluate(Table& table) {
-  const Trees trees;
+  const Trees trees(manyRows);
+  const Trees small(fewRows);
   double ours = 0;
   double theirs = 0;
   for (const PathPair& pair : evaluated) {
@@ -117,9 +119,12 @@ void pathEvaluate(Table& table) {
       throw std::runtime_error(std::string("not the same rows: ") + pair.ours);
     const auto times =
         medians({{"vell", [&] { return secondsFor(1, [&] { findOurs(trees, pair.ours); }); }},
-                 {"pugixml", [&] { return secondsFor(1, [&] { findTheirs(trees, pair.xpath); }); }}},
+                 {"pugixml", [&] { return secondsFor(1, [&] { findTheirs(trees, pair.xpath); }); }},
+                 {"small", [&] { return secondsFor(10, [&] { findOurs(small, pair.ours); }); }}},
                 3);
     table.add({pair.ours, times[0], "pugixml, a million rows", times[1], atMost(1.5)});
+    table.add({pair.ours, times[0], "vell, 10,000 rows", times[2], atMost(1.1), Unit::seconds,
+               double{manyRows} / fewRows});
     ours += std::log(times[0]);
     theirs += std::log(times[1]);
   }
