@@ -76,13 +76,13 @@ std::optional<ipc::Answer> rowsOf(const std::optional<std::string>& outline) {
       .rowRefs = {{firstRows}}, .format = "session", .shape = "flat", .rows = true, .outline = outline});
 }
 
-/// The row's text, or its type where it has none.
+/// The first line of the row's text, or its type where it has none.
 std::string summary(const json::Node& row) {
   std::string text;
   if (const auto runs = row.find("text")) {
     for (const json::Node& run : runs->elements()) text += member(run, "string");
   }
-  return text.empty() ? member(row, "type") : text;
+  return text.empty() ? member(row, "type") : text.substr(0, text.find('\n'));
 }
 
 /// The names of the attributes in use, each with its values.

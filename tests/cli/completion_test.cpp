@@ -39,7 +39,7 @@ FakeApplication::Reply answer(const std::string& request) {
   if (asks(R"("outline":"groceries.vell")"))
     return FakeApplication::error(-32000, "No outline groceries.vell");
   if (asks(R"("outline":"groc-1")"))
-    return FakeApplication::result(R"([{"id":1,"persistentId":"o","text":[]}])");
+    return FakeApplication::result(R"([{"id":1,"persistentId":"o","text":[{"string":"First\nlast"}]}])");
   return result(rows);
 }
 
@@ -139,6 +139,9 @@ TEST(Completion, TellsEachShellInItsWay) {
       {{"bash", "vell close outline --outline ", ""}, "groc-1  (groceries.vell)|9F      (" + shown + ")"},
       {{"bash", "vell close outline --outline g", "g", "9"}, "groc-1 "},
       {{"bash", "vell close outline --outline ", "", "42"}, "groc-1 |9F "},
+      {{"bash", "vell delete rows --outline groceries.vell ", "", "9"},
+       "@selection  (The row that holds the caret)|@focused    (The row that the editor is focused into)|"
+       "o           (First)"},
       {{"fish", "vell get outline --shape 'it\\'s"}, "tree\t|flat\t"},
   };
   for (const auto& [question, lines] : cases) {
