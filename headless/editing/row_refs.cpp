@@ -27,6 +27,13 @@ bool looksLikePath(const std::string& ref) {
          ref.find("::") != std::string::npos;
 }
 
+/// What else an unknown reference may have been meant to be.
+std::string otherReading(const std::string& ref) {
+  constexpr std::string_view words[] = {"@selection", "@focused"};
+  const std::string word = ref.starts_with('@') ? didYouMean(ref, words) : "";
+  return word.empty() && looksLikePath(ref) ? " (a path begins with \"/\")" : word;
+}
+
 const Row* findSession(const Outline& outline, const std::string& digits) {
   SessionId id = 0;
   const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), id);
@@ -94,8 +101,7 @@ const Row& RowRefs::named(const std::string& ref) const {
   const Row* row = session ? findSession(outline_, ref) : outline_.findPersistent(ref);
   if (row != nullptr) return *row;
   throw Problem("No row of \"" + name_ + "\" has the " +
-                (session ? "session id " + ref : "persistent id \"" + ref + "\"") +
-                (looksLikePath(ref) ? " (a path begins with \"/\")" : ""));
+                (session ? "session id " + ref : "persistent id \"" + ref + "\"") + otherReading(ref));
 }
 
 }  // namespace vell::headless

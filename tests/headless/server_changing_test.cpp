@@ -81,6 +81,9 @@ TEST_F(Changing, RefusesWhatCannotBeAndChangesNothing) {
       {"command.perform", R"({"ids":["row:togle-done"]})",
        R"(ids[0]: expected a command that vell_get_commands (vell get commands) lists, got "row:togle-done" (did )"
        R"(you mean "row:toggle-done"?))"},
+      {"command.perform", R"({"ids":["undo"]})",
+       R"(ids[0]: expected a command that vell_get_commands (vell get commands) lists, got "undo" (did )"
+       R"(you mean "edit:undo"?))"},
   };
   for (const Case& c : cases) {
     const std::string message = call(c.method, c.params);

@@ -50,6 +50,8 @@ TEST_F(Reading, SaysWhichReferenceNamesNothing) {
       {"bread", R"(No row of "groceries.json" has the persistent id "bread")"},
       {"", R"(No row of "groceries.json" has the persistent id "")"},
       {"..", R"(No row of "groceries.json" has the persistent id ".." (a path begins with "/"))"},
+      {"@selecton",
+       R"(No row of "groceries.json" has the persistent id "@selecton" (did you mean "@selection"?))"},
   };
   for (const auto& [ref, message] : cases)
     EXPECT_EQ(call("outline.get", R"({"rowRefs":[)" + json::quoted(ref) + R"(]})"), message);

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "headless/commands/commands.h"
 #include "headless/editing/problem.h"
 #include "headless/server/methods.h"
@@ -6,11 +8,23 @@
 namespace vell::headless::methods {
 namespace {
 
+/// Suggests a command that is spelled nearly like that, or is called nearly like that behind its colon.
+std::string suggestion(const std::string& id) {
+  std::vector<std::string_view> ids, names;
+  for (const Command& command : commands()) {
+    ids.push_back(command.id);
+    names.push_back(command.id.substr(command.id.find(':') + 1));
+  }
+  const std::string near = didYouMean(id, ids);
+  const auto named = std::find(names.begin(), names.end(), text::nearest(id, names));
+  if (!near.empty() || named == names.end()) return near;
+  const std::string_view meant = ids[static_cast<std::size_t>(named - names.begin())];
+  return didYouMean(meant, {&meant, 1});
+}
+
 [[noreturn]] void failAsUnknown(const std::string& place, const std::string& id) {
-  std::vector<std::string_view> ids;
-  for (const Command& command : commands()) ids.push_back(command.id);
   Params::fail(place, "a command that vell_get_commands (vell get commands) lists",
-               json::quoted(id) + didYouMean(id, ids));
+               json::quoted(id) + suggestion(id));
 }
 
 std::vector<const Command*> commandsParam(const Params& params) {
