@@ -48,18 +48,18 @@ void raiseDescriptorLimit() {
   setrlimit(RLIMIT_NOFILE, &limit);
 }
 
-/// In that order, the first in front.
-void open(Application& application, const std::vector<std::string>& paths) {
-  for (const std::string& path : paths) {
-    try {
-      if (!std::filesystem::is_directory(path)) {
-        application.openBehind(path);
-      } else if (application.serveFolder(path) == 0) {
-        warn(path + " holds no outlines yet; those that come will be served");
-      }
-    } catch (const Problem& problem) {
-      log(problem.what());
-    }
+/// A file that cannot be opened is reported, as clients ask why. Throws Problem for a folder that cannot be
+/// served.
+void openGiven(Application& application, const std::string& path) {
+  if (std::filesystem::is_directory(path)) {
+    const bool empty = application.serveFolder(path) == 0;
+    if (empty) warn(path + " holds no outlines yet; those that come will be served");
+    return;
+  }
+  try {
+    application.openBehind(path);
+  } catch (const Problem& problem) {
+    log(problem.what());
   }
 }
 
@@ -91,7 +91,7 @@ int serveAt(ApplicationSocket socket, const ServeOptions& options, const std::ve
   Application application(loop, {platform::containerDirectory(), report, options.version,
                                  platform::executablePath().value_or(""), log});
   Session session(loop, application);
-  open(application, paths);
+  for (const std::string& path : paths) openGiven(application, path);
   if (!options.fresh) session.reopen();
   session.keep();
   Server server(loop, application, socket.descriptor());

@@ -133,8 +133,9 @@ int stop(std::chrono::seconds limit) {
   if (*process <= 0 || kill(*process, SIGTERM) != 0) throw systemProblem("Cannot end " + named);
   for (const auto end = Clock::now() + limit; holderOf(path) == process;) {
     if (Clock::now() > end)
-      throw Problem("Asked " + named + " to end; it still saves after " + plural(limit.count(), "second") +
-                    ". It goes on by itself: \"vell-headless log\" tells what keeps it");
+      throw Problem("Asked " + named + " to end; after " + plural(limit.count(), "second") +
+                    " it has not ended yet. It may be saving: \"vell-headless log\" tells more, \"kill -9 " +
+                    std::to_string(*process) + "\" ends it at once");
     std::this_thread::sleep_for(milliseconds(20));
   }
   for (const std::string& notice : platform::takeNotices()) warn(notice);
