@@ -22,7 +22,8 @@ json::Text receiveLine(int socket, std::chrono::milliseconds limit) {
         std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
     pollfd waiting{socket, POLLIN, 0};
     if (left.count() <= 0 || poll(&waiting, 1, static_cast<int>(left.count())) == 0)
-      throw Problem("The running application does not answer: wait for it, or end it with \"vell-headless stop\"");
+      throw Problem(
+          "The running application does not answer: wait for it, or end it with \"vell-headless stop\"");
     const json::LineFraming::Room room = lines.room();
     const ssize_t count = recv(socket, room.data, room.size, 0);
     if (count <= 0) throw Problem("The running application closed the connection without an answer.");

@@ -133,7 +133,8 @@ int stop(std::chrono::seconds limit) {
   if (*process <= 0 || kill(*process, SIGTERM) != 0) throw systemProblem("Cannot end " + named);
   for (const auto end = Clock::now() + limit; holderOf(path) == process;) {
     if (Clock::now() > end)
-      throw Problem("Asked " + named + " to end; after " + plural(limit.count(), "second") +
+      throw Problem("Asked " + named + " to end; after " +
+                    plural(static_cast<std::size_t>(limit.count()), "second") +
                     " it has not ended yet. It may be saving: \"vell-headless log\" tells more, \"kill -9 " +
                     std::to_string(*process) + "\" ends it at once");
     std::this_thread::sleep_for(milliseconds(20));
