@@ -10,6 +10,7 @@
 #include "ipc/outline_summary.h"
 #include "outline_path/with_parse.h"
 #include "text/display_width.h"
+#include "text/utf8.h"
 
 namespace vell::cli {
 namespace {
@@ -52,14 +53,27 @@ std::string member(const json::Node& object, std::string_view key) {
   return found ? found->string().value_or("") : "";
 }
 
+/// Whether a terminal shows what the text is: Unicode's signs for the direction of writing make it show what
+/// follows in another order.
+bool isShownInOrder(std::string_view shown) {
+  while (!shown.empty()) {
+    const text::CodePoint point = text::firstCodePoint(shown);
+    const char32_t c = point.value;
+    if ((c >= 0x202A && c <= 0x202E) || (c >= 0x2066 && c <= 0x2069)) return false;
+    shown.remove_prefix(point.length);
+  }
+  return true;
+}
+
 /// Whether a person could have typed the word as it stands.
 bool isTypable(const std::string& word) {
   constexpr std::size_t longest = 200;
-  return !word.empty() && word.size() <= longest && !word.starts_with('-') &&
-         word.find('\t') == std::string::npos && text::displayText(word).text == word;
+  return !word.empty() && word.size() <= longest && !word.starts_with('-') && isShownInOrder(word) &&
+         text::displayText(word).text == word;
 }
 
 void add(Candidates& candidates, std::string word, std::string description = {}) {
+  if (!isShownInOrder(description)) description.clear();
   if (isTypable(word)) candidates.push_back({std::move(word), std::move(description)});
 }
 

@@ -180,14 +180,7 @@ bool setsVariable(const std::string& word) {
   return word.find('=') != std::string::npos && word.find('=') < word.find('/');
 }
 
-}  // namespace
-
-std::string_view completionScript(std::string_view shell) {
-  if (shell == "bash") return bashScript;
-  return shell == "zsh" ? zshScript : fishScript;
-}
-
-int complete(const Command& root, const ArgumentList& question, Console& console) {
+int answer(const Command& root, const ArgumentList& question, Output& out) {
   const auto name =
       std::find(std::begin(shellNames), std::end(shellNames), question.empty() ? "" : question[0]);
   if (name == std::end(shellNames) || question.size() < 2) return ExitStatus::usage;
@@ -200,12 +193,27 @@ int complete(const Command& root, const ArgumentList& question, Console& console
   const auto candidates = candidatesFor(root, words);
   if (!candidates) return ExitStatus::failure;
   if (shell == Shell::bash) {
-    writeForBash(*candidates, words.back(), bashQuestion(line, question), console.out);
+    writeForBash(*candidates, words.back(), bashQuestion(line, question), out);
   } else {
-    writeDescribed(*candidates, shell, console.out);
+    writeDescribed(*candidates, shell, out);
   }
-  console.out.flush();
+  out.flush();
   return ExitStatus::success;
+}
+
+}  // namespace
+
+std::string_view completionScript(std::string_view shell) {
+  if (shell == "bash") return bashScript;
+  return shell == "zsh" ? zshScript : fishScript;
+}
+
+int complete(const Command& root, const ArgumentList& question, Console& console) {
+  try {
+    return answer(root, question, console.out);
+  } catch (const std::exception&) {
+    return ExitStatus::failure;  // the shell has nothing better to offer than files
+  }
 }
 
 }  // namespace vell::cli

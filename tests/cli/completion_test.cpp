@@ -15,7 +15,8 @@ using tests::FakeApplication;
 constexpr const char* outlines = R"json([
 {"displayName":"groceries.vell","fileURL":null,"persistentId":"groc-1"},
 {"displayName":"$(reboot)\n\t\u0007 \"it's\" `x` and a name that goes on and on beyond a line","fileURL":null,"persistentId":"9F"},
-{"displayName":"x","fileURL":null,"persistentId":"a\u001bb"}])json";
+{"displayName":"x","fileURL":null,"persistentId":"a\u001bb"},
+{"displayName":"x","fileURL":null,"persistentId":"a\u202eb"}])json";
 constexpr const char* rows = R"json([
 {"id":1,"persistentId":"week","type":"heading","text":[{"string":"This "},{"string":"week"}]},
 {"id":2,"type":"task","text":[]},
