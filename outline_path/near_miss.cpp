@@ -104,7 +104,7 @@ std::string hintForDateWord(std::string_view word) {
   const std::string date = spellingOfDate(word), quoted = '"' + std::string(word) + '"';
   return date.empty()
              ? ""
-             : quoted + " is a word here: write " + date + " for the date, " + quoted + " for the text";
+             : quoted + " is a word here; write " + date + " for the date, " + quoted + " for the text";
 }
 
 std::string hintForFunction(std::string_view name) {

@@ -43,7 +43,7 @@ TEST(Printing, OfResults) {
        "mean \"blockquote\"?)\n"},
       {"get outline rows //\"tasks\" //milk", "[]", "[]\n", "warning: no row matches //\"tasks\", //milk\n"},
       {"get outline rows //@due=today", "[]", "[]\n",
-       "warning: no row matches //@due=today (\"today\" is a word here: write today() for the date, "
+       "warning: no row matches //@due=today (\"today\" is a word here; write today() for the date, "
        "\"today\" for "
        "the text)\n"},
       {"get outline //x", R"({"rows":[]})", "{\n  \"rows\": []\n}\n", "warning: no row matches //x\n"},
