@@ -54,7 +54,7 @@ void raiseDescriptorLimit() {
 void openGiven(Application& application, const std::string& path) {
   if (std::filesystem::is_directory(path)) {
     const bool empty = application.serveFolder(path) == 0;
-    if (empty) warn(path + " holds no outlines yet; those that come will be served");
+    if (empty) warn(path + " holds no outlines yet; \"vell create outline " + path + "/notes.md\" makes one");
     return;
   }
   try {

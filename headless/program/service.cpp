@@ -59,10 +59,14 @@ int installService(const std::vector<std::string>& paths) {
   std::filesystem::create_directories(folderOf(setup.file));
   replaceFile(setup.file, setup.text);
   print("Wrote " + setup.file);
-  const bool known = runAll(setup.afterWriting);
-  print(known ? "It starts with your next login. Start it now: " + shown(setup.start)
-              : "Start it where the service manager runs: " + shown(setup.start));
-  return 0;
+  if (runAll(setup.afterWriting)) {
+    print("It starts with your next login. Start it now: " + shown(setup.start));
+    return 0;
+  }
+  std::string missing;
+  for (const Command& command : setup.afterWriting) missing += shown(command) + " && ";
+  print("Where the service manager runs for you, run: " + missing + shown(setup.start));
+  return 1;
 }
 
 int removeService() {

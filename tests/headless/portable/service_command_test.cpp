@@ -40,17 +40,19 @@ TEST_F(ServiceCommand, SaysWhatItDoesAndLeavesNothingBehind) {
   EXPECT_THAT(run("install " + (home / "none")), HasSubstr("No such file or folder: "));
   EXPECT_FALSE(fs::exists(unit));
 
-  const std::string start = "systemctl --user restart vell-headless.service\nexit 0";
+  const std::string start = "systemctl --user restart vell-headless.service\n";
+  const std::string missing =
+      "Where the service manager runs for you, run: systemctl --user daemon-reload && "
+      "systemctl --user enable vell-headless.service && " +
+      start + "exit 1";
   const std::string install = "install " + home.path();
-  EXPECT_EQ(run(install), "Wrote " + unit + "\nThere is no systemctl here: nothing was run\n" +
-                              "Start it where the service manager runs: " + start);
+  EXPECT_EQ(run(install), "Wrote " + unit + "\nThere is no systemctl here: nothing was run\n" + missing);
   makeSystemctl("echo no bus; exit 1");
-  EXPECT_EQ(run(install), "Wrote " + unit + "\nno bus\nFailed: systemctl --user daemon-reload\n" +
-                              "Start it where the service manager runs: " + start);
+  EXPECT_EQ(run(install), "Wrote " + unit + "\nno bus\nFailed: systemctl --user daemon-reload\n" + missing);
   makeSystemctl("echo \"$@\" >> " + home / "asked" + "; [ \"$3\" != status ] || exit 4");
   EXPECT_EQ(run(install), "Wrote " + unit + "\nRan systemctl --user daemon-reload\n" +
                               "Ran systemctl --user enable vell-headless.service\n" +
-                              "It starts with your next login. Start it now: " + start);
+                              "It starts with your next login. Start it now: " + start + "exit 0");
   EXPECT_THAT(readFile(unit).bytes, HasSubstr("vell-headless\" \"" + home.path() + "\"\n"));
   EXPECT_EQ(run("status"), "Installed as " + unit + "\nexit 4");
   EXPECT_EQ(run("remove"), "Ran systemctl --user disable --now vell-headless.service\nRemoved " + unit +
