@@ -64,7 +64,8 @@ OpenOutline* Application::findOpen(const std::string& path) {
 
 std::size_t Application::serveFolder(const std::string& path) {
   std::vector<FoundFile> files;
-  beside([&] { files = folders_.add(standardisedPath(path)); });
+  // Files that are renamed are found by their resolved paths.
+  beside([&] { files = folders_.add(resolvedPath(standardisedPath(path))); });
   for (FoundFile& file : files) take(std::move(file));
   const auto held = [this](const auto& each) { return folders_.hold(each->storagePath()); };
   return static_cast<std::size_t>(std::count_if(outlines().begin(), outlines().end(), held));

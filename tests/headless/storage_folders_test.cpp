@@ -96,7 +96,9 @@ TEST_F(FoldersTest, OutlinesComeAndGoWithTheirFiles) {
   folder.write("b.md", "b\n");
   folder.write("bad.txt", "\xFF");
   EXPECT_EQ(run.application.serveFolder(folder.path()), 2U);
-  EXPECT_EQ(run.application.serveFolder(folder.path() + "/"), 2U);
+  fs::create_directory_symlink(folder.path(), container / "link");
+  for (const std::string& same : {folder.path() + "/", container / "link"})
+    EXPECT_EQ(run.application.serveFolder(same), 2U);
   EXPECT_THAT(run.names(), ElementsAre("a.md", "b.md"));
   EXPECT_THAT(logged, ElementsAre(testing::StartsWith("Cannot open " + (folder / "bad.txt"))));
 
