@@ -22,7 +22,8 @@ struct Environment {
 
 /// What an expression gives for an outline, with its root as the context: the rows that it selects, in
 /// document order and none twice, or a value. A value may point into the outline and the expression.
-/// Throws EvaluationError for what cannot be evaluated or takes too long.
+/// Throws EvaluationError for what cannot be evaluated or takes too long. Takes as much of the stack as
+/// parsing did: see `outline_path::onStackFor`.
 using Evaluated = std::variant<Rows, Value>;
 Evaluated evaluate(const outline_path::Expression& expression, const Outline& outline,
                    const Environment& environment);

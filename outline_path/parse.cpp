@@ -10,22 +10,13 @@ namespace {
 
 namespace pegtl = tao::pegtl;
 
-/// Longer texts may nest so deep that the stack of a main thread, and more so of another, would not hold
-/// them.
-constexpr std::size_t kShallowText = 400;
-
 /// Whether the whole text matches the grammar.
 bool match(ParseState& state, TopLevel& top) {
   bool matched = false;
-  const auto run = [&] {
+  onStackFor(state.text, [&] {
     rules::Input in = rules::inputOf(state.text);
     matched = pegtl::parse<grammar::OutlinePathParser, Action, Control>(in, state, top);
-  };
-  if (state.text.size() <= kShallowText) {
-    run();
-  } else {
-    onDeepStack(run);
-  }
+  });
   return matched;
 }
 

@@ -7,6 +7,7 @@
 #include "headless/access.h"
 #include "headless/editing/editor_functions.h"
 #include "headless/editing/problem.h"
+#include "outline_path/deep_stack.h"
 #include "outline_path/parse.h"
 
 namespace vell::headless {
@@ -59,11 +60,18 @@ std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor,
   if (parsed.error) throw Problem(outline_path::render(*parsed.error, path));
   const EditorFunctions functions(outline, editor);
   const evaluation::SystemClock clock;
-  const evaluation::Environment environment{clock, &functions, {.pause = throwIfAbandoned}};
+  // Perhaps called on another thread than this one, which holds the application.
+  const auto pause = [hold = ApplicationHold::current()] {
+    if (hold != nullptr && hold->isAbandoned()) throw Abandoned();
+  };
+  const evaluation::Environment environment{clock, &functions, {.pause = pause}};
   outline.number();  // evaluating beside others only reads
   try {
     std::vector<const Row*> rows;
-    beside([&] { rows = evaluation::evaluateRows(*parsed.expression, outline, environment); });
+    beside([&] {
+      outline_path::onStackFor(
+          path, [&] { rows = evaluation::evaluateRows(*parsed.expression, outline, environment); });
+    });
     return rows;
   } catch (const evaluation::EvaluationError& error) {
     throw Problem("The path " + std::string(path) + " cannot be evaluated: " + error.what());

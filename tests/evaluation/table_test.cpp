@@ -2,7 +2,6 @@
 #include <gtest/gtest.h>
 
 #include "tests/evaluation/support.h"
-#include "tests/support/stack.h"
 
 namespace vell::evaluation {
 namespace {
@@ -133,29 +132,6 @@ const Selection kRows[] = {
 TEST(Evaluation, SelectsRows) {
   const auto outline = outlineOf(kOutline);
   for (const Selection& row : kRows) EXPECT_EQ(selected(*outline, row.path), row.rows) << row.path;
-}
-
-std::string repeat(std::size_t times, std::string_view text) {
-  std::string all;
-  while (times-- > 0) all += text;
-  return all;
-}
-
-TEST(Evaluation, OfTheDeepestPathsFitsTheStack) {
-  const auto outline = outlineOf(kOutline);
-  const std::pair<std::string, const char*> rows[] = {
-      {repeat(1000, "//* count(") + "//task" + repeat(1000, ") > 0"), "A b c d e F G h Éclair j"},
-      {"//* " + repeat(1000, "(") + "@n = 3" + repeat(1000, ")"), "b"},
-      {"//* " + repeat(1000, "not ") + "@done", "b h"},
-      {"//* @done" + repeat(1000, " or @due"), "b d h"},
-      {"//* @done" + repeat(1000, " and @n"), "b h"},
-      {"//* @n" + repeat(1000, " + 1") + " = 1003", "b"},
-      {"//* " + repeat(1000, "-") + "@n = 3", "b"},
-      {"//task" + repeat(1000, " union //note"), "b c d h"},
-  };
-  tests::onStackOf(tests::mainStack, [&] {
-    for (const auto& [path, names] : rows) EXPECT_EQ(selected(*outline, path), names) << path.substr(0, 30);
-  });
 }
 
 TEST(Evaluation, SeesWhatHasChangedSince) {

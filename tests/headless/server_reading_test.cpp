@@ -30,6 +30,30 @@ TEST_F(Reading, FindsRowsByEveryKindOfReference) {
   EXPECT_EQ(texts(call("outline.get", R"x({"rows":true,"rowRefs":["(/*)"]})x")), "odd");
 }
 
+std::string repeat(std::size_t times, std::string_view text) {
+  std::string all;
+  while (times-- > 0) all += text;
+  return all;
+}
+
+TEST_F(Reading, EvaluatesTheDeepestPaths) {
+  server_.open("groceries.json", groceries);
+  const std::vector<std::pair<std::string, std::string>> cases = {
+      {repeat(1000, "//* count(") + "//task" + repeat(1000, ") > 0"), "Groceries(Milk Bread) Later"},
+      {"//* " + repeat(1000, "(") + "@id = milk" + repeat(1000, ")"), "Milk"},
+      {"//* " + repeat(1000, "not ") + "@text = Milk", "Milk"},
+      {"//* @text = Milk" + repeat(1000, " or @text = Later"), "Milk Later"},
+      {"//* @text = Milk" + repeat(1000, " and @text = Milk"), "Milk"},
+      {"//* level()" + repeat(1000, " + 1") + " = 1002", "Milk Bread"},
+      {"//* " + repeat(998, "-") + "level() = 2", "Milk Bread"},
+      {"//task" + repeat(1000, " union /*[-1]"), "Milk Later"},
+  };
+  for (const auto& [path, expected] : cases) {
+    const std::string params = R"({"rows":true,"rowRefs":[)" + json::quoted(path) + "]}";
+    EXPECT_EQ(texts(call("outline.get", params)), expected) << path.substr(0, 30);
+  }
+}
+
 TEST_F(Reading, NamesTheRootWithTheTimesOfItsOutline) {
   server_.open("groceries.json", groceries);
   const std::string created = at(call("outline.get"), "created");
