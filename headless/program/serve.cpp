@@ -18,6 +18,8 @@
 #include "platform/container.h"
 #include "platform/notices.h"
 #include "platform/process.h"
+#include "text/display_width.h"
+#include "text/lines.h"
 
 namespace vell::headless {
 namespace {
@@ -29,16 +31,24 @@ constexpr milliseconds otherStarts{10'000};
 constexpr milliseconds otherOpens{60'000};
 constexpr milliseconds flushLimit{500};
 
+/// Its lines without what a terminal would take for a command: file names may hold anything.
+std::string printable(std::string_view message) {
+  std::string lines;
+  for (text::Lines each(message); each.next();)
+    lines.append(each.number() > 1 ? "\n" : "").append(text::displayText(each.line()).text);
+  return lines;
+}
+
 void log(const std::string& message) {
   warn(message);
   static const LogFile file(platform::containerDirectory() + "/vell.log");
-  file.append(message);
+  file.append(printable(message));
 }
 
 /// What people must not miss, also where a command started this process.
 void report(const std::string& message) {
   log(message);
-  platform::leaveNotice(message);
+  platform::leaveNotice(printable(message));
 }
 
 /// Every client costs a descriptor; the usual soft limit on macOS is 256.
@@ -159,6 +169,8 @@ std::vector<std::string> existingPaths(const std::vector<std::string>& paths) {
   return standardised;
 }
 
-void warn(const std::string& message) { std::fprintf(stderr, "vell-headless: %s\n", message.c_str()); }
+void warn(const std::string& message) {
+  std::fprintf(stderr, "vell-headless: %s\n", printable(message).c_str());
+}
 
 }  // namespace vell::headless

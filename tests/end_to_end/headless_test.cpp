@@ -73,6 +73,7 @@ TEST(Headless, ItsCommandsSayThatItDoesNotRun) {
 TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
   const TemporaryHome home;
   home.write("notes/a.md", "# A\n");
+  home.write("notes/\x1b[31m.md", "\xFF");
   home.write("notes/sub/b.txt", "b\n");
   const std::string single = home.write("single.md", "one\n");
   std::string untitled;
@@ -94,6 +95,7 @@ TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
                                     std::string("saved     Untitled 1 (no file)")})
       EXPECT_THAT(status, HasSubstr(line + "\n"));
     EXPECT_THAT(printed({"get", "outlines"}), HasSubstr(untitled.substr(0, untitled.size() - 1)));
+    EXPECT_THAT(said({"log"}), HasSubstr("Cannot open " + home / "notes/?[31m.md: "));
     EXPECT_THAT(said({"stop"}), "Ended process " + std::to_string(application.process()) + "\n");
     EXPECT_EQ(application.stop().status, 0);
   }
