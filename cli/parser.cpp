@@ -36,7 +36,9 @@ class Parser {
     while (!words.empty() && words.front() != terminator) {
       const std::string& word = words.front();
       words = words.subspan(1);
-      if (isOptionToken(word)) {
+      // "- [ ] Buy milk" is a row's text: no option's name holds a blank.
+      const bool isText = word.starts_with("- ") && line_.command->subcommands.empty();
+      if (isOptionToken(word) && !isText) {
         words = words.subspan(takeOption(word, words));
       } else if (line_.command->subcommands.empty()) {
         tokens_.push_back({{}, {word}});

@@ -69,6 +69,7 @@ TEST(Requests, OfTheCommandsThatChangeRows) {
       {"create row --text '- item' --parent 3 --position -1", "row.create",
        R"({"markdown":"- item","parent":"3","position":"-1"})"},
       {"create row 'Buy milk' --parent 3", "row.create", R"({"markdown":"Buy milk","parent":"3"})"},
+      {"create row '- [ ] Buy milk'", "row.create", R"({"markdown":"- [ ] Buy milk"})"},
       {"create row -- '- [ ] Buy milk'", "row.create", R"({"markdown":"- [ ] Buy milk"})"},
       {"create row a --outline x --outline y --position 1 --position 2", "row.create",
        R"({"markdown":"a","outline":"y","position":"2"})"},
