@@ -25,6 +25,11 @@ void Attributes::set(std::string_view key, std::string_view value) {
   }
 }
 
+void Attributes::setFirst(std::string_view key, std::string_view value) {
+  if (find(key) == nullptr) entries_.insert(entries_.begin(), {std::string(key), std::string()});
+  set(key, value);
+}
+
 bool Attributes::remove(std::string_view key) {
   return std::erase_if(entries_, [key](const Attribute& entry) { return entry.key == key; }) > 0;
 }

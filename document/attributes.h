@@ -30,6 +30,8 @@ class Attributes {
   const std::string* find(std::string_view key) const;
   /// Sets in place; a new key goes to the end.
   void set(std::string_view key, std::string_view value);
+  /// Sets in place; a new key goes to the front.
+  void setFirst(std::string_view key, std::string_view value);
   /// True if the key was there.
   bool remove(std::string_view key);
   /// Orders by key, bytewise.

@@ -21,11 +21,7 @@ std::string_view markAttribute(RowType type) {
 
 void setMarkAttribute(RowContent& row, std::string_view value) {
   const std::string_view key = markAttribute(row.type);
-  if (row.attributes.find(key)) return;
-  Attributes attributes;
-  attributes.set(key, value);
-  for (const Attribute& entry : row.attributes) attributes.set(entry.key, entry.value);
-  row.attributes = std::move(attributes);
+  if (!row.attributes.find(key)) row.attributes.setFirst(key, value);
 }
 
 const std::string* markAttributeValue(const Row& row) {

@@ -18,12 +18,10 @@ bool isDone(const Row& row) {
 }
 
 /// `done` stands first, where the formats write it as the task's mark.
-Attributes withDone(const Attributes& attributes, bool done) {
-  Attributes result;
-  if (done) result.set("done", "true");
-  for (const Attribute& entry : attributes)
-    if (entry.key != "done") result.set(entry.key, entry.value);
-  return result;
+Attributes withDone(Attributes attributes, bool done) {
+  attributes.remove("done");
+  if (done) attributes.setFirst("done", "true");
+  return attributes;
 }
 
 bool insertAbove(Transaction& transaction) {

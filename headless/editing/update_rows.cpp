@@ -83,6 +83,8 @@ void RowUpdater::setAttributes(const Row& row) {
   for (const auto& [key, value] : update_.attributes) {
     if (key.empty()) {
       reject("attributes", "An attribute's name cannot be empty");
+    } else if (key == "done" && value) {
+      attributes.setFirst(key, *value);  // where the formats write it as the task's mark
     } else if (value) {
       attributes.set(key, *value);
     } else {
