@@ -170,7 +170,7 @@ TEST_P(Documentation, NamesCommandsThatExist) {
 }
 
 INSTANTIATE_TEST_SUITE_P(, Documentation,
-                         testing::Values("docs/agents.md", "docs/formats.md", "docs/headless.md",
+                         testing::Values("README.md", "docs/agents.md", "docs/formats.md", "docs/headless.md",
                                          "docs/mcp.md", "docs/outline_path.md", "docs/protocol.md",
                                          "docs/scripting.md"),
                          [](const auto& page) { return fs::path(page.param).stem().string(); });
