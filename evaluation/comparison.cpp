@@ -20,7 +20,7 @@ constexpr std::uint32_t kFewSteps = 100, kMostSteps = 100'000;
 
 PCRE2_SPTR unitsOf(std::string_view text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
 
-std::string quoted(std::string_view pattern) { return '"' + std::string(pattern) + '"'; }
+std::string inQuotes(std::string_view pattern) { return '"' + std::string(pattern) + '"'; }
 
 pcre2_code* compile(std::string_view pattern, bool ignoreCase) {
   const std::uint32_t options = PCRE2_UTF | PCRE2_UCP | PCRE2_MATCH_INVALID_UTF | PCRE2_NEVER_BACKSLASH_C |
@@ -31,7 +31,7 @@ pcre2_code* compile(std::string_view pattern, bool ignoreCase) {
   if (code != nullptr) return code;
   std::array<PCRE2_UCHAR, 120> reason{};
   pcre2_get_error_message(error, reason.data(), reason.size());
-  throw EvaluationError(quoted(pattern) +
+  throw EvaluationError(inQuotes(pattern) +
                         " is no valid pattern: " + reinterpret_cast<const char*>(reason.data()));
 }
 
@@ -71,7 +71,7 @@ bool Pattern::isIn(std::string_view text, Work& work) const {
     result = compiled_->search(text, steps);
   }
   if (result < 0 && result != PCRE2_ERROR_NOMATCH) {
-    throw EvaluationError(quoted(compiled_->text) + " takes too long to be searched for");
+    throw EvaluationError(inQuotes(compiled_->text) + " takes too long to be searched for");
   }
   return result >= 0;
 }

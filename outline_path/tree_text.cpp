@@ -36,7 +36,7 @@ std::string inOneLine(std::string_view text) {
   return line;
 }
 
-std::string quoted(std::string_view text) { return '"' + inOneLine(text) + '"'; }
+std::string inQuotes(std::string_view text) { return '"' + inOneLine(text) + '"'; }
 
 /// Writes a node a line. The overloads of `write` are the labels and children of each type of node.
 class TreeWriter {
@@ -84,7 +84,7 @@ class TreeWriter {
     if (filter.predicate) below(*filter.predicate);
   }
 
-  void write(const ContainsText& node) { line("contains text " + quoted(node.text)); }
+  void write(const ContainsText& node) { line("contains text " + inQuotes(node.text)); }
   void write(const ContainsAttribute& node) { line("contains attribute @" + node.attribute.name()); }
   void write(const Comparison& node) { branch(print(node.relation), node.left, node.right); }
   void write(const Or& node) { branch(spelling(PredicateOp::orOf), *node.left, *node.right); }
@@ -97,7 +97,7 @@ class TreeWriter {
   void write(double number) { line(textOf(number)); }
   void write(const Attribute& attribute) { line("value @" + attribute.name()); }
   void write(const Variable& variable) { line("value $" + variable.name); }
-  void write(const Literal& literal) { line("value " + quoted(literal.text)); }
+  void write(const Literal& literal) { line("value " + inQuotes(literal.text)); }
   void write(const Unquoted& unquoted) { line("unquoted " + unquoted.word); }
   void write(const Additive& node) { branch(spelling(node.op), *node.left, *node.right); }
   void write(const Multiplicative& node) { branch(spelling(node.op), *node.left, *node.right); }
