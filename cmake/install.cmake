@@ -91,5 +91,5 @@ set(CPACK_PACKAGE_DESCRIPTION_SUMMARY "read and change outlines at a shell, in s
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION utils)
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
-set(CPACK_DEBIAN_PACKAGE_SUGGESTS "libplist3 | libplist-2.0-4")
+set(CPACK_DEBIAN_PACKAGE_DEPENDS "libplist3 | libplist-2.0-4")  # loaded when the bundle's Info.plist is read
 include(CPack)
