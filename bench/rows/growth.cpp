@@ -1,6 +1,5 @@
 // How much longer `vell-headless` takes with a hundred times as much to do, and beside sqlite3 and jq.
 
-#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <functional>
@@ -86,8 +85,9 @@ double openFiles(int count) {
     files.push_back(server.stage().path("note-" + std::to_string(i) + ".md"));
     writeOutlineFile(files.back(), 20);
   }
-  return secondsFor(
-      1, [&] { std::for_each(files.begin(), files.end(), [&](auto& file) { server.open(file); }); });
+  return secondsFor(1, [&] {
+    for (const std::string& file : files) server.open(file);
+  });
 }
 
 double observeChange(int rows) {
@@ -144,37 +144,29 @@ constexpr Filter filters[] = {
     {R"(//* @text contains "needle")", "select text from rows where instr(text, 'needle') order by id",
      R"(select(.type and ([.text[].string] | add | contains("needle"))))"},
     {"//heading/task @priority",
-     "select row.text from rows row join rows above on row.parent = above.id where above.type = 'heading' "
-     "and "
-     "row.type = 'task' and row.priority is not null order by row.id",
+     R"(select task.text from rows task join rows heading on task.parent = heading.id
+         where heading.type = 'heading' and task.type = 'task' and task.priority is not null order by task.id)",
      R"(select(.type == "heading") | .children[]? | select(.type == "task" and .attributes.priority))"},
 };
 
-/// Puts the rows of an outline into a table, the attributes that are asked for in columns.
-void fillDatabase(const std::string& database, const std::string& vellFile) {
+/// A database with a table of a server's rows, the attributes that are asked for in columns.
+std::string databaseOf(const OutlineServer& server) {
+  std::string database = server.stage().path("rows.db");
+  if (std::filesystem::exists(database)) return database;
   document::Outline outline;
-  std::ifstream in(vellFile, std::ios::binary);
+  std::ifstream in(server.file("vell"), std::ios::binary);
   formats::readFile(*formats::formatNamed("vell"), {std::istreambuf_iterator<char>(in), {}}, {}, outline);
-  std::ofstream sql(database + ".sql");
-  sql << "create table rows (id integer primary key, parent integer, type text, text text, done text, "
-         "priority "
-         "integer);\nbegin;\n";
   const auto value = [](const std::string* text) { return text ? "'" + *text + "'" : std::string("null"); };
+  std::ofstream sql(database + ".sql");
+  sql << "create table rows (id integer primary key, parent, type, text, done, priority integer);\nbegin;\n";
   const document::Row* root = &outline.root();
   for (const document::Row* row = root->firstChild(); row; row = nextInOrder(row, root)) {
     sql << "insert into rows values (" << row->id() << "," << row->parent()->id() << ",'" << name(row->type())
         << "','" << row->text().string() << "'," << value(row->attributes().find("done")) << ","
         << value(row->attributes().find("priority")) << ");\n";
   }
-  sql << "commit;\n";
-  sql.close();
+  sql << "commit;\n" << std::flush;
   run({"sqlite3", database, ".read " + database + ".sql"});
-}
-
-/// The database of a server's outline, made when it is first asked for.
-std::string databaseOf(const OutlineServer& server) {
-  std::string database = server.stage().path("rows.db");
-  if (!std::filesystem::exists(database)) fillDatabase(database, server.file("vell"));
   return database;
 }
 
@@ -199,7 +191,7 @@ void filtersBesideOthers(Table& table, int rows) {
     const bool isSame = size("ours") == size("sqlite3") + 1 || size("ours") == size("sqlite3");  // a line end
     if (!isSame || size("sqlite3") != size("jq"))
       throw std::runtime_error(std::string("not the same rows: ") + filter.path);
-    table.add({filter.path, times[0], "sqlite3, " + std::to_string(rows) + " rows", times[1], {}});
+    table.add({filter.path, times[0], "sqlite3, " + std::to_string(rows) + " rows", times[1], Target{}});
     table.add({filter.path, times[0], "jq, " + std::to_string(rows) + " rows", times[2], atLeast(10)});
   }
 }
@@ -218,11 +210,8 @@ void updateBesideSqlite(Table& table, int rows) {
     return run({"sqlite3", database, update}).seconds;
   };
   const auto times = medians({{"vell", ours}, {"sqlite3", theirs}}, rounds);
-  table.add({"update one of " + std::to_string(rows) + " rows, on disk",
-             times[0],
-             "sqlite3, synchronous = full",
-             times[1],
-             {}});
+  const std::string work = "update one of " + std::to_string(rows) + " rows, on disk";
+  table.add({work, times[0], "sqlite3, synchronous = full", times[1], Target{}});
 }
 
 void measureUpTo(Table& table, int most) {
