@@ -57,7 +57,9 @@ void writeOutlineFile(const std::string& file, int rows) {
 }
 
 OutlineServer::OutlineServer(int rows)
-    : rows_(rows), application_({VELL_HEADLESS}), client_(connect(stage_.socket())) {}
+    : rows_(rows),
+      application_({"sh", "-c", "exec \"$0\" 2>/dev/null", VELL_HEADLESS}),  // it greets people
+      client_(connect(stage_.socket())) {}
 
 std::string OutlineServer::file(const std::string& extension) const {
   std::string file = stage_.path("outline." + extension);
