@@ -123,7 +123,7 @@ void pathEvaluate(Table& table) {
                  {"small", [&] { return secondsFor(10, [&] { findOurs(small, pair.ours); }); }}},
                 3);
     table.add({pair.ours, times[0], "pugixml, a million rows", times[1], atMost(1.5)});
-    table.add({pair.ours, times[0], "vell, 10,000 rows", times[2], atMost(1.1), Unit::seconds,
+    table.add({pair.ours, times[0], "vell, 10,000 rows", times[2], Target{}, Unit::seconds,
                double{manyRows} / fewRows});
     ours += std::log(times[0]);
     theirs += std::log(times[1]);
