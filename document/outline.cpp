@@ -5,22 +5,25 @@
 
 namespace vell::document {
 
-Outline::Outline(SessionId firstId) : firstId_(firstId), root_(&rows_.emplace_back()) {
+Outline::Outline(SessionId firstId) : firstId_(firstId) {
+  root_ = rows_.emplace_back(std::make_unique<Row>()).get();
   root_->id_ = rootId;
   root_->type_ = RowType::root;
   root_->inTree_ = true;
 }
 
-void Outline::replaceWith(Outline&& other) {
+void Outline::exchangeWith(Outline& other) {
   const std::uint64_t revision = revision_;
+  Outline former(std::move(*this));
   *this = std::move(other);
+  other = std::move(former);
   revision_ += revision + 1;
 }
 
 Row* Outline::find(SessionId id) {
   if (id != rootId && (id < firstId_ || id >= nextId())) return nullptr;
-  Row& row = rowOf(id);
-  return row.inTree_ ? &row : nullptr;
+  Row* row = rowOf(id).get();
+  return row && row->inTree_ ? row : nullptr;
 }
 
 const Row* Outline::find(SessionId id) const { return const_cast<Outline*>(this)->find(id); }
@@ -34,13 +37,12 @@ const Row* Outline::findPersistent(std::string_view id) const {
   return const_cast<Outline*>(this)->findPersistent(id);
 }
 
-Row& Outline::mutableRow(const Row& row) { return rowOf(row.id_); }
-
 Row* Outline::create(RowType type, Text text, Timestamp created) {
   const SessionId id = nextId();
   if (id == std::numeric_limits<SessionId>::max())
     throw std::length_error("the outline has used up its row ids");
-  Row& row = rows_.emplace_back();
+  Row& row = *rows_.emplace_back(std::make_unique<Row>());
+  ++heldRows_;
   row.id_ = id;
   row.type_ = type;
   row.text_ = std::move(text);
@@ -86,17 +88,19 @@ void Outline::leaveTree(Row& top) {
   }
 }
 
-void Outline::discard(Row& top) {
-  for (const Row* at = &top; at; at = nextInOrder(at, &top)) {
-    Row& row = mutableRow(*at);
-    row.text_ = Text();
-    row.attributes_ = Attributes();
-    row.persistentId_ = std::string();
+void Outline::discard(SessionId id) {
+  const Row* top = rowOf(id).get();
+  std::vector<SessionId> freed;
+  for (const Row* row = top; row; row = nextInOrder(row, top)) freed.push_back(row->id_);
+  for (const SessionId row : freed) {
+    rowOf(row).reset();
+    if (source_) source_->forget(row);
   }
+  heldRows_ -= freed.size();
 }
 
 void Outline::structureChanged() {
-  numbered_ = false;
+  numbering_.valid = false;
   ++revision_;
 }
 
@@ -134,7 +138,9 @@ void Outline::setTimes(Row& row, Timestamp created, Timestamp modified) {
 }
 
 void Outline::number() const {
-  if (numbered_) return;
+  if (numbering_.valid) return;
+  const std::lock_guard lock(numbering_.mutex);
+  if (numbering_.valid) return;
   rowsInOrder_.resize(rowCount_ + 1);
   std::uint32_t order = 0;
   const Row* row = root_;
@@ -154,7 +160,7 @@ void Outline::number() const {
     }
     if (row) row = row->next_;
   }
-  numbered_ = true;
+  numbering_.valid = true;
 }
 
 }  // namespace vell::document

@@ -1,7 +1,8 @@
 #pragma once
 
-#include <deque>
+#include <atomic>
 #include <memory>
+#include <mutex>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -20,8 +21,8 @@ namespace vell::document {
 ///   for (const Row* row = outline.root().firstChild(); row; row = nextInOrder(row, &outline.root())) …
 ///
 /// These are the bare operations that readers use; none of them sets `modified`. Later changes go through an
-/// Edit (headless/editing/edit.h), which records them for undo. Not safe for use by several threads at once,
-/// reading included (numbering is done when it is asked for).
+/// Edit (headless/editing/edit.h), which records them for undo. Several threads may read at once while none
+/// changes anything.
 class Outline {
  public:
   /// The first row that is created gets the id `firstId`, at least 2, the next ones those that follow.
@@ -57,10 +58,12 @@ class Outline {
   Row* findPersistent(std::string_view id);
   const Row* findPersistent(std::string_view id) const;
   /// The changeable form of a row of this outline.
-  Row& mutableRow(const Row& row);
+  Row& mutableRow(const Row& row) { return const_cast<Row&>(row); }
 
-  /// Takes over everything that the other outline holds. The rows of this one are freed, in the tree or not.
-  void replaceWith(Outline&& other);
+  /// Takes over everything that the other outline holds, and leaves it what this one held.
+  void exchangeWith(Outline& other);
+  /// Rows in the tree or outside it, without the root.
+  std::size_t heldRows() const { return heldRows_; }
   /// The id of the next row that is created.
   SessionId nextId() const { return firstId_ + static_cast<SessionId>(rows_.size() - 1); }
 
@@ -69,10 +72,10 @@ class Outline {
   /// Puts a row (with the subtree it has) under `parent`, before that child or last. The row must be outside
   /// the tree. Rows of it whose persistent id is in use lose it.
   void insert(Row& row, Row& parent, Row* before = nullptr);
-  /// Takes a row with its subtree out of the tree. The rows stay alive for as long as the outline does.
+  /// Takes a row with its subtree out of the tree. The rows stay alive until they are discarded.
   void remove(Row& row);
-  /// Frees the content of a subtree that is outside the tree and cannot come back.
-  void discard(Row& row);
+  /// Frees a row that is outside the tree, with its subtree; nothing where it was freed already.
+  void discard(SessionId row);
 
   void setType(Row& row, RowType type);
   void setText(Row& row, Text text);
@@ -90,8 +93,22 @@ class Outline {
   std::uint64_t revision() const { return revision_; }
 
  private:
+  /// Makes the numbers for one reader at a time.
+  struct Numbering {
+    std::mutex mutex;
+    std::atomic<bool> valid = false;
+
+    Numbering() = default;
+    Numbering(Numbering&&) noexcept {}
+    Numbering& operator=(Numbering&&) noexcept {
+      valid = false;
+      return *this;
+    }
+  };
+
+  Outline(Outline&&) = default;
   Outline& operator=(Outline&&) = default;
-  Row& rowOf(SessionId id) { return rows_[id == rootId ? 0 : id - firstId_ + 1]; }
+  std::unique_ptr<Row>& rowOf(SessionId id) { return rows_[id == rootId ? 0 : id - firstId_ + 1]; }
   void contentChanges(const Row& row);
   void enterTree(Row& top);
   void leaveTree(Row& top);
@@ -103,13 +120,14 @@ class Outline {
   std::unique_ptr<Source> source_;
   static constexpr SessionId rootId = 1;
   SessionId firstId_;
-  std::deque<Row>
-      rows_;  ///< the root, then all that were created; their ids follow one another from `firstId_`
+  /// The root, then all that were created, null where freed; their ids follow one another from `firstId_`.
+  std::vector<std::unique_ptr<Row>> rows_;
   Row* root_;
+  std::size_t heldRows_ = 0;
   std::size_t rowCount_ = 0;
   std::unordered_map<std::string_view, Row*> persistentIds_;  ///< of the rows in the tree
   std::uint64_t revision_ = 0;
-  mutable bool numbered_ = false;
+  mutable Numbering numbering_;
   mutable std::vector<const Row*> rowsInOrder_;
 };
 

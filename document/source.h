@@ -66,6 +66,8 @@ class Source {
   const RowContent* original(SessionId row) const;
   /// Keeps what a row of this source says, before its first change.
   void keepOriginal(const Row& row);
+  /// Drops what a row said that is freed.
+  void forget(SessionId row) { originals_.erase(row); }
 
  private:
   std::string_view format_;

@@ -25,6 +25,8 @@ class Abandoned : public std::exception {
 class ApplicationAccess {
  public:
   std::mutex& mutex() { return mutex_; }
+  /// Wakes the threads that wait for others.
+  void announce() { changed_.notify_all(); }
 
  private:
   friend class ApplicationHold;
@@ -43,11 +45,12 @@ class ApplicationHold {
   /// The hold of this thread; null where it has none.
   static ApplicationHold* current();
 
+  bool isAside() const { return !lock_.owns_lock(); }
   void setAside() { lock_.unlock(); }
   void takeBack() { lock_.lock(); }
   /// Sets the application aside until another thread announces something. Throws Abandoned.
   void waitForOthers();
-  void announce() { access_.changed_.notify_all(); }
+  void announce() { access_.announce(); }
   bool isAbandoned() const { return abandoned_; }
 
  private:
@@ -59,11 +62,11 @@ class ApplicationHold {
 /// Throws Abandoned where nobody wants the work of this thread any longer. Cheap; for loops that run beside.
 void throwIfAbandoned();
 
-/// Runs `work` while others have the application.
+/// Runs `work` while others have the application. Within such work it changes nothing.
 template <class Work>
 void beside(Work&& work) {
   ApplicationHold* const hold = ApplicationHold::current();
-  if (hold == nullptr) return work();
+  if (hold == nullptr || hold->isAside()) return work();
   hold->setAside();
   try {
     work();

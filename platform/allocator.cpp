@@ -13,4 +13,10 @@ void keepFreedMemory([[maybe_unused]] std::size_t bytes) {
 #endif
 }
 
+void returnFreedMemory() {
+#ifdef M_TRIM_THRESHOLD
+  malloc_trim(0);
+#endif
+}
+
 }  // namespace vell::platform

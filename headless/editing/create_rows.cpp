@@ -3,6 +3,7 @@
 #include <utility>
 
 #include "formats/format.h"
+#include "headless/access.h"
 #include "headless/editing/problem.h"
 #include "headless/editing/row_refs.h"
 
@@ -32,6 +33,7 @@ std::vector<const Row*> createRows(Edit& edit, std::string_view markdown, const 
   std::vector<const Row*> created;
   created.reserve(read.rowCount());
   for (const Row* row = read.root().firstChild(); row; row = row->next()) {
+    throwIfAbandoned();
     Row& copy = copyRow(edit, *row, PersistentIds::taken, created);
     edit.insert(copy, *destination.parent, destination.before);
   }

@@ -36,12 +36,15 @@ struct BytesHeld {
   }
 };
 
+/// All are found before any is freed, as one may lie below another.
 void discard(Outline& outline, const std::vector<Change>& changes, bool PlaceBefore::*which) {
+  std::vector<SessionId> gone;
   for (const Change& change : changes) {
     const auto* place = std::get_if<PlaceBefore>(&change);
     if (place != nullptr && place->*which && outline.find(place->row->id()) == nullptr)
-      outline.discard(*place->row);
+      gone.push_back(place->row->id());
   }
+  for (const SessionId row : gone) outline.discard(row);
 }
 
 ContentBefore contentOf(Row& row) {
@@ -163,6 +166,7 @@ Row& Edit::recordContent(const Row& changed) {
 void Edit::rollBack() {
   std::vector<Change> changes = take();
   undo(outline_, changes);
+  discardCreated(outline_, changes);
 }
 
 bool carriesText(RowType type) { return type != RowType::hr; }

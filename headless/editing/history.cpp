@@ -57,10 +57,9 @@ bool History::redo() {
   return true;
 }
 
-void History::clear() {
-  undoSteps_.clear();
-  redoSteps_.clear();
+std::pair<std::deque<History::Step>, std::vector<History::Step>> History::clear() {
   undoBytes_ = 0;
+  return {std::exchange(undoSteps_, {}), std::exchange(redoSteps_, {})};
 }
 
 }  // namespace vell::headless

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 #include <deque>
+#include <utility>
 #include <vector>
 
 #include "headless/editing/edit.h"
@@ -31,9 +32,7 @@ class History {
   /// False where there is nothing to undo or redo.
   bool undo();
   bool redo();
-  void clear();
 
- private:
   struct Step {
     std::vector<Change> changes;
     EditorPlace before;
@@ -41,7 +40,10 @@ class History {
     Group group = noGroup;
     std::size_t bytes = 0;  ///< held while the step can be undone
   };
+  /// Ends the history. What it held is the caller's, to be freed.
+  std::pair<std::deque<Step>, std::vector<Step>> clear();
 
+ private:
   void extend(Step& step, std::vector<Change> changes);
   void dropOldest();
   void cutGroup();

@@ -3,6 +3,8 @@
 #include <unordered_set>
 #include <utility>
 
+#include "headless/access.h"
+
 namespace vell::headless {
 namespace {
 
@@ -39,7 +41,7 @@ Transaction::Transaction(Outline& outline, Editor& editor, History& history, std
 
 Transaction::~Transaction() {
   if (!open_) return;
-  edit_.rollBack();
+  beside([this] { edit_.rollBack(); });
   editor_.restore(before_);
 }
 
@@ -64,7 +66,7 @@ bool Transaction::redo() {
 }
 
 void Transaction::commit() {
-  closeStep();
+  beside([this] { closeStep(); });
   open_ = false;
   committed_();
 }

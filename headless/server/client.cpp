@@ -47,7 +47,8 @@ json::Text Client::takeRequest() {
 }
 
 void Client::flush() {
-  while (!output_.empty() && !broken_) {
+  const std::size_t before = backlog_;
+  while (!output_.empty() && !broken_ && before - backlog_ < flushTurn) {
     const std::string& front = *output_.front();
     const ssize_t count = platform::writeSocket(descriptor(), front.data() + taken_, front.size() - taken_);
     if (count < 0) {

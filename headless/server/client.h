@@ -22,6 +22,7 @@ class Client {
 
   static constexpr std::size_t lineLimit = 64 << 20;
   static constexpr std::size_t backlogLimit = 1 << 20;
+  static constexpr std::size_t flushTurn = 4 << 20;
 
   /// The socket must not block.
   Client(std::uint64_t id, platform::Descriptor socket) : id_(id), socket_(std::move(socket)) {}
@@ -33,7 +34,7 @@ class Client {
 
   /// Reads what has come, up to the next request.
   void receive();
-  /// Writes what the client takes without waiting.
+  /// Writes what the client takes without waiting, up to `flushTurn` bytes so that others get their turn.
   void flush();
   /// Queues bytes, which must make whole lines in the end.
   void send(std::string bytes) { send(std::make_shared<const std::string>(std::move(bytes))); }

@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 #include <stdexcept>
+#include <utility>
 
 #include "headless/access.h"
 #include "headless/editing/problem.h"
@@ -21,8 +22,9 @@ struct NamedMethod {
   bool isLong = false;     ///< whatever it is asked for
 };
 
-/// Rows that are read and written within a few milliseconds.
-constexpr std::size_t quicklyRead = 5'000;
+/// Rows that are read and written within a few milliseconds, and a line of request that is.
+constexpr std::size_t quicklyRead = 2'000;
+constexpr std::size_t quicklyParsed = 16 << 10;
 
 constexpr std::nullopt_t none = std::nullopt;
 constexpr Use reads = Use::reading;
@@ -39,12 +41,12 @@ constexpr std::array table = {
     NamedMethod{"editor.update",              methods::editorUpdate,              changes},
     NamedMethod{"headless.status",            methods::headlessStatus,            none},
     NamedMethod{"outline.bringToFront",       methods::outlineBringToFront,       none},
-    NamedMethod{"outline.close",              methods::outlineClose,              changes},
+    NamedMethod{"outline.close",              methods::outlineClose,              changes, true},
     NamedMethod{"outline.findByPath",         methods::outlineFindByPath,         none},
     NamedMethod{"outline.findByPersistentId", methods::outlineFindByPersistentId, none},
     NamedMethod{"outline.get",                methods::outlineGet,                reads},
     NamedMethod{"outline.list",               methods::outlineList,               none},
-    NamedMethod{"outline.new",                methods::outlineNew,                none},
+    NamedMethod{"outline.new",                methods::outlineNew,                none, true},
     NamedMethod{"outline.newContent",         methods::outlineNewContent,         none},
     NamedMethod{"outline.observe",            methods::outlineObserve,            reads},
     NamedMethod{"row.create",                 methods::rowCreate,                 changes},
@@ -94,17 +96,27 @@ OpenOutline* subject(const Application& application, const Params& params) {
 
 std::string carryOut(std::string_view name, const Call& call) {
   const NamedMethod& method = methodNamed(name);
-  if (!method.use) return method.method(call);
-  const auto find = [&] {
-    OpenOutline* opened = subject(call.application, call.params);
-    if (opened != nullptr) call.application.refresh(*opened);
-    return opened;
-  };
-  const OutlineUse use(find, *method.use);
-  return method.method(call);
+  return method.use ? carryOut(method.method, *method.use, call) : method.method(call);
 }
 
-Incoming::Incoming(json::Text line) {
+std::string carryOut(Method method, Use use, const Call& call) {
+  // On the loop, where nobody can wait for it, the outline has been looked at before.
+  bool isFresh = ApplicationHold::current() == nullptr;
+  const auto find = [&] {
+    OpenOutline* opened = subject(call.application, call.params);
+    if (opened != nullptr && !std::exchange(isFresh, true)) call.application.refresh(*opened);
+    return opened;
+  };
+  const OutlineUse inUse(find, use);
+  return method(call);
+}
+
+Incoming::Incoming(json::Text line) : line_(std::move(line)) {
+  if (line_.view().size() <= quicklyParsed) parse();
+}
+
+void Incoming::parse() {
+  json::Text line = std::exchange(line_, {});
   if (isBlank(line.view())) return;
   try {
     request_.emplace(std::move(line));
@@ -113,31 +125,37 @@ Incoming::Incoming(json::Text line) {
   }
 }
 
-bool Incoming::mayTakeLong(const Application& application) const {
+bool Incoming::mayTakeLong(Application& application) const {
+  if (!isParsed()) return true;
   if (!request_) return false;
   try {
     const NamedMethod& method = methodNamed(request_->method());
     const Params params = request_->params();
     if (method.isLong || !method.use) return method.isLong;
-    const OpenOutline* opened = subject(application, params);
-    return opened != nullptr && (!opened->users()->admits(*method.use) ||
-                                 opened->outline().rowCount() > quicklyRead || params.mentionPath());
+    OpenOutline* opened = subject(application, params);
+    if (opened == nullptr) return false;
+    application.refresh(*opened);
+    return !opened->users()->admits(*method.use) || opened->outline().heldRows() > quicklyRead ||
+           params.mentionPath();
   } catch (const std::exception&) {
     return false;  // its answer will be an error
   }
 }
 
-std::string Incoming::refusal(const Problem& problem) const {
+std::string Incoming::refusal(const Problem& problem) {
+  if (!isParsed()) parse();
   return request_ && request_->wantsAnswer() ? errorLine(request_->id(), RpcCode::application, problem.what())
                                              : std::string();
 }
 
-std::string Incoming::answer(Application& application, const Subscriber& subscriber) const {
+std::string Incoming::answer(Application& application, const Subscriber& subscriber) {
+  if (!isParsed()) beside([this] { parse(); });
   if (!request_) return refusal_;
   std::string answered;
   try {
     const Params params = request_->params();
-    answered = resultLine(request_->id(), carryOut(request_->method(), {application, params, &subscriber}));
+    const std::string result = carryOut(request_->method(), {application, params, &subscriber});
+    beside([&] { answered = resultLine(request_->id(), result); });
   } catch (const Abandoned&) {
     throw;
   } catch (...) {

@@ -66,6 +66,7 @@ void EventLoop::post(Task task) {
   asio::post(context_, [this, task = std::move(task)] {
     const std::lock_guard held(access_.mutex());
     task();
+    access_.announce();
   });
 }
 

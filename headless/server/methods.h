@@ -4,6 +4,7 @@
 #include <string>
 #include <string_view>
 
+#include "headless/access.h"
 #include "headless/server/params.h"
 #include "headless/storage/application.h"
 
@@ -24,7 +25,17 @@ struct Call {
   const Subscriber* subscriber = nullptr;   ///< null where no client can be notified
   History::Group group = History::noGroup;  ///< of the changes that it makes
 
-  Transaction begin(OpenOutline& opened) const { return application.begin(opened, group); }
+  /// Changes the outline in one transaction and returns what `work` answers. That runs beside the
+  /// application and must touch nothing but the outline with its editor.
+  template <class Work>
+  std::string change(OpenOutline& opened, Work work) const {
+    Transaction transaction = application.begin(opened, group);
+    const RowRefs refs = opened.refs();
+    std::string answer;
+    beside([&] { answer = work(transaction, refs); });
+    transaction.commit();
+    return answer;
+  }
 };
 
 /// Answers one request with the JSON text of its result. Failures are thrown: RpcError for bad params,

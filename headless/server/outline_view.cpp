@@ -18,6 +18,19 @@ const formats::Format& formatParam(const Params& params) {
   Params::fail("format", "one of " + names, "\"" + name + "\"");
 }
 
+template <class Select>
+std::string render(const OutlineView& view, const Outline& outline, bool every, Select select) {
+  std::string text;
+  beside([&] {
+    view.format->write(
+        outline,
+        every ? formats::placeAll(outline, view.shape) : formats::placeSome(outline, select(), view.shape),
+        view.rowsOnly, text);
+    if (!view.format->isJson) text = json::quoted(text);
+  });
+  return text;
+}
+
 }  // namespace
 
 OutlineView viewParams(const Params& params) {
@@ -27,25 +40,20 @@ OutlineView viewParams(const Params& params) {
           params.flag("rows", false)};
 }
 
-formats::PlacedRows placeRefs(const OpenOutline& opened, const std::vector<std::string>& refs,
-                              formats::Shape shape) {
-  if (refs.empty()) return formats::placeAll(opened.outline(), shape);
-  if (refs.size() == 1 && refs.front() == everyRow) return formats::placeAll(opened.outline(), shape);
-  return formats::placeSome(opened.outline(), opened.refs().rows(refs), shape);
+std::string renderRefs(const OutlineView& view, const OpenOutline& opened,
+                       const std::vector<std::string>& refs) {
+  const bool every = refs.empty() || (refs.size() == 1 && refs.front() == everyRow);
+  const RowRefs rows = opened.refs();
+  return render(view, opened.outline(), every, [&] { return rows.rows(refs); });
 }
 
-formats::PlacedRows placePath(const OpenOutline& opened, const std::string& path, formats::Shape shape) {
-  if (path == everyRow) return formats::placeAll(opened.outline(), shape);
-  return formats::placeSome(opened.outline(), selectRows(opened.outline(), opened.editor(), path), shape);
+std::string renderPath(const OutlineView& view, const OpenOutline& opened, const std::string& path) {
+  return render(view, opened.outline(), path == everyRow,
+                [&] { return selectRows(opened.outline(), opened.editor(), path); });
 }
 
-std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows) {
-  std::string text;
-  beside([&] {
-    view.format->write(outline, rows, view.rowsOnly, text);
-    if (!view.format->isJson) text = json::quoted(text);
-  });
-  return text;
+void checkPath(const OpenOutline& opened, const std::string& path) {
+  if (path != everyRow) selectRows(opened.outline(), opened.editor(), path);
 }
 
 }  // namespace vell::headless

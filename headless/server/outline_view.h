@@ -19,14 +19,16 @@ struct OutlineView {
 /// Throws RpcError(invalidParams).
 OutlineView viewParams(const Params& params);
 
-/// The rows of those references, every row where there are none. Throws Problem.
-formats::PlacedRows placeRefs(const OpenOutline& opened, const std::vector<std::string>& refs,
-                              formats::Shape shape);
+// The JSON text of rows: a value, or for text formats one string. Made beside the application.
 
-/// The rows that the path selects. Throws Problem where it is not valid or selects a value.
-formats::PlacedRows placePath(const OpenOutline& opened, const std::string& path, formats::Shape shape);
+/// Of the rows of those references, of every row where there are none. Throws Problem.
+std::string renderRefs(const OutlineView& view, const OpenOutline& opened,
+                       const std::vector<std::string>& refs);
 
-/// The JSON text of those rows: a value, or for text formats one string.
-std::string render(const OutlineView& view, const Outline& outline, const formats::PlacedRows& rows);
+/// Of the rows that the path selects. Throws Problem where it is not valid or selects a value.
+std::string renderPath(const OutlineView& view, const OpenOutline& opened, const std::string& path);
+
+/// Throws Problem where the path is not valid or does not select rows.
+void checkPath(const OpenOutline& opened, const std::string& path);
 
 }  // namespace vell::headless

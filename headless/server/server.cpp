@@ -106,14 +106,14 @@ void Server::serve(Client& client) {
 
 /// Answers the next request or has it answered.
 void Server::begin(Client& client) {
-  const auto request = std::make_shared<const Incoming>(client.takeRequest());
+  const auto request = std::make_shared<Incoming>(client.takeRequest());
   if (request->mayTakeLong(application_)) return startJob(client, request);
   client.send(request->answer(application_, {subscriptions_, client.id()}));
   client.flush();
   if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
 }
 
-void Server::startJob(Client& client, std::shared_ptr<const Incoming> request) {
+void Server::startJob(Client& client, std::shared_ptr<Incoming> request) {
   const std::uint64_t id = client.id();
   if (workers_.count() >= limits_.jobs) {
     client.setJob(waitingJob);

@@ -62,7 +62,7 @@ class Server : private NotificationSink {
   void takeTurn(std::uint64_t id);
   void serve(Client& client);
   void begin(Client& client);
-  void startJob(Client& client, std::shared_ptr<const Incoming> request);
+  void startJob(Client& client, std::shared_ptr<Incoming> request);
   void finishJob(std::uint64_t id, std::string answer);
   void startWaiting();
   void lookAfterJobs();
@@ -83,8 +83,7 @@ class Server : private NotificationSink {
   std::map<std::uint64_t, std::unique_ptr<Client>> clients_;
   Subscriptions subscriptions_;
   std::set<std::uint64_t> turns_;  // clients with requests left for their next turn
-  std::deque<std::pair<std::uint64_t, std::shared_ptr<const Incoming>>>
-      waiting_;  // by client; for a job to end
+  std::deque<std::pair<std::uint64_t, std::shared_ptr<Incoming>>> waiting_;  // by client; for a job to end
   Workers workers_;
 };
 

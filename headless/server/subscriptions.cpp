@@ -34,7 +34,7 @@ Subscriptions::~Subscriptions() {
 
 std::string Subscriptions::observeOutline(std::uint64_t client, OpenOutline& opened, const std::string& path,
                                           const OutlineView& view) {
-  placePath(opened, path, view.shape);
+  checkPath(opened, path);
   return add(client, {&opened, path, view});
 }
 
@@ -166,10 +166,8 @@ void Subscriptions::render(const Subject& subject, Snapshot& snapshot) const {
   if (subject.opened == nullptr) {
     text = summaries(application_);
   } else {
-    const OpenOutline& opened = *subject.opened;
     try {
-      text = headless::render(subject.view, opened.outline(),
-                              placePath(opened, subject.path, subject.view.shape));
+      text = renderPath(subject.view, *subject.opened, subject.path);
     } catch (const Abandoned&) {
       throw;
     } catch (const std::exception& failure) {

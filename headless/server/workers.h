@@ -1,15 +1,15 @@
 #pragma once
 
-#include <pthread.h>
-
 #include <atomic>
 #include <cstdint>
 #include <functional>
 #include <map>
 #include <memory>
+#include <optional>
 
 #include "headless/access.h"
 #include "headless/server/event_loop.h"
+#include "headless/thread.h"
 
 namespace vell::headless {
 
@@ -36,18 +36,17 @@ class Workers {
 
  private:
   struct Job {
-    Job(Workers& owner, Id number, std::function<void()> toDo, std::function<void()> behind)
-        : workers(owner), id(number), work(std::move(toDo)), done(std::move(behind)) {}
+    Job(Id number, std::function<void()> toDo, std::function<void()> behind)
+        : id(number), work(std::move(toDo)), done(std::move(behind)) {}
 
-    Workers& workers;
     const Id id;
     const std::function<void()> work;
     const std::function<void()> done;
     std::atomic<bool> abandoned = false;
-    pthread_t thread{};
+    std::optional<Thread> thread{};
   };
 
-  static void* run(void* job);
+  void run(const Job& job);
   void finish(Id id);
 
   EventLoop& loop_;

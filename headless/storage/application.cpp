@@ -28,7 +28,7 @@ Application::Application(Scheduler& scheduler, ApplicationSettings settings)
               .reloaded =
                   [this](OpenOutline& opened) {
                     remember(opened);
-                    reportFaultyIds(opened);
+                    reportIdFault(opened);
                     notifyChanged(opened);
                   },
               .moved = [this](OpenOutline& opened) { moved(opened); },
@@ -53,7 +53,7 @@ OpenOutline& Application::openBehind(const std::string& path) {
   if (OpenOutline* already = findOpen(standard)) return *already;
   auto opened = read(standard);
   if (OpenOutline* already = findByPath(standard)) return *already;  // somebody else was faster
-  reportFaultyIds(*opened);
+  reportIdFault(*opened);
   return addBehind(std::move(opened));
 }
 
@@ -78,7 +78,7 @@ bool Application::take(FoundFile file) {
     log(file.fault);
     return false;
   }
-  reportFaultyIds(*file.outline);
+  reportIdFault(*file.outline);
   addBehind(std::move(file.outline));
   return true;
 }
@@ -151,7 +151,7 @@ OpenOutline& Application::newUntitled(const formats::Format& format) {
   auto opened = OpenOutline::create(container_.pathForUntitled(extension), format);
   opened->setUntitled();
   opened->outline().setPersistentId(newUuid());
-  saver_.flush(*opened);
+  Saver::create(*opened);
   return add(std::move(opened));
 }
 
@@ -237,18 +237,8 @@ void Application::withIndex(Action action) {
   }
 }
 
-/// Warns about persistent ids that read as another kind of reference, so that they cannot name their rows.
-void Application::reportFaultyIds(const OpenOutline& opened) const {
-  std::string first;
-  std::size_t count = 0;
-  const Row& root = opened.outline().root();
-  for (const Row* row = nextInOrder(&root, &root); row != nullptr; row = nextInOrder(row, &root)) {
-    std::string fault = row->persistentId().empty() ? "" : persistentIdFault(row->persistentId());
-    if (!fault.empty() && ++count == 1) first = std::move(fault);
-  }
-  if (count == 0) return;
-  report(opened.storagePath() + ": the persistent id " + first +
-         (count > 1 ? ", and so would " + std::to_string(count - 1) + " more" : ""));
+void Application::reportIdFault(const OpenOutline& opened) const {
+  if (!opened.idFault().empty()) report(opened.storagePath() + ": " + opened.idFault());
 }
 
 void Application::bringToFront(const OpenOutline& outline) {
@@ -282,7 +272,7 @@ void Application::close(OpenOutline& outline, bool discard) {
   }
   if (!discard && outline.isUntitled()) setAside(outline);
   if (listener_ != nullptr) listener_->outlineClosing(outline);
-  outlines_.remove(outline);
+  saver_.free(outlines_.remove(outline));
   notifyListChanged();
 }
 
@@ -343,24 +333,19 @@ void Application::followFiles() {
 
 OpenOutline& Application::outline(const std::optional<std::string>& persistentId) {
   if (!persistentId) return frontmost();
-  if (OpenOutline* found = findByPersistentId(*persistentId)) return current(*found);
+  if (OpenOutline* found = findByPersistentId(*persistentId)) return *found;
   throw Problem("No open outline has the persistent id \"" + *persistentId + "\"");
 }
 
 OpenOutline& Application::outlineOfEditor(const std::optional<std::string>& editorId) {
   if (!editorId) return frontmost();
-  if (OpenOutline* found = findByEditor(*editorId)) return current(*found);
+  if (OpenOutline* found = findByEditor(*editorId)) return *found;
   throw Problem("No editor has the id \"" + *editorId + "\"");
 }
 
 OpenOutline& Application::frontmost() {
   if (outlines().empty()) throw Problem("No outline is open");
-  return current(*outlines().front());
-}
-
-OpenOutline& Application::current(OpenOutline& opened) {
-  refresh(opened);
-  return opened;
+  return *outlines().front();
 }
 
 void Application::refresh(OpenOutline& opened) {

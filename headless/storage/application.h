@@ -82,8 +82,7 @@ class Application {
   OpenOutline* findByPersistentId(const std::string& id) const { return outlines_.findByPersistentId(id); }
   OpenOutline* findByEditor(const std::string& id) const { return outlines_.findByEditor(id); }
 
-  /// The outline of that persistent id, the frontmost one where none is given, as its file is now. Throws
-  /// Problem.
+  /// The outline of that persistent id, the frontmost one where none is given. Throws Problem.
   OpenOutline& outline(const std::optional<std::string>& persistentId);
   /// The outline whose editor has that id, the frontmost one where none is given. Throws Problem.
   OpenOutline& outlineOfEditor(const std::optional<std::string>& editorId);
@@ -98,7 +97,7 @@ class Application {
   /// What people should know of how an outline is kept, a sentence each.
   std::vector<std::string> faults(const OpenOutline& opened) const { return saver_.faults(opened); }
 
-  /// Reads the outline anew where another program has changed its file, and nobody is at work on it.
+  /// Begins to read the outline anew where another program has changed its file, and nobody is at work on it.
   void refresh(OpenOutline& opened);
   /// Begins changes to an outline. Committing them calls `changed`.
   Transaction begin(OpenOutline& opened, History::Group group = History::noGroup);
@@ -120,7 +119,6 @@ class Application {
   bool isKeptByUs(const OpenOutline& outline) const;
   OpenOutline& frontmost();
   void followFiles();
-  OpenOutline& current(OpenOutline& opened);
   OpenOutline* findRenamed(const std::string& path);
   std::unique_ptr<OpenOutline> read(const std::string& path);
   void removeAbandonedBeside(const std::string& path);
@@ -130,7 +128,7 @@ class Application {
   void forget(const std::string& path);
   template <class Action>
   void withIndex(Action action);
-  void reportFaultyIds(const OpenOutline& opened) const;
+  void reportIdFault(const OpenOutline& opened) const;
   OpenOutline& add(std::unique_ptr<OpenOutline> opened);
   OpenOutline& addBehind(std::unique_ptr<OpenOutline> opened);
   OpenOutline* findOpen(const std::string& path);

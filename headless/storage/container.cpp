@@ -1,5 +1,7 @@
 #include "headless/storage/container.h"
 
+#include <fcntl.h>
+
 #include <algorithm>
 #include <charconv>
 #include <cstdio>
@@ -9,6 +11,7 @@
 #include "headless/editing/uuid.h"
 #include "headless/storage/files.h"
 #include "headless/storage/paths.h"
+#include "platform/descriptor.h"
 
 namespace vell::headless {
 namespace {
@@ -53,7 +56,10 @@ std::string Container::freePath(const std::string& directory, const std::string&
   makePrivateDirectory(directory);
   unsigned highest = 0;
   for (const std::string& path : filesIn(directory)) highest = std::max(highest, numberOf(path));
-  return directory + "/" + std::string(prefix) + std::to_string(highest + 1) + extension;
+  const std::string path = directory + "/" + std::string(prefix) + std::to_string(highest + 1) + extension;
+  const platform::Descriptor place(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600));
+  if (!place) throw systemProblem("Cannot make " + path);
+  return path;
 }
 
 std::string Container::pathForRescued(const std::string& fileName) const {

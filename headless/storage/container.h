@@ -14,9 +14,9 @@ class Container {
   /// The directory must exist.
   explicit Container(const std::string& directory);
 
-  // A path at which there is no file, in a directory that exists then. These throw Problem.
+  // A path where a file may be put, in a directory that exists then. These throw Problem.
 
-  /// "Untitled <number><extension>", a number that no other file there has.
+  /// "Untitled <number><extension>", a number that no other file there has; an empty file keeps the place.
   std::string pathForUntitled(const std::string& extension) const { return freePath(untitled_, extension); }
   std::string pathForClosed(const std::string& extension) const { return freePath(closed_, extension); }
   std::string pathForRescued(const std::string& fileName) const;

@@ -9,6 +9,8 @@
 namespace vell::headless {
 namespace {
 
+constexpr SessionId firstSessionId = 2;
+
 std::string readableExtensions() {
   std::string list;
   for (const formats::Format& format : formats::formats()) {
@@ -19,13 +21,31 @@ std::string readableExtensions() {
   return list;
 }
 
-void decode(const formats::Format& format, FileContent content, const std::string& path, Outline& outline) {
+/// Says which persistent ids read as another kind of reference, so that they cannot name their rows.
+std::string idFaultIn(const Outline& outline) {
+  std::string first;
+  std::size_t count = 0;
+  const Row& root = outline.root();
+  for (const Row* row = nextInOrder(&root, &root); row != nullptr; row = nextInOrder(row, &root)) {
+    std::string fault = row->persistentId().empty() ? "" : persistentIdFault(row->persistentId());
+    if (!fault.empty() && ++count == 1) first = std::move(fault);
+  }
+  if (count == 0) return {};
+  return "the persistent id " + first +
+         (count > 1 ? ", and so would " + std::to_string(count - 1) + " more" : "");
+}
+
+FileRows decode(const formats::Format& format, FileContent content, const std::string& path,
+                SessionId firstId) {
   constexpr std::int64_t second = 1'000'000'000;
+  FileRows rows{std::make_unique<Outline>(firstId), &format, content.stamp, hashOf(content.bytes), {}};
   try {
-    formats::readFile(format, std::move(content.bytes), {content.stamp.modified / second * 1000}, outline);
+    formats::readFile(format, std::move(content.bytes), {rows.stamp.modified / second * 1000}, *rows.outline);
   } catch (const formats::FormatError& error) {
     throw UnreadableFile(path, error.what());
   }
+  rows.idFault = idFaultIn(*rows.outline);
+  return rows;
 }
 
 /// What the first bytes of a text say about its format.
@@ -59,27 +79,23 @@ const formats::Format& fileFormat(const std::string& path) {
 std::unique_ptr<OpenOutline> OpenOutline::read(const std::string& path) {
   FileContent content = readFile(path);
   const formats::Format& format = formatOf(path, content.bytes);
-  auto outline = std::make_unique<Outline>();
-  const FileStamp stamp = content.stamp;
-  const std::size_t hash = hashOf(content.bytes);
-  decode(format, std::move(content), path, *outline);
-  return std::make_unique<OpenOutline>(std::move(outline), format, path, stamp, hash);
+  return std::make_unique<OpenOutline>(decode(format, std::move(content), path, firstSessionId), path);
 }
 
 std::unique_ptr<OpenOutline> OpenOutline::create(const std::string& path, const formats::Format& format) {
-  auto outline = std::make_unique<Outline>();
-  outline->setCreated(document::currentTime());
-  return std::make_unique<OpenOutline>(std::move(outline), format, path, FileStamp(), 0);
+  FileRows rows{std::make_unique<Outline>(), &format, FileStamp(), 0, {}};
+  rows.outline->setCreated(document::currentTime());
+  return std::make_unique<OpenOutline>(std::move(rows), path);
 }
 
-OpenOutline::OpenOutline(std::unique_ptr<Outline> outline, const formats::Format& format, std::string path,
-                         FileStamp stamp, std::size_t contentHash)
-    : outline_(std::move(outline)),
-      format_(&format),
+OpenOutline::OpenOutline(FileRows rows, std::string path)
+    : outline_(std::move(rows.outline)),
+      format_(rows.format),
       path_(std::move(path)),
-      stamp_(stamp),
+      stamp_(rows.stamp),
       savedRevision_(outline_->revision()),
-      contentHash_(contentHash),
+      contentHash_(rows.contentHash),
+      idFault_(std::move(rows.idFault)),
       editor_(*outline_),
       history_(*outline_, editor_) {}
 
@@ -98,17 +114,6 @@ void OpenOutline::rename(const std::string& path, FileStamp stamp) {
   if (stamp.hasContentOf(stamp_)) stamp_ = stamp;
 }
 
-bool OpenOutline::acceptTouch() {
-  try {
-    const FileContent content = readFile(path_);
-    if (hashOf(content.bytes) != contentHash_) return false;
-    stamp_ = content.stamp;
-    return true;
-  } catch (const Problem&) {
-    return false;
-  }
-}
-
 void OpenOutline::identify(const std::string& persistentId) {
   const bool dirty = isDirty();
   outline_->setPersistentId(persistentId);
@@ -123,21 +128,30 @@ void OpenOutline::moveTo(const std::string& path, const formats::Format& format,
   markSaved(outline_->revision(), stamp, contentHash);
 }
 
-bool OpenOutline::reload() {
+std::shared_ptr<void> OpenOutline::takeOver(FileRows rows) {
+  rows.outline->setPersistentId(persistentId());
+  outline_->exchangeWith(*rows.outline);
+  editor_.reset();
+  idFault_ = std::move(rows.idFault);
+  markSaved(outline_->revision(), rows.stamp, rows.contentHash);
+  return std::make_shared<std::pair<decltype(history_.clear()), std::unique_ptr<Outline>>>(
+      history_.clear(), std::move(rows.outline));
+}
+
+Rereading::Rereading(const OpenOutline& opened)
+    : path_(opened.storagePath()),
+      format_(opened.format()),
+      firstId_(opened.outline().nextId()),
+      contentHash_(opened.contentHash_) {}
+
+void Rereading::run() {
   try {
     FileContent content = readFile(path_);
-    const FileStamp stamp = content.stamp;
-    const std::size_t hash = hashOf(content.bytes);
-    Outline fresh(outline_->nextId());
-    decode(*format_, std::move(content), path_, fresh);
-    fresh.setPersistentId(persistentId());
-    history_.clear();
-    editor_.reset();
-    outline_->replaceWith(std::move(fresh));
-    markSaved(outline_->revision(), stamp, hash);
-    return true;
-  } catch (const Problem&) {
-    return false;
+    stamp_ = content.stamp;
+    same_ = hashOf(content.bytes) == contentHash_;
+    if (!same_) rows_ = decode(format_, std::move(content), path_, firstId_);
+  } catch (const std::exception&) {
+    // The file cannot be read: there are no rows.
   }
 }
 

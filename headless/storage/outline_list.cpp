@@ -38,11 +38,15 @@ std::string OutlineList::forgetPaths(const OpenOutline& opened) {
   return std::move(paths.mapped().standardised);
 }
 
-void OutlineList::remove(const OpenOutline& opened) {
+std::unique_ptr<OpenOutline> OutlineList::remove(const OpenOutline& opened) {
   forgetPaths(opened);
   byId_.erase(opened.persistentId());
   byEditor_.erase(opened.editor().id());
-  std::erase_if(all_, [&](const auto& each) { return each.get() == &opened; });
+  const auto found =
+      std::find_if(all_.begin(), all_.end(), [&](const auto& each) { return each.get() == &opened; });
+  auto removed = std::move(*found);
+  all_.erase(found);
+  return removed;
 }
 
 bool OutlineList::bringToFront(const OpenOutline& opened) {

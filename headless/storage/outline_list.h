@@ -18,7 +18,7 @@ class OutlineList {
 
   OpenOutline& addInFront(std::unique_ptr<OpenOutline> opened);
   void addBehind(std::unique_ptr<OpenOutline> opened);
-  void remove(const OpenOutline& opened);
+  std::unique_ptr<OpenOutline> remove(const OpenOutline& opened);
   /// False if it is the frontmost one already.
   bool bringToFront(const OpenOutline& opened);
   /// To be called when the outline's path has changed; returns the former one.

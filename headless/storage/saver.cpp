@@ -4,8 +4,10 @@
 #include <ctime>
 #include <filesystem>
 
+#include "headless/access.h"
 #include "headless/editing/problem.h"
 #include "headless/storage/paths.h"
+#include "platform/allocator.h"
 
 namespace vell::headless {
 namespace {
@@ -13,14 +15,34 @@ namespace {
 using std::chrono::milliseconds;
 
 /// Rows that are encoded within a few milliseconds.
-constexpr std::size_t quicklyEncoded = 5'000;
+constexpr std::size_t quicklyEncoded = 1'000;
 constexpr milliseconds retryPace{2'000};
 
 std::string encoded(const OpenOutline& opened, const formats::Format& format) {
   return formats::fileText(format, opened.outline());
 }
 
-std::string encoded(const OpenOutline& opened) { return encoded(opened, opened.format()); }
+/// What the outline holds without regard to its source, which may be what fails. Tells where it is.
+std::string keep(const OpenOutline& opened, const std::string& spare) {
+  try {
+    std::string text;
+    opened.format().write(opened.outline(), formats::placeAll(opened.outline()), false, text);
+    replaceFile(spare, text, 0600);
+    return unsavedIn(spare);
+  } catch (const std::exception&) {
+    return {};
+  }
+}
+
+/// Sets a flag for as long as it lives.
+struct Raised {
+  explicit Raised(bool& toSet) : flag(toSet) { flag = true; }
+  ~Raised() { flag = false; }
+  Raised(const Raised&) = delete;
+  Raised& operator=(const Raised&) = delete;
+
+  bool& flag;
+};
 
 std::string conflictPath(const std::string& path) {
   const std::time_t now = std::time(nullptr);
@@ -47,67 +69,77 @@ void Saver::changed(OpenOutline& opened) {
   State& state = states_[&opened];
   const auto now = Scheduler::Clock::now();
   if (!state.changedAt) state.changedAt = now;
-  if (state.scheduled || state.writing) return;
+  if (state.overdue) {
+    cancelTimer(state);
+    return save(opened);
+  }
+  if (state.scheduled || state.working) return;
   schedule(opened, std::max(*state.changedAt + usualPace - now, Scheduler::Clock::duration(0)));
 }
 
 void Saver::schedule(OpenOutline& opened, Scheduler::Clock::duration delay) {
   State& state = states_.at(&opened);
   state.scheduled = true;
-  state.timer = scheduler_.after(delay, [this, outline = &opened] { save(*outline); });
+  state.timer = scheduler_.after(delay, [this, outline = &opened] { onTimer(*outline); });
+}
+
+void Saver::cancelTimer(State& state) {
+  if (state.scheduled) scheduler_.cancel(state.timer);
+  state.scheduled = state.overdue = false;
+}
+
+void Saver::onTimer(OpenOutline& opened) {
+  State& state = states_.at(&opened);
+  state.scheduled = state.overdue = false;
+  opened.users()->isChanging() ? changedMeanwhile(opened) : save(opened);
 }
 
 void Saver::save(OpenOutline& opened) {
   State& state = states_.at(&opened);
-  state.scheduled = false;
+  if (!opened.isDirty() || state.working) return;
   try {
     startWriting(opened, state);
   } catch (const std::exception& failure) {
-    retry(opened, "Cannot save " + opened.storagePath() + ": " + failure.what() + keep(opened, state.spare));
-  }
-}
-
-/// What the outline holds without regard to its source, which may be what fails. Tells where it is.
-std::string Saver::keep(const OpenOutline& opened, const std::string& spare) {
-  try {
-    std::string text;
-    opened.format().write(opened.outline(), formats::placeAll(opened.outline()), false, text);
-    replaceFile(spare, text, 0600);
-    return unsavedIn(spare);
-  } catch (const std::exception&) {
-    return {};
+    retry(opened, "Cannot save " + opened.storagePath() + ": " + failure.what());
   }
 }
 
 void Saver::startWriting(OpenOutline& opened, State& state) {
   locate(opened);
   if (state.spare.empty()) state.spare = container_.pathForUnsaved(fileName(opened.storagePath()));
-  SaveJob job{opened.storagePath(), encoder(opened), opened.stamp(), state.spare};
-  state.writing = true;
-  state.changedAt.reset();
+  const auto job = std::make_shared<SaveJob>(
+      SaveJob{opened.storagePath(), encoder(opened, state.spare), opened.stamp(), state.spare});
+  const auto result = std::make_shared<SaveResult>();
   const std::uint64_t revision = opened.outline().revision();
-  writer_.write(std::move(job), [this, outline = &opened, revision](const SaveResult& result) {
-    finish(*outline, revision, result);
-  });
+  background_.run([job, result] { *result = carryOut(*job); },
+                  [this, &opened, revision, result] { finish(opened, revision, *result); });
+  state.working = true;
+  state.changedAt.reset();
 }
 
-/// Encodes a small outline at once; a large one on the writer's thread, as a reader that changes wait for.
-std::function<std::string()> Saver::encoder(OpenOutline& opened) {
+/// Encodes a small outline at once; a large one beside the application, as a reader that changes wait for.
+std::function<std::string()> Saver::encoder(OpenOutline& opened, const std::string& spare) {
+  auto encode = [&opened, spare] {
+    try {
+      return encoded(opened, opened.format());
+    } catch (const std::exception& failure) {
+      throw Problem(failure.what() + keep(opened, spare));
+    }
+  };
   if (opened.outline().rowCount() <= quicklyEncoded)
-    return [bytes = std::make_shared<std::string>(encoded(opened))] { return std::move(*bytes); };
-  opened.outline().number();  // what is encoded is only read
+    return [bytes = std::make_shared<std::string>(encode())] { return std::move(*bytes); };
   opened.users()->enter(Use::reading);
   // Destroyed with the job's encoder, whether that was called or not.
   const std::shared_ptr<Users> reading(opened.users().get(),
                                        [&scheduler = scheduler_, users = opened.users()](Users*) {
                                          scheduler.post([users] { users->leave(Use::reading); });
                                        });
-  return [&opened, reading] { return encoded(opened); };
+  return [encode, reading] { return encode(); };
 }
 
 void Saver::finish(OpenOutline& opened, std::uint64_t revision, const SaveResult& result) {
   State& state = states_.at(&opened);
-  state.writing = false;
+  state.working = false;
   switch (result.kind) {
     case SaveResult::Kind::saved:
       state.lastFault.clear();
@@ -115,53 +147,99 @@ void Saver::finish(OpenOutline& opened, std::uint64_t revision, const SaveResult
       if (result.anew && !state.gone) events_.report(opened.storagePath() + " was gone and is written again");
       state.gone = false;
       events_.saved(opened);
-      return changed(opened);
+      return changedMeanwhile(opened);
     case SaveResult::Kind::conflict:
       return settleConflict(opened);
     case SaveResult::Kind::failed:
       return retry(opened, result.fault);
     case SaveResult::Kind::unencoded:
-      return retry(opened,
-                   "Cannot save " + opened.storagePath() + ": " + result.fault + keep(opened, state.spare));
+      return retry(opened, "Cannot save " + opened.storagePath() + ": " + result.fault);
   }
+}
+
+/// A change that somebody is at work on is saved with its end, or, where it comes to nothing, a moment later.
+void Saver::changedMeanwhile(OpenOutline& opened) {
+  if (!opened.users()->isChanging()) return changed(opened);
+  states_.at(&opened).overdue = true;
+  schedule(opened, usualPace);
 }
 
 void Saver::settleConflict(OpenOutline& opened) {
-  if (opened.acceptTouch()) return changed(opened);
-  if (opened.users()->count() > 0) return schedule(opened, usualPace);
+  State& state = states_.at(&opened);
+  if (!state.flushing && opened.users()->count() > 0) return schedule(opened, usualPace);
+  const auto conflict = std::make_shared<Conflict>(Conflict{Rereading(opened)});
+  background_.run(
+      [this, &opened, conflict] {
+        conflict->theirs.run();
+        if (!conflict->theirs.isSame()) keepOurs(opened, *conflict);
+      },
+      [this, &opened, conflict] { finishConflict(opened, *conflict); });
+  opened.users()->enter(Use::changing);
+  state.working = true;
+}
+
+/// In a file beside the other one, or in the container where its folder takes none.
+void Saver::keepOurs(const OpenOutline& opened, Conflict& conflict) const {
   try {
-    const std::string bytes = encoded(opened);
-    const Copy copy = writeConflictCopy(opened, bytes);
-    states_[&opened].conflictCopy = copy.path;
-    events_.report(opened.storagePath() + " was changed by another program: our changes are in " + copy.path);
-    if (opened.reload()) return events_.reloaded(opened);
-    opened.moveTo(copy.path, opened.format(), copy.stamp, hashOf(bytes));
-    events_.moved(opened);
+    const std::string bytes = encoded(opened, opened.format());
+    conflict.contentHash = hashOf(bytes);
+    conflict.path = conflictPath(opened.storagePath());
+    try {
+      conflict.stamp = replaceFile(conflict.path, bytes);
+    } catch (const Problem&) {
+      conflict.path = container_.pathForRescued(fileName(conflict.path));
+      conflict.stamp = replaceFile(conflict.path, bytes, 0600);
+    }
   } catch (const std::exception& failure) {
-    retry(opened, failure.what());
+    conflict.fault = failure.what();
   }
 }
 
-/// Beside the file, or in the container where its folder takes none.
-Saver::Copy Saver::writeConflictCopy(const OpenOutline& opened, const std::string& bytes) const {
-  const std::string beside = conflictPath(opened.storagePath());
-  try {
-    return {beside, replaceFile(beside, bytes)};
-  } catch (const Problem&) {
-    const std::string rescued = container_.pathForRescued(fileName(beside));
-    return {rescued, replaceFile(rescued, bytes, 0600)};
+void Saver::finishConflict(OpenOutline& opened, Conflict& conflict) {
+  states_.at(&opened).working = false;
+  opened.users()->leave(Use::changing);
+  if (conflict.theirs.isSame()) {
+    opened.acceptTouch(conflict.theirs.stamp());
+    return changedMeanwhile(opened);
   }
+  if (!conflict.fault.empty()) return retry(opened, conflict.fault);
+  states_.at(&opened).conflictCopy = conflict.path;
+  events_.report(opened.storagePath() + " was changed by another program: our changes are in " +
+                 conflict.path);
+  if (auto rows = conflict.theirs.takeRows()) return takeOver(opened, std::move(*rows));
+  opened.moveTo(conflict.path, opened.format(), conflict.stamp, conflict.contentHash);
+  events_.moved(opened);
+}
+
+void Saver::create(OpenOutline& opened) {
+  const std::string bytes = encoded(opened, opened.format());
+  FileStamp stamp;
+  beside([&] { stamp = replaceFile(opened.storagePath(), bytes); });
+  opened.markSaved(opened.outline().revision(), stamp, hashOf(bytes));
 }
 
 void Saver::flush(OpenOutline& opened) {
-  writer_.drain();
+  waitForWork(opened);
+  for (int attempt = 0; attempt < 3 && opened.isDirty(); ++attempt) {
+    State& state = states_[&opened];
+    cancelTimer(state);
+    const Raised flushing(state.flushing);
+    save(opened);
+    waitForWork(opened);
+  }
+}
+
+bool Saver::isWorking(const OpenOutline& opened) const {
   const auto found = states_.find(&opened);
-  if (found != states_.end() && found->second.scheduled) scheduler_.cancel(found->second.timer);
-  if (found != states_.end()) found->second.scheduled = false;
-  if (!opened.isDirty()) return;
-  states_[&opened];
-  save(opened);
-  writer_.drain();
+  return found != states_.end() && found->second.working;
+}
+
+/// Until the outline's file is neither written nor read.
+void Saver::waitForWork(const OpenOutline& opened) {
+  if (!isWorking(opened)) return;
+  ApplicationHold* const hold = ApplicationHold::current();
+  if (hold == nullptr) return background_.drain();
+  while (isWorking(opened)) hold->waitForOthers();
 }
 
 std::string Saver::fault(const OpenOutline& opened) const {
@@ -193,15 +271,19 @@ std::string Saver::spare(const OpenOutline& opened) const {
 void Saver::saveAs(OpenOutline& opened, const std::string& path) {
   flush(opened);
   const formats::Format& format = fileFormat(path);
-  const std::string bytes = encoded(opened, format);
-  const FileStamp stamp = createFile(path, bytes);
+  std::size_t contentHash = 0;
+  FileStamp stamp;
+  beside([&] {
+    const std::string bytes = encoded(opened, format);
+    contentHash = hashOf(bytes);
+    stamp = createFile(path, bytes);
+  });
   forget(opened);
-  opened.moveTo(path, format, stamp, hashOf(bytes));
+  opened.moveTo(path, format, stamp, contentHash);
 }
 
 void Saver::follow(OpenOutline& opened, const std::string& path) {
-  const auto found = states_.find(&opened);
-  if (found != states_.end() && found->second.writing) return;
+  if (isWorking(opened)) return;
   if (locate(opened) != FileStamp()) return;
   const FileStamp there = stampOf(path);
   if (there.file != opened.stamp().file) return;
@@ -210,17 +292,47 @@ void Saver::follow(OpenOutline& opened, const std::string& path) {
 }
 
 void Saver::refresh(OpenOutline& opened) {
-  if (opened.isDirty()) return;
+  if (opened.isDirty() || isWorking(opened)) return;
   const FileStamp now = locate(opened);
   if (now == opened.stamp()) return;
   if (now == FileStamp()) return reportGone(opened);
   State& state = states_[&opened];
   state.gone = false;
-  if (now == state.unreadable) return;
-  if (opened.acceptTouch()) return events_.saved(opened);
-  if (opened.reload()) return events_.reloaded(opened);
-  state.unreadable = now;
-  events_.report(opened.storagePath() + " was changed by another program and can no longer be read");
+  if (now != state.unreadable) readAnew(opened, now);
+}
+
+void Saver::readAnew(OpenOutline& opened, const FileStamp& now) {
+  State& state = states_.at(&opened);
+  const auto reading = std::make_shared<Rereading>(opened);
+  background_.run(
+      [reading] { reading->run(); },
+      [this, &opened, &state, reading, now] {
+        state.working = false;
+        opened.users()->leave(Use::changing);
+        if (reading->isSame()) {
+          opened.acceptTouch(reading->stamp());
+          return events_.saved(opened);
+        }
+        if (auto rows = reading->takeRows()) return takeOver(opened, std::move(*rows));
+        state.unreadable = now;
+        events_.report(opened.storagePath() + " was changed by another program and can no longer be read");
+      });
+  opened.users()->enter(Use::changing);
+  state.working = true;
+}
+
+void Saver::takeOver(OpenOutline& opened, FileRows rows) {
+  free(opened.takeOver(std::move(rows)));
+  events_.reloaded(opened);
+}
+
+void Saver::free(std::shared_ptr<void> unused) {
+  background_.run(
+      [unused = std::move(unused)]() mutable {
+        unused.reset();
+        platform::returnFreedMemory();
+      },
+      [] {});
 }
 
 /// The stamp that the file has now, the default one where it is gone. Follows a file that was renamed.
@@ -244,10 +356,10 @@ void Saver::reportGone(OpenOutline& opened) {
 }
 
 void Saver::forget(OpenOutline& opened) {
-  writer_.drain();
+  waitForWork(opened);
   const auto found = states_.find(&opened);
   if (found == states_.end()) return;
-  if (found->second.scheduled) scheduler_.cancel(found->second.timer);
+  cancelTimer(found->second);
   states_.erase(found);
 }
 

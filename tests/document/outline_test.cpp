@@ -69,7 +69,8 @@ TEST_F(OutlineTest, AReplacedOutlineGivesNoIdTwice) {
   Row* b = other.create(RowType::body, Text("y"), 0);
   other.insert(*b, other.root());
   other.setPersistentId(*b, "new");
-  outline.replaceWith(std::move(other));
+  outline.exchangeWith(other);
+  EXPECT_EQ(other.findPersistent("kid"), a);
   EXPECT_EQ(numbers(outline), "1:0:0[0,2) 3:1:0[1,2) ");
   EXPECT_EQ(outline.find(2), nullptr);
   EXPECT_EQ(outline.find(3), b);

@@ -15,6 +15,12 @@ using testing::ElementsAre;
 
 class ApplicationTest : public testing::Test {
  protected:
+  void lookAtFiles() {
+    scheduler.runTimers();
+    for (const auto& opened : application.outlines())
+      while (opened->users()->isChanging()) scheduler.runPosted();
+  }
+
   tests::TemporaryDirectory directory;
   ManualScheduler scheduler;
   std::vector<std::string> reports;
@@ -31,7 +37,7 @@ TEST_F(ApplicationTest, ReportsPersistentIdsThatCannotNameTheirRows) {
       reports,
       ElementsAre(path + ": the persistent id \"1\" would be taken for a session id, and so would 1 more"));
   directory.write("good.md", "one {#@a}\n");
-  scheduler.runTimers();
+  lookAtFiles();
   EXPECT_EQ(reports.back(), (directory / "good.md") +
                                 (": the persistent id \"@a\" would be taken for @selection or @focused"));
 }
@@ -41,20 +47,19 @@ TEST_F(ApplicationTest, AFileReadAnewHasNoCaret) {
   const Row& row = *opened.outline().root().firstChild();
   opened.editor().select(row, row);
   directory.write("a.md", "other\n");
-  scheduler.runTimers();
+  lookAtFiles();
   EXPECT_FALSE(opened.editor().hasSelection());
 }
 
 TEST_F(ApplicationTest, AFileIsNotReadAnewWhileSomebodyReadsItsRows) {
   OpenOutline& opened = application.open(directory.write("a.md", "one\n"));
-  const auto text = [&] {
-    return application.outline(std::nullopt).outline().root().firstChild()->text().string();
-  };
+  const auto text = [&] { return opened.outline().root().firstChild()->text().string(); };
   opened.users()->enter(Use::reading);
   directory.write("a.md", "other\n");
-  scheduler.runTimers();
+  lookAtFiles();
   EXPECT_EQ(text(), "one");
   opened.users()->leave(Use::reading);
+  lookAtFiles();
   EXPECT_EQ(text(), "other");
 }
 
@@ -124,7 +129,7 @@ TEST_F(Restarted, WhileItIsOpenARenamedFileKeepsItsId) {
   const std::string id = ask([&](Application& application) {
     OpenOutline& opened = application.open(directory / "a.txt");
     fs::rename(directory / "a.txt", directory / "c.txt");
-    EXPECT_EQ(&application.outline(std::nullopt), &opened);
+    application.refresh(opened);
     EXPECT_EQ(application.findByPath(directory / "c.txt"), &opened);
     fs::rename(directory / "c.txt", directory / "b.txt");
     EXPECT_EQ(&application.open(directory / "b.txt"), &opened);

@@ -24,7 +24,14 @@ class SaverTest : public testing::Test {
   }
   void save() {
     scheduler.runTimers();
-    scheduler.runPosted();
+    wait();
+  }
+  void refresh() {
+    saver.refresh(*opened);
+    wait();
+  }
+  void wait() {
+    while (saver.isWorking(*opened)) scheduler.runPosted();
   }
   std::string rows() const {
     std::string text;
@@ -88,19 +95,19 @@ TEST_F(SaverTest, WhatChangesDuringASaveIsSavedAfterIt) {
 TEST_F(SaverTest, FollowsWhatOthersWriteWhileNothingOfOursIsUnsaved) {
   const SessionId before = opened->outline().root().firstChild()->id();
   directory.write("a.txt", "theirs, longer\n");
-  saver.refresh(*opened);
+  refresh();
   EXPECT_EQ(rows(), "theirs, longer;");
   EXPECT_EQ(reloads, 1);
   EXPECT_EQ(opened->outline().find(before), nullptr);
   EXPECT_FALSE(opened->isDirty());
-  saver.refresh(*opened);
+  refresh();
   EXPECT_EQ(reloads, 1);
 }
 
 TEST_F(SaverTest, AFileThatWasOnlyTouchedIsStillTheSame) {
   const SessionId before = opened->outline().root().firstChild()->id();
   directory.write("a.txt", "one\n");
-  saver.refresh(*opened);
+  refresh();
   EXPECT_NE(opened->outline().find(before), nullptr);
   EXPECT_EQ(opened->stamp(), stampOf(path));
   change("two");
@@ -114,7 +121,7 @@ TEST_F(SaverTest, AFileThatWasOnlyTouchedIsStillTheSame) {
 TEST_F(SaverTest, OursGoBesideWhatOthersWroteMeanwhile) {
   change("ours");
   directory.write("a.txt", "theirs, longer\n");
-  saver.refresh(*opened);
+  refresh();
   EXPECT_EQ(rows(), "one;ours;");
   save();
   EXPECT_EQ(readFile(path).bytes, "theirs, longer\n");
@@ -134,8 +141,8 @@ TEST_F(SaverTest, WhatOthersMadeUnreadableIsLeftAloneAndOursMoves) {
   opened = OpenOutline::read(directory.write("b.json", R"([{"text":[{"string":"one"}]}])"));
   path = directory / "b.json";
   directory.write("b.json", "no outline");
-  saver.refresh(*opened);
-  saver.refresh(*opened);
+  refresh();
+  refresh();
   EXPECT_EQ(rows(), "one;");
   EXPECT_THAT(reports, ElementsAre(path + " was changed by another program and can no longer be read"));
   EXPECT_THAT(saver.faults(*opened),
@@ -172,8 +179,8 @@ TEST_F(SaverTest, SavingIsTriedAgainAndSaidOnce) {
 
 TEST_F(SaverTest, AFileThatIsGoneIsWrittenAnewButNotWithoutAWord) {
   fs::remove(path);
-  saver.refresh(*opened);
-  saver.refresh(*opened);
+  refresh();
+  refresh();
   EXPECT_EQ(rows(), "one;");
   EXPECT_THAT(reports, ElementsAre(path + " is gone"));
   EXPECT_THAT(saver.faults(*opened), ElementsAre("The file is gone; the next change writes it again"));
@@ -194,7 +201,7 @@ TEST_F(SaverTest, ARenamedFileIsFollowed) {
   for (const std::string name : {"b.txt", "c.md"}) {
     fs::rename(path, directory / name);
     if (name == "c.md") change("two");
-    saver.refresh(*opened);
+    refresh();
     if (opened->isDirty()) save();
     path = directory / name;
     EXPECT_EQ(opened->storagePath(), path);

@@ -52,17 +52,17 @@ std::string commandList(const Call&) {
 std::string commandPerform(const Call& call) {
   const auto found = commandsParam(call.params);
   OpenOutline& opened = call.application.outlineOfEditor(call.params.string("editor"));
-  Transaction transaction = call.begin(opened);
-  std::string text;
-  json::Writer writer(text);
-  writer.beginArray();
-  for (const Command* command : found) {
-    const bool performed = command->perform(transaction);
-    writer.beginObject().member("id", command->id).member("performed", performed).endObject();
-  }
-  writer.endArray();
-  transaction.commit();
-  return text;
+  return call.change(opened, [&](Transaction& transaction, const RowRefs&) {
+    std::string text;
+    json::Writer writer(text);
+    writer.beginArray();
+    for (const Command* command : found) {
+      const bool performed = command->perform(transaction);
+      writer.beginObject().member("id", command->id).member("performed", performed).endObject();
+    }
+    writer.endArray();
+    return text;
+  });
 }
 
 }  // namespace vell::headless::methods

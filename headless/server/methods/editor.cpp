@@ -17,6 +17,21 @@ const Row* selectableRow(const RowRefs& refs, const Params& params, std::string_
   return row;
 }
 
+void update(Editor& editor, const Params& params, const RowRefs& refs) {
+  // Everything is found before anything moves.
+  const Row* focus = optionalRow(refs, params, "focus");
+  const auto expand = refs.rows(params.strings("expand"));
+  const auto collapse = refs.rows(params.strings("collapse"));
+  const Row* anchor = selectableRow(refs, params, "selectRow");
+  const Row* head = selectableRow(refs, params, "selectHead");
+  if (head != nullptr && anchor == nullptr) Params::fail("selectHead", "selectRow with it", "it alone");
+
+  if (focus != nullptr) editor.focus(*focus);
+  for (const Row* row : expand) editor.setCollapsed(*row, false);
+  for (const Row* row : collapse) editor.setCollapsed(*row, true);
+  if (anchor != nullptr) editor.select(*anchor, head != nullptr ? *head : *anchor);
+}
+
 }  // namespace
 
 std::string editorList(const Call& call) {
@@ -34,28 +49,22 @@ std::string editorList(const Call& call) {
 }
 
 std::string editorUpdate(const Call& call) {
-  const Params& params = call.params;
-  OpenOutline& opened = call.application.outline(params.string("outline"));
+  OpenOutline& opened = call.application.outline(call.params.string("outline"));
   const RowRefs refs = opened.refs();
-  // Everything is found before anything moves.
-  const Row* focus = optionalRow(refs, params, "focus");
-  const auto expand = refs.rows(params.strings("expand"));
-  const auto collapse = refs.rows(params.strings("collapse"));
-  const Row* anchor = selectableRow(refs, params, "selectRow");
-  const Row* head = selectableRow(refs, params, "selectHead");
-  if (head != nullptr && anchor == nullptr) Params::fail("selectHead", "selectRow with it", "it alone");
-
-  Editor& editor = opened.editor();
-  if (focus != nullptr) editor.focus(*focus);
-  for (const Row* row : expand) editor.setCollapsed(*row, false);
-  for (const Row* row : collapse) editor.setCollapsed(*row, true);
-  if (anchor != nullptr) editor.select(*anchor, head != nullptr ? *head : *anchor);
+  std::string answer;
+  beside([&] {
+    update(opened.editor(), call.params, refs);
+    answer = editorSnapshot(opened);
+  });
   call.application.changed(opened);
-  return editorSnapshot(opened);
+  return answer;
 }
 
 std::string editorGet(const Call& call) {
-  return editorSnapshot(call.application.outlineOfEditor(call.params.string("editor")));
+  const OpenOutline& opened = call.application.outlineOfEditor(call.params.string("editor"));
+  std::string answer;
+  beside([&] { answer = editorSnapshot(opened); });
+  return answer;
 }
 
 }  // namespace vell::headless::methods

@@ -71,7 +71,7 @@ std::string outlineGet(const Call& call) {
   const OutlineView view = viewParams(call.params);
   const OpenOutline& opened = call.application.outline(call.params.string("outline"));
   const auto refs = call.params.strings("rowRefs");
-  return render(view, opened.outline(), placeRefs(opened, refs, view.shape));
+  return renderRefs(view, opened, refs);
 }
 
 std::string outlineFindByPath(const Call& call) {

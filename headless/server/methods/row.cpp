@@ -32,8 +32,8 @@ DestinationRequest destinationParams(const Params& params, const RowRefs& refs, 
   return {rowParam(params, refs, parentKey), params.stringOrInteger("position"), nullptr, nullptr};
 }
 
-Destination newRowsDestination(const Params& params, const OpenOutline& opened) {
-  return resolve(opened.outline(), destinationParams(params, opened.refs(), "parent"));
+Destination newRowsDestination(const Params& params, const Outline& outline, const RowRefs& refs) {
+  return resolve(outline, destinationParams(params, refs, "parent"));
 }
 
 /// Files may hold runs with other members; a request that names one means something else.
@@ -119,53 +119,45 @@ RowUpdate updateParams(const Params& params) {
 
 std::string rowCreate(const Call& call) {
   const std::string markdown = call.params.requiredString("markdown");
-  OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.begin(opened);
-  const Row& row = createRow(transaction.edit(), markdown, newRowsDestination(call.params, opened));
-  transaction.commit();
-  return rowAnswer(row);
+  return call.change(outlineParam(call), [&](Transaction& transaction, const RowRefs& refs) {
+    const Destination to = newRowsDestination(call.params, transaction.outline(), refs);
+    return rowAnswer(createRow(transaction.edit(), markdown, to));
+  });
 }
 
 std::string rowCreateMany(const Call& call) {
   const std::string markdown = call.params.requiredString("markdown");
-  OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.begin(opened);
-  const auto rows = createRows(transaction.edit(), markdown, newRowsDestination(call.params, opened));
-  transaction.commit();
-  return rowsAnswer(rows);
+  return call.change(outlineParam(call), [&](Transaction& transaction, const RowRefs& refs) {
+    const Destination to = newRowsDestination(call.params, transaction.outline(), refs);
+    return rowsAnswer(createRows(transaction.edit(), markdown, to));
+  });
 }
 
 std::string rowUpdate(const Call& call) {
-  const auto refs = call.params.requiredStrings("rows");
+  const auto rows = call.params.requiredStrings("rows");
   const RowUpdate update = updateParams(call.params);
-  OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.begin(opened);
-  const auto updated = updateRows(transaction.edit(), opened.refs().rows(refs), update);
-  transaction.commit();
-  return updatedRowsAnswer(updated);
+  return call.change(outlineParam(call), [&](Transaction& transaction, const RowRefs& refs) {
+    return updatedRowsAnswer(updateRows(transaction.edit(), refs.rows(rows), update));
+  });
 }
 
 std::string rowMove(const Call& call) {
-  const auto refs = call.params.requiredStrings("rows");
+  const auto rows = call.params.requiredStrings("rows");
   if (!call.params.member("to") && !call.params.member("before") && !call.params.member("after"))
     Params::fail("to", "a row reference (or before, or after)", "nothing");
-  OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.begin(opened);
-  const DestinationRequest request = destinationParams(call.params, opened.refs(), "to");
-  const auto rows = moveRows(transaction.edit(), opened.refs().rows(refs), request);
-  transaction.commit();
-  return rowsAnswer(rows);
+  return call.change(outlineParam(call), [&](Transaction& transaction, const RowRefs& refs) {
+    const DestinationRequest to = destinationParams(call.params, refs, "to");
+    return rowsAnswer(moveRows(transaction.edit(), refs.rows(rows), to));
+  });
 }
 
 std::string rowDelete(const Call& call) {
-  const auto refs = call.params.requiredStrings("rows");
-  OpenOutline& opened = outlineParam(call);
-  Transaction transaction = call.begin(opened);
-  const auto rows = opened.refs().rows(refs);
-  transaction.deselect(rows);
-  const std::size_t deleted = deleteRows(transaction.edit(), rows);
-  transaction.commit();
-  return memberAnswer("deleted", deleted);
+  const auto rows = call.params.requiredStrings("rows");
+  return call.change(outlineParam(call), [&](Transaction& transaction, const RowRefs& refs) {
+    const auto found = refs.rows(rows);
+    transaction.deselect(found);
+    return memberAnswer("deleted", deleteRows(transaction.edit(), found));
+  });
 }
 
 }  // namespace vell::headless::methods

@@ -16,9 +16,9 @@ class Host : public ScriptHost {
     const json::Document document{std::string_view(text)};
     const Params params(document.root());
     const Call call{application_, params, nullptr, group_};
-    if (method == "script.parent") return parent(call);
-    if (method == "script.children") return children(call);
-    if (method == "script.save") return save(call);
+    if (method == "script.parent") return carryOut(parent, Use::reading, call);
+    if (method == "script.children") return carryOut(children, Use::reading, call);
+    if (method == "script.save") return carryOut(save, Use::changing, call);
     return carryOut(method, call);
   }
 
