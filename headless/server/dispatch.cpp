@@ -154,14 +154,15 @@ std::string Incoming::answer(Application& application, const Subscriber& subscri
   std::string answered;
   try {
     const Params params = request_->params();
-    const std::string result = carryOut(request_->method(), {application, params, &subscriber});
-    beside([&] { answered = resultLine(request_->id(), result); });
+    std::string result = carryOut(request_->method(), {application, params, &subscriber});
+    beside([&] { answered = resultLine(request_->id(), std::exchange(result, {})); });
   } catch (const Abandoned&) {
     throw;
   } catch (...) {
     answered = errorFor(request_->id(), std::current_exception());
   }
-  return request_->wantsAnswer() ? answered : std::string();
+  if (!request_->wantsAnswer()) answered.clear();
+  return answered;
 }
 
 }  // namespace vell::headless

@@ -75,6 +75,8 @@ void Subscriptions::outlineChanged(OpenOutline& opened) {
 }
 
 void Subscriptions::outlineClosing(OpenOutline& opened) {
+  // What is being rendered may wait for the outline, and would come too late.
+  if (rendering_) changed_.insert(&opened);
   if (changed_.count(&opened) != 0) notifyAtOnce(takeChanged(&opened));
   std::vector<std::string> ended;
   for (const auto& [id, subscription] : subscriptions_)

@@ -45,8 +45,9 @@ void Background::serve() {
     entry.work = nullptr;  // and what it held
     lock.lock();
     --busy_;
-    finished_.push_back(std::move(entry.done));
     changed_.notify_all();
+    if (!entry.done) continue;
+    finished_.push_back(std::move(entry.done));
     scheduler_.post([self = self_] {
       if (*self != nullptr) (*self)->runDone();
     });

@@ -24,7 +24,7 @@ class Background {
   Background& operator=(const Background&) = delete;
 
   /// Runs `work`, which must not throw, on another thread, destroys it there, and then calls `done` on the
-  /// application's. Throws Problem where the system has no thread left.
+  /// application's, if there is one. Throws Problem where the system has no thread left.
   void run(Task work, Task done);
   /// Returns once all is done and every `done` has been called, what they asked for included. The
   /// application's thread must not hold the application.

@@ -332,7 +332,7 @@ void Saver::free(std::shared_ptr<void> unused) {
         unused.reset();
         platform::returnFreedMemory();
       },
-      [] {});
+      nullptr);
 }
 
 /// The stamp that the file has now, the default one where it is gone. Follows a file that was renamed.

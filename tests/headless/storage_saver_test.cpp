@@ -92,6 +92,28 @@ TEST_F(SaverTest, WhatChangesDuringASaveIsSavedAfterIt) {
   EXPECT_EQ(readFile(path).bytes, "one\ntwo\nthree\n");
 }
 
+TEST_F(SaverTest, WhatIsDueDuringAChangeIsSavedWithItsEnd) {
+  change("two");
+  opened->users()->enter(Use::changing);
+  scheduler.runTimers();
+  EXPECT_FALSE(saver.isWorking(*opened));
+  change("three");
+  EXPECT_TRUE(saver.isWorking(*opened));
+  opened->users()->leave(Use::changing);
+  wait();
+  EXPECT_EQ(readFile(path).bytes, "one\ntwo\nthree\n");
+  EXPECT_EQ(scheduler.waiting(), 0U);
+}
+
+TEST_F(SaverTest, NobodyUsesAnOutlineThatIsReadAnew) {
+  directory.write("a.txt", "theirs, longer\n");
+  saver.refresh(*opened);
+  EXPECT_FALSE(opened->users()->admits(Use::reading));
+  EXPECT_EQ(rows(), "one;");
+  wait();
+  EXPECT_TRUE(opened->users()->admits(Use::changing));
+}
+
 TEST_F(SaverTest, FollowsWhatOthersWriteWhileNothingOfOursIsUnsaved) {
   const SessionId before = opened->outline().root().firstChild()->id();
   directory.write("a.txt", "theirs, longer\n");
@@ -135,6 +157,20 @@ TEST_F(SaverTest, OursGoBesideWhatOthersWroteMeanwhile) {
                                                  (directory / others()[0])));
   fs::remove(directory / others()[0]);
   EXPECT_THAT(saver.faults(*opened), IsEmpty());
+}
+
+TEST_F(SaverTest, WhoClosesAnOutlineSettlesItsConflict) {
+  for (const char* theirs : {"one\n", "theirs, longer\n"}) {
+    change("ours");
+    directory.write("a.txt", theirs);
+    opened->users()->enter(Use::changing);
+    saver.flush(*opened);
+    opened->users()->leave(Use::changing);
+    EXPECT_FALSE(opened->isDirty());
+  }
+  EXPECT_EQ(rows(), "theirs, longer;");
+  ASSERT_EQ(others().size(), 1U);
+  EXPECT_EQ(readFile(directory / others()[0]).bytes, "one\nours\nours\n");
 }
 
 TEST_F(SaverTest, WhatOthersMadeUnreadableIsLeftAloneAndOursMoves) {
