@@ -22,7 +22,7 @@ class Client {
 
   static constexpr std::size_t lineLimit = 64 << 20;
   static constexpr std::size_t backlogLimit = 1 << 20;
-  static constexpr std::size_t flushTurn = 4 << 20;
+  static constexpr std::size_t flushTurn = 256 << 10;
 
   /// The socket must not block.
   Client(std::uint64_t id, platform::Descriptor socket) : id_(id), socket_(std::move(socket)) {}
