@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -42,6 +43,12 @@ struct DocumentContent {
   Timestamp created = 0;
 };
 
+/// What a format's reader keeps of a text beside the rows, for the writer that changes the text.
+class SourceNotes {
+ public:
+  virtual ~SourceNotes() = default;
+};
+
 /// The text that an outline was read from, and where in it each row stands. It stays as it was read while the
 /// outline changes, so that what is written follows from the source and the rows alone: a row that is as it
 /// was read is written by copying its span, and a change that is undone leaves no trace.
@@ -54,6 +61,10 @@ class Source {
   const std::string& text() const { return text_; }
   const DocumentContent& document() const { return document_; }
   void setDocument(DocumentContent document) { document_ = std::move(document); }
+
+  /// Null where the format keeps none.
+  const SourceNotes* notes() const { return notes_.get(); }
+  void setNotes(std::unique_ptr<const SourceNotes> notes) { notes_ = std::move(notes); }
 
   /// Rows must be added in the order of the text; their ids follow one another.
   void add(const Row& row, const SourceSpan& span);
@@ -73,6 +84,7 @@ class Source {
   std::string_view format_;
   std::string text_;
   DocumentContent document_;
+  std::unique_ptr<const SourceNotes> notes_;
   SessionId first_ = 0;
   std::vector<SourceSpan> spans_;
   std::unordered_map<SessionId, RowContent> originals_;

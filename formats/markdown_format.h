@@ -1,44 +1,55 @@
 #pragma once
 
 #include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "formats/format.h"
+#include "formats/markdown_blocks.h"
+#include "formats/markdown_nesting.h"
 
 // What the reader and the writer of markdown share.
 namespace vell::formats {
 
-struct MarkdownBlock;
-
 /// As what a row stands in a text; `type` in its trailer can say that it is another type all the same.
-enum class MarkdownForm { paragraph, item, quote, heading, rule, code, verbatim };
+enum class MarkdownForm : std::uint8_t { paragraph, item, quote, heading, rule, code, verbatim };
 
-/// A row of a markdown text.
-struct MarkdownRow {
-  static constexpr std::size_t none = static_cast<std::size_t>(-1);
+/// Where and as what a row stands among the rows of a text.
+struct MarkdownPlace {
+  static constexpr std::uint32_t none = static_cast<std::uint32_t>(-1);
 
-  RowContent content;
-  std::size_t depth = 0;
-  SourceSpan span;
+  std::uint32_t depth = 0;
+  std::uint32_t container = none;          ///< the row in whose item or quote it stands
+  std::optional<std::uint16_t> toldDepth;  ///< in its trailer, from that of its container's rows
   MarkdownForm form = MarkdownForm::paragraph;
-  std::string trailer;                   ///< as written, with its braces
-  std::string inlineSource;              ///< what its text was parsed from; of fenced code the opening line
-  std::size_t level = 0;                 ///< of a heading, from 1
-  std::size_t enclosing = 0;             ///< level of the section that a heading stands in
-  bool gathers = false;                  ///< it is a heading that begins a section
-  std::optional<std::size_t> toldDepth;  ///< in its trailer, from that of its container's rows
-  std::size_t container = none;          ///< the row in whose item or quote it stands
-  bool isContainer = false;
+  std::uint8_t level = 0;      ///< of a heading, from 1
+  std::uint8_t enclosing = 0;  ///< level of the section that a heading stands in
+  bool gathers : 1 = false;    ///< it is a heading that begins a section
+  bool isContainer : 1 = false;
 };
 
-struct MarkdownText {
+/// A row of a markdown text.
+struct MarkdownRow : MarkdownPlace {
+  RowContent content;
+  SourceSpan span;
+  std::string trailer;       ///< as written, with its braces
+  std::string inlineSource;  ///< what its text was parsed from; of fenced code the opening line
+};
+
+/// What stands before the rows of a text.
+struct MarkdownHead {
   /// The lines between the `---` lines of the front matter, and where it ends; all 0 where there is none.
   std::size_t headerBegin = 0;
   std::size_t headerEnd = 0;
   std::size_t bodyBegin = 0;
+  Indentation indentation = Indentation::code;
+};
+
+struct MarkdownText {
+  MarkdownHead head;
   std::vector<MarkdownRow> rows;  ///< in the order of the text
 };
 
@@ -53,9 +64,24 @@ enum class MarkdownScope {
 MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timestamp time = 0,
                               Outline* outline = nullptr);
 
+/// What a part of a text follows upon.
+struct MarkdownContext {
+  std::string lines;         ///< that open the items and quotes in which its first row stands, each a row
+  MarkdownNesting nesting;   ///< in which its first row stands
+  std::size_t maxDepth = 0;  ///< of its first row
+};
+
+/// The rows of the context's lines and of the part of a file behind them; bytes count from the first line.
+std::vector<MarkdownRow> readMarkdownPart(std::string_view part, const MarkdownContext& context,
+                                          Indentation indentation);
+
 /// The rows that the blocks of the text are.
 std::vector<MarkdownRow> rowsOfBlocks(std::string_view text, const std::vector<MarkdownBlock>& blocks,
-                                      MarkdownScope scope, Timestamp time);
+                                      MarkdownScope scope, Timestamp time,
+                                      const MarkdownContext& context = {});
+
+/// Like updateMarkdown, checking what was written in parts of about so many rows.
+std::string updateMarkdown(const Outline& outline, std::size_t partRows);
 
 /// Stands for a body row without text.
 inline constexpr std::string_view emptyMarkdownRow = "<br>";

@@ -31,10 +31,14 @@ class MarkdownNesting {
   /// Places the next row: sections that it does not stand in are over. With a level it begins one.
   void place(std::size_t depth, std::size_t level);
 
+  bool operator==(const MarkdownNesting&) const = default;
+
  private:
   struct Section {
     std::size_t level;
     std::size_t depth;
+
+    bool operator==(const Section&) const = default;
   };
   struct Container {
     std::size_t base = 0;
@@ -42,6 +46,7 @@ class MarkdownNesting {
     std::vector<Section> sections;
 
     std::size_t level() const { return sections.empty() ? outerLevel : sections.back().level; }
+    bool operator==(const Container&) const = default;
   };
 
   std::vector<Container> containers_;

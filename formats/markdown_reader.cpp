@@ -5,6 +5,7 @@
 #include "formats/inline_markdown.h"
 #include "formats/markdown_blocks.h"
 #include "formats/markdown_format.h"
+#include "formats/markdown_source.h"
 #include "text/lines.h"
 
 namespace vell::formats {
@@ -22,23 +23,24 @@ bool isUuid(std::string_view id) {
 bool endsFrontMatter(std::string_view line) { return line == "---" || line == "..."; }
 
 /// Without an end, or with lines that are no header, the first line is a rule like any other.
-bool readFrontMatter(std::string_view text, std::size_t from, MarkdownText& read, Outline& outline) {
+bool readFrontMatter(std::string_view text, MarkdownHead& head, Outline& outline) {
+  const std::size_t from = head.bodyBegin;
   DocumentHeader header(HeaderKind::yaml);
   text::Lines lines(text.substr(from));
   if (!lines.next() || trimEnd(lines.line()) != "---") return false;
   bool isFirst = true;
   while (lines.next()) {
-    if (std::exchange(isFirst, false)) read.headerBegin = from + lines.offset();
+    if (std::exchange(isFirst, false)) head.headerBegin = from + lines.offset();
     if (endsFrontMatter(trimEnd(lines.line()))) {
-      read.headerEnd = from + lines.offset();
-      if (!header.hasKeys() && read.headerBegin < read.headerEnd) break;  // a heading between two rules
-      read.bodyBegin = lines.next() ? from + lines.offset() : text.size();
+      head.headerEnd = from + lines.offset();
+      if (!header.hasKeys() && head.headerBegin < head.headerEnd) break;  // a heading between two rules
+      head.bodyBegin = lines.next() ? from + lines.offset() : text.size();
       header.finish(outline);
       return true;
     }
     if (!header.readLine(lines.line())) break;
   }
-  read.headerBegin = read.headerEnd = 0;
+  head.headerBegin = head.headerEnd = 0;
   return false;
 }
 
@@ -46,14 +48,21 @@ bool readFrontMatter(std::string_view text, std::size_t from, MarkdownText& read
 
 MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timestamp time, Outline* outline) {
   MarkdownText read;
-  read.bodyBegin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
-  Outline head;
-  readFrontMatter(text, read.bodyBegin, read, outline ? *outline : head);
-  const bool isOurs = scope == MarkdownScope::rows || isUuid((outline ? *outline : head).persistentId());
-  const auto blocks =
-      readMarkdownBlocks(text, read.bodyBegin, isOurs ? Indentation::rows : Indentation::code);
+  read.head.bodyBegin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  Outline unused;
+  Outline& document = outline ? *outline : unused;
+  readFrontMatter(text, read.head, document);
+  const bool isOurs = scope == MarkdownScope::rows || isUuid(document.persistentId());
+  read.head.indentation = isOurs ? Indentation::rows : Indentation::code;
+  const auto blocks = readMarkdownBlocks(text, read.head.bodyBegin, read.head.indentation);
   read.rows = rowsOfBlocks(text, blocks, scope, time);
   return read;
+}
+
+std::vector<MarkdownRow> readMarkdownPart(std::string_view part, const MarkdownContext& context,
+                                          Indentation indentation) {
+  const std::string text = context.lines + std::string(part);
+  return rowsOfBlocks(text, readMarkdownBlocks(text, 0, indentation), MarkdownScope::file, 0, context);
 }
 
 static void readMarkdownAs(MarkdownScope scope, std::string_view text, const ReadOptions& options,
@@ -63,6 +72,7 @@ static void readMarkdownAs(MarkdownScope scope, std::string_view text, const Rea
   MarkdownText read = readMarkdownText(text, scope, options.time, &outline);
   TreeBuilder builder(outline);
   for (MarkdownRow& row : read.rows) builder.add(row.depth, std::move(row.content), row.span);
+  if (document::Source* source = outline.source()) source->setNotes(notesOf(text, read));
 }
 
 void readMarkdown(std::string_view text, const ReadOptions& options, Outline& outline) {

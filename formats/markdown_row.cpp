@@ -27,6 +27,11 @@ bool isSafe(MarkdownForm form, std::string_view text) {
   return isWordByte(text.front()) && ordinalLength(text) == 0;
 }
 
+/// It would take in rows far behind it once one of them ends with the same mark.
+bool opensFormula(MarkdownForm form, std::string_view text) {
+  return form == MarkdownForm::paragraph && text.starts_with("$$") && text.find("$$", 2) == text.npos;
+}
+
 /// But for its text.
 bool saysTheSame(const Row& row, const RowContent& read) {
   return row.type() == read.type && row.attributes() == read.attributes &&
@@ -176,7 +181,7 @@ bool RowWriter::readsBack(const std::string& line) const {
 std::string RowWriter::markedLine() const {
   std::string text = rewrittenText();
   if (text.empty() || isSafe(style_.form, text)) return line(text);
-  if (std::string plain = line(text); readsBack(plain)) return plain;
+  if (std::string plain = line(text); !opensFormula(style_.form, text) && readsBack(plain)) return plain;
   if (text.find('\n') != std::string::npos) {
     text = lineText();
     if (std::string plain = line(text); readsBack(plain)) return plain;

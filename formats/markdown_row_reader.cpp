@@ -1,5 +1,6 @@
 #include <algorithm>
 #include <array>
+#include <limits>
 #include <unordered_set>
 #include <utility>
 
@@ -70,8 +71,8 @@ void takeClosing(std::string_view& text) {
 /// Makes rows of blocks.
 class RowReader {
  public:
-  RowReader(std::string_view text, MarkdownScope scope, Timestamp time)
-      : text_(text), scope_(scope), time_(time) {}
+  RowReader(std::string_view text, MarkdownScope scope, Timestamp time, const MarkdownContext& context)
+      : text_(text), scope_(scope), time_(time), context_(context) {}
 
   std::vector<MarkdownRow> read(const std::vector<Block>& blocks);
 
@@ -79,12 +80,13 @@ class RowReader {
   /// A container that the next block stands in.
   struct Open {
     const Block* block;
-    std::size_t row;  ///< none: a quote without a row so far
+    std::uint32_t row;  ///< none: a quote without a row so far
   };
 
   void closeTo(std::size_t depth);
-  std::size_t addItem(const Block& block, const Block* first);
-  std::size_t addQuote(const Block& block);
+  void leaveContext();
+  std::uint32_t addItem(const Block& block, const Block* first);
+  std::uint32_t addQuote(const Block& block);
   void addEmptyQuote(Open& quote);
   void addBlock(const Block& block);
   void addBody(const Block& block);
@@ -95,11 +97,14 @@ class RowReader {
   MarkdownRow begin(MarkdownForm form, std::size_t from, std::size_t to);
   void setInline(MarkdownRow& row, std::string_view source);
   bool takeTrailer(MarkdownRow& row, std::string_view& source);
-  std::size_t add(MarkdownRow row);
+  std::uint32_t add(MarkdownRow row);
 
   std::string_view text_;
   MarkdownScope scope_;
   Timestamp time_;
+  const MarkdownContext& context_;
+  bool isInContext_ = true;
+  std::size_t maxDepth_ = 0;  ///< of the next row
   MarkdownNesting nesting_;
   std::vector<Open> open_;
   std::vector<MarkdownRow> rows_;
@@ -111,6 +116,7 @@ std::vector<MarkdownRow> RowReader::read(const std::vector<Block>& blocks) {
   for (std::size_t at = 0; at < blocks.size(); ++at) {
     const Block& block = blocks[at];
     closeTo(block.depth);
+    if (isInContext_ && block.begin >= context_.lines.size() && block.kind != Kind::nested) leaveContext();
     const bool isInQuote = !open_.empty() && open_.back().block->kind == Kind::quote;
     if (isInQuote && block.kind == Kind::paragraph) {
       addQuote(block);
@@ -127,9 +133,9 @@ std::vector<MarkdownRow> RowReader::read(const std::vector<Block>& blocks) {
     if (block.kind == Kind::quote) {
       open_.push_back({&block, MarkdownRow::none});
     } else if (block.kind == Kind::nested) {
-      const std::size_t above = rows_.size() - 1;  // none before the first row
-      open_.push_back({&block, above});
-      nesting_.enter(rows_.empty() ? above : rows_.back().depth);
+      const bool isBelow = !rows_.empty();
+      open_.push_back({&block, isBelow ? static_cast<std::uint32_t>(rows_.size() - 1) : MarkdownRow::none});
+      nesting_.enter(isBelow ? rows_.back().depth : std::size_t(-1));
     } else if (block.kind == Kind::item) {
       const Block* first =
           at + 1 < blocks.size() && blocks[at + 1].depth > block.depth ? &blocks[at + 1] : nullptr;
@@ -153,6 +159,13 @@ void RowReader::closeTo(std::size_t depth) {
     open_.pop_back();
   }
   nesting_.leave(std::min(nesting_.containers(), depth));
+}
+
+/// The rows behind the context stand where it says, in the items and quotes that its lines have opened.
+void RowReader::leaveContext() {
+  isInContext_ = false;
+  if (context_.nesting.containers() == nesting_.containers()) nesting_ = context_.nesting;
+  maxDepth_ = context_.maxDepth;
 }
 
 MarkdownRow RowReader::begin(MarkdownForm form, std::size_t from, std::size_t to) {
@@ -180,17 +193,19 @@ void RowReader::setInline(MarkdownRow& row, std::string_view source) {
 }
 
 /// The type told in the trailer is set last: the mark's own attribute goes by the mark.
-std::size_t RowReader::add(MarkdownRow row) {
+std::uint32_t RowReader::add(MarkdownRow row) {
   if (trailer_.type) row.content.type = *trailer_.type;
   std::string& id = row.content.persistentId;
   if (!id.empty() && !ids_.insert(id).second) id.clear();
   // A heading that tells its type gathers nothing; another row that is written as one does.
   row.gathers = row.form == MarkdownForm::heading && trailer_.type != RowType::heading;
-  row.toldDepth = trailer_.depth;
+  constexpr std::size_t maxTold = std::numeric_limits<std::uint16_t>::max();
+  if (trailer_.depth) row.toldDepth = static_cast<std::uint16_t>(std::min(*trailer_.depth, maxTold));
   const std::size_t level = row.gathers ? row.level : 0;
-  row.depth = trailer_.depth ? nesting_.base() + *trailer_.depth : nesting_.depthOf(level);
-  row.depth = std::min(row.depth, rows_.empty() ? 0 : rows_.back().depth + 1);
-  row.enclosing = nesting_.enclosingAt(row.depth);
+  const std::size_t depth = trailer_.depth ? nesting_.base() + *trailer_.depth : nesting_.depthOf(level);
+  row.depth = static_cast<std::uint32_t>(std::min(depth, maxDepth_));
+  maxDepth_ = row.depth + 1;
+  row.enclosing = static_cast<std::uint8_t>(nesting_.enclosingAt(row.depth));
   if (row.form == MarkdownForm::heading && row.content.type == RowType::heading) {
     const bool isNatural = row.level == naturalLevel(row.enclosing);
     if (!isNatural && scope_ == MarkdownScope::file) setMarkAttribute(row.content, std::to_string(row.level));
@@ -201,10 +216,10 @@ std::size_t RowReader::add(MarkdownRow row) {
   }
   if (row.container != MarkdownRow::none) rows_[row.container].isContainer = true;
   rows_.push_back(std::move(row));
-  return rows_.size() - 1;
+  return static_cast<std::uint32_t>(rows_.size() - 1);
 }
 
-std::size_t RowReader::addItem(const Block& block, const Block* first) {
+std::uint32_t RowReader::addItem(const Block& block, const Block* first) {
   MarkdownRow row = begin(MarkdownForm::item, block.begin, first ? first->end : block.end);
   const bool isOrdered = ordinalLength(text_.substr(block.begin, block.end - block.begin)) > 0;
   row.content.type = isOrdered ? RowType::ordered : RowType::unordered;
@@ -224,7 +239,7 @@ std::size_t RowReader::addItem(const Block& block, const Block* first) {
 }
 
 /// A paragraph in a quote. One that tells its type stands below the quote's row.
-std::size_t RowReader::addQuote(const Block& block) {
+std::uint32_t RowReader::addQuote(const Block& block) {
   Open& quote = open_.back();
   const bool isFirst = quote.row == MarkdownRow::none;
   MarkdownRow row = begin(MarkdownForm::quote, block.markBegin, block.end);
@@ -317,7 +332,7 @@ void RowReader::addVerbatim(const Block& block) {
 void RowReader::addHeading(const Block& block) {
   MarkdownRow row = begin(MarkdownForm::heading, block.begin, block.end);
   row.content.type = RowType::heading;
-  row.level = block.level;
+  row.level = static_cast<std::uint8_t>(block.level);
   const bool isAtx = block.kind == Kind::atxHeading;
   const std::string_view text = std::string_view(block.text).substr(indentBytes(block.text));
   const std::string heading =
@@ -360,8 +375,8 @@ void RowReader::addCode(const Block& block) {
 }  // namespace
 
 std::vector<MarkdownRow> rowsOfBlocks(std::string_view text, const std::vector<Block>& blocks,
-                                      MarkdownScope scope, Timestamp time) {
-  return RowReader(text, scope, time).read(blocks);
+                                      MarkdownScope scope, Timestamp time, const MarkdownContext& context) {
+  return RowReader(text, scope, time, context).read(blocks);
 }
 
 }  // namespace vell::formats

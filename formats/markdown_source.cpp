@@ -13,47 +13,89 @@ std::string_view lineEndOf(std::string_view text) {
   return text.substr(end).starts_with("\r\n") ? "\r\n" : "\r";
 }
 
+/// The line without that prefix, as far as it has it.
+std::string_view withoutPrefix(std::string_view line, std::string_view prefix) {
+  for (const char c : prefix) {
+    if (line.empty()) break;
+    if (c == '>') {
+      while (line.size() > 1 && line.front() == ' ') line.remove_prefix(1);
+    }
+    if (line.front() != c) break;
+    line.remove_prefix(1);
+  }
+  return line;
+}
+
+std::string_view beforeOnLine(std::string_view text, std::size_t at) {
+  const std::size_t end = text.substr(0, at).find_last_of("\r\n");
+  const std::size_t begin = end == std::string_view::npos ? 0 : end + 1;
+  return text.substr(begin, at - begin);
+}
+
 }  // namespace
+
+std::unique_ptr<MarkdownNotes> notesOf(std::string_view text, const MarkdownText& read) {
+  auto notes = std::make_unique<MarkdownNotes>();
+  notes->head = read.head;
+  notes->rows.assign(read.rows.begin(), read.rows.end());
+  notes->lineEnd = lineEndOf(text);
+  bool hasBullet = false;
+  bool hasBlanks = false;
+  bool hasTabs = false;
+  for (const MarkdownRow& row : read.rows) {
+    const std::string_view own = text.substr(row.span.begin, row.span.end - row.span.begin);
+    const bool isBulleted = row.form == MarkdownForm::item && ordinalLength(own) == 0;
+    if (isBulleted && !hasBullet) notes->bullet = own.front();
+    hasBullet = hasBullet || isBulleted;
+    const bool beginsFormula = row.form == MarkdownForm::paragraph && own.starts_with("$$");
+    notes->hasOpenFormula |= beginsFormula && own.find("$$", 2) == std::string_view::npos;
+    if (row.container == MarkdownRow::none) continue;
+    const std::string_view before = beforeOnLine(text, row.span.begin);
+    hasTabs = hasTabs || before.find('\t') != std::string_view::npos;
+    hasBlanks = hasBlanks || (!before.empty() && before.front() != '\t' && before.front() != '>');
+  }
+  notes->indentsByTabs = hasTabs || !hasBlanks;
+  return notes;
+}
+
+MarkdownSource::MarkdownSource() {
+  static const MarkdownNotes nothing;
+  notes_ = &nothing;
+}
 
 MarkdownSource::MarkdownSource(const Outline& outline)
     : outline_(&outline),
       text_(outline.source()->text()),
-      read_(readMarkdownText(text_, MarkdownScope::file)),
-      lineEnd_(lineEndOf(text_)) {
-  bool hasBullet = false;
-  bool hasBlanks = false;
-  bool hasTabs = false;
-  for (const MarkdownRow& row : read_.rows) {
-    const bool isBulleted = row.form == MarkdownForm::item && ordinalLength(own(row)) == 0;
-    if (isBulleted && !hasBullet) bullet_ = own(row).front();
-    hasBullet = hasBullet || isBulleted;
-    if (row.container == MarkdownRow::none) continue;
-    const std::string prefix = this->prefix(row);
-    hasTabs = hasTabs || prefix.find('\t') != std::string::npos;
-    hasBlanks = hasBlanks || prefix.starts_with(' ');
+      notes_(dynamic_cast<const MarkdownNotes*>(outline.source()->notes())) {}
+
+const MarkdownPlace* MarkdownSource::find(const Row& row) const {
+  if (!outline_) return nullptr;
+  const document::Source& source = *outline_->source();
+  return source.find(row.id()) ? &notes_->rows[row.id() - source.firstRow()] : nullptr;
+}
+
+/// Its own lines tell, without those around them.
+MarkdownRow MarkdownSource::readAgain(const Row& row, const MarkdownPlace& place) const {
+  const std::string lines = reindented(own(place), prefix(place), "", "\n");
+  std::vector<MarkdownRow> rows = readMarkdownPart(lines, {}, Indentation::code);
+  MarkdownRow again;
+  if (rows.size() == 1 && rows.front().form == place.form) again = std::move(rows.front());
+  static_cast<MarkdownPlace&>(again) = place;
+  again.span = span(place);
+  if (const RowContent* original = this->original(row)) {
+    again.content = *original;
+  } else {
+    again.content = {row.type(), row.text(), row.attributes(), row.persistentId()};
   }
-  indentsByTabs_ = hasTabs || !hasBlanks;
+  return again;
 }
 
-const MarkdownRow* MarkdownSource::find(const Row& row) const {
-  const SourceSpan* span = outline_ ? outline_->source()->find(row.id()) : nullptr;
-  if (!span) return nullptr;
-  // The rows of a source come in order, and so do their ids.
-  std::size_t low = 0;
-  for (std::size_t high = read_.rows.size(); low < high;) {
-    const std::size_t middle = low + (high - low) / 2;
-    const SourceSpan& other = read_.rows[middle].span;
-    const bool isBefore = other.begin < span->begin || (other.begin == span->begin && other.end < span->end);
-    (isBefore ? low : high) = isBefore ? middle + 1 : middle;
-  }
-  return low < read_.rows.size() ? &read_.rows[low] : nullptr;
+std::string_view MarkdownSource::behindLast() const {
+  if (notes_->rows.empty()) return text_.substr(notes_->head.bodyBegin);
+  return text_.substr(outline_->source()->spans().back().end);
 }
 
-bool MarkdownSource::isAsRead(const Row& row) const {
-  return formats::isAsRead(*outline_, row, Times::dropped);
-}
-
-std::string_view MarkdownSource::openFence(const MarkdownRow& row) const {
+std::string_view MarkdownSource::openFence(const MarkdownPlace& row) const {
   const std::string_view own = this->own(row);
   const std::string_view first = own.substr(0, own.find_first_of("\r\n"));
   const std::string_view fence = first.substr(0, openingFence(first));
@@ -65,50 +107,113 @@ std::string_view MarkdownSource::openFence(const MarkdownRow& row) const {
   return isClosed ? std::string_view() : fence;
 }
 
-std::string MarkdownSource::prefix(const MarkdownRow& row) const {
-  const std::size_t end = row.span.begin;
-  std::size_t begin = end;
-  while (begin > read_.bodyBegin && text_[begin - 1] != '\n' && text_[begin - 1] != '\r') --begin;
-  std::string prefix(text_.substr(begin, end - begin));
+std::size_t MarkdownSource::lineBegin(const MarkdownPlace& row) const {
+  const std::size_t begin = span(row).begin;
+  return std::max(begin - beforeOnLine(text_, begin).size(), notes_->head.bodyBegin);
+}
+
+std::string MarkdownSource::prefix(const MarkdownPlace& row) const {
+  const std::size_t begin = lineBegin(row);
+  std::string prefix(text_.substr(begin, span(row).begin - begin));
   for (char& c : prefix) {
     if (c != '\t' && c != '>') c = ' ';
   }
   return prefix;
 }
 
-std::optional<std::string> MarkdownSource::childPrefix(const MarkdownRow& row) const {
+std::optional<std::string> MarkdownSource::childPrefix(const MarkdownPlace& row) const {
   const std::size_t next = indexOf(row) + 1;
-  if (next == read_.rows.size() || read_.rows[next].container != next - 1) return std::nullopt;
-  return prefix(read_.rows[next]);
+  if (next == rowCount() || notes_->rows[next].container != next - 1) return std::nullopt;
+  std::string prefix = this->prefix(notes_->rows[next]);
+  if (prefix.ends_with('>')) prefix += ' ';  // the mark would take in a blank of what follows it
+  return prefix;
 }
 
-std::size_t MarkdownSource::lineEndsBefore(const MarkdownRow& row) const {
+bool MarkdownSource::beginsLine(const MarkdownPlace& row) const {
+  if (indexOf(row) > 0 && span(*(&row - 1)).end > lineBegin(row)) return false;
+  if (isBareMark(row.form, own(row))) return false;
+  std::string inner = prefix(row);
+  for (const MarkdownPlace* place = &row; place->container != MarkdownPlace::none;) {
+    place = &notes_->rows[place->container];
+    const std::string outer = prefix(*place);
+    if (!inner.starts_with(outer)) return false;
+    inner = outer;
+  }
+  return inner.find_first_not_of(' ') == std::string::npos && inner.size() < 4;
+}
+
+std::vector<const MarkdownPlace*> MarkdownSource::containersOf(const MarkdownPlace& row) const {
+  std::vector<const MarkdownPlace*> containers;
+  for (std::uint32_t at = row.container; at != MarkdownPlace::none; at = containers.back()->container) {
+    containers.push_back(&notes_->rows[at]);
+  }
+  std::reverse(containers.begin(), containers.end());
+  return containers;
+}
+
+MarkdownNesting MarkdownSource::nestingBehind(const MarkdownPlace& row) const {
+  const document::Source& source = *outline_->source();
+  std::vector<const MarkdownPlace*> path;  // from the row up
+  for (const MarkdownPlace* place = &row;;) {
+    path.push_back(place);
+    const SessionId parent = span(*place).parent;
+    if (!source.find(parent)) break;
+    place = &notes_->rows[parent - source.firstRow()];
+  }
+  const std::vector<const MarkdownPlace*> containers = containersOf(row);
+  auto next = containers.begin();
+  MarkdownNesting nesting;
+  for (; !path.empty(); path.pop_back()) {
+    const MarkdownPlace& place = *path.back();
+    const std::uint32_t inside = next == containers.begin() ? MarkdownPlace::none : indexOf(**(next - 1));
+    if (place.container == inside) nesting.place(place.depth, place.gathers ? place.level : 0);
+    if (next == containers.end() || *next != &place) continue;
+    nesting.enter(place.depth);
+    ++next;
+  }
+  return nesting;
+}
+
+std::size_t MarkdownSource::lineEndsBefore(const MarkdownPlace& row) const {
   return indexOf(row) == 0 ? 0 : countLineEnds(between(*(&row - 1), row));
 }
 
-std::size_t MarkdownSource::lineEndsBehind(const MarkdownRow& row) const {
+std::size_t MarkdownSource::lineEndsBehind(const MarkdownPlace& row) const {
   return isLast(row) ? 0 : countLineEnds(between(row, *(&row + 1)));
 }
 
-bool MarkdownSource::isInListWith(const MarkdownRow& row, const MarkdownRow& beside) const {
+bool MarkdownSource::isInListWith(const MarkdownPlace& row, const MarkdownPlace& beside) const {
   if (row.form != MarkdownForm::item || beside.form != MarkdownForm::item) return false;
   if (row.container == indexOf(beside)) return true;
-  const MarkdownRow* sibling = &beside;
-  while (sibling->container != row.container && sibling->container != MarkdownRow::none) {
-    sibling = &read_.rows[sibling->container];
+  const MarkdownPlace* sibling = &beside;
+  while (sibling->container != row.container && sibling->container != MarkdownPlace::none) {
+    sibling = &notes_->rows[sibling->container];
   }
   return sibling->container == row.container && listMark(own(row)) == listMark(own(*sibling));
 }
 
-std::size_t MarkdownSource::listGap(const MarkdownRow& row) const {
+std::size_t MarkdownSource::listGap(const MarkdownPlace& row) const {
   if (indexOf(row) > 0 && isInListWith(row, *(&row - 1))) return lineEndsBefore(row);
   if (!isLast(row) && isInListWith(row, *(&row + 1))) return lineEndsBehind(row);
   return 1;
 }
 
+bool MarkdownSource::areInOneList(const MarkdownPlace& row, const MarkdownPlace& later) const {
+  if (!isInListWith(later, row)) return false;
+  const auto isBetween = [&](const MarkdownPlace& place) {
+    return place.container != later.container || isInListWith(later, place);
+  };
+  return &row < &later && std::all_of(&row, &later, isBetween);
+}
+
 char listMark(std::string_view item) {
   const std::size_t ordinal = ordinalLength(item);
   return item[std::max<std::size_t>(ordinal, 1) - 1];
+}
+
+bool isBareMark(MarkdownForm form, std::string_view own) {
+  if (form == MarkdownForm::item) return own.size() == std::max<std::size_t>(ordinalLength(own), 1);
+  return form == MarkdownForm::quote && own == ">";
 }
 
 std::size_t countLineEnds(std::string_view text) {
@@ -118,6 +223,28 @@ std::size_t countLineEnds(std::string_view text) {
     ++count;
   }
   return count;
+}
+
+std::string reindented(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix,
+                       std::string_view lineEnd) {
+  std::string out;
+  for (std::size_t at = 0; at <= lines.size();) {
+    const std::size_t end = std::min(lines.find_first_of("\r\n", at), lines.size());
+    std::string_view line = lines.substr(at, end - at);
+    if (at > 0) {
+      line = withoutPrefix(line, oldPrefix);
+      out += lineEnd;
+      out += line.empty() ? withoutEndBlanks(newPrefix) : newPrefix;
+    }
+    out += line;
+    at = end + (lines.substr(end).starts_with("\r\n") ? 2 : 1);
+  }
+  return out;
+}
+
+std::string_view withoutEndBlanks(std::string_view prefix) {
+  while (!prefix.empty() && prefix.back() != '>') prefix.remove_suffix(1);
+  return prefix;
 }
 
 }  // namespace vell::formats

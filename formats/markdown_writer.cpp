@@ -21,9 +21,10 @@ std::size_t requestedLevel(const Row& row) {
   return isLevel ? static_cast<std::size_t>(level->front() - '0') : 0;
 }
 
-bool asksAsBefore(const Row& row, const RowContent& read) {
+bool asksAsBefore(const Row& row, const RowContent* original) {
+  if (!original) return true;
   const std::string* now = row.attributes().find("level");
-  const std::string* before = read.attributes.find("level");
+  const std::string* before = original->attributes.find("level");
   return now && before ? *now == *before : !now && !before;
 }
 
@@ -31,19 +32,6 @@ std::size_t columnsOf(std::string_view prefix) {
   std::size_t columns = 0;
   for (const char c : prefix) columns = c == '\t' ? (columns / tabColumns + 1) * tabColumns : columns + 1;
   return columns;
-}
-
-/// The line without that prefix, as far as it has it.
-std::string_view withoutPrefix(std::string_view line, std::string_view prefix) {
-  for (const char c : prefix) {
-    if (line.empty()) break;
-    if (c == '>') {
-      while (line.size() > 1 && line.front() == ' ') line.remove_prefix(1);
-    }
-    if (line.front() != c) break;
-    line.remove_prefix(1);
-  }
-  return line;
 }
 
 /// The blanks behind the mark of a row, one where they could mean something else.
@@ -57,64 +45,89 @@ std::string gapOf(std::string_view own, MarkdownForm form) {
   return isOdd || (gap.empty() && form != MarkdownForm::quote) ? " " : std::string(gap);
 }
 
-std::string_view withoutEndBlanks(std::string_view prefix) {
-  while (!prefix.empty() && prefix.back() != '>') prefix.remove_suffix(1);
-  return prefix;
+/// The column at which the text of an item begins, and the rows in it.
+std::size_t contentColumn(std::string_view prefix, std::string_view own) {
+  const std::string_view line = own.substr(0, own.find_first_of("\r\n"));
+  const std::size_t mark = std::max<std::size_t>(ordinalLength(line), 1);
+  const std::string_view blanks = line.substr(mark, indentBytes(line.substr(mark)));
+  std::string before = std::string(prefix) + std::string(mark, ' ');
+  const std::size_t begin = columnsOf(before);
+  const std::size_t column = columnsOf(before.append(blanks));
+  const bool fits = column > begin && column <= begin + tabColumns && line.size() > mark + blanks.size();
+  return fits ? column : begin + 1;
 }
 
 }  // namespace
 
-std::string MarkdownWriter::write(std::span<const PlacedRow> rows) {
-  isCopied_.resize(rows.size());
-  for (at_ = 0; at_ < rows.size(); ++at_) {
-    const PlacedRow& placed = rows[at_];
-    next_ = at_ + 1 < rows.size() ? rows[at_ + 1] : PlacedRow{nullptr, 0};
-    now_ = {placed.row, placed.depth, source_.find(*placed.row), next_.row && next_.depth > placed.depth};
-    while (!open_.empty() && open_.back().depth >= placed.depth) open_.pop_back();
-    leaveContainers();
-    nesting_.leave(open_.size());
-    siblings_.resize(placed.depth + 1);
-    isCopied_[at_] = canCopy();
-    if (isCopied_[at_]) {
-      copy();
-    } else {
-      render();
-    }
-    previous_ = now_;
+void MarkdownWriter::enter(const PlacedRow& row, const PlacedRow& next, unsigned caution) {
+  caution_ = caution;
+  next_ = next;
+  now_ = {row.row, row.depth, source_.find(*row.row), next.row && next.depth > row.depth};
+  while (!open_.empty() && open_.back().depth >= row.depth) open_.pop_back();
+  leaveContainers();
+  nesting_.leave(open_.size());
+  siblings_.resize(row.depth + 1);
+  now_.isCopied = canCopy();
+  now_.containers = open_.size();
+}
+
+void MarkdownWriter::write() {
+  if (now_.isCopied) {
+    copy();
+  } else {
+    render();
   }
-  finish();
-  return std::move(out_);
+  previous_ = now_;
+}
+
+/// Each row that opens an item or a quote, and an empty line, which ends its paragraph.
+MarkdownContext MarkdownWriter::context() const {
+  MarkdownContext context{{}, nesting_, previous_.row ? previous_.depth + 1 : 0};
+  for (const Open& open : open_) {
+    const std::string_view own = std::string_view(out_).substr(open.begin, open.end - open.begin);
+    context.lines.append(open.prefix).append(own);
+    if (isBareMark(open.form, own)) {
+      const std::string_view behind = std::string_view(out_).substr(open.end);
+      const std::string_view blanks = behind.substr(0, indentBytes(behind));
+      const bool isFollowed = behind.find_first_of("\r\n") > blanks.size();
+      const bool fits =
+          isFollowed && blanks.size() < behind.size() && !blanks.empty() && blanks.size() <= tabColumns;
+      context.lines.append(fits ? blanks : " ").append(emptyMarkdownRow);
+    }
+    context.lines.append("\n").append(withoutEndBlanks(open.childPrefix)).append("\n");
+  }
+  return context;
 }
 
 /// A row that tells its depth can stand behind the item or quote that its parent stands in.
 void MarkdownWriter::leaveContainers() {
-  const MarkdownRow* read = now_.read;
-  if (!read || !read->toldDepth || caution() > 0 || !source_.isAsRead(*now_.row)) return;
+  const MarkdownPlace* read = now_.read;
+  if (!read || !read->toldDepth || caution_ > 0 || !source_.isAsRead(*now_.row)) return;
   const auto isItsOwn = [&](const Open& open) {
     return open.read && source_.indexOf(*open.read) == read->container;
   };
   const auto own = std::find_if(open_.begin(), open_.end(), isItsOwn);
-  if (read->container == MarkdownRow::none) {
+  if (read->container == MarkdownPlace::none) {
     open_.clear();
   } else if (own != open_.end()) {
     open_.erase(own + 1, open_.end());
   }
 }
 
-bool MarkdownWriter::standsInItsContainer(const MarkdownRow& read) const {
-  if (open_.empty()) return read.container == MarkdownRow::none;
+bool MarkdownWriter::standsInItsContainer(const MarkdownPlace& read) const {
+  if (open_.empty()) return read.container == MarkdownPlace::none;
   return open_.back().read && read.container == source_.indexOf(*open_.back().read);
 }
 
-bool MarkdownWriter::keepsPrefix(const MarkdownRow& read) const {
-  const bool isTrusted = caution() == 0 || read.form != MarkdownForm::item;
+bool MarkdownWriter::keepsPrefix(const MarkdownPlace& read) const {
+  const bool isTrusted = caution_ == 0 || (caution_ == 1 && read.form != MarkdownForm::item);
   return isTrusted && standsInItsContainer(read) && (open_.empty() || open_.back().keepsPrefix);
 }
 
 bool MarkdownWriter::canCopy() const {
-  const MarkdownRow* read = now_.read;
-  if (!read || caution() > 0 || !source_.isAsRead(*now_.row)) return false;
-  const bool isInQuote = !open_.empty() && open_.back().isQuote;
+  const MarkdownPlace* read = now_.read;
+  if (!read || caution_ > 0 || !source_.isAsRead(*now_.row)) return false;
+  const bool isInQuote = !open_.empty() && open_.back().form == MarkdownForm::quote;
   if (isInQuote && read->form == MarkdownForm::paragraph && !standsInItsContainer(*read)) return false;
   const std::size_t deepest = previous_.row ? previous_.depth + 1 : 0;
   const std::size_t depth = read->toldDepth ? std::min(nesting_.base() + *read->toldDepth, deepest)
@@ -128,10 +141,11 @@ MarkdownWriter::Level MarkdownWriter::headingLevel() const {
   const std::size_t enclosing = nesting_.enclosingAt(now_.depth);
   const std::size_t natural = naturalLevel(enclosing);
   const std::size_t requested = requestedLevel(*now_.row);
-  const MarkdownRow* read = now_.read;
-  const bool wasHeading =
-      read && read->form == MarkdownForm::heading && read->content.type == RowType::heading;
-  if (wasHeading && read->enclosing == enclosing && asksAsBefore(*now_.row, read->content)) {
+  const MarkdownPlace* read = now_.read;
+  const RowContent* original = read ? source_.original(*now_.row) : nullptr;
+  const RowType type = original ? original->type : now_.row->type();
+  const bool wasHeading = read && read->form == MarkdownForm::heading && type == RowType::heading;
+  if (wasHeading && read->enclosing == enclosing && asksAsBefore(*now_.row, original)) {
     return {read->level, requested == read->level && requested != natural};
   }
   const bool isGranted = requested > enclosing && requested != natural;
@@ -145,31 +159,32 @@ std::string MarkdownWriter::prefix() const {
 }
 
 void MarkdownWriter::copy() {
-  const MarkdownRow& read = *now_.read;
+  const MarkdownPlace& read = *now_.read;
   now_.form = read.form;
   if (read.form == MarkdownForm::item) now_.listMark = listMark(source_.own(read));
   now_.keepsPrefix = keepsPrefix(read);
-  const std::string prefix = this->prefix();
-  now_.prefix = prefix;
-  separate(prefix);
-  appendLines(source_.own(read), now_.keepsPrefix ? prefix : source_.prefix(read), prefix);
+  now_.prefix = prefix();
+  separate(now_.prefix);
+  appendLines(source_.own(read), now_.keepsPrefix ? now_.prefix : source_.prefix(read), now_.prefix);
   nesting_.place(now_.depth, read.gathers ? read.level : 0);
   noteMark();
-  if (read.isContainer || read.form == MarkdownForm::item) openContainer(prefix);
+  if (read.isContainer || read.form == MarkdownForm::item) openContainer();
 }
 
 void MarkdownWriter::render() {
-  const MarkdownRow* read = now_.read;
+  const MarkdownPlace* read = now_.read;
   const Row& row = *now_.row;
   MarkdownRowStyle style;
   style.form = chooseForm();
-  style.read = read;
+  const std::optional<MarkdownRow> again = read ? std::optional(source_.readAgain(row, *read)) : std::nullopt;
+  style.read = again ? &*again : nullptr;
   const bool keepsForm = read && read->form == style.form;
   style.isFirst = !previous_.row && !begun_;
   std::size_t section = 0;
   if (style.form == MarkdownForm::heading) {
     const Level heading = headingLevel();
-    style.level = row.type() != RowType::heading ? std::max(heading.level, read->level) : heading.level;
+    style.level =
+        row.type() != RowType::heading ? std::max<std::size_t>(heading.level, read->level) : heading.level;
     style.levelIsGranted = heading.isGranted;
     style.isSetext = keepsForm && style.level < 3 && !source_.own(*read).starts_with('#');
     style.tellsType = row.type() == RowType::heading && !now_.hasChildren && swallowsNext(style.level);
@@ -177,33 +192,34 @@ void MarkdownWriter::render() {
   }
   if (style.form == MarkdownForm::item) style.mark = itemMark();
   if (keepsForm) style.gap = gapOf(source_.own(*read), style.form);
-  if (style.form == MarkdownForm::paragraph) style.tellsType = !open_.empty() && open_.back().isQuote;
+  if (style.form == MarkdownForm::paragraph)
+    style.tellsType = !open_.empty() && open_.back().form == MarkdownForm::quote;
   if (nesting_.depthOf(section) != now_.depth) style.depth = now_.depth - nesting_.base();
   if (style.form == MarkdownForm::verbatim && style.depth) style.form = naturalForm(row, style.depth);
   now_.form = style.form;
   if (style.form == MarkdownForm::item) now_.listMark = listMark(style.mark);
   now_.keepsPrefix = read && keepsPrefix(*read);
-  const std::string prefix = this->prefix();
+  now_.prefix = prefix();
   std::string lines = writeMarkdownRow(row, style);
   // An item or quote without text would take a paragraph below it for its text.
   const bool isQuote = style.form == MarkdownForm::quote && keepsForm && read->isContainer;
   const bool isBare = style.form == MarkdownForm::item ? lines == style.mark : isQuote && lines == ">";
   if (isBare && now_.hasChildren) lines.append(" ").append(emptyMarkdownRow);
-  separate(prefix);
-  appendLines(lines, "", prefix);
+  separate(now_.prefix);
+  appendLines(lines, "", now_.prefix);
   nesting_.place(now_.depth, section);
   noteMark();
-  if (style.form == MarkdownForm::item || (keepsForm && read->isContainer)) openContainer(prefix);
+  if (style.form == MarkdownForm::item || (keepsForm && read->isContainer)) openContainer();
 }
 
 /// Rows of the source keep the form on which their children depend.
 MarkdownForm MarkdownWriter::chooseForm() const {
-  const MarkdownRow* read = now_.read;
+  const MarkdownPlace* read = now_.read;
   const MarkdownForm natural = naturalForm(*now_.row);
   const bool isHeld = read && (read->form == natural || read->form == MarkdownForm::paragraph);
   const bool isBlock = natural == MarkdownForm::code || natural == MarkdownForm::verbatim;
-  const bool isCareful = caution() == 1 && !now_.hasChildren && !isBlock;
-  if (caution() > 1 || (isCareful && !(read && source_.isAsRead(*now_.row)))) return MarkdownForm::paragraph;
+  const bool isCareful = caution_ == 1 && !now_.hasChildren && !isBlock;
+  if (caution_ > 1 || (isCareful && !(read && source_.isAsRead(*now_.row)))) return MarkdownForm::paragraph;
   if (!now_.hasChildren) return natural;
   const bool holdsChildren = read && (read->form == MarkdownForm::item || read->gathers ||
                                       (read->form == MarkdownForm::quote && read->isContainer));
@@ -214,7 +230,7 @@ MarkdownForm MarkdownWriter::chooseForm() const {
 
 /// A heading would take in the row behind it, which is to be copied.
 bool MarkdownWriter::swallowsNext(std::size_t level) const {
-  const MarkdownRow* next = next_.row ? source_.find(*next_.row) : nullptr;
+  const MarkdownPlace* next = next_.row ? source_.find(*next_.row) : nullptr;
   if (!next || next->toldDepth || !standsInItsContainer(*next)) return false;
   return !next->gathers || next->level > level;
 }
@@ -237,41 +253,45 @@ std::string MarkdownWriter::itemMark() const {
   return std::to_string(std::min(before.number + before.step, maxOrdinal)) + before.delimiter;
 }
 
-/// Remembers the mark of the row that was written.
-void MarkdownWriter::noteMark() {
-  Sibling& sibling = siblings_.back();
-  const std::string_view line = own();
-  const std::size_t length = now_.form == MarkdownForm::item ? ordinalLength(line) : 0;
-  now_.isBare = now_.form == MarkdownForm::item && line.size() == std::max<std::size_t>(length, 1);
-  if (length == 0) {
-    sibling = {now_.form == MarkdownForm::item ? line.front() : '\0'};
-    return;
-  }
+/// The mark that the next sibling goes by, behind a row of that form and its sibling before.
+MarkdownWriter::Sibling MarkdownWriter::siblingOf(MarkdownForm form, std::string_view own,
+                                                  const Sibling& before) {
+  if (form != MarkdownForm::item) return {};
+  const std::size_t length = ordinalLength(own);
+  if (length == 0) return {own.front()};
   std::uint32_t number = 0;
-  std::from_chars(line.data(), line.data() + length - 1, number);
-  const bool repeats = sibling.delimiter != '\0' && sibling.number == number;
-  sibling = {'\0', line[length - 1], number, repeats ? 0U : 1U};
+  std::from_chars(own.data(), own.data() + length - 1, number);
+  const bool repeats = before.delimiter != '\0' && before.number == number;
+  return {'\0', own[length - 1], number, repeats ? 0U : 1U};
 }
 
-void MarkdownWriter::openContainer(const std::string& prefix) {
-  Open open{now_.depth, now_.read, now_.keepsPrefix, now_.form == MarkdownForm::quote, prefix};
-  const auto asRead = now_.read && now_.keepsPrefix ? source_.childPrefix(*now_.read) : std::nullopt;
-  if (asRead && now_.read->form == now_.form) {
+/// Remembers the mark of the row that was written.
+void MarkdownWriter::noteMark() {
+  const std::string_view own = this->own();
+  now_.isBare = isBareMark(now_.form, own);
+  siblings_.back() = siblingOf(now_.form, own, siblings_.back());
+}
+
+void MarkdownWriter::openContainer() {
+  const MarkdownPlace* read = now_.read;
+  Open open{now_.depth,  read,        now_.keepsPrefix, now_.keepsPrefix, now_.form,
+            now_.prefix, now_.prefix, ownBegin_,        out_.size()};
+  const auto asRead = read && now_.keepsPrefix ? source_.childPrefix(*read) : std::nullopt;
+  if (asRead && read->form == now_.form) {
     open.childPrefix = *asRead;
+    open.isAsRead = now_.form != MarkdownForm::item ||
+                    contentColumn(now_.prefix, own()) == contentColumn(now_.prefix, source_.own(*read));
   } else if (now_.form == MarkdownForm::item) {
-    open.keepsPrefix = false;
-    const std::string_view line = own();
-    const std::size_t mark = std::max<std::size_t>(ordinalLength(line), 1);
-    const std::size_t blanks = indentColumns(line.substr(mark, line.find_first_of("\r\n") - mark));
-    const std::size_t width = mark + (blanks > 0 && blanks <= tabColumns ? blanks : 1);
-    const std::size_t columns = columnsOf(prefix);
-    if (source_.indentsByTabs() && prefix.find_first_not_of('\t') == std::string::npos) {
-      open.childPrefix.append((columns + width + tabColumns - 1) / tabColumns - columns / tabColumns, '\t');
+    open.keepsPrefix = open.isAsRead = false;
+    const std::size_t columns = columnsOf(now_.prefix);
+    const std::size_t column = contentColumn(now_.prefix, own());
+    if (source_.indentsByTabs() && now_.prefix.find_first_not_of('\t') == std::string::npos) {
+      open.childPrefix.append((column + tabColumns - 1) / tabColumns - columns / tabColumns, '\t');
     } else {
-      open.childPrefix.append(width, ' ');
+      open.childPrefix.append(column - columns, ' ');
     }
   } else {
-    open.keepsPrefix = false;
+    open.keepsPrefix = open.isAsRead = false;
     open.childPrefix += now_.form == MarkdownForm::quote ? "> " : "\t";
   }
   open_.push_back(std::move(open));
@@ -280,8 +300,8 @@ void MarkdownWriter::openContainer(const std::string& prefix) {
 
 /// Lines that have to end between the previous row and this one.
 std::size_t MarkdownWriter::neededLineEnds() const {
-  if (previous_.isBare && now_.depth > previous_.depth)
-    return 1;  // an item begins with one blank line at most
+  const bool isInItem = previous_.form == MarkdownForm::item && now_.depth > previous_.depth;
+  if (previous_.isBare && isInItem) return 1;  // an item begins with one blank line at most
   if (previous_.form != MarkdownForm::item || now_.form != MarkdownForm::item) return 2;
   const bool isFirstChild = now_.depth > previous_.depth;
   if (isFirstChild && previous_.row->text().empty()) return 2;
@@ -298,12 +318,14 @@ bool MarkdownWriter::beginsAnotherList() const {
 
 /// Lines that end between the two where the source does not tell.
 std::size_t MarkdownWriter::lineEndsHere() const {
-  const MarkdownRow* before = previous_.read;
-  const MarkdownRow* read = now_.read;
+  const MarkdownPlace* before = previous_.read;
+  const MarkdownPlace* read = now_.read;
   std::size_t ends = neededLineEnds();
   if (ends == 1) ends = std::max(before ? source_.listGap(*before) : 1, read ? source_.listGap(*read) : 1);
   const bool areItems = previous_.form == MarkdownForm::item && now_.form == MarkdownForm::item;
   const bool isInList = areItems && !beginsAnotherList();
+  // A list that rows come into from elsewhere stays tight or loose.
+  if (before && read && isInList && !source_.areInOneList(*before, *read)) return ends;
   if (before && areItems && !isInList) ends = std::max(ends, source_.lineEndsBehind(*before));
   if (read && (before || !isInList)) ends = std::max(ends, source_.lineEndsBefore(*read));
   if (before && read) ends = std::max(ends, source_.lineEndsBehind(*before));
@@ -314,7 +336,8 @@ std::size_t MarkdownWriter::lineEndsHere() const {
 void MarkdownWriter::begin(const std::string& prefix) {
   const bool isHead = now_.read && now_.keepsPrefix && source_.indexOf(*now_.read) == 0;
   if (isHead) {
-    out_ += source_.text().substr(source_.bodyBegin(), now_.read->span.begin - source_.bodyBegin());
+    out_ += source_.text().substr(source_.head().bodyBegin,
+                                  source_.span(*now_.read).begin - source_.head().bodyBegin);
   } else {
     if (begun_) out_ += source_.lineEnd();
     out_ += prefix;
@@ -331,21 +354,23 @@ void MarkdownWriter::closeFence() {
 
 /// Writes what stands between the previous row and this one, and in front of this one.
 void MarkdownWriter::separate(const std::string& prefix) {
-  const MarkdownRow* before = previous_.read;
-  const MarkdownRow* read = now_.read;
+  const MarkdownPlace* before = previous_.read;
+  const MarkdownPlace* read = now_.read;
+  const std::size_t end = out_.size();
   if (!previous_.row) {
     begin(prefix);
   } else {
     const bool isNext = before && read && read == before + 1;
     const std::string_view gap = isNext ? source_.between(*before, *read) : std::string_view();
     const std::size_t found = countLineEnds(gap);
-    const bool bothStand = isNext && previous_.form == before->form && now_.form == read->form;
-    const bool isWhole = found > 0 || isCopied_[at_ - 1];
+    const bool bothStand =
+        isNext && caution_ < 2 && previous_.form == before->form && now_.form == read->form;
+    const bool isWhole = found > 0 || previous_.isCopied;
     const bool fits = bothStand || (found > 0 && found >= neededLineEnds());
     if (isNext && now_.keepsPrefix && isWhole && fits) {
       out_ += gap;
     } else {
-      if (isCopied_[at_ - 1]) closeFence();
+      if (previous_.isCopied) closeFence();
       const std::size_t ends = bothStand && found > 0 ? found : std::max(lineEndsHere(), found);
       // A blank line in a quote that both stand in has its mark.
       const bool isInside = now_.depth > previous_.depth || !open_.empty();
@@ -363,6 +388,7 @@ void MarkdownWriter::separate(const std::string& prefix) {
     }
   }
   ownBegin_ = out_.size();
+  now_.beginsLine = !previous_.row || countLineEnds(std::string_view(out_).substr(end)) > 0;
 }
 
 void MarkdownWriter::appendLines(std::string_view lines, std::string_view oldPrefix,
@@ -371,24 +397,81 @@ void MarkdownWriter::appendLines(std::string_view lines, std::string_view oldPre
     out_ += lines;
     return;
   }
-  for (std::size_t at = 0; at <= lines.size();) {
-    const std::size_t end = std::min(lines.find_first_of("\r\n", at), lines.size());
-    std::string_view line = lines.substr(at, end - at);
-    if (at > 0) {
-      line = withoutPrefix(line, oldPrefix);
-      out_ += source_.lineEnd();
-      out_ += line.empty() ? withoutEndBlanks(newPrefix) : newPrefix;
-    }
-    out_ += line;
-    at = end + (lines.substr(end).starts_with("\r\n") ? 2 : 1);
+  out_ += reindented(lines, oldPrefix, newPrefix, source_.lineEnd());
+}
+
+bool MarkdownWriter::beginsLine() const {
+  if (!previous_.beginsLine || previous_.isBare) return false;
+  std::string_view outer;
+  for (std::size_t index = 0; index <= previous_.containers; ++index) {
+    const std::string_view inner = index < previous_.containers ? open_[index].prefix : previous_.prefix;
+    if (!inner.starts_with(outer)) return false;
+    if (index == 0 && (inner.size() >= tabColumns || inner.find_first_not_of(' ') != inner.npos))
+      return false;
+    outer = inner;
   }
+  return true;
+}
+
+bool MarkdownWriter::standsAsItStood() const {
+  const auto isAsRead = [](const Open& open) { return open.isAsRead; };
+  if (!previous_.isCopied || !previous_.keepsPrefix) return false;
+  if (!std::all_of(open_.begin(), open_.begin() + static_cast<std::ptrdiff_t>(previous_.containers),
+                   isAsRead))
+    return false;
+  MarkdownNesting nesting = nesting_;
+  nesting.leave(previous_.containers);
+  return nesting == source_.nestingBehind(*previous_.read);
+}
+
+void MarkdownWriter::copyThrough(const PlacedRow& last, const PlacedRow& next) {
+  const MarkdownPlace& read = *source_.find(*last.row);
+  const std::size_t from = previous_.row ? source_.span(*previous_.read).end : source_.head().bodyBegin;
+  const auto shifted = [&, size = out_.size()](std::size_t at) { return size + at - from; };
+  out_ += source_.text().substr(from, source_.span(read).end - from);
+  ownBegin_ = shifted(source_.span(read).begin);
+
+  std::size_t open = 0;
+  for (const MarkdownPlace* container : source_.containersOf(read)) {
+    const bool isOpen = open < open_.size() && open_[open].read == container;
+    if (!isOpen) {
+      open_.resize(open);
+      const SourceSpan& span = source_.span(*container);
+      open_.push_back({container->depth, container, true, true, container->form, source_.prefix(*container),
+                       *source_.childPrefix(*container), shifted(span.begin), shifted(span.end)});
+    }
+    ++open;
+  }
+  open_.resize(open);
+  nesting_ = source_.nestingBehind(read);
+  siblings_.resize(last.depth + 1);
+  const Row* row = last.row;
+  for (std::size_t depth = siblings_.size(); depth-- > 0; row = row->parent())
+    siblings_[depth] = siblingAsRead(*row);
+
+  now_ = {last.row, last.depth, &read, next.row && next.depth > last.depth, read.form};
+  now_.keepsPrefix = now_.isCopied = true;
+  now_.containers = open;
+  now_.prefix = source_.prefix(read);
+  now_.isBare = isBareMark(read.form, source_.own(read));
+  if (read.form == MarkdownForm::item) now_.listMark = listMark(source_.own(read));
+  if (read.isContainer || read.form == MarkdownForm::item) openContainer();
+  previous_ = now_;
+}
+
+MarkdownWriter::Sibling MarkdownWriter::siblingAsRead(const Row& row) const {
+  const MarkdownPlace* read = source_.find(row);
+  const MarkdownPlace* before = row.previous() ? source_.find(*row.previous()) : nullptr;
+  if (!read) return {};
+  return siblingOf(read->form, source_.own(*read),
+                   before ? siblingOf(before->form, source_.own(*before), {}) : Sibling());
 }
 
 /// The end of the text is as it was: with a line end or without.
 void MarkdownWriter::finish() {
   const std::string_view tail = source_.behindLast();
   if (!previous_.row) {
-    if (source_.read().rows.empty()) out_ += source_.text().substr(source_.bodyBegin());
+    if (source_.rowCount() == 0) out_ += source_.text().substr(source_.head().bodyBegin);
     return;
   }
   if (previous_.read && source_.isLast(*previous_.read)) {

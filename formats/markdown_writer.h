@@ -12,41 +12,63 @@
 
 namespace vell::formats {
 
-/// How much is left of the liberties that a writer takes with a row: none are taken where reading back showed
-/// that the row is misread.
-using Cautions = std::vector<unsigned char>;  // by place among the rows; 0: all
-
-/// Writes rows, copying from their source those that are as they were read and stand where they stood.
+/// Writes rows one by one, copying from their source those that are as they were read and stand where they
+/// stood.
 class MarkdownWriter {
  public:
-  /// `begun`: something stands in front of the rows already.
-  MarkdownWriter(const MarkdownSource& source, bool begun, std::span<const unsigned char> cautions = {})
-      : source_(source), begun_(begun), cautions_(cautions) {}
+  /// Appends to `out`; `begun`: something stands there already.
+  MarkdownWriter(const MarkdownSource& source, std::string& out, bool begun)
+      : source_(source), out_(out), begun_(begun) {}
 
-  std::string write(std::span<const PlacedRow> rows);
-  /// Of that row, after writing.
-  bool isCopied(std::size_t place) const { return isCopied_[place]; }
+  /// Begins a row; `next` is the one behind it, without a row at the end. `caution` takes away liberties in
+  /// how the row is written, for one that was misread: 0 none, 2 all.
+  void enter(const PlacedRow& row, const PlacedRow& next, unsigned caution = 0);
+  /// What a reader that begins with the row has to know, before it is written.
+  MarkdownContext context() const;
+  void write();
+  /// Behind the last row.
+  void finish();
+
+  // Of the row that was written last.
+  bool isCopied() const { return previous_.isCopied; }
+  /// A reader can begin with its line.
+  bool beginsLine() const;
+  /// Where its line and its own bytes begin.
+  std::size_t lineBegin() const { return ownBegin_ - previous_.prefix.size(); }
+  std::size_t ownBegin() const { return ownBegin_; }
+  /// How many items and quotes it stands in.
+  std::size_t containers() const { return previous_.containers; }
+  /// The source could go on behind it as it stands.
+  bool standsAsItStood() const;
+  /// Copies rows that follow it in the source, up to `last`, which `next` follows.
+  void copyThrough(const PlacedRow& last, const PlacedRow& next);
 
  private:
   /// A row that is being written, or was.
   struct Current {
     const Row* row = nullptr;
     std::size_t depth = 0;
-    const MarkdownRow* read = nullptr;  ///< null where it is new
+    const MarkdownPlace* read = nullptr;  ///< null where it is new
     bool hasChildren = false;
     MarkdownForm form = MarkdownForm::paragraph;
     char listMark = '\0';  ///< of an item
     bool keepsPrefix = false;
     std::string prefix = {};  ///< in front of its lines
-    bool isBare = false;      ///< an item that is nothing but its mark
+    bool isBare = false;      ///< nothing but its mark
+    bool isCopied = false;
+    bool beginsLine = true;
+    std::size_t containers = 0;
   };
   /// A row in whose item or quote the next rows can stand.
   struct Open {
     std::size_t depth;
-    const MarkdownRow* read;
+    const MarkdownPlace* read;
     bool keepsPrefix;
-    bool isQuote;
+    bool isAsRead;  ///< rows stand in it as they stood
+    MarkdownForm form;
+    std::string prefix;
     std::string childPrefix;
+    std::size_t begin, end;  ///< of its own bytes in what was written
   };
   /// What the mark of the next sibling goes by.
   struct Sibling {
@@ -60,10 +82,9 @@ class MarkdownWriter {
     bool isGranted;
   };
 
-  unsigned caution() const { return at_ < cautions_.size() ? cautions_[at_] : 0; }
   void leaveContainers();
-  bool standsInItsContainer(const MarkdownRow& read) const;
-  bool keepsPrefix(const MarkdownRow& read) const;
+  bool standsInItsContainer(const MarkdownPlace& read) const;
+  bool keepsPrefix(const MarkdownPlace& read) const;
   bool canCopy() const;
   void copy();
   void render();
@@ -72,8 +93,10 @@ class MarkdownWriter {
   bool swallowsNext(std::size_t level) const;
   std::string itemMark() const;
   void noteMark();
+  static Sibling siblingOf(MarkdownForm form, std::string_view own, const Sibling& before);
+  Sibling siblingAsRead(const Row& row) const;
   std::string prefix() const;
-  void openContainer(const std::string& prefix);
+  void openContainer();
   std::size_t neededLineEnds() const;
   bool beginsAnotherList() const;
   std::size_t lineEndsHere() const;
@@ -81,14 +104,12 @@ class MarkdownWriter {
   void closeFence();
   void separate(const std::string& prefix);
   void appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix);
-  void finish();
   std::string_view own() const { return std::string_view(out_).substr(ownBegin_); }
 
   const MarkdownSource& source_;
+  std::string& out_;
   bool begun_;
-  std::span<const unsigned char> cautions_;
-  std::string out_;
-  std::size_t at_ = 0;
+  unsigned caution_ = 0;
   std::size_t ownBegin_ = 0;
   Current now_;
   Current previous_;  ///< its row is null before the first
@@ -96,7 +117,6 @@ class MarkdownWriter {
   MarkdownNesting nesting_;
   std::vector<Open> open_;
   std::vector<Sibling> siblings_;  ///< by depth
-  std::vector<bool> isCopied_;
 };
 
 }  // namespace vell::formats

@@ -65,6 +65,7 @@ class ChangedFile {
   struct Range {
     std::size_t begin, end;
   };
+  std::string readsOtherwise(const std::string& written) const;
   static Text parse(std::string_view markdown);
   const SourceSpan& span(const Row& row) const { return *outline_.source()->find(row.id()); }
   std::vector<Range> pieces() const;
