@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <memory>
 #include <optional>
+#include <span>
 #include <utility>
 
 #include "formats/inline_markdown.h"
@@ -113,9 +114,9 @@ std::unique_ptr<cmark_node, NodeDeleter> parse(const std::string& text) {
 /// Reads some lines of a text.
 class BlockReader {
  public:
-  BlockReader(std::string_view text, std::size_t from, Indentation indentation)
+  BlockReader(std::string_view text, std::size_t from, std::size_t to, Indentation indentation)
       : text_(text), indentation_(indentation) {
-    while (from < text.size()) {
+    while (from < to) {
       const std::size_t end = std::min(text.find_first_of("\r\n", from), text.size());
       lines_.push_back({from, end});
       from = end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
@@ -337,11 +338,55 @@ void BlockReader::addNested(Range range) {
   containers_.pop_back();
 }
 
+/// Bytes that are read at a time.
+constexpr std::size_t stretch = 1 << 18;
+
+std::size_t beginOfLine(std::string_view text, std::size_t at) {
+  return text.substr(0, at).find_last_of("\r\n") + 1;
+}
+
+/// Behind the line that the byte stands in.
+std::size_t endOfLine(std::string_view text, std::size_t at) {
+  const std::size_t end = text.find_first_of("\r\n", at);
+  if (end == std::string_view::npos) return text.size();
+  return end + (text.substr(end).starts_with("\r\n") ? 2 : 1);
+}
+
+/// The last block that means the same without what stands before it; 0 where only the first one does.
+std::size_t lastToBegin(const std::vector<MarkdownBlock>& blocks) {
+  for (std::size_t at = blocks.size(); at-- > 1;) {
+    const bool isIndented = blocks[at].kind == Kind::indented || blocks[at].kind == Kind::nested;
+    if (blocks[at].depth == 0 && !isIndented) return at;
+  }
+  return 0;
+}
+
+bool leavesFormulaOpen(std::span<const MarkdownBlock> blocks) {
+  return std::any_of(blocks.begin(), blocks.end(), [](const MarkdownBlock& block) {
+    return block.depth == 0 && block.kind == Kind::paragraph && opensFormula(block.text);
+  });
+}
+
 }  // namespace
 
-std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from,
-                                              Indentation indentation) {
-  return joinVerbatim(text, BlockReader(text, from, indentation).read());
+/// A long list is one block of the library's, but each of its items begins anew.
+std::vector<MarkdownBlock> MarkdownBlockReader::read() {
+  for (std::size_t length = stretch; next_ < text_.size(); length *= 8) {
+    const std::size_t from = next_;
+    const std::size_t to = endOfLine(text_, from + std::min(length, text_.size() - from));
+    std::vector<MarkdownBlock> blocks = BlockReader(text_, from, to, indentation_).read();
+    std::size_t count = blocks.size();
+    if (to < text_.size()) {
+      count = lastToBegin(blocks);
+      if (count == 0 || leavesFormulaOpen(std::span(blocks).first(count))) continue;
+      next_ = beginOfLine(text_, blocks[count].begin);
+    } else {
+      next_ = to;
+    }
+    blocks.resize(count);
+    return joinVerbatim(text_, std::move(blocks));
+  }
+  return {};
 }
 
 std::size_t indentBytes(std::string_view line, std::size_t maxColumns) {

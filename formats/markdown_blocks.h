@@ -32,14 +32,29 @@ struct MarkdownBlock {
 /// What indentation below a row that is no list item means: code to everyone, rows in a text of Vell.
 enum class Indentation { code, rows };
 
-/// The blocks of the text from that byte on, in order. Tabs reach the next multiple of four columns.
-std::vector<MarkdownBlock> readMarkdownBlocks(std::string_view text, std::size_t from,
-                                              Indentation indentation);
+/// Reads the blocks of a text in order. Tabs reach the next multiple of four columns.
+class MarkdownBlockReader {
+ public:
+  /// From that byte on.
+  MarkdownBlockReader(std::string_view text, std::size_t from, Indentation indentation)
+      : text_(text), next_(from), indentation_(indentation) {}
+
+  /// The blocks of the next stretch, which ends before a block that stands in no other: however long a text
+  /// is, little of it is held at a time. Empty at the end.
+  std::vector<MarkdownBlock> read();
+
+ private:
+  std::string_view text_;
+  std::size_t next_;
+  Indentation indentation_;
+};
 
 /// Makes one verbatim block of each group of blocks that is a formula or a footnote: CommonMark does not know
 /// these.
 std::vector<MarkdownBlock> joinVerbatim(std::string_view text, std::vector<MarkdownBlock> blocks);
 
+/// True if the text begins a formula that it does not end.
+bool opensFormula(std::string_view text);
 /// True if the paragraph begins with the definition of a link or a footnote.
 bool isMarkdownDefinition(std::string_view text);
 

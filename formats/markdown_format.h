@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -59,10 +60,8 @@ enum class MarkdownScope {
   rows   ///< rows that are to become part of an outline: indentation nests
 };
 
-/// `text` may begin with a byte order mark. The rows have that time. An outline that is given gets what the
-/// front matter says.
-MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timestamp time = 0,
-                              Outline* outline = nullptr);
+/// `text` may begin with a byte order mark.
+MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope);
 
 /// What a part of a text follows upon.
 struct MarkdownContext {
@@ -75,10 +74,10 @@ struct MarkdownContext {
 std::vector<MarkdownRow> readMarkdownPart(std::string_view part, const MarkdownContext& context,
                                           Indentation indentation);
 
-/// The rows that the blocks of the text are.
-std::vector<MarkdownRow> rowsOfBlocks(std::string_view text, const std::vector<MarkdownBlock>& blocks,
-                                      MarkdownScope scope, Timestamp time,
-                                      const MarkdownContext& context = {});
+/// Hands on the rows that the blocks of the text are, in order.
+void forEachMarkdownRow(std::string_view text, MarkdownBlockReader blocks, MarkdownScope scope,
+                        Timestamp time, const MarkdownContext& context,
+                        const std::function<void(MarkdownRow&&)>& take);
 
 /// Like updateMarkdown, checking what was written in parts of about so many rows.
 std::string updateMarkdown(const Outline& outline, std::size_t partRows);

@@ -1,4 +1,5 @@
 #include <cctype>
+#include <memory>
 #include <utility>
 
 #include "formats/document_header.h"
@@ -44,35 +45,49 @@ bool readFrontMatter(std::string_view text, MarkdownHead& head, Outline& outline
   return false;
 }
 
+MarkdownHead readHead(std::string_view text, MarkdownScope scope, Outline& outline) {
+  MarkdownHead head;
+  head.bodyBegin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  readFrontMatter(text, head, outline);
+  const bool isOurs = scope == MarkdownScope::rows || isUuid(outline.persistentId());
+  head.indentation = isOurs ? Indentation::rows : Indentation::code;
+  return head;
+}
+
+void readMarkdownAs(MarkdownScope scope, std::string_view text, const ReadOptions& options,
+                    Outline& outline) {
+  checkedSource(text);
+  outline.setCreated(options.time);
+  auto notes = std::make_unique<MarkdownNotes>();
+  notes->head = readHead(text, scope, outline);
+  notes->lineEnd = lineEndOf(text);
+  TreeBuilder builder(outline);
+  const MarkdownBlockReader blocks(text, notes->head.bodyBegin, notes->head.indentation);
+  forEachMarkdownRow(text, blocks, scope, options.time, {}, [&](MarkdownRow&& row) {
+    notes->add(text, row);
+    builder.add(row.depth, std::move(row.content), row.span);
+  });
+  if (document::Source* source = outline.source()) source->setNotes(std::move(notes));
+}
+
 }  // namespace
 
-MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope, Timestamp time, Outline* outline) {
-  MarkdownText read;
-  read.head.bodyBegin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope) {
   Outline unused;
-  Outline& document = outline ? *outline : unused;
-  readFrontMatter(text, read.head, document);
-  const bool isOurs = scope == MarkdownScope::rows || isUuid(document.persistentId());
-  read.head.indentation = isOurs ? Indentation::rows : Indentation::code;
-  const auto blocks = readMarkdownBlocks(text, read.head.bodyBegin, read.head.indentation);
-  read.rows = rowsOfBlocks(text, blocks, scope, time);
+  MarkdownText read{readHead(text, scope, unused), {}};
+  const MarkdownBlockReader blocks(text, read.head.bodyBegin, read.head.indentation);
+  forEachMarkdownRow(text, blocks, scope, 0, {},
+                     [&](MarkdownRow&& row) { read.rows.push_back(std::move(row)); });
   return read;
 }
 
 std::vector<MarkdownRow> readMarkdownPart(std::string_view part, const MarkdownContext& context,
                                           Indentation indentation) {
   const std::string text = context.lines + std::string(part);
-  return rowsOfBlocks(text, readMarkdownBlocks(text, 0, indentation), MarkdownScope::file, 0, context);
-}
-
-static void readMarkdownAs(MarkdownScope scope, std::string_view text, const ReadOptions& options,
-                           Outline& outline) {
-  checkedSource(text);
-  outline.setCreated(options.time);
-  MarkdownText read = readMarkdownText(text, scope, options.time, &outline);
-  TreeBuilder builder(outline);
-  for (MarkdownRow& row : read.rows) builder.add(row.depth, std::move(row.content), row.span);
-  if (document::Source* source = outline.source()) source->setNotes(notesOf(text, read));
+  std::vector<MarkdownRow> rows;
+  forEachMarkdownRow(text, {text, 0, indentation}, MarkdownScope::file, 0, context,
+                     [&](MarkdownRow&& row) { rows.push_back(std::move(row)); });
+  return rows;
 }
 
 void readMarkdown(std::string_view text, const ReadOptions& options, Outline& outline) {

@@ -27,11 +27,6 @@ bool isSafe(MarkdownForm form, std::string_view text) {
   return isWordByte(text.front()) && ordinalLength(text) == 0;
 }
 
-/// It would take in rows far behind it once one of them ends with the same mark.
-bool opensFormula(MarkdownForm form, std::string_view text) {
-  return form == MarkdownForm::paragraph && text.starts_with("$$") && text.find("$$", 2) == text.npos;
-}
-
 /// But for its text.
 bool saysTheSame(const Row& row, const RowContent& read) {
   return row.type() == read.type && row.attributes() == read.attributes &&
@@ -181,7 +176,9 @@ bool RowWriter::readsBack(const std::string& line) const {
 std::string RowWriter::markedLine() const {
   std::string text = rewrittenText();
   if (text.empty() || isSafe(style_.form, text)) return line(text);
-  if (std::string plain = line(text); !opensFormula(style_.form, text) && readsBack(plain)) return plain;
+  // A formula that nothing ends would take in rows far behind it.
+  const bool isOpen = style_.form == MarkdownForm::paragraph && opensFormula(text);
+  if (std::string plain = line(text); !isOpen && readsBack(plain)) return plain;
   if (text.find('\n') != std::string::npos) {
     text = lineText();
     if (std::string plain = line(text); readsBack(plain)) return plain;

@@ -74,6 +74,7 @@ class RowReader {
   RowReader(std::string_view text, MarkdownScope scope, Timestamp time, const MarkdownContext& context)
       : text_(text), scope_(scope), time_(time), context_(context) {}
 
+  /// The rows of the next blocks, which stand in none of the blocks before.
   std::vector<MarkdownRow> read(const std::vector<Block>& blocks);
 
  private:
@@ -107,8 +108,9 @@ class RowReader {
   std::size_t maxDepth_ = 0;  ///< of the next row
   MarkdownNesting nesting_;
   std::vector<Open> open_;
-  std::vector<MarkdownRow> rows_;
-  RowTrailer trailer_;  ///< of the row that is being read
+  std::vector<MarkdownRow> rows_;  ///< of these blocks
+  std::uint32_t before_ = 0;       ///< how many rows stand before those
+  RowTrailer trailer_;             ///< of the row that is being read
   std::unordered_set<std::string> ids_;
 };
 
@@ -149,7 +151,8 @@ std::vector<MarkdownRow> RowReader::read(const std::vector<Block>& blocks) {
     }
   }
   closeTo(0);
-  return std::move(rows_);
+  before_ += static_cast<std::uint32_t>(rows_.size());
+  return std::exchange(rows_, {});
 }
 
 void RowReader::closeTo(std::size_t depth) {
@@ -214,7 +217,10 @@ std::uint32_t RowReader::add(MarkdownRow row) {
   for (std::size_t index = nesting_.containers(); index-- > 0 && row.container == MarkdownRow::none;) {
     row.container = open_[index].row;
   }
-  if (row.container != MarkdownRow::none) rows_[row.container].isContainer = true;
+  if (row.container != MarkdownRow::none) {
+    rows_[row.container].isContainer = true;
+    row.container += before_;
+  }
   rows_.push_back(std::move(row));
   return static_cast<std::uint32_t>(rows_.size() - 1);
 }
@@ -374,9 +380,13 @@ void RowReader::addCode(const Block& block) {
 
 }  // namespace
 
-std::vector<MarkdownRow> rowsOfBlocks(std::string_view text, const std::vector<Block>& blocks,
-                                      MarkdownScope scope, Timestamp time, const MarkdownContext& context) {
-  return RowReader(text, scope, time, context).read(blocks);
+void forEachMarkdownRow(std::string_view text, MarkdownBlockReader blocks, MarkdownScope scope,
+                        Timestamp time, const MarkdownContext& context,
+                        const std::function<void(MarkdownRow&&)>& take) {
+  RowReader reader(text, scope, time, context);
+  for (auto read = blocks.read(); !read.empty(); read = blocks.read()) {
+    for (MarkdownRow& row : reader.read(read)) take(std::move(row));
+  }
 }
 
 }  // namespace vell::formats

@@ -7,12 +7,6 @@
 namespace vell::formats {
 namespace {
 
-std::string_view lineEndOf(std::string_view text) {
-  const std::size_t end = text.find_first_of("\r\n");
-  if (end == std::string_view::npos || text[end] == '\n') return "\n";
-  return text.substr(end).starts_with("\r\n") ? "\r\n" : "\r";
-}
-
 /// The line without that prefix, as far as it has it.
 std::string_view withoutPrefix(std::string_view line, std::string_view prefix) {
   for (const char c : prefix) {
@@ -34,28 +28,16 @@ std::string_view beforeOnLine(std::string_view text, std::size_t at) {
 
 }  // namespace
 
-std::unique_ptr<MarkdownNotes> notesOf(std::string_view text, const MarkdownText& read) {
-  auto notes = std::make_unique<MarkdownNotes>();
-  notes->head = read.head;
-  notes->rows.assign(read.rows.begin(), read.rows.end());
-  notes->lineEnd = lineEndOf(text);
-  bool hasBullet = false;
-  bool hasBlanks = false;
-  bool hasTabs = false;
-  for (const MarkdownRow& row : read.rows) {
-    const std::string_view own = text.substr(row.span.begin, row.span.end - row.span.begin);
-    const bool isBulleted = row.form == MarkdownForm::item && ordinalLength(own) == 0;
-    if (isBulleted && !hasBullet) notes->bullet = own.front();
-    hasBullet = hasBullet || isBulleted;
-    const bool beginsFormula = row.form == MarkdownForm::paragraph && own.starts_with("$$");
-    notes->hasOpenFormula |= beginsFormula && own.find("$$", 2) == std::string_view::npos;
-    if (row.container == MarkdownRow::none) continue;
-    const std::string_view before = beforeOnLine(text, row.span.begin);
-    hasTabs = hasTabs || before.find('\t') != std::string_view::npos;
-    hasBlanks = hasBlanks || (!before.empty() && before.front() != '\t' && before.front() != '>');
-  }
-  notes->indentsByTabs = hasTabs || !hasBlanks;
-  return notes;
+void MarkdownNotes::add(std::string_view text, const MarkdownRow& row) {
+  rows.push_back(row);
+  const std::string_view own = text.substr(row.span.begin, row.span.end - row.span.begin);
+  const bool isBulleted = row.form == MarkdownForm::item && ordinalLength(own) == 0;
+  if (isBulleted && bullet == '\0') bullet = own.front();
+  hasOpenFormula |= row.form == MarkdownForm::paragraph && opensFormula(own);
+  if (row.container == MarkdownRow::none) return;
+  const std::string_view before = beforeOnLine(text, row.span.begin);
+  hasTabs |= before.find('\t') != std::string_view::npos;
+  hasBlanks |= !before.empty() && before.front() != '\t' && before.front() != '>';
 }
 
 MarkdownSource::MarkdownSource() {
@@ -204,6 +186,12 @@ bool MarkdownSource::areInOneList(const MarkdownPlace& row, const MarkdownPlace&
     return place.container != later.container || isInListWith(later, place);
   };
   return &row < &later && std::all_of(&row, &later, isBetween);
+}
+
+std::string_view lineEndOf(std::string_view text) {
+  const std::size_t end = text.find_first_of("\r\n");
+  if (end == std::string_view::npos || text[end] == '\n') return "\n";
+  return text.substr(end).starts_with("\r\n") ? "\r\n" : "\r";
 }
 
 char listMark(std::string_view item) {

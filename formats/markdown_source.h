@@ -15,13 +15,14 @@ struct MarkdownNotes : document::SourceNotes {
   MarkdownHead head;
   std::vector<MarkdownPlace> rows;
   std::string_view lineEnd = "\n";
-  char bullet = '-';
-  bool indentsByTabs = true;
+  char bullet = '\0';                       ///< of the first item that has one
+  bool hasTabs = false, hasBlanks = false;  ///< in front of rows that stand in others
   /// A paragraph begins a formula that nothing ends: what stands behind it could.
   bool hasOpenFormula = false;
-};
 
-std::unique_ptr<MarkdownNotes> notesOf(std::string_view text, const MarkdownText& read);
+  /// Notes the next row of the text.
+  void add(std::string_view text, const MarkdownRow& row);
+};
 
 /// A markdown text that an outline was read from, as its rows stand in it; empty for what is written anew.
 class MarkdownSource {
@@ -36,8 +37,8 @@ class MarkdownSource {
   const MarkdownPlace* first() const { return notes_->rows.data(); }
   std::size_t rowCount() const { return notes_->rows.size(); }
   std::string_view lineEnd() const { return notes_->lineEnd; }
-  char bullet() const { return notes_->bullet; }
-  bool indentsByTabs() const { return notes_->indentsByTabs; }
+  char bullet() const { return notes_->bullet != '\0' ? notes_->bullet : '-'; }
+  bool indentsByTabs() const { return notes_->hasTabs || !notes_->hasBlanks; }
   bool hasOpenFormula() const { return notes_->hasOpenFormula; }
 
   /// Where the row stands; null where it was not read.
@@ -93,6 +94,8 @@ class MarkdownSource {
   const MarkdownNotes* notes_;
 };
 
+/// The first line end of a text; a line feed where there is none.
+std::string_view lineEndOf(std::string_view text);
 /// What the items of a list have in common: their bullet, or the character behind their number.
 char listMark(std::string_view item);
 /// True of an item or a quote without text: the next row in it could become that.

@@ -63,7 +63,6 @@ class MarkdownUpdate {
   bool readsAs(const Part& part, std::size_t place, const MarkdownRow& read) const;
   bool takeCare(const Part& part, std::size_t misread);
 
-  const Outline& outline_;
   MarkdownSource source_;
   std::size_t partRows_;
   std::span<const Row* const> rows_;  ///< in order
@@ -85,7 +84,7 @@ class MarkdownUpdate {
 };
 
 MarkdownUpdate::MarkdownUpdate(const Outline& outline, std::size_t partRows)
-    : outline_(outline), source_(outline), partRows_(partRows), out_(headOf(outline, source_)) {
+    : source_(outline), partRows_(partRows), out_(headOf(outline, source_)) {
   outline.number();
   rows_ = std::span(outline.rowsInOrder()).subspan(1);
   findChanges();
@@ -99,6 +98,7 @@ MarkdownUpdate::MarkdownUpdate(const Outline& outline, std::size_t partRows)
   if (!isSameHead && (changes_.empty() || changes_.front() > 0)) changes_.insert(changes_.begin(), 0);
   const bool isBegun = before.headerEnd > 0 || out_.size() > 3;  // a byte order mark is no beginning
   writer_.emplace(source_, out_, isBegun);
+  out_.reserve(source_.text().size() + out_.size());
 }
 
 std::string MarkdownUpdate::write() {

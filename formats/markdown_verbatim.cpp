@@ -28,7 +28,7 @@ std::size_t countBelonging(const std::vector<MarkdownBlock>& blocks, std::size_t
   if (text.starts_with("[^") && isMarkdownDefinition(text)) {
     while (last + 1 < blocks.size() && blocks[last + 1].depth == 0 && blocks[last + 1].kind == Kind::indented)
       ++last;
-  } else if (text.starts_with("$$") && text.find("$$", 2) == std::string_view::npos) {
+  } else if (opensFormula(text)) {
     for (last = first + 1; last < blocks.size() && blocks[last].text.find("$$") == std::string::npos;
          ++last) {
       if (blocks[last].kind == Kind::fenced) return 0;
@@ -45,6 +45,10 @@ bool isFormula(std::string_view text) {
 }
 
 }  // namespace
+
+bool opensFormula(std::string_view text) {
+  return text.starts_with("$$") && text.find("$$", 2) == std::string_view::npos;
+}
 
 bool isMarkdownDefinition(std::string_view text) {
   text.remove_prefix(indentBytes(text));
