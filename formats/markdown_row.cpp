@@ -54,6 +54,7 @@ class RowWriter {
   std::string continuation() const;
   std::string line(std::string_view text) const;
   bool readsBack(const std::string& line) const;
+  bool isPlain(std::string_view text, const std::string& line) const;
   std::string markedLine() const;
   std::string setext() const;
   std::string fenced() const;
@@ -172,16 +173,20 @@ bool RowWriter::readsBack(const std::string& line) const {
          read->content.text == row_.text();
 }
 
+/// True if the text needs no escape. A formula that nothing ends would take in rows far behind it.
+bool RowWriter::isPlain(std::string_view text, const std::string& line) const {
+  const bool isOpen = style_.form == MarkdownForm::paragraph && opensFormula(text);
+  return !isOpen && readsBack(line);
+}
+
 /// Text that begins like a mark is kept from being read as one.
 std::string RowWriter::markedLine() const {
   std::string text = rewrittenText();
   if (text.empty() || isSafe(style_.form, text)) return line(text);
-  // A formula that nothing ends would take in rows far behind it.
-  const bool isOpen = style_.form == MarkdownForm::paragraph && opensFormula(text);
-  if (std::string plain = line(text); !isOpen && readsBack(plain)) return plain;
+  if (std::string plain = line(text); isPlain(text, plain)) return plain;
   if (text.find('\n') != std::string::npos) {
     text = lineText();
-    if (std::string plain = line(text); readsBack(plain)) return plain;
+    if (std::string plain = line(text); isPlain(text, plain)) return plain;
   }
   if (style_.form == MarkdownForm::heading) return line(text.insert(text.size() - 1, 1, '\\'));
   const std::size_t ordinal = ordinalLength(text);

@@ -141,13 +141,14 @@ void MarkdownUpdate::findChanges() {
   if (expected != source_.first() + source_.rowCount()) changes_.push_back(rows_.size());
 }
 
-/// The last row that a part can begin with before the next change, unless that is written already.
+/// The last row that a part can begin with before the next change, unless that is written already. Another
+/// row is between the two, so that it can be written with more care.
 std::optional<std::size_t> MarkdownUpdate::findStart() {
   const std::size_t after = change_ > 0 ? changes_[change_ - 1] + 1 : 0;
   if (start_.change != change_) {
     start_ = {change_, std::nullopt};
-    for (std::size_t place = changes_[change_]; place-- > after && !start_.place;) {
-      if (source_.beginsLine(*source_.find(*rows_[place]))) start_.place = place;
+    for (std::size_t place = changes_[change_]; place-- > after + 1 && !start_.place;) {
+      if (source_.beginsLine(*source_.find(*rows_[place - 1]))) start_.place = place - 1;
     }
   }
   return start_.place && *start_.place >= next_ ? start_.place : std::nullopt;
@@ -164,7 +165,8 @@ MarkdownUpdate::Part MarkdownUpdate::beginPart(std::size_t place) {
 }
 
 MarkdownUpdate::End MarkdownUpdate::writeChecked(Part& part) {
-  constexpr int maxAttempts = 24;
+  constexpr int careful = 24;
+  constexpr int maxAttempts = careful + 8;
   const MarkdownWriter before = *writer_;
   const std::size_t size = out_.size();
   const std::size_t change = change_;
@@ -173,13 +175,11 @@ MarkdownUpdate::End MarkdownUpdate::writeChecked(Part& part) {
     const End end = writeRows(part);
     const auto misread = findMisread(part, end);
     if (!misread) return end;
-    if (attempt > maxAttempts) {
-      isMisread_ = true;
-      return end;
-    }
-    if (attempt == maxAttempts || !takeCare(part, *misread)) {
-      cautions_.assign(next_ - part.first, 2);
-      attempt = maxAttempts;
+    if (attempt >= careful || !takeCare(part, *misread)) {
+      attempt = std::max(attempt, careful);
+      isMisread_ = attempt == maxAttempts;
+      if (isMisread_) return end;
+      cautions_.assign(next_ - part.first, 2);  // and again if that makes the part longer
     }
     writer_.emplace(before);
     out_.resize(size);

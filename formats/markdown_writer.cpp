@@ -155,7 +155,8 @@ MarkdownWriter::Level MarkdownWriter::headingLevel() const {
 /// What stands in front of the row's lines.
 std::string MarkdownWriter::prefix() const {
   if (now_.keepsPrefix) return source_.prefix(*now_.read);
-  return open_.empty() ? "" : open_.back().childPrefix;
+  if (open_.empty()) return "";
+  return caution_ > 1 ? plainPrefix(open_.back()) : open_.back().childPrefix;
 }
 
 void MarkdownWriter::copy() {
@@ -272,6 +273,14 @@ void MarkdownWriter::noteMark() {
   siblings_.back() = siblingOf(now_.form, own, siblings_.back());
 }
 
+/// The least that stands in front of rows in an item, a quote or a row that indentation nests them in.
+std::string MarkdownWriter::plainPrefix(const Open& open) const {
+  if (open.form == MarkdownForm::quote) return open.prefix + "> ";
+  if (open.form != MarkdownForm::item) return open.prefix + "\t";
+  const std::string_view own = std::string_view(out_).substr(open.begin, open.end - open.begin);
+  return open.prefix + std::string(contentColumn(open.prefix, own) - columnsOf(open.prefix), ' ');
+}
+
 void MarkdownWriter::openContainer() {
   const MarkdownPlace* read = now_.read;
   Open open{now_.depth,  read,        now_.keepsPrefix, now_.keepsPrefix, now_.form,
@@ -279,8 +288,10 @@ void MarkdownWriter::openContainer() {
   const auto asRead = read && now_.keepsPrefix ? source_.childPrefix(*read) : std::nullopt;
   if (asRead && read->form == now_.form) {
     open.childPrefix = *asRead;
-    open.isAsRead = now_.form != MarkdownForm::item ||
-                    contentColumn(now_.prefix, own()) == contentColumn(now_.prefix, source_.own(*read));
+    const bool canDiffer = !now_.isCopied && now_.form == MarkdownForm::item;
+    open.isAsRead =
+        !canDiffer || contentColumn(now_.prefix, own()) ==
+                          contentColumn(now_.prefix, source_.text().substr(source_.span(*read).begin));
   } else if (now_.form == MarkdownForm::item) {
     open.keepsPrefix = open.isAsRead = false;
     const std::size_t columns = columnsOf(now_.prefix);
@@ -376,9 +387,10 @@ void MarkdownWriter::separate(const std::string& prefix) {
       const bool isInside = now_.depth > previous_.depth || !open_.empty();
       const std::string_view blank = isInside ? withoutEndBlanks(prefix) : std::string_view();
       std::size_t count = 0;
-      if (before && !read && source_.isLast(*before)) {
-        out_ += source_.behindLast();
-        count = countLineEnds(source_.behindLast());
+      if (before && !read && source_.isLast(*before) && fitsTail()) {
+        const std::string_view tail = source_.behindLast();
+        out_ += tail.substr(0, tail.find_last_of("\r\n") + 1);
+        count = countLineEnds(tail);
       }
       for (; count < ends; ++count) {
         if (count > 0) out_ += blank;
@@ -467,6 +479,12 @@ MarkdownWriter::Sibling MarkdownWriter::siblingAsRead(const Row& row) const {
                    before ? siblingOf(before->form, source_.own(*before), {}) : Sibling());
 }
 
+/// Marks of quotes behind the last row of the source go with that row.
+bool MarkdownWriter::fitsTail() const {
+  const bool isInPlace = previous_.form == previous_.read->form && previous_.keepsPrefix;
+  return isInPlace || source_.behindLast().find('>') == std::string_view::npos;
+}
+
 /// The end of the text is as it was: with a line end or without.
 void MarkdownWriter::finish() {
   const std::string_view tail = source_.behindLast();
@@ -474,7 +492,7 @@ void MarkdownWriter::finish() {
     if (source_.rowCount() == 0) out_ += source_.text().substr(source_.head().bodyBegin);
     return;
   }
-  if (previous_.read && source_.isLast(*previous_.read)) {
+  if (previous_.read && source_.isLast(*previous_.read) && fitsTail()) {
     out_ += tail;
   } else if (source_.text().empty() || countLineEnds(tail) > 0) {
     out_ += source_.lineEnd();

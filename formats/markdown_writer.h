@@ -96,12 +96,14 @@ class MarkdownWriter {
   static Sibling siblingOf(MarkdownForm form, std::string_view own, const Sibling& before);
   Sibling siblingAsRead(const Row& row) const;
   std::string prefix() const;
+  std::string plainPrefix(const Open& open) const;
   void openContainer();
   std::size_t neededLineEnds() const;
   bool beginsAnotherList() const;
   std::size_t lineEndsHere() const;
   void begin(const std::string& prefix);
   void closeFence();
+  bool fitsTail() const;
   void separate(const std::string& prefix);
   void appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix);
   std::string_view own() const { return std::string_view(out_).substr(ownBegin_); }
