@@ -155,6 +155,11 @@ class BlockReader {
     };
     return std::all_of(containers_.begin(), containers_.end(), isEntered);
   }
+  bool underlines(std::size_t number) const {
+    Cursor cursor = behind(number, containers_.size());
+    const bool isIndented = cursor.takeAll(line(number)) >= codeColumns;
+    return !isIndented && isInside(number) && isSetextUnderline(line(number).substr(cursor.at));
+  }
   std::string content(std::size_t number) const {
     return behind(number, containers_.size()).rest(line(number));
   }
@@ -176,7 +181,7 @@ class BlockReader {
 };
 
 /// What only matters within lines is hidden from the library: brackets would take link definitions out of the
-/// text.
+/// text, and it drops a byte order mark wherever it begins.
 void BlockReader::read(std::size_t first, std::size_t end) {
   const std::size_t outer = containers_.size();
   std::string source;
@@ -188,6 +193,7 @@ void BlockReader::read(std::size_t first, std::size_t end) {
     if (!before.ends_with("<!") && !before.ends_with("<![CDATA")) source[at] = '(';
   }
   std::replace(source.begin(), source.end(), '\0', '0');
+  if (source.starts_with("\xEF\xBB\xBF")) source.replace(0, 3, "xxx");
   const auto root = parse(source);
   const std::unique_ptr<cmark_iter, NodeDeleter> iterator(cmark_iter_new(root.get()));
   cmark_event_type event;
@@ -298,7 +304,7 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
       range.last = range.first;
       if (isAtxHeading(text_.substr(begin, lines_[range.first].end - begin)))
         return addBlock(Kind::atxHeading, range, begin, level);
-      while (++range.last < lines_.size() && !isSetextUnderline(content(range.last))) continue;
+      while (++range.last < lines_.size() && !underlines(range.last)) continue;
       return addBlock(Kind::setextHeading, range, begin, level);
     }
     case CMARK_NODE_THEMATIC_BREAK:

@@ -41,6 +41,9 @@ const ReadCase readCases[] = {
     // Paragraphs: wrapped, with hard breaks, lazily continued; what follows the first one in an item or
     // quote.
     {"markdown", "a\n  b\nc  \nd\\\ne {#p}\n", "body|\"a b c\\nd\\ne\"p\n"},
+    {"markdown", "a\n      ---\nb\n---\n> c\n===\n> d\n> \t---\n",
+     "heading|\"a --- b\" level=2\n.quote|\"\"\n..heading|\"c === d\" level=2\n"},
+    {"markdown", "\xEF\xBB\xBF\xEF\xBB\xBF- a\n", "body|\"\xEF\xBB\xBF- a\"\n"},
     {"markdown", "Title\ntoo {#p}\n===\nSub\n---\n# C #\n## D {#q} ##\n",
      "heading|\"Title too\"p\n.heading|\"Sub\"\nheading|\"C\"\n.heading|\"D\"q\n"},
     {"markdown", "- a\nb\n\n  c\n\n      code\n> q\nr\n>\n> s\n> - t\n>\n>   u\n>\n> v\n",
