@@ -11,9 +11,9 @@ namespace {
 
 /// The row that a text is read as; none where it is not exactly one.
 std::optional<MarkdownRow> readOne(std::string_view text) {
-  MarkdownText read = readMarkdownText(text, MarkdownScope::rows);
-  if (read.rows.size() != 1) return std::nullopt;
-  return std::move(read.rows.front());
+  std::vector<MarkdownRow> read = readMarkdownPart(text, {}, Indentation::rows);
+  if (read.size() != 1) return std::nullopt;
+  return std::move(read.front());
 }
 
 bool isListItem(RowType type) {
@@ -192,7 +192,8 @@ std::string RowWriter::markedLine() const {
   const std::size_t ordinal = ordinalLength(text);
   std::string escaped = text;
   escaped.insert(ordinal > 0 ? ordinal - 1 : 0, 1, '\\');
-  if (escaped = line(escaped); readsBack(escaped)) return escaped;
+  const bool isAscii = static_cast<unsigned char>(text.front()) < 0x80;
+  if (escaped = line(escaped); readsBack(escaped) || !isAscii) return escaped;
   std::string reference;
   appendReference(reference, text.front());
   return line(text.replace(0, 1, reference));

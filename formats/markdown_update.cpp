@@ -10,7 +10,9 @@ namespace {
 
 /// Rows that are written before they are read again.
 constexpr std::size_t usualPartRows = 128;
+constexpr auto wholeFile = static_cast<std::size_t>(-1);
 constexpr std::string_view frontMatterMark = "---";
+constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 /// What stands before the rows.
 std::string headOf(const Outline& outline, const MarkdownSource& source) {
@@ -54,6 +56,7 @@ class MarkdownUpdate {
   PlacedRow placed(std::size_t place) const;
   void findChanges();
   std::optional<std::size_t> findStart();
+  Part beginHead() const;
   Part beginPart(std::size_t place);
   End writeChecked(Part& part);
   End writeRows(Part& part);
@@ -92,7 +95,7 @@ MarkdownUpdate::MarkdownUpdate(const Outline& outline, std::size_t partRows)
   const bool isSameHead = out_ == source_.text().substr(0, before.bodyBegin);
   const MarkdownHead now = isSameHead ? before : readMarkdownText(out_, MarkdownScope::file).head;
   mayBecomeHead_ = now.headerEnd == 0;
-  isOnePart_ = source_.hasOpenFormula() || now.indentation != before.indentation ||
+  isOnePart_ = partRows == wholeFile || source_.hasOpenFormula() || now.indentation != before.indentation ||
                (mayBecomeHead_ && source_.text().substr(before.bodyBegin).starts_with(frontMatterMark));
   if (isOnePart_ && !changes_.empty()) changes_.assign(1, 0);
   if (!isSameHead && (changes_.empty() || changes_.front() > 0)) changes_.insert(changes_.begin(), 0);
@@ -104,7 +107,7 @@ MarkdownUpdate::MarkdownUpdate(const Outline& outline, std::size_t partRows)
 std::string MarkdownUpdate::write() {
   if (changes_.empty()) return out_.append(source_.text().substr(source_.head().bodyBegin));
   const auto start = findStart();
-  Part part = start ? beginPart(*start) : Part{.isHead = true};
+  Part part = start ? beginPart(*start) : beginHead();
   for (;;) {
     switch (writeChecked(part)) {
       case End::file:
@@ -154,6 +157,13 @@ std::optional<std::size_t> MarkdownUpdate::findStart() {
   return start_.place && *start_.place >= next_ ? start_.place : std::nullopt;
 }
 
+/// A file without a byte order mark gets one before a text that begins with that character.
+MarkdownUpdate::Part MarkdownUpdate::beginHead() const {
+  Part part{.isHead = true};
+  if (!source_.text().starts_with(byteOrderMark)) part.context.lines = byteOrderMark;
+  return part;
+}
+
 /// Copies what stands before that row.
 MarkdownUpdate::Part MarkdownUpdate::beginPart(std::size_t place) {
   if (place > next_) writer_->copyThrough(placed(place - 1), placed(place));
@@ -177,8 +187,8 @@ MarkdownUpdate::End MarkdownUpdate::writeChecked(Part& part) {
     if (!misread) return end;
     if (attempt >= careful || !takeCare(part, *misread)) {
       attempt = std::max(attempt, careful);
-      isMisread_ = attempt == maxAttempts;
-      if (isMisread_) return end;
+      isMisread_ |= attempt == maxAttempts;
+      if (attempt == maxAttempts) return end;
       cautions_.assign(next_ - part.first, 2);  // and again if that makes the part longer
     }
     writer_.emplace(before);
@@ -228,7 +238,7 @@ std::optional<std::size_t> MarkdownUpdate::findMisread(const Part& part, End end
   if (rows_.empty()) return std::nullopt;
   const auto text = std::string_view(out_).substr(part.begin);
   const std::vector<MarkdownRow> read =
-      part.isHead ? readMarkdownText(text, MarkdownScope::file).rows
+      part.isHead ? readMarkdownText(part.context.lines + std::string(text), MarkdownScope::file).rows
                   : readMarkdownPart(text, part.context, source_.head().indentation);
   for (std::size_t place = part.first; place < next_; ++place) {
     const std::size_t at = part.containers + place - part.first;
@@ -297,8 +307,7 @@ std::string updateMarkdown(const Outline& outline) { return updateMarkdown(outli
 std::string updateMarkdown(const Outline& outline, std::size_t partRows) {
   MarkdownUpdate update(outline, partRows);
   std::string text = update.write();
-  const bool isWhole = partRows >= outline.rowCount();
-  return update.isMisread() && !isWhole ? updateMarkdown(outline, outline.rowCount()) : text;
+  return update.isMisread() ? MarkdownUpdate(outline, wholeFile).write() : text;
 }
 
 }  // namespace vell::formats

@@ -45,6 +45,9 @@ std::string gapOf(std::string_view own, MarkdownForm form) {
   return isOdd || (gap.empty() && form != MarkdownForm::quote) ? " " : std::string(gap);
 }
 
+/// The mark of a quote takes in a blank of what follows it.
+std::string openedPrefix(const std::string& prefix) { return prefix.ends_with('>') ? prefix + ' ' : prefix; }
+
 /// The column at which the text of an item begins, and the rows in it.
 std::size_t contentColumn(std::string_view prefix, std::string_view own) {
   const std::string_view line = own.substr(0, own.find_first_of("\r\n"));
@@ -278,7 +281,8 @@ std::string MarkdownWriter::plainPrefix(const Open& open) const {
   if (open.form == MarkdownForm::quote) return open.prefix + "> ";
   if (open.form != MarkdownForm::item) return open.prefix + "\t";
   const std::string_view own = std::string_view(out_).substr(open.begin, open.end - open.begin);
-  return open.prefix + std::string(contentColumn(open.prefix, own) - columnsOf(open.prefix), ' ');
+  const std::size_t columns = contentColumn(open.prefix, own) - columnsOf(open.prefix);
+  return openedPrefix(open.prefix) + std::string(columns, ' ');
 }
 
 void MarkdownWriter::openContainer() {
@@ -288,12 +292,9 @@ void MarkdownWriter::openContainer() {
   const auto asRead = read && now_.keepsPrefix ? source_.childPrefix(*read) : std::nullopt;
   if (asRead && read->form == now_.form) {
     open.childPrefix = *asRead;
-    const bool canDiffer = !now_.isCopied && now_.form == MarkdownForm::item;
-    open.isAsRead =
-        !canDiffer || contentColumn(now_.prefix, own()) ==
-                          contentColumn(now_.prefix, source_.text().substr(source_.span(*read).begin));
   } else if (now_.form == MarkdownForm::item) {
     open.keepsPrefix = open.isAsRead = false;
+    open.childPrefix = openedPrefix(now_.prefix);
     const std::size_t columns = columnsOf(now_.prefix);
     const std::size_t column = contentColumn(now_.prefix, own());
     if (source_.indentsByTabs() && now_.prefix.find_first_not_of('\t') == std::string::npos) {
@@ -387,10 +388,13 @@ void MarkdownWriter::separate(const std::string& prefix) {
       const bool isInside = now_.depth > previous_.depth || !open_.empty();
       const std::string_view blank = isInside ? withoutEndBlanks(prefix) : std::string_view();
       std::size_t count = 0;
-      if (before && !read && source_.isLast(*before) && fitsTail()) {
+      // An empty line at the end of the text would end the quote.
+      if (before && !read && source_.isLast(*before) && blank.empty() && fitsTail()) {
         const std::string_view tail = source_.behindLast();
         out_ += tail.substr(0, tail.find_last_of("\r\n") + 1);
         count = countLineEnds(tail);
+        // The two would be one line end.
+        if (count > 0 && out_.ends_with('\r') && source_.lineEnd() == "\n") out_.back() = '\n';
       }
       for (; count < ends; ++count) {
         if (count > 0) out_ += blank;
@@ -426,7 +430,12 @@ bool MarkdownWriter::beginsLine() const {
 }
 
 bool MarkdownWriter::standsAsItStood() const {
-  const auto isAsRead = [](const Open& open) { return open.isAsRead; };
+  const auto isAsRead = [this](const Open& open) {
+    if (!open.isAsRead || open.form != MarkdownForm::item) return open.isAsRead;
+    const std::string_view before = source_.text().substr(source_.span(*open.read).begin);
+    return contentColumn(open.prefix, std::string_view(out_).substr(open.begin)) ==
+           contentColumn(open.prefix, before);
+  };
   if (!previous_.isCopied || !previous_.keepsPrefix) return false;
   if (!std::all_of(open_.begin(), open_.begin() + static_cast<std::ptrdiff_t>(previous_.containers),
                    isAsRead))

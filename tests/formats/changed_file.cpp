@@ -169,8 +169,10 @@ std::string ChangedFile::differs() const {
 /// in the whole file, and that however few rows it has.
 std::string ChangedFile::readsOtherwise() const {
   std::string fault = readsOtherwise(written());
-  if (fault.empty() && format_.name == "markdown") fault = readsOtherwise(updateMarkdown(outline_, 1));
-  return fault;
+  if (!fault.empty() || format_.name != "markdown") return fault;
+  Format inParts = format_;
+  inParts.update = [](const Outline& outline) { return updateMarkdown(outline, 1); };
+  return readsOtherwise(fileText(inParts, outline_));
 }
 
 std::string ChangedFile::readsOtherwise(const std::string& written) const {

@@ -44,6 +44,12 @@ const UpdateCase cases[] = {
     {"below rows", "a\n\n- b\n\n> c\n> - d\n",
      [](ChangedFile& rows) { rows.create("a", "n"); rows.create("b", "n"); rows.create("c", "n"); },
      "a\n\nn {depth=1}\n\n- b\n\n\tn\n\n> c\n> - d\n>\n> n {type=body}\n"},
+    {"in a quote that an empty line follows", "> a\n> - b\n\n", [](ChangedFile& rows) { rows.create("a", "n"); },
+     "> a\n> - b\n>\n> n {type=body}\n"},
+    {"in an item right behind the mark of a quote", ">* a\n", [](ChangedFile& rows) { rows.create("a", "n"); }, ">* a\n>\n>   n\n"},
+    {"in an item that its first block widens", "-   # a\n\n   1. b\n",
+     [](ChangedFile& rows) { rows.edit().insert(rows.edit().make({.text = Text("n")}), *rows.row("a").parent(), &rows.row("a")); },
+     "- <br>\n\n  n\n\n  # a\n\n1. b\n"},
     {"after code without end", "> ```\n> a\n", [](ChangedFile& rows) { rows.create("", "n"); }, "> ```\n> a\n> ```\n\nn\n"},
     // Rows that go or move.
     {"deleted rows take one separator", "a\n\n- b\n- c\n\n\nd\n", [](ChangedFile& rows) { rows.remove("b"); rows.remove("d"); }, "a\n\n- c\n"},
@@ -57,6 +63,10 @@ const UpdateCase cases[] = {
      "# a\n\n## b\n\n### c\n\nd\n"},
     {"line ends and byte order mark", "\xEF\xBB\xBF- a\r\n- b", [](ChangedFile& rows) { rows.create("b", "c"); rows.text("a", "A"); },
      "\xEF\xBB\xBF- A\r\n- b\r\n\r\n\tc"},
+    {"line ends of several kinds", "a\n\nb\r", [](ChangedFile& rows) { rows.create("", "c"); }, "a\n\nb\n\nc\n"},
+    {"the character of a byte order mark", "x\n\n\xEF\xBB\xBFy\nz\n", [](ChangedFile& rows) { rows.text("\xEF\xBB\xBFy z", "\xEF\xBB\xBFy Z"); }, "x\n\n\xEF\xBB\xBFy\nZ\n"},
+    {"the character of a byte order mark comes first", "a\n\n\xEF\xBB\xBF- b\n* c\n", [](ChangedFile& rows) { rows.remove("a"); },
+     "\xEF\xBB\xBF\xEF\xBB\xBF- b\n* c\n"},
 };
 // clang-format on
 
