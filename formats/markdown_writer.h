@@ -98,6 +98,10 @@ class MarkdownWriter {
   std::string prefix() const;
   std::string plainPrefix(const Open& open) const;
   void openContainer();
+  void appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix);
+  std::string_view own() const { return std::string_view(out_).substr(ownBegin_); }
+
+  // What stands between rows: markdown_spacing.cpp.
   std::size_t neededLineEnds() const;
   bool beginsAnotherList() const;
   std::size_t lineEndsHere() const;
@@ -105,8 +109,6 @@ class MarkdownWriter {
   void closeFence();
   bool fitsTail() const;
   void separate(const std::string& prefix);
-  void appendLines(std::string_view lines, std::string_view oldPrefix, std::string_view newPrefix);
-  std::string_view own() const { return std::string_view(out_).substr(ownBegin_); }
 
   const MarkdownSource& source_;
   std::string& out_;
