@@ -108,7 +108,7 @@ void Observers::await(int lines) {
   std::vector<pollfd> waiting;
   for (const auto& socket : sockets_) waiting.push_back({socket.get(), POLLIN, 0});
   while (std::any_of(left.begin(), left.end(), [](int count) { return count > 0; })) {
-    poll(waiting.data(), waiting.size(), -1);
+    poll(waiting.data(), static_cast<nfds_t>(waiting.size()), -1);
     for (std::size_t i = 0; i < waiting.size(); ++i) {
       if (waiting[i].revents == 0) continue;
       const ssize_t got = read(waiting[i].fd, bytes, sizeof bytes);

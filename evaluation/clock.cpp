@@ -1,12 +1,21 @@
 #include "evaluation/clock.h"
 
 #include <ctime>
+#include <mutex>
 
 namespace vell::evaluation {
 
 using namespace std::chrono;
 
+namespace {
+
+/// The C library keeps one zone for all threads, which each of these calls may read anew.
+std::mutex zone;
+
+}  // namespace
+
 Moment SystemClock::now() const {
+  const std::lock_guard held(zone);
   tzset();
   return floor<milliseconds>(system_clock::now());
 }
@@ -15,6 +24,7 @@ LocalTime SystemClock::localTimeAt(Moment moment) const {
   const auto whole = floor<seconds>(moment);
   const std::time_t time = whole.time_since_epoch().count();
   std::tm local{};
+  const std::lock_guard held(zone);
   localtime_r(&time, &local);
   const year_month_day date(year(local.tm_year + 1900), month(static_cast<unsigned>(local.tm_mon + 1)),
                             day(static_cast<unsigned>(local.tm_mday)));
@@ -34,6 +44,7 @@ Moment SystemClock::momentAt(LocalTime local) const {
   parts.tm_min = static_cast<int>(time.minutes().count());
   parts.tm_sec = static_cast<int>(time.seconds().count());
   parts.tm_isdst = -1;
+  const std::lock_guard held(zone);
   return Moment(seconds(std::mktime(&parts))) + time.subseconds();
 }
 
