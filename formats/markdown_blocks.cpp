@@ -304,7 +304,7 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
       range.last = range.first;
       if (isAtxHeading(text_.substr(begin, lines_[range.first].end - begin)))
         return addBlock(Kind::atxHeading, range, begin, level);
-      while (++range.last < lines_.size() && !underlines(range.last)) continue;
+      while (++range.last + 1 < lines_.size() && !underlines(range.last)) continue;
       return addBlock(Kind::setextHeading, range, begin, level);
     }
     case CMARK_NODE_THEMATIC_BREAK:
