@@ -14,8 +14,8 @@ class Abandoned : public std::exception {
 };
 
 /// The application belongs to one thread at a time: the loop's, or that of a request which takes long. A
-/// thread holds it while it touches anything of the application, and sets it aside for what takes long and
-/// touches nothing but what nobody changes meanwhile:
+/// thread holds it while it finds its outline and while it tells of a change, and sets it aside for what takes
+/// long and touches nothing but an outline that has admitted it (`OutlineUse`) for reading or for changing:
 ///
 ///   const ApplicationHold hold(access, abandoned);      // in the thread of a request
 ///   …                                                   // the application is ours
@@ -62,7 +62,7 @@ class ApplicationHold {
 /// Throws Abandoned where nobody wants the work of this thread any longer. Cheap; for loops that run beside.
 void throwIfAbandoned();
 
-/// Runs `work` while others have the application. Within such work it changes nothing.
+/// Runs `work` while others have the application. Such work touches nothing but its own outline.
 template <class Work>
 void beside(Work&& work) {
   ApplicationHold* const hold = ApplicationHold::current();
