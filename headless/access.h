@@ -14,8 +14,9 @@ class Abandoned : public std::exception {
 };
 
 /// The application belongs to one thread at a time: the loop's, or that of a request which takes long. A
-/// thread holds it while it finds its outline and while it tells of a change, and sets it aside for what takes
-/// long and touches nothing but an outline that has admitted it (`OutlineUse`) for reading or for changing:
+/// thread holds it while it finds its outline and while it tells of a change, and sets it aside for what
+/// takes long and touches nothing but an outline that has admitted it (`OutlineUse`) for reading or for
+/// changing:
 ///
 ///   const ApplicationHold hold(access, abandoned);      // in the thread of a request
 ///   …                                                   // the application is ours
