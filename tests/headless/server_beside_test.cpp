@@ -29,7 +29,7 @@ std::size_t rowsIn(const std::string& answer) { return elements(at(answer, "resu
 /// given up.
 TEST(Beside, OthersAreServedWhileAScriptRunsAndAfterItsClientLeft) {
   ServerLimits limits;
-  limits.jobs = 1;
+  limits.jobs = 2;  // the script's, and that of a request which finds the outline being saved
   RunningServer server(limits);
   server.open("groceries.json", groceries);
   TestClient steady = server.client();
