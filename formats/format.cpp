@@ -10,8 +10,6 @@
 namespace vell::formats {
 namespace {
 
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-
 std::string lower(std::string_view text) {
   std::string result(text);
   for (char& c : result) {
@@ -30,7 +28,7 @@ std::string_view checkedSource(std::string_view text) {
   if (const auto invalid = text::findInvalidUtf8(text)) {
     throw FormatError("not valid UTF-8; save the file as UTF-8", text::lineNumber(text, *invalid), *invalid);
   }
-  if (text.starts_with(byteOrderMark)) text.remove_prefix(byteOrderMark.size());
+  if (text.starts_with(text::byteOrderMark)) text.remove_prefix(text::byteOrderMark.size());
   return text;
 }
 
@@ -83,8 +81,8 @@ std::string fileText(const Format& format, const Outline& outline) {
     format.write(outline, placeAll(outline), false, text);
   }
   // A text that begins with the character of the byte order mark would lose it without a mark before it.
-  const bool isMarked = updates && source->text().starts_with(byteOrderMark);
-  if (!isMarked && text.starts_with(byteOrderMark)) text.insert(0, byteOrderMark);
+  const bool isMarked = updates && source->text().starts_with(text::byteOrderMark);
+  if (!isMarked && text.starts_with(text::byteOrderMark)) text.insert(0, text::byteOrderMark);
   return text;
 }
 

@@ -11,6 +11,7 @@
 
 #include "formats/inline_markdown.h"
 #include "formats/marked_line.h"
+#include "text/utf8.h"
 
 namespace vell::formats {
 namespace {
@@ -193,7 +194,7 @@ void BlockReader::read(std::size_t first, std::size_t end) {
     if (!before.ends_with("<!") && !before.ends_with("<![CDATA")) source[at] = '(';
   }
   std::replace(source.begin(), source.end(), '\0', '0');
-  if (source.starts_with("\xEF\xBB\xBF")) source.replace(0, 3, "xxx");
+  if (source.starts_with(text::byteOrderMark)) source.replace(0, text::byteOrderMark.size(), "xxx");
   const auto root = parse(source);
   const std::unique_ptr<cmark_iter, NodeDeleter> iterator(cmark_iter_new(root.get()));
   cmark_event_type event;

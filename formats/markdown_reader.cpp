@@ -8,6 +8,7 @@
 #include "formats/markdown_format.h"
 #include "formats/markdown_source.h"
 #include "text/lines.h"
+#include "text/utf8.h"
 
 namespace vell::formats {
 namespace {
@@ -47,7 +48,7 @@ bool readFrontMatter(std::string_view text, MarkdownHead& head, Outline& outline
 
 MarkdownHead readHead(std::string_view text, MarkdownScope scope, Outline& outline) {
   MarkdownHead head;
-  head.bodyBegin = text.starts_with("\xEF\xBB\xBF") ? 3 : 0;
+  head.bodyBegin = text.starts_with(text::byteOrderMark) ? text::byteOrderMark.size() : 0;
   readFrontMatter(text, head, outline);
   const bool isOurs = scope == MarkdownScope::rows || isUuid(outline.persistentId());
   head.indentation = isOurs ? Indentation::rows : Indentation::code;

@@ -4,6 +4,7 @@
 
 #include "formats/document_header.h"
 #include "formats/markdown_writer.h"
+#include "text/utf8.h"
 
 namespace vell::formats {
 namespace {
@@ -12,7 +13,6 @@ namespace {
 constexpr std::size_t usualPartRows = 128;
 constexpr auto wholeFile = static_cast<std::size_t>(-1);
 constexpr std::string_view frontMatterMark = "---";
-constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
 /// What stands before the rows.
 std::string headOf(const Outline& outline, const MarkdownSource& source) {
@@ -23,7 +23,7 @@ std::string headOf(const Outline& outline, const MarkdownSource& source) {
   const std::string lines = DocumentHeader(HeaderKind::yaml).update(old, outline);
   if (lines == old) return before;
   if (head.headerEnd > 0) return before.substr(0, head.headerBegin) + lines + before.substr(head.headerEnd);
-  const std::string rule = "---" + std::string(source.lineEnd());
+  const std::string rule = std::string(frontMatterMark).append(source.lineEnd());
   return before + rule + lines + rule;
 }
 
@@ -99,7 +99,8 @@ MarkdownUpdate::MarkdownUpdate(const Outline& outline, std::size_t partRows)
                (mayBecomeHead_ && source_.text().substr(before.bodyBegin).starts_with(frontMatterMark));
   if (isOnePart_ && !changes_.empty()) changes_.assign(1, 0);
   if (!isSameHead && (changes_.empty() || changes_.front() > 0)) changes_.insert(changes_.begin(), 0);
-  const bool isBegun = before.headerEnd > 0 || out_.size() > 3;  // a byte order mark is no beginning
+  const bool isBegun =
+      before.headerEnd > 0 || out_.size() > text::byteOrderMark.size();  // which is no beginning
   writer_.emplace(source_, out_, isBegun);
   out_.reserve(source_.text().size() + out_.size());
 }
@@ -160,7 +161,7 @@ std::optional<std::size_t> MarkdownUpdate::findStart() {
 /// A file without a byte order mark gets one before a text that begins with that character.
 MarkdownUpdate::Part MarkdownUpdate::beginHead() const {
   Part part{.isHead = true};
-  if (!source_.text().starts_with(byteOrderMark)) part.context.lines = byteOrderMark;
+  if (!source_.text().starts_with(text::byteOrderMark)) part.context.lines = text::byteOrderMark;
   return part;
 }
 

@@ -7,6 +7,9 @@
 
 namespace vell::text {
 
+/// U+FEFF, which some programs put before a text to mark it as UTF-8.
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
 /// Bytes of the UTF-8 character that the text begins with; 0 where it begins with none.
 std::size_t utf8Length(std::string_view text);
 

@@ -5,6 +5,7 @@
 
 #include "headless/editing/problem.h"
 #include "headless/storage/paths.h"
+#include "text/utf8.h"
 
 namespace vell::headless {
 namespace {
@@ -50,7 +51,7 @@ FileRows decode(const formats::Format& format, FileContent content, const std::s
 
 /// What the first bytes of a text say about its format.
 const formats::Format& formatOfContent(std::string_view text) {
-  if (text.starts_with("\xEF\xBB\xBF")) text.remove_prefix(3);
+  if (text.starts_with(text::byteOrderMark)) text.remove_prefix(text::byteOrderMark.size());
   if (text.starts_with("vell 1\n") || text.starts_with("vell 1\r")) return *formats::formatNamed("vell");
   if (text.starts_with("---\nid: ") && text.find("\n---\n") != std::string_view::npos)
     return *formats::formatNamed("markdown");
