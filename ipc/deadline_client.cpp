@@ -1,6 +1,5 @@
 #include "ipc/deadline_client.h"
 
-#include <poll.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -41,9 +40,7 @@ json::Text DeadlineClient::readLine() {
 void DeadlineClient::awaitInput() const {
   const auto left =
       std::chrono::duration_cast<std::chrono::milliseconds>(deadline_ - std::chrono::steady_clock::now());
-  pollfd awaited{socket_.get(), POLLIN, 0};
-  const bool inTime = left.count() > 0 && ::poll(&awaited, 1, static_cast<int>(left.count())) != 0;
-  if (!inTime) throw ClientError::connectionClosed();
+  if (!platform::waitUntilReadable(socket_.get(), left)) throw ClientError::connectionClosed();
 }
 
 }  // namespace vell::ipc

@@ -73,7 +73,7 @@ void VellClient::tellIfSlow() {
   if (!slowAt_) return;
   const auto left = *slowAt_ - std::chrono::steady_clock::now();
   const auto wait = std::chrono::ceil<std::chrono::milliseconds>(left);
-  if (wait.count() > 0 && platform::waitUntilReadable(socket_.get(), wait)) return;
+  if (platform::waitUntilReadable(socket_.get(), wait)) return;
   slowAt_.reset();
   tellSlow_();
 }

@@ -47,7 +47,7 @@ bool writeAll(int descriptor, std::string_view bytes, ssize_t (*write)(int, cons
 
 bool waitUntilReadable(int descriptor, std::chrono::milliseconds limit) {
   pollfd waiting{descriptor, POLLIN, 0};
-  return ::poll(&waiting, 1, static_cast<int>(limit.count())) != 0;
+  return limit.count() > 0 && ::poll(&waiting, 1, static_cast<int>(limit.count())) != 0;
 }
 
 bool readerIsGone(int descriptor) {

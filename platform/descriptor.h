@@ -36,7 +36,8 @@ ssize_t writeSome(int descriptor, const char* data, std::size_t size);
 bool writeAll(int descriptor, std::string_view bytes,
               ssize_t (*write)(int descriptor, const char* data, std::size_t size) = writeSome);
 
-/// Waits until the descriptor can be read without blocking or is at its end; false where that takes longer.
+/// Waits until the descriptor can be read without blocking or is at its end; false where that takes longer,
+/// at once where the limit is not above 0.
 bool waitUntilReadable(int descriptor, std::chrono::milliseconds limit);
 
 /// Whether nobody is left to read what is written to a pipe or a socket. A peer that has only ended its own

@@ -1,6 +1,5 @@
 #include "headless/program/running.h"
 
-#include <poll.h>
 #include <sys/socket.h>
 
 #include "headless/editing/problem.h"
@@ -20,8 +19,7 @@ json::Text receiveLine(int socket, std::chrono::milliseconds limit) {
     if (auto line = lines.next()) return std::move(*line);
     const auto left =
         std::chrono::duration_cast<std::chrono::milliseconds>(end - std::chrono::steady_clock::now());
-    pollfd waiting{socket, POLLIN, 0};
-    if (left.count() <= 0 || poll(&waiting, 1, static_cast<int>(left.count())) == 0)
+    if (!platform::waitUntilReadable(socket, left))
       throw Problem(
           "The running application does not answer: wait for it, or end it with \"vell-headless stop\"");
     const json::LineFraming::Room room = lines.room();
