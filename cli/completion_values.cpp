@@ -7,7 +7,6 @@
 #include "cli/outline_naming.h"
 #include "ipc/deadline_client.h"
 #include "ipc/methods.h"
-#include "ipc/outline_summary.h"
 #include "outline_path/with_parse.h"
 #include "text/display_width.h"
 #include "text/utf8.h"
@@ -35,14 +34,7 @@ class Questions {
     }
   }
 
-  std::vector<ipc::OutlineSummary> outlines() {
-    const auto answer = ask(ipc::OutlineList{});
-    try {
-      return answer ? ipc::decodeOutlineSummaries(answer->result()) : std::vector<ipc::OutlineSummary>();
-    } catch (const ipc::ShapeError&) {
-      return {};
-    }
-  }
+  std::vector<ipc::OutlineSummary> outlines() { return openOutlines(application_); }
 
  private:
   ipc::DeadlineClient application_{patience};

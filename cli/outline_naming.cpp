@@ -3,10 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
-#include <vector>
 
 #include "ipc/methods.h"
-#include "ipc/outline_summary.h"
 #include "outlines/location.h"
 #include "outlines/resource_uri.h"
 #include "text/edit_distance.h"
@@ -22,15 +20,6 @@ bool refusesOutline(const ipc::ClientError& refusal, const std::string& referenc
   const std::string text = refusal.what();
   const bool ofOutline = text.find("outline") != text.npos || text.find("Outline") != text.npos;
   return refusal.kind() == ipc::ClientError::Kind::rpcError && ofOutline && text.find(reference) != text.npos;
-}
-
-/// None where the application does not tell.
-std::vector<OutlineSummary> openOutlines(ipc::Application& application) {
-  try {
-    return ipc::decodeOutlineSummaries(application.request(ipc::OutlineList{}).result());
-  } catch (const std::exception&) {
-    return {};
-  }
 }
 
 bool isFileOf(const OutlineSummary& outline, const std::string& path) {
@@ -59,6 +48,14 @@ std::string hint(const std::string& reference, const std::vector<OutlineSummary>
 }
 
 }  // namespace
+
+std::vector<OutlineSummary> openOutlines(ipc::Application& application) {
+  try {
+    return ipc::decodeOutlineSummaries(application.request(ipc::OutlineList{}).result());
+  } catch (const std::exception&) {
+    return {};
+  }
+}
 
 std::string namedOutline(const std::string& reference, ipc::Application& application,
                          const ipc::ClientError& refusal) {

@@ -1,13 +1,18 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 #include "ipc/application.h"
 #include "ipc/client_error.h"
+#include "ipc/outline_summary.h"
 
 // What people call an outline: where the application knows no outline with the id that `--outline` gives, the
 // display name or the path of an open outline is taken instead.
 namespace vell::cli {
+
+/// The open outlines; none where the application does not tell.
+std::vector<ipc::OutlineSummary> openOutlines(ipc::Application& application);
 
 /// The persistent id of the one open outline that has that display name or that file, after the application
 /// has refused `reference`. Asks for the open outlines, and changes nothing. Throws `refusal` where it is not
