@@ -34,7 +34,7 @@ class Walk {
     while (!words.empty()) {
       const std::string& word = words.front();
       words = words.subspan(1);
-      if (place_.optionsEnded || !isOptionToken(word)) {
+      if (place_.optionsEnded || !isOptionOf(*place_.command, word)) {
         takePlain(word);
       } else if (word == terminator) {
         place_.optionsEnded = true;

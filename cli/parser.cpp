@@ -36,9 +36,7 @@ class Parser {
     while (!words.empty() && words.front() != terminator) {
       const std::string& word = words.front();
       words = words.subspan(1);
-      // "- [ ] Buy milk" is a row's text: no option's name holds a blank.
-      const bool isText = word.starts_with("- ") && line_.command->subcommands.empty();
-      if (isOptionToken(word) && !isText) {
+      if (isOptionOf(*line_.command, word)) {
         words = words.subspan(takeOption(word, words));
       } else if (line_.command->subcommands.empty()) {
         tokens_.push_back({{}, {word}});
@@ -160,6 +158,11 @@ std::vector<std::string> Arguments::values(const Option& option) const {
 }
 
 bool isOptionToken(const std::string& word) { return word.size() > 1 && word.front() == '-'; }
+
+bool isOptionOf(const Command& command, const std::string& word) {
+  const bool isText = word.starts_with("- ") && command.subcommands.empty();
+  return isOptionToken(word) && !isText;
+}
 
 Token splitAttached(const std::string& word) {
   const std::size_t end = word.starts_with("--") ? word.find('=') : 2;

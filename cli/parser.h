@@ -56,6 +56,10 @@ struct Token {
 /// Whether a word names an option: it begins with "-" and is more than that.
 bool isOptionToken(const std::string& word);
 
+/// The same of a word among those of a command: "- [ ] Buy milk" is the text of a row, as no option's name
+/// holds a blank.
+bool isOptionOf(const Command& command, const std::string& word);
+
 /// Splits `--name=value`, `-nvalue` and `-n=value`.
 Token splitAttached(const std::string& word);
 
