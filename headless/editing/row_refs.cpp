@@ -65,7 +65,6 @@ std::vector<const Row*> selectRows(const Outline& outline, const Editor& editor,
     if (hold != nullptr && hold->isAbandoned()) throw Abandoned();
   };
   const evaluation::Environment environment{clock, &functions, {.pause = pause}};
-  outline.number();  // evaluating beside others only reads
   try {
     std::vector<const Row*> rows;
     beside([&] {

@@ -39,7 +39,7 @@ Folders::~Folders() {
     ending_ = true;
   }
   ended_.notify_all();
-  if (thread_.joinable()) thread_.join();
+  thread_.reset();
   *self_ = nullptr;
 }
 
@@ -58,7 +58,7 @@ std::vector<FoundFile> Folders::add(const std::string& folder) {
       paths_.push_back(folder);
     }
     paths = newFiles();
-    if (!thread_.joinable()) thread_ = std::thread([this] { work(); });
+    if (!thread_) thread_.emplace([this] { work(); });
   }
   std::vector<FoundFile> files;
   files.reserve(paths.size());

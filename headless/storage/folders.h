@@ -4,14 +4,15 @@
 #include <functional>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <set>
 #include <string>
-#include <thread>
 #include <vector>
 
 #include "headless/storage/folder_scan.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/scheduler.h"
+#include "headless/thread.h"
 
 namespace vell::headless {
 
@@ -71,7 +72,7 @@ class Folders {
   bool ending_ = false;
   std::condition_variable ended_;
   std::shared_ptr<Folders*> self_;  // empty once destroyed, for tasks posted before
-  std::thread thread_;
+  std::optional<Thread> thread_;
 };
 
 }  // namespace vell::headless

@@ -82,10 +82,12 @@ void Session::keep() {
   try {
     if (now != kept_) replaceFile(path_, now, 0600);
     kept_ = std::move(now);
+    fault_.clear();
   } catch (const Problem& problem) {
-    if (kept_ != problem.what()) application_.report(problem.what());
-    kept_ = problem.what();  // told once
+    if (fault_ != problem.what()) application_.report(problem.what());
+    fault_ = problem.what();
   }
+  if (timer_) scheduler_.cancel(*timer_);
   timer_ = scheduler_.after(pace, [this] { keep(); });
 }
 

@@ -30,7 +30,8 @@ class Session {
   Scheduler& scheduler_;
   Application& application_;
   std::string path_;
-  std::string kept_;  ///< what the file holds
+  std::string kept_;   ///< what the file holds
+  std::string fault_;  ///< why it could not be written, as told
   std::optional<Scheduler::Timer> timer_;
 };
 
