@@ -3,6 +3,7 @@
 #include <atomic>
 #include <condition_variable>
 #include <exception>
+#include <functional>
 #include <mutex>
 
 namespace vell::headless {
@@ -26,13 +27,19 @@ class Abandoned : public std::exception {
 class ApplicationAccess {
  public:
   std::mutex& mutex() { return mutex_; }
-  /// Wakes the threads that wait for others.
-  void announce() { changed_.notify_all(); }
+  /// Tells whoever waits for others that something has changed. The caller holds the application.
+  void announce() {
+    changed_.notify_all();
+    if (announced_) announced_();
+  }
+  /// Has `told` called with every announcement; the threads that wait need no such call.
+  void whenAnnounced(std::function<void()> told) { announced_ = std::move(told); }
 
  private:
   friend class ApplicationHold;
   std::mutex mutex_;
   std::condition_variable changed_;
+  std::function<void()> announced_;
 };
 
 /// Holds the application for the thread that makes it.

@@ -100,14 +100,13 @@ std::string carryOut(std::string_view name, const Call& call) {
 }
 
 std::string carryOut(Method method, Use use, const Call& call) {
-  // On the loop, where nobody can wait for it, the outline has been looked at before.
-  bool isFresh = ApplicationHold::current() == nullptr;
+  bool isFresh = false;
   const auto find = [&] {
     OpenOutline* opened = subject(call.application, call.params);
     if (opened != nullptr && !std::exchange(isFresh, true)) call.application.refresh(*opened);
     return opened;
   };
-  const OutlineUse inUse(find, use);
+  const auto inUse = waitForOutline(find, use);
   return method(call);
 }
 
@@ -125,21 +124,33 @@ void Incoming::parse() {
   }
 }
 
-bool Incoming::mayTakeLong(Application& application) const {
-  if (!isParsed()) return true;
-  if (!request_) return false;
+Incoming::Turn Incoming::turn(Application& application, bool threadIsFree) {
+  const Turn ifLong = threadIsFree ? Turn::beside : Turn::later;
+  if (!isParsed()) return ifLong;
+  if (!request_) return Turn::now;
   try {
     const NamedMethod& method = methodNamed(request_->method());
     const Params params = request_->params();
-    if (method.isLong || !method.use) return method.isLong;
-    OpenOutline* opened = subject(application, params);
-    if (opened == nullptr) return false;
-    application.refresh(*opened);
-    return !opened->users()->admits(*method.use) || opened->outline().heldRows() > quicklyRead ||
-           params.mentionPath();
+    OpenOutline* opened = method.use ? subject(application, params) : nullptr;
+    const bool isLong =
+        method.isLong ||
+        (opened != nullptr && (opened->outline().heldRows() > quicklyRead || params.mentionPath()));
+    if (isLong && !threadIsFree) return Turn::later;
+    if (opened != nullptr && !enter(application, *opened, *method.use)) return Turn::later;
+    return isLong ? Turn::beside : Turn::now;
   } catch (const std::exception&) {
-    return false;  // its answer will be an error
+    return Turn::now;  // its answer will be an error
   }
+}
+
+bool Incoming::enter(Application& application, OpenOutline& opened, Use use) {
+  if (use_ && use_->isOf(opened)) return true;
+  use_.reset();
+  wait_.reset();
+  application.refresh(opened);
+  const bool admitted = opened.users()->admits(use);
+  admitted ? void(use_.emplace(opened, use)) : void(wait_.emplace(opened, use));
+  return admitted;
 }
 
 std::string Incoming::refusal(const Problem& problem) {
@@ -148,14 +159,14 @@ std::string Incoming::refusal(const Problem& problem) {
                                              : std::string();
 }
 
-std::string Incoming::answer(Application& application, const Subscriber& subscriber) {
+std::optional<std::string> Incoming::answer(Application& application, const Subscriber& subscriber) {
   if (!isParsed()) beside([this] { parse(); });
   if (!request_) return refusal_;
   std::string answered;
   try {
-    const Params params = request_->params();
-    std::string result = carryOut(request_->method(), {application, params, &subscriber});
-    beside([&] { answered = resultLine(request_->id(), std::exchange(result, {})); });
+    auto text = result(application, subscriber);
+    if (!text) return std::nullopt;
+    beside([&] { answered = resultLine(request_->id(), std::move(*text)); });
   } catch (const Abandoned&) {
     throw;
   } catch (...) {
@@ -163,6 +174,15 @@ std::string Incoming::answer(Application& application, const Subscriber& subscri
   }
   if (!request_->wantsAnswer()) answered.clear();
   return answered;
+}
+
+std::optional<std::string> Incoming::result(Application& application, const Subscriber& subscriber) {
+  const NamedMethod& method = methodNamed(request_->method());
+  const Params params = request_->params();
+  OpenOutline* opened = method.use ? subject(application, params) : nullptr;
+  if (opened != nullptr && !enter(application, *opened, *method.use)) return std::nullopt;
+  const std::optional<OutlineUse> use = std::exchange(use_, std::nullopt);
+  return method.method({application, params, &subscriber});
 }
 
 }  // namespace vell::headless

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <stdexcept>
 
 #include "headless/access.h"
@@ -8,50 +9,53 @@
 
 namespace vell::headless {
 
-/// Counts its thread among the users of an outline, from when the outline admits it until the end of its
-/// life.
+/// Counts among the users of an outline, which must admit it, until the end of its life.
 class OutlineUse {
  public:
-  /// `find` gives the outline, or null where there is none, and is asked again after each wait: the outline
-  /// may be gone then. Throws Abandoned; the loop's own thread must not need to wait.
-  template <class Find>
-  OutlineUse(Find find, Use use) : use_(use) {
-    while (const OpenOutline* opened = find()) {
-      users_ = opened->users();
-      if (users_->admits(use)) {
-        users_->enter(use);
-        return;
-      }
-      wait();
-    }
-    users_.reset();
-  }
+  OutlineUse(const OpenOutline& opened, Use use) : users_(opened.users()), use_(use) { users_->enter(use_); }
   ~OutlineUse() {
     if (!users_) return;
     users_->leave(use_);
     if (ApplicationHold* const hold = ApplicationHold::current()) hold->announce();
   }
-  OutlineUse(const OutlineUse&) = delete;
-  OutlineUse& operator=(const OutlineUse&) = delete;
+  OutlineUse(OutlineUse&&) = default;
+  OutlineUse& operator=(OutlineUse&&) = delete;
 
-  bool found() const { return users_ != nullptr; }
+  bool isOf(const OpenOutline& opened) const { return users_ == opened.users(); }
 
  private:
-  void wait() const {
+  std::shared_ptr<Users> users_;  ///< null once moved from
+  const Use use_;
+};
+
+/// Counts among those who wait for an outline until the end of its life.
+class OutlineWait {
+ public:
+  OutlineWait(const OpenOutline& opened, Use use) : users_(opened.users()), use_(use) {
+    users_->beginWaiting(use_);
+  }
+  ~OutlineWait() { users_->endWaiting(use_); }
+  OutlineWait(const OutlineWait&) = delete;
+  OutlineWait& operator=(const OutlineWait&) = delete;
+
+ private:
+  const std::shared_ptr<Users> users_;
+  const Use use_;
+};
+
+/// Waits until the outline admits this thread, which must not be the loop's. `find` gives the outline, or
+/// null where there is none, and is asked again after each wait: the outline may be gone then. Throws
+/// Abandoned.
+template <class Find>
+std::optional<OutlineUse> waitForOutline(Find find, Use use) {
+  while (const OpenOutline* opened = find()) {
+    if (opened->users()->admits(use)) return std::optional<OutlineUse>(std::in_place, *opened, use);
     ApplicationHold* const hold = ApplicationHold::current();
     if (hold == nullptr) throw std::logic_error("the loop cannot wait for an outline");
-    users_->beginWaiting(use_);
-    try {
-      hold->waitForOthers();
-    } catch (...) {
-      users_->endWaiting(use_);
-      throw;
-    }
-    users_->endWaiting(use_);
+    const OutlineWait waiting(*opened, use);
+    hold->waitForOthers();
   }
-
-  const Use use_;
-  std::shared_ptr<Users> users_;
-};
+  return std::nullopt;
+}
 
 }  // namespace vell::headless

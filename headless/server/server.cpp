@@ -4,6 +4,7 @@
 #include <sys/socket.h>
 
 #include <cerrno>
+#include <iterator>
 
 #include "headless/server/dispatch.h"
 #include "headless/server/request.h"
@@ -28,12 +29,15 @@ Server::Server(EventLoop& loop, Application& application, int listener, ServerLi
       subscriptions_(loop, application, *this),
       workers_(loop) {
   loop_.watch(listener_, POLLIN, [this](short) { acceptClients(); });
+  loop_.access().whenAnnounced([this] { resumeSoon(); });
   stallTimer_ = loop_.after(limits_.stall, [this] { dropStalled(); });
 }
 
 Server::~Server() {
   workers_.endAll();
+  loop_.access().whenAnnounced(nullptr);
   if (jobTimer_) loop_.cancel(*jobTimer_);
+  if (resumeTimer_) loop_.cancel(*resumeTimer_);
   loop_.cancel(stallTimer_);
   loop_.forget(listener_);
   for (const auto& [id, client] : clients_) loop_.forget(client->descriptor());
@@ -104,59 +108,94 @@ void Server::serve(Client& client) {
   }
 }
 
-/// Answers the next request or has it answered.
+/// Whoever waits already is the first to get a thread.
 void Server::begin(Client& client) {
-  const auto request = std::make_shared<Incoming>(client.takeRequest());
-  if (request->mayTakeLong(application_)) return startJob(client, request);
-  client.send(request->answer(application_, {subscriptions_, client.id()}));
+  auto request = std::make_shared<Incoming>(client.takeRequest());
+  const bool threadIsFree = waiting_.empty() && workers_.count() < limits_.jobs;
+  if (proceed(client, request, threadIsFree)) return;
+  wait(client, std::move(request));
+  resumeSoon();
+}
+
+/// Answers the request or has it answered; false where it has to wait.
+bool Server::proceed(Client& client, const std::shared_ptr<Incoming>& request, bool threadIsFree) {
+  const Incoming::Turn turn = request->turn(application_, threadIsFree);
+  if (turn == Incoming::Turn::beside) startJob(client, request);
+  if (turn == Incoming::Turn::now) {
+    auto answer = request->answer(application_, {subscriptions_, client.id()});
+    answered(client, std::move(*answer));
+  }
+  return turn != Incoming::Turn::later;
+}
+
+void Server::answered(Client& client, std::string answer) {
+  client.send(std::move(answer));
   client.flush();
   if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
 }
 
-void Server::startJob(Client& client, std::shared_ptr<Incoming> request) {
+void Server::startJob(Client& client, const std::shared_ptr<Incoming>& request) {
   const std::uint64_t id = client.id();
-  if (workers_.count() >= limits_.jobs) {
-    client.setJob(waitingJob);
-    return waiting_.push_back({id, std::move(request)});
-  }
-  const auto answer = std::make_shared<std::string>();
+  const auto answer = std::make_shared<std::optional<std::string>>(std::in_place);
   try {
     client.setJob(workers_.start(
         [this, id, request, answer] {
           *answer = request->answer(application_, {subscriptions_, id});
         },
-        [this, id, answer] { finishJob(id, std::move(*answer)); }));
+        [this, id, request, answer] { finishJob(id, request, std::move(*answer)); }));
   } catch (const Problem& problem) {
-    client.setJob(std::nullopt);
     return client.send(request->refusal(problem));
   }
   if (client.hasLeft()) clientLeft(client);
-  if (!jobTimer_) jobTimer_ = loop_.after(jobPace, [this] { lookAfterJobs(); });
+  lookAfterJobsSoon();
 }
 
-void Server::finishJob(std::uint64_t id, std::string answer) {
-  if (const auto found = clients_.find(id); found != clients_.end()) {
-    Client& client = *found->second;
-    client.setJob(std::nullopt);
-    client.send(std::move(answer));
-    client.flush();
-    subscriptions_.clientCaughtUp(id);
-    if (client.backlog() >= Client::backlogLimit) keepWithinBacklog(client);
-    serve(client);
-    settle(client);
-  }
-  startWaiting();
+/// Without an answer the request waits for its outline after all.
+void Server::finishJob(std::uint64_t id, const std::shared_ptr<Incoming>& request,
+                       std::optional<std::string> answer) {
+  const auto found = clients_.find(id);
+  if (found == clients_.end()) return;
+  Client& client = *found->second;
+  client.setJob(std::nullopt);
+  if (!answer) return wait(client, request);
+  answered(client, std::move(*answer));
+  subscriptions_.clientCaughtUp(id);
+  serve(client);
+  settle(client);
 }
 
-void Server::startWaiting() {
-  while (!waiting_.empty() && workers_.count() < limits_.jobs) {
-    auto [id, request] = std::move(waiting_.front());
-    waiting_.pop_front();
+void Server::wait(Client& client, std::shared_ptr<Incoming> request) {
+  client.setJob(waitingJob);
+  waiting_.emplace_back(client.id(), std::move(request));
+  lookAfterJobsSoon();
+}
+
+void Server::resumeSoon() {
+  if (waiting_.empty() || resumeTimer_) return;
+  resumeTimer_ = loop_.after(std::chrono::milliseconds(0), [this] { resumeWaiting(); });
+}
+
+void Server::resumeWaiting() {
+  resumeTimer_.reset();
+  const auto end = Client::Clock::now() + limits_.turn;
+  auto round = std::exchange(waiting_, {});
+  while (!round.empty()) {
+    auto [id, request] = std::move(round.front());
+    round.pop_front();
     const auto found = clients_.find(id);
     if (found == clients_.end()) continue;
-    startJob(*found->second, std::move(request));
-    settle(*found->second);
+    Client& client = *found->second;
+    client.setJob(std::nullopt);
+    if (!proceed(client, request, workers_.count() < limits_.jobs)) {
+      wait(client, std::move(request));
+      continue;
+    }
+    settle(client);
+    if (Client::Clock::now() >= end) break;
   }
+  if (round.empty()) return;
+  std::move(round.begin(), round.end(), std::back_inserter(waiting_));
+  resumeSoon();
 }
 
 /// A client whose next request waits behind a job is not watched.
@@ -168,7 +207,11 @@ void Server::lookAfterJobs() {
     any = true;
     if (!client->hasLeft() && platform::readerIsGone(client->descriptor())) clientLeft(*client);
   }
-  if (any) jobTimer_ = loop_.after(jobPace, [this] { lookAfterJobs(); });
+  if (any) lookAfterJobsSoon();
+}
+
+void Server::lookAfterJobsSoon() {
+  if (!jobTimer_) jobTimer_ = loop_.after(jobPace, [this] { lookAfterJobs(); });
 }
 
 /// What it asked for is carried out, unless it takes long.
@@ -198,6 +241,7 @@ void Server::takeTurn(std::uint64_t id) {
 void Server::drop(std::uint64_t id) {
   const Client& client = *clients_.at(id);
   if (client.job()) workers_.giveUp(*client.job());
+  if (std::erase_if(waiting_, [id](const auto& each) { return each.first == id; }) > 0) resumeSoon();
   loop_.forget(client.descriptor());
   clients_.erase(id);
   subscriptions_.clientLeft(id);
@@ -251,6 +295,7 @@ void Server::dropStalled() {
 
 void Server::closeAfterFlush(std::chrono::milliseconds limit) {
   workers_.endAll();
+  waiting_.clear();
   loop_.forget(listener_);
   subscriptions_.applicationQuits();
   const auto end = EventLoop::Clock::now() + limit;

@@ -29,7 +29,7 @@ struct ServerLimits {
   std::chrono::milliseconds turn = std::chrono::milliseconds(5);
   /// What a client that leaves asked for may still take this long.
   std::chrono::milliseconds grace = std::chrono::milliseconds(50);
-  /// Requests that run beside the loop at a time; others wait.
+  /// Requests that run beside the loop at a time; others wait. One that waits for its outline runs nowhere.
   std::size_t jobs = 16;
 };
 
@@ -62,10 +62,16 @@ class Server : private NotificationSink {
   void takeTurn(std::uint64_t id);
   void serve(Client& client);
   void begin(Client& client);
-  void startJob(Client& client, std::shared_ptr<Incoming> request);
-  void finishJob(std::uint64_t id, std::string answer);
-  void startWaiting();
+  bool proceed(Client& client, const std::shared_ptr<Incoming>& request, bool threadIsFree);
+  void startJob(Client& client, const std::shared_ptr<Incoming>& request);
+  void finishJob(std::uint64_t id, const std::shared_ptr<Incoming>& request,
+                 std::optional<std::string> answer);
+  void wait(Client& client, std::shared_ptr<Incoming> request);
+  void resumeSoon();
+  void resumeWaiting();
+  void answered(Client& client, std::string answer);
   void lookAfterJobs();
+  void lookAfterJobsSoon();
   void clientLeft(Client& client);
   void settle(Client& client);
   void drop(std::uint64_t id);
@@ -78,12 +84,14 @@ class Server : private NotificationSink {
   int listener_;
   ServerLimits limits_;
   EventLoop::Timer stallTimer_;
-  std::optional<EventLoop::Timer> jobTimer_;  ///< while there are jobs
+  std::optional<EventLoop::Timer> jobTimer_;  ///< while there are jobs, or requests that wait
   std::uint64_t nextClient_ = 1;
   std::map<std::uint64_t, std::unique_ptr<Client>> clients_;
   Subscriptions subscriptions_;
   std::set<std::uint64_t> turns_;  // clients with requests left for their next turn
-  std::deque<std::pair<std::uint64_t, std::shared_ptr<Incoming>>> waiting_;  // by client; for a job to end
+  /// Requests, by client, that wait for a thread or for their outline.
+  std::deque<std::pair<std::uint64_t, std::shared_ptr<Incoming>>> waiting_;
+  std::optional<EventLoop::Timer> resumeTimer_;  ///< set once some of them may go on
   Workers workers_;
 };
 

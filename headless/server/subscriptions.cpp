@@ -159,8 +159,7 @@ void Subscriptions::renderFreely(const Subject& subject, Snapshot& snapshot) con
       if (opened.get() == subject.opened) return opened.get();
     return nullptr;
   };
-  const OutlineUse use(find, Use::reading);
-  if (use.found()) render(subject, snapshot);
+  if (const auto use = waitForOutline(find, Use::reading)) render(subject, snapshot);
 }
 
 void Subscriptions::render(const Subject& subject, Snapshot& snapshot) const {
