@@ -2,13 +2,19 @@
 
 #include "outline_path/actions.h"
 #include "outline_path/control.h"
-#include "outline_path/deep_stack.h"
+#include "platform/thread.h"
 #include "text/utf8.h"
 
 namespace vell::outline_path {
 namespace {
 
 namespace pegtl = tao::pegtl;
+
+/// Where every byte opens a level these take 2 MB at most; under the address sanitizer 4 MB.
+constexpr std::size_t kShortText = 400;
+/// A level of nesting takes up to 14 KB, under the address sanitizer 42 KB. What is not touched costs
+/// nothing.
+constexpr std::size_t kStackBytes = 64 << 20;
 
 /// Whether the whole text matches the grammar.
 bool match(ParseState& state, TopLevel& top) {
@@ -73,6 +79,10 @@ std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options
   match(state, top);
   if (state.tooDeepAt || state.expectations.furthest() != text.size()) return {};
   return state.expectations.all().inOrder();
+}
+
+void onStackFor(std::string_view text, const std::function<void()>& work) {
+  text.size() <= kShortText ? work() : platform::onStackOf(kStackBytes, work);
 }
 
 }  // namespace vell::outline_path

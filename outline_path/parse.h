@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -37,5 +38,10 @@ TracedParseResult parseTraced(std::string text, ParseOptions options = {});
 
 /// What could stand behind `text`; empty where `text` goes wrong before its end.
 std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options = {});
+
+/// Runs what recurses over the tree of a path with that text, and returns behind it. A long text may nest too
+/// deep for the stack of this thread: then the work runs on a thread of its own with a large one. What it
+/// throws is passed on; std::system_error where the system has no thread left.
+void onStackFor(std::string_view text, const std::function<void()>& work);
 
 }  // namespace vell::outline_path

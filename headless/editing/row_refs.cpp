@@ -7,7 +7,6 @@
 #include "headless/access.h"
 #include "headless/editing/editor_functions.h"
 #include "headless/editing/problem.h"
-#include "outline_path/deep_stack.h"
 #include "outline_path/parse.h"
 
 namespace vell::headless {

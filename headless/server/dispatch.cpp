@@ -153,9 +153,9 @@ bool Incoming::enter(Application& application, OpenOutline& opened, Use use) {
   return admitted;
 }
 
-std::string Incoming::refusal(const Problem& problem) {
+std::string Incoming::refusal(std::string_view reason) {
   if (!isParsed()) parse();
-  return request_ && request_->wantsAnswer() ? errorLine(request_->id(), RpcCode::application, problem.what())
+  return request_ && request_->wantsAnswer() ? errorLine(request_->id(), RpcCode::application, reason)
                                              : std::string();
 }
 

@@ -30,7 +30,7 @@ class Incoming {
   std::optional<std::string> answer(Application& application, const Subscriber& subscriber);
 
   /// The answer where the request cannot be carried out.
-  std::string refusal(const Problem& problem);
+  std::string refusal(std::string_view reason);
 
  private:
   void parse();

@@ -5,6 +5,7 @@
 
 #include <cerrno>
 #include <iterator>
+#include <system_error>
 
 #include "headless/server/dispatch.h"
 #include "headless/server/request.h"
@@ -143,8 +144,8 @@ void Server::startJob(Client& client, const std::shared_ptr<Incoming>& request) 
           *answer = request->answer(application_, {subscriptions_, id});
         },
         [this, id, request, answer] { finishJob(id, request, std::move(*answer)); }));
-  } catch (const Problem& problem) {
-    return client.send(request->refusal(problem));
+  } catch (const std::system_error&) {
+    return client.send(request->refusal("Cannot start a thread for this; try again"));
   }
   if (client.hasLeft()) clientLeft(client);
   lookAfterJobsSoon();

@@ -9,7 +9,7 @@
 
 #include "headless/access.h"
 #include "headless/server/event_loop.h"
-#include "headless/thread.h"
+#include "platform/thread.h"
 
 namespace vell::headless {
 
@@ -24,8 +24,8 @@ class Workers {
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
 
-  /// `work` may throw Abandoned and nothing else. Behind it `done` runs on the loop. Throws Problem where the
-  /// system has no thread left.
+  /// `work` may throw Abandoned and nothing else. Behind it `done` runs on the loop. Throws std::system_error
+  /// where the system has no thread left.
   Id start(std::function<void()> work, std::function<void()> done);
   /// The job ends at its next look at `throwIfAbandoned`; its `done` still runs.
   void giveUp(Id id);
@@ -43,7 +43,7 @@ class Workers {
     const std::function<void()> work;
     const std::function<void()> done;
     std::atomic<bool> abandoned = false;
-    std::optional<Thread> thread{};
+    std::optional<platform::Thread> thread{};
   };
 
   void run(const Job& job);

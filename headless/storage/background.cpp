@@ -20,7 +20,7 @@ Background::~Background() {
 void Background::run(Task work, Task done) {
   const std::lock_guard lock(mutex_);
   if (queued_.size() + busy_ >= threads_.size() && threads_.size() < mostThreads)
-    threads_.push_back(std::make_unique<Thread>([this] { serve(); }));
+    threads_.push_back(std::make_unique<platform::Thread>([this] { serve(); }));
   queued_.push_back({std::move(work), std::move(done)});
   changed_.notify_all();
 }

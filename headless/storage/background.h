@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "headless/storage/scheduler.h"
-#include "headless/thread.h"
+#include "platform/thread.h"
 
 namespace vell::headless {
 
@@ -24,7 +24,7 @@ class Background {
   Background& operator=(const Background&) = delete;
 
   /// Runs `work`, which must not throw, on another thread, destroys it there, and then calls `done` on the
-  /// application's, if there is one. Throws Problem where the system has no thread left.
+  /// application's, if there is one. Throws std::system_error where the system has no thread left.
   void run(Task work, Task done);
   /// Returns once all is done and every `done` has been called, what they asked for included. The
   /// application's thread must not hold the application.
@@ -49,7 +49,7 @@ class Background {
   std::size_t busy_ = 0;
   bool ending_ = false;
   std::shared_ptr<Background*> self_;  ///< empty once destroyed, for tasks posted before
-  std::vector<std::unique_ptr<Thread>> threads_;
+  std::vector<std::unique_ptr<platform::Thread>> threads_;
 };
 
 }  // namespace vell::headless

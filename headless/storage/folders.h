@@ -12,7 +12,7 @@
 #include "headless/storage/folder_scan.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/scheduler.h"
-#include "headless/thread.h"
+#include "platform/thread.h"
 
 namespace vell::headless {
 
@@ -72,7 +72,7 @@ class Folders {
   bool ending_ = false;
   std::condition_variable ended_;
   std::shared_ptr<Folders*> self_;  // empty once destroyed, for tasks posted before
-  std::optional<Thread> thread_;
+  std::optional<platform::Thread> thread_;
 };
 
 }  // namespace vell::headless

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 
+#include "platform/thread.h"
 #include "tests/formats/changed_file.h"
-#include "tests/support/stack.h"
 
 namespace vell::formats {
 namespace {
@@ -34,7 +34,7 @@ TEST(DeepNesting, CostsNoCallFrames) {
     outline.insert(*row, *parent);
     parent = row;
   }
-  tests::onStackOf(tests::threadStack, [&] {
+  platform::onStackOf(512 << 10, [&] {  // the smallest: that of a thread on macOS
     for (const std::string_view format : formats) {
       Outline again;
       readAs(format, writeAll(format, outline), again);

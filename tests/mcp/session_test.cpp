@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
+#include "platform/thread.h"
 #include "tests/mcp/support.h"
-#include "tests/support/stack.h"
 
 namespace vell::mcp::tests {
 namespace {
@@ -208,7 +208,7 @@ TEST_F(Session, AnswersParamsThatItCannotHoldWithTheirId) {
       {R"({"x":1e308})", pong},    {R"({"x":-1e309})", refused("a number beyond the range of doubles")},
       {R"({"x":"\ud800"})", pong},
   };
-  vell::tests::onStackOf(vell::tests::mainStack, [&] {
+  vell::platform::onStackOf(8 << 20, [&] {  // that of a main thread
     for (const auto& [params, answer] : rows) {
       EXPECT_THAT(ask(ping(params)), ElementsAre(answer)) << params.substr(0, 20);
       EXPECT_THAT(ask("[" + ping(params) + "]"), ElementsAre("[" + answer + "]")) << params.substr(0, 20);

@@ -5,7 +5,7 @@
 
 #include "outline_path/parse.h"
 #include "outline_path/print.h"
-#include "tests/support/stack.h"
+#include "platform/thread.h"
 
 namespace vell::outline_path {
 namespace {
@@ -45,7 +45,7 @@ const Nesting kNestings[] = {
 TEST(Depth, IsLimitedForEveryConstructAndFitsTheStack) {
   for (const Nesting& nesting : kNestings) {
     SCOPED_TRACE(nesting.name);
-    tests::onStackOf(tests::mainStack, [&] {
+    platform::onStackOf(8 << 20, [&] {  // that of a main thread
       const std::string deepest = nesting.text(1000);
       const ParseResult allowed = parse(deepest, {true});
       ASSERT_FALSE(allowed.error) << render(*allowed.error, deepest);
