@@ -1,8 +1,12 @@
 // What the Tab key does in the shells themselves. The staged scripts ask the built executable, which asks an
 // application that has more than one trap open.
 #include <gtest/gtest.h>
+#include <unistd.h>
 
+#include <clocale>
+#include <cstdlib>
 #include <filesystem>
+#include <sstream>
 
 #include "json/escapes.h"
 #include "tests/end_to_end/terminal.h"
@@ -31,12 +35,32 @@ FakeApplication::Reply answer(const std::string& request) {
   return FakeApplication::result(rows + "]");
 }
 
+/// Where a program is that people start by its name: Homebrew's are not beside the system's own.
+std::string programPath(const std::string& name) {
+  std::istringstream folders(std::getenv("PATH"));
+  for (std::string folder; std::getline(folders, folder, ':');)
+    if (access((folder + "/" + name).c_str(), X_OK) == 0) return folder + "/" + name;
+  return name;
+}
+
+/// macOS has the first one from 15 on.
+std::string utf8Locale() {
+  for (const char* name : {"C.UTF-8", "en_US.UTF-8"}) {
+    if (std::setlocale(LC_CTYPE, name) == nullptr) continue;
+    std::setlocale(LC_CTYPE, "C");
+    return name;
+  }
+  return "C";
+}
+
 /// An interactive shell in a home directory of its own. `vell` shows the words that it is called with.
 class Shell {
  public:
   explicit Shell(const std::string& name, const TemporaryHome& home, const std::string& programs = helpers())
-      : terminal_(command(name, home), {"TERM=xterm", "LC_ALL=C.UTF-8", "ZDOTDIR=" + home.path(),
-                                        "HISTFILE=/dev/null", "PATH=" + programs + ":/usr/bin:/bin"}) {}
+      : terminal_(command(name, home),
+                  {"TERM=xterm", "fish_features=no-query-term",  // fish would wait for the terminal's answers
+                   "LC_ALL=" + utf8Locale(), "ZDOTDIR=" + home.path(), "HISTFILE=/dev/null",
+                   "PATH=" + programs + ":/usr/bin:/bin"}) {}
 
   /// The words of a line in which "\t" is the Tab key, each between "<" and ">".
   std::string words(const std::string& line) {
@@ -78,7 +102,7 @@ end
 function vell-headless; vell $argv; end
 set -g lines 0
 )");
-      return {"fish", "-i"};
+      return {programPath("fish"), "-i"};
     }
     const std::string function = R"(
 lines=0
@@ -90,13 +114,13 @@ cd ~
     if (name == "zsh") {
       home.write(".zshrc", "setopt promptsubst\nfpath=(" + script("") +
                                " $fpath)\nautoload -Uz compinit\ncompinit -u -D\n" + function);
-      return {"zsh", "-d", "-i"};
+      return {programPath("zsh"), "-d", "-i"};
     }
     // What bash 3.2, the one that Apple ships, does not know.
     const std::string without = name == "bash" ? "" : "enable -n compopt mapfile readarray\n";
     const std::string rc = home.write("rc", without + "source " + script("vell.bash") + "\nsource " +
                                                 script("vell-headless.bash") + function);
-    return {"bash", "--noprofile", "--rcfile", rc, "-i"};
+    return {programPath("bash"), "--noprofile", "--rcfile", rc, "-i"};
   }
 
   Terminal terminal_;
@@ -105,7 +129,13 @@ cd ~
 
 class CompletionIn : public testing::TestWithParam<const char*> {
  protected:
-  static bool isOldBash() { return GetParam() == std::string("bash-3.2"); }
+  static bool isOldBash() {
+    return GetParam() == std::string("bash-3.2") ||
+           (GetParam() == std::string("bash") && !succeeds("type compopt"));
+  }
+  static bool succeeds(const std::string& command) {
+    return Process({programPath("bash"), "-c", command}).wait().status == 0;
+  }
 
   TemporaryHome home_;
   FakeApplication application_{answer};
