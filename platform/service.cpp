@@ -49,6 +49,7 @@ ServiceSetup systemdSetup(const Service& service) {
                   "\nDocumentation=man:vell-headless(1)\n\n[Service]\nExecStart=" + command +
                   "\nRestart=on-failure\nRestartSec=1\n\n[Install]\nWantedBy=default.target\n",
           .afterWriting = {reload, systemctl("enable")},
+          .endFormer = std::nullopt,
           .start = systemctl("restart"),
           .beforeRemoving = {{"systemctl", "--user", "disable", "--now", unit}},
           .afterRemoving = {reload},
@@ -59,6 +60,7 @@ ServiceSetup launchdSetup(const Service& service) {
   const std::string label = "app.vell.headless";
   const std::string file = homeDirectory() + "/Library/LaunchAgents/" + label + ".plist";
   const std::string domain = "gui/" + std::to_string(getuid());
+  const Command end = {"launchctl", "bootout", domain + "/" + label};
   std::string words;
   for (const std::string& word : service.command)
     words += "\t\t<string>" + escaped(word, {{'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}}) + "</string>\n";
@@ -72,8 +74,9 @@ ServiceSetup launchdSetup(const Service& service) {
               "\t</array>\n\t<key>RunAtLoad</key>\n\t<true/>\n\t<key>KeepAlive</key>\n\t<dict>\n"
               "\t\t<key>SuccessfulExit</key>\n\t\t<false/>\n\t</dict>\n</dict>\n</plist>\n",
           .afterWriting = {},
+          .endFormer = end,
           .start = {"launchctl", "bootstrap", domain, file},
-          .beforeRemoving = {{"launchctl", "bootout", domain + "/" + label}},
+          .beforeRemoving = {end},
           .afterRemoving = {},
           .status = {"launchctl", "print", domain + "/" + label}};
 }

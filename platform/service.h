@@ -20,7 +20,9 @@ struct ServiceSetup {
   std::string file;  ///< where the description belongs
   std::string text;  ///< the description
   std::vector<Command> afterWriting;
-  Command start;  ///< which starts it now, anew if it runs
+  /// What ends a service that runs with an earlier description, where `start` does not do that.
+  std::optional<Command> endFormer;
+  Command start;
   std::vector<Command> beforeRemoving;
   std::vector<Command> afterRemoving;
   Command status;

@@ -52,20 +52,25 @@ platform::ServiceSetup setupFor(const std::vector<std::string>& paths) {
 
 bool isInstalled(const platform::ServiceSetup& setup) { return stampOf(setup.file) != FileStamp(); }
 
+std::string startCommands(const platform::ServiceSetup& setup, bool again) {
+  return (again && setup.endFormer ? shown(*setup.endFormer) + "; " : "") + shown(setup.start);
+}
+
 }  // namespace
 
 int installService(const std::vector<std::string>& paths) {
   const platform::ServiceSetup setup = setupFor(existingPaths(paths));
+  const std::string start = startCommands(setup, isInstalled(setup));
   std::filesystem::create_directories(folderOf(setup.file));
   replaceFile(setup.file, setup.text);
   print("Wrote " + setup.file);
   if (runAll(setup.afterWriting)) {
-    print("It starts with your next login. Start it now: " + shown(setup.start));
+    print("It starts with your next login. Start it now: " + start);
     return 0;
   }
   std::string missing;
   for (const Command& command : setup.afterWriting) missing += shown(command) + " && ";
-  print("Where the service manager runs for you, run: " + missing + shown(setup.start));
+  print("Where the service manager runs for you, run: " + missing + start);
   return 1;
 }
 

@@ -50,9 +50,10 @@ TEST(ServiceSetup, OfLaunchd) {
   ASSERT_TRUE(strings);
   EXPECT_EQ(strings->at("Label"), "app.vell.headless");
   EXPECT_THAT(setup.afterWriting, IsEmpty());  // it is found at the next login
+  const Command end = {"launchctl", "bootout", user + "/app.vell.headless"};
+  EXPECT_EQ(setup.endFormer, end);  // what runs already cannot be started
   EXPECT_THAT(setup.start, ElementsAre("launchctl", "bootstrap", user, setup.file));
-  EXPECT_THAT(setup.beforeRemoving,
-              ElementsAre(Command{"launchctl", "bootout", user + "/app.vell.headless"}));
+  EXPECT_THAT(setup.beforeRemoving, ElementsAre(end));
 }
 
 TEST(RunProgram, TellsHowItEnded) {
