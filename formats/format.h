@@ -20,6 +20,8 @@ class FormatError : public std::runtime_error {
 struct ReadOptions {
   /// The time of everything that the text gives no time for: when the file was last changed, or now.
   Timestamp time = 0;
+  /// Called with every row, if not null; what it throws ends the reading.
+  void (*eachRow)() = nullptr;
 };
 
 /// Fills an empty outline. Throws FormatError; the outline is then of no use.

@@ -85,9 +85,13 @@ Text textOf(const json::Member& member) {
 class JsonReader {
  public:
   /// `text` is what the nodes are of; `skipped` bytes of the source stand before it: a byte order mark.
-  JsonReader(std::string_view text, std::size_t skipped, Timestamp time, Outline& outline)
-      : text_(text), skipped_(skipped), time_(time), outline_(outline), builder_(outline) {
-    outline_.setCreated(time);
+  JsonReader(std::string_view text, std::size_t skipped, const ReadOptions& options, Outline& outline)
+      : text_(text),
+        skipped_(skipped),
+        time_(options.time),
+        outline_(outline),
+        builder_(outline, options.eachRow) {
+    outline_.setCreated(time_);
   }
 
   void read(const json::Node& root) {
@@ -209,7 +213,7 @@ Attributes readAttributes(std::string_view text) {
 
 void readJson(std::string_view text, const ReadOptions& options, Outline& outline) {
   readDocument(text, [&](std::string_view source, const json::Node& root) {
-    JsonReader(source, text.size() - source.size(), options.time, outline).read(root);
+    JsonReader(source, text.size() - source.size(), options, outline).read(root);
   });
 }
 

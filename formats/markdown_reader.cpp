@@ -62,7 +62,7 @@ void readMarkdownAs(MarkdownScope scope, std::string_view text, const ReadOption
   auto notes = std::make_unique<MarkdownNotes>();
   notes->head = readHead(text, scope, outline);
   notes->lineEnd = lineEndOf(text);
-  TreeBuilder builder(outline);
+  TreeBuilder builder(outline, options.eachRow);
   const MarkdownBlockReader blocks(text, notes->head.bodyBegin, notes->head.indentation);
   forEachMarkdownRow(text, blocks, scope, options.time, {}, [&](MarkdownRow&& row) {
     notes->add(text, row);

@@ -19,7 +19,7 @@ class OpmlReader {
         skipped_(text.size() - text_.size()),
         created_(options.time),
         outline_(outline),
-        builder_(outline) {}
+        builder_(outline, options.eachRow) {}
 
   void read();
 

@@ -5,6 +5,7 @@
 namespace vell::formats {
 
 Row& TreeBuilder::add(std::size_t depth, RowContent content, SourceSpan span) {
+  if (eachRow_ != nullptr) eachRow_();
   path_.resize(depth + 1);
   Row* row = outline_.create(content.type, std::move(content.text), content.created);
   outline_.setTimes(*row, content.created, content.modified);

@@ -26,7 +26,10 @@ enum class Times { kept, dropped };
 /// Adds rows in document order by their depth.
 class TreeBuilder {
  public:
-  explicit TreeBuilder(Outline& outline) : outline_(outline) { path_.push_back(&outline.root()); }
+  /// `eachRow`, if not null, is called with every row.
+  TreeBuilder(Outline& outline, void (*eachRow)()) : outline_(outline), eachRow_(eachRow) {
+    path_.push_back(&outline.root());
+  }
 
   /// The depth that the next row can have at most; top level is 0.
   std::size_t maxDepth() const { return path_.size() - 1; }
@@ -38,6 +41,7 @@ class TreeBuilder {
 
  private:
   Outline& outline_;
+  void (*const eachRow_)();
   std::vector<Row*> path_;  ///< the root, then the last row of each depth
 };
 

@@ -24,7 +24,7 @@ std::string_view lineEndOf(std::string_view text) {
 
 void readTxt(std::string_view text, const ReadOptions& options, Outline& outline) {
   outline.setCreated(options.time);
-  TreeBuilder builder(outline);
+  TreeBuilder builder(outline, options.eachRow);
   const std::string_view checked = checkedSource(text);
   for (std::size_t at = text.size() - checked.size(); at < text.size();) {
     const std::size_t end = std::min(text.find_first_of("\r\n", at), text.size());

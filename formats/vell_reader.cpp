@@ -74,7 +74,11 @@ Timestamp timeOr(Timestamp otherwise, const std::string& text, const text::Lines
 class VellReader {
  public:
   VellReader(std::string_view text, std::size_t skipped, const ReadOptions& options, Outline& outline)
-      : lines_(text), skipped_(skipped), time_(options.time), outline_(outline), builder_(outline) {}
+      : lines_(text),
+        skipped_(skipped),
+        time_(options.time),
+        outline_(outline),
+        builder_(outline, options.eachRow) {}
 
   void read() {
     outline_.setCreated(time_);

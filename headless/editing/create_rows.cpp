@@ -28,7 +28,7 @@ void refuseIds(const Outline& outline) {
 
 std::vector<const Row*> createRows(Edit& edit, std::string_view markdown, const Destination& destination) {
   Outline read;
-  formats::readMarkdownRows(markdown, {edit.now()}, read);
+  formats::readMarkdownRows(markdown, {edit.now(), throwIfAbandoned}, read);
   refuseIds(read);
   std::vector<const Row*> created;
   created.reserve(read.rowCount());

@@ -102,8 +102,14 @@ int serveAt(ApplicationSocket socket, const ServeOptions& options, const std::ve
   Application application(loop, {platform::containerDirectory(), report, options.version,
                                  platform::executablePath().value_or(""), log});
   Session session(loop, application);
-  for (const std::string& path : paths) openGiven(application, path);
-  if (!options.fresh) session.reopen();
+  try {
+    const ApplicationHold hold(loop.access(), signals.caught());
+    for (const std::string& path : paths) openGiven(application, path);
+    if (!options.fresh) session.reopen();
+  } catch (const Abandoned&) {
+    socket.remove();
+    return 0;
+  }
   session.keep();
   Server server(loop, application, socket.descriptor());
   loop.watch(signals.descriptor(), POLLIN, [&](short) { loop.stop(); });

@@ -39,8 +39,10 @@ void* QuitSignals::wait(void* self) {
   const sigset_t set = quitSignals();
   int caught = 0;
   sigwait(&set, &caught);
+  auto& signals = *static_cast<QuitSignals*>(self);
+  signals.caught_ = true;
   const char byte = 0;
-  const ssize_t written = write(static_cast<QuitSignals*>(self)->writeEnd_.get(), &byte, 1);
+  const ssize_t written = write(signals.writeEnd_.get(), &byte, 1);
   return written == 1 ? self : nullptr;
 }
 

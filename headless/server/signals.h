@@ -2,6 +2,8 @@
 
 #include <pthread.h>
 
+#include <atomic>
+
 #include "platform/descriptor.h"
 
 namespace vell::headless {
@@ -17,12 +19,15 @@ class QuitSignals {
 
   /// Readable once one of the signals came.
   int descriptor() const { return readEnd_.get(); }
+  /// Whether one of them did.
+  const std::atomic<bool>& caught() const { return caught_; }
 
  private:
   static void* wait(void* self);
 
   platform::Descriptor readEnd_;
   platform::Descriptor writeEnd_;
+  std::atomic<bool> caught_ = false;
   pthread_t thread_{};
 };
 

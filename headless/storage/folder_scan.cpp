@@ -5,6 +5,7 @@
 
 #include "document/timestamp.h"
 #include "formats/format.h"
+#include "headless/access.h"
 
 namespace vell::headless {
 namespace {
@@ -32,6 +33,7 @@ bool FolderScan::look() {
   std::size_t files = 0;
   bool changed = false;
   for (std::vector<std::string> waiting{folder_}; !waiting.empty();) {
+    throwIfAbandoned();
     const std::string folder = std::move(waiting.back());
     waiting.pop_back();
     const FileStamp stamp = stampOf(folder);

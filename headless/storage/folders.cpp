@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "headless/access.h"
+
 namespace vell::headless {
 namespace {
 
@@ -62,8 +64,26 @@ std::vector<FoundFile> Folders::add(const std::string& folder) {
   }
   std::vector<FoundFile> files;
   files.reserve(paths.size());
-  for (const std::string& path : paths) files.push_back(readFound(path));
+  try {
+    for (const std::string& path : paths) {
+      throwIfAbandoned();
+      files.push_back(readFound(path));
+    }
+  } catch (const Abandoned&) {
+    remove(folder);
+    throw;
+  }
   return files;
+}
+
+void Folders::remove(const std::string& folder) {
+  const std::lock_guard scanning(scanning_);
+  std::erase_if(scans_, [&](const FolderScan& each) { return each.folder() == folder; });
+  {
+    const std::lock_guard lock(mutex_);
+    std::erase(paths_, folder);
+  }
+  newFiles();  // are those of the other folders
 }
 
 /// To be called with `scanning_` held.

@@ -40,7 +40,8 @@ class Folders {
   Folders& operator=(const Folders&) = delete;
 
   /// Returns the files that are there now and not known from another folder; later ones come as events.
-  /// Throws Problem where there is no such folder, or it holds too much.
+  /// Throws Problem where there is no such folder, or it holds too much, and Abandoned; the folder is not
+  /// served then.
   std::vector<FoundFile> add(const std::string& folder);
 
   std::vector<std::string> paths() const;
@@ -52,6 +53,7 @@ class Folders {
   void forget(const std::string& path);
 
  private:
+  void remove(const std::string& folder);
   void work();
   bool takeForgotten();
   bool lookAt(FolderScan& scan);

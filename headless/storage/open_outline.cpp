@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "headless/access.h"
 #include "headless/editing/problem.h"
 #include "headless/storage/paths.h"
 #include "text/utf8.h"
@@ -41,7 +42,8 @@ FileRows decode(const formats::Format& format, FileContent content, const std::s
   constexpr std::int64_t second = 1'000'000'000;
   FileRows rows{std::make_unique<Outline>(firstId), &format, content.stamp, hashOf(content.bytes), {}};
   try {
-    formats::readFile(format, std::move(content.bytes), {rows.stamp.modified / second * 1000}, *rows.outline);
+    const formats::ReadOptions options{rows.stamp.modified / second * 1000, throwIfAbandoned};
+    formats::readFile(format, std::move(content.bytes), options, *rows.outline);
   } catch (const formats::FormatError& error) {
     throw UnreadableFile(path, error.what());
   }

@@ -54,7 +54,7 @@ class Users {
 class OpenOutline {
  public:
   /// Reads the file at that standardised path; the content tells its format where the name does not. Throws
-  /// UnreadableFile.
+  /// UnreadableFile and Abandoned.
   static std::unique_ptr<OpenOutline> read(const std::string& path);
   /// A new outline without rows that will be kept at `path`; nothing is written yet.
   static std::unique_ptr<OpenOutline> create(const std::string& path, const formats::Format& format);

@@ -1,5 +1,6 @@
 #include "headless/storage/session.h"
 
+#include "headless/access.h"
 #include "headless/storage/files.h"
 #include "json/document.h"
 #include "json/error.h"
@@ -71,6 +72,8 @@ void Session::open(const std::vector<std::string>& paths, bool folders) {
   for (const std::string& path : paths) {
     try {
       folders ? void(application_.serveFolder(path)) : void(application_.openBehind(path));
+    } catch (const Abandoned&) {
+      throw;
     } catch (const std::exception& failure) {
       application_.log(std::string("Not open any more: ") + failure.what());
     }

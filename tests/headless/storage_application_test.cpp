@@ -4,6 +4,7 @@
 
 #include <filesystem>
 
+#include "headless/access.h"
 #include "tests/headless/manual_scheduler.h"
 #include "tests/support/temporary_directory.h"
 
@@ -40,6 +41,26 @@ TEST_F(ApplicationTest, ReportsPersistentIdsThatCannotNameTheirRows) {
   lookAtFiles();
   EXPECT_EQ(reports.back(), (directory / "good.md") +
                                 (": the persistent id \"@a\" would be taken for @selection or @focused"));
+}
+
+/// Whoever asked for a file is gone: it is not read to its end, whatever its format, and nothing is open
+/// then.
+TEST_F(ApplicationTest, AFileThatNobodyWaitsForIsNotOpened) {
+  const tests::TemporaryDirectory folder;
+  for (const auto& [name, content] : {std::pair("a.md", "one\n"),
+                                      {"a.vell", "vell 1\n\none\n"},
+                                      {"a.opml", R"(<opml><body><outline text="one"/></body></opml>)"},
+                                      {"a.txt", "one\n"},
+                                      {"a.json", R"([{"text":"one"}])"}}) {
+    const std::string path = folder.write(name, content);
+    const std::atomic<bool> abandoned = true;
+    ApplicationAccess access;
+    const ApplicationHold hold(access, abandoned);
+    EXPECT_THROW(application.open(path), Abandoned) << name;
+    EXPECT_THROW(application.serveFolder(folder.path()), Abandoned) << name;
+  }
+  EXPECT_TRUE(application.outlines().empty());
+  EXPECT_EQ(application.serveFolder(folder.path()), 4U);
 }
 
 TEST_F(ApplicationTest, AFileReadAnewHasNoCaret) {
