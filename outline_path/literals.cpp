@@ -38,7 +38,8 @@ double longNumberOf(std::string_view digits) {
   in.imbue(std::locale::classic());
   double number = 0;
   in >> number;
-  return in.fail() ? std::numeric_limits<double>::infinity() : number;
+  // Some libraries fail for what is too small, too; it is 0 or nearly so.
+  return in.fail() && number > 1 ? std::numeric_limits<double>::infinity() : number;
 }
 
 struct Decimal {

@@ -1,6 +1,8 @@
 // What parses, as which tree, and how it prints.
 #include <gtest/gtest.h>
 
+#include <string>
+
 #include "outline_path/parse.h"
 #include "outline_path/print.h"
 #include "traced.h"
@@ -13,6 +15,8 @@ struct Accepted {
   /// The canonical text; the same as the text where null.
   const char* canonical = nullptr;
 };
+
+const std::string kTooSmall = "//* @a = 0." + std::string(330, '0') + "1";
 
 const Accepted kAccepted[] = {
     // Steps and what they imply
@@ -63,6 +67,7 @@ const Accepted kAccepted[] = {
     {"//* @a = 1.5"},
     {"//* @a = 007.50", "//* @a = 7.5"},
     {"//* @a = 123456789012345678901234567890", "//* @a = 123456789012345680000000000000"},
+    {kTooSmall.c_str(), "//* @a = 0"},
     {"//* @a = 2024-01-02"},
     {"//* @a = 20abc"},
     {"//* @a = 1e5"},
