@@ -55,10 +55,13 @@ class SourceNotes {
 class Source {
  public:
   /// `format` names the format of the text and must outlive the source.
-  Source(std::string_view format, std::string text) : format_(format), text_(std::move(text)) {}
+  Source(std::string_view format, std::string text)
+      : format_(format), text_(std::make_shared<const std::string>(std::move(text))) {}
 
   std::string_view format() const { return format_; }
-  const std::string& text() const { return text_; }
+  const std::string& text() const { return *text_; }
+  /// For those who may need it longer than the source lives.
+  const std::shared_ptr<const std::string>& sharedText() const { return text_; }
   const DocumentContent& document() const { return document_; }
   void setDocument(DocumentContent document) { document_ = std::move(document); }
 
@@ -82,7 +85,7 @@ class Source {
 
  private:
   std::string_view format_;
-  std::string text_;
+  std::shared_ptr<const std::string> text_;
   DocumentContent document_;
   std::unique_ptr<const SourceNotes> notes_;
   SessionId first_ = 0;

@@ -18,6 +18,12 @@ std::string lower(std::string_view text) {
   return result;
 }
 
+FileText written(const Format& format, const Outline& outline) {
+  std::string text;
+  format.write(outline, placeAll(outline), false, text);
+  return FileText(std::move(text));
+}
+
 }  // namespace
 
 FormatError::FormatError(const std::string& fault, std::size_t line, std::size_t offset)
@@ -71,19 +77,14 @@ void readFile(const Format& format, std::string text, const ReadOptions& options
   source.setDocument({outline.persistentId(), outline.frontMatter(), outline.created()});
 }
 
-std::string fileText(const Format& format, const Outline& outline) {
+FileText fileText(const Format& format, const Outline& outline) {
   const document::Source* source = outline.source();
   const bool updates = format.update && source && source->format() == format.name;
-  std::string text;
-  if (updates) {
-    text = format.update(outline);
-  } else {
-    format.write(outline, placeAll(outline), false, text);
-  }
+  FileText text = updates ? format.update(outline) : written(format, outline);
   // A text that begins with the character of the byte order mark would lose it without a mark before it.
   const bool isMarked = updates && source->text().starts_with(text::byteOrderMark);
-  if (!isMarked && text.starts_with(text::byteOrderMark)) text.insert(0, text::byteOrderMark);
-  return text;
+  if (isMarked || !text.startsWith(text::byteOrderMark)) return text;
+  return FileText(std::string(text::byteOrderMark) + text.string());
 }
 
 }  // namespace vell::formats

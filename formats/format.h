@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/file_text.h"
 #include "formats/rows.h"
 
 namespace vell::formats {
@@ -31,7 +32,7 @@ using Writer = void(const Outline& outline, std::span<const PlacedRow> rows, boo
 
 /// The text of a file that was read with `readFile` into this outline, as it is to be now: what did not
 /// change is copied from the outline's source.
-using Updater = std::string(const Outline& outline);
+using Updater = FileText(const Outline& outline);
 
 struct Format {
   std::string_view name;
@@ -57,7 +58,7 @@ const Format* formatForFile(std::string_view path);
 void readFile(const Format& format, std::string text, const ReadOptions& options, Outline& outline);
 /// The text of a file that holds the outline. Rows that are as they were read from a file of this format are
 /// copied from there with what stands between them.
-std::string fileText(const Format& format, const Outline& outline);
+FileText fileText(const Format& format, const Outline& outline);
 
 /// Like readMarkdown for text that is to become part of an outline: no front matter, and the number of "#" of
 /// a heading says how headings nest but is not kept.

@@ -139,14 +139,16 @@ std::string JsonUpdate::ownText(const SourceSpan& span) const {
   return std::string(slice(span.begin, span.end)).append(slice(span.closeBegin, span.closeEnd));
 }
 
-/// As the first row is laid out, or where there is none, the document.
+/// As the first row is laid out, or where there is none, the document. Where the beginning of a text has no
+/// line breaks, the rest is not searched for them.
 JsonStyle JsonUpdate::fileStyle() const {
   JsonStyle style{.hasPlainTexts = !tellsTimes_};
-  const std::string_view all = slice(root_.begin, root_.closeEnd);
-  const std::size_t line = all.find('\n');
-  if (line != all.npos) style.lineBreak = line > 0 && all[line - 1] == '\r' ? "\r\n" : "\n";
-  for (std::size_t at = line; at != all.npos && style.unit.empty(); at = all.find('\n', at + 1)) {
-    style.unit = all.substr(at + 1, all.find_first_not_of(" \t", at + 1) - at - 1);
+  constexpr std::size_t enough = 1 << 16;
+  const std::string_view text = slice(root_.begin, std::min(root_.closeEnd, root_.begin + enough));
+  const std::size_t line = text.find('\n');
+  if (line != text.npos) style.lineBreak = line > 0 && text[line - 1] == '\r' ? "\r\n" : "\n";
+  for (std::size_t at = line; at != text.npos && style.unit.empty(); at = text.find('\n', at + 1)) {
+    style.unit = text.substr(at + 1, text.find_first_not_of(" \t", at + 1) - at - 1);
   }
   const SourceSpan* first = source_.find(outline_.root().id() + 1);
   return styleLike(first ? *first : root_, std::move(style));
@@ -242,6 +244,6 @@ std::string JsonUpdate::deeper(const Row& row, std::string_view indent, std::siz
 
 }  // namespace
 
-std::string updateJson(const Outline& outline) { return JsonUpdate(outline).write(); }
+FileText updateJson(const Outline& outline) { return JsonUpdate(outline).write(); }
 
 }  // namespace vell::formats

@@ -80,7 +80,7 @@ void forEachMarkdownRow(std::string_view text, MarkdownBlockReader blocks, Markd
                         const std::function<void(MarkdownRow&&)>& take);
 
 /// Like updateMarkdown, checking what was written in parts of about so many rows.
-std::string updateMarkdown(const Outline& outline, std::size_t partRows);
+FileText updateMarkdown(const Outline& outline, std::size_t partRows);
 
 /// Stands for a body row without text.
 inline constexpr std::string_view emptyMarkdownRow = "<br>";

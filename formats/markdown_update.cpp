@@ -303,12 +303,12 @@ void writeMarkdown(const Outline& outline, std::span<const PlacedRow> rows, bool
   out += text;
 }
 
-std::string updateMarkdown(const Outline& outline) { return updateMarkdown(outline, usualPartRows); }
+FileText updateMarkdown(const Outline& outline) { return updateMarkdown(outline, usualPartRows); }
 
-std::string updateMarkdown(const Outline& outline, std::size_t partRows) {
+FileText updateMarkdown(const Outline& outline, std::size_t partRows) {
   MarkdownUpdate update(outline, partRows);
   std::string text = update.write();
-  return update.isMisread() ? MarkdownUpdate(outline, wholeFile).write() : text;
+  return FileText(update.isMisread() ? MarkdownUpdate(outline, wholeFile).write() : std::move(text));
 }
 
 }  // namespace vell::formats

@@ -207,6 +207,6 @@ std::size_t OpmlUpdate::trailEnd(std::size_t rowEnd) const {
 
 }  // namespace
 
-std::string updateOpml(const Outline& outline) { return OpmlUpdate(outline).write(); }
+FileText updateOpml(const Outline& outline) { return OpmlUpdate(outline).write(); }
 
 }  // namespace vell::formats

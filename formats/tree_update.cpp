@@ -13,7 +13,10 @@ bool beginsLine(std::string_view indent) { return indent.find('\n') != std::stri
 }  // namespace
 
 TreeUpdate::TreeUpdate(const Outline& outline, bool rowsSpanLines)
-    : outline_(outline), source_(*outline.source()), rowsSpanLines_(rowsSpanLines) {
+    : outline_(outline),
+      source_(*outline.source()),
+      rowsSpanLines_(rowsSpanLines),
+      out_(source_.sharedText()) {
   findPlaces();
 }
 
@@ -38,23 +41,18 @@ void TreeUpdate::findPlaces() {
   while (!path.empty()) close();
 }
 
-std::string TreeUpdate::write() {
-  const Row& root = outline_.root();
-  out_.reserve(source_.text().size() + source_.text().size() / 16);
-  enter(root);
-  for (const Row* row = root.firstChild(); row;) {
-    enter(*row);
-    if (row->firstChild()) {
-      row = row->firstChild();
-      continue;
-    }
-    leave();
-    for (; !row->next() && row->parent() != &root; row = row->parent()) leave();
-    row = row->next();
+FileText TreeUpdate::write() {
+  // Rows lie far apart in memory. To ask for them ahead makes this a third faster with a million of them.
+  constexpr std::size_t ahead = 8;
+  outline_.number();
+  const std::vector<const Row*>& rows = outline_.rowsInOrder();
+  for (std::size_t index = 0; index < rows.size(); ++index) {
+    if (index + ahead < rows.size()) __builtin_prefetch(rows[index + ahead]);
+    while (open_.size() > rows[index]->level()) leave();
+    enter(*rows[index]);
   }
-  leave();
-  copy(lastEnd_, source_.text().size());
-  append({});
+  while (!open_.empty()) leave();
+  out_.copy(lastEnd_, source_.text().size());
   return std::move(out_);
 }
 
@@ -63,9 +61,9 @@ void TreeUpdate::enter(const Row& row) {
   if (open_.empty()) {
     const std::string head = changedHead();
     if (head.empty()) {
-      copy(0, next.span->begin);
+      out_.copy(0, next.span->begin);
     } else {
-      append(head);
+      out_.append(head);
     }
   } else if (stays(row)) {
     separateKept(next);
@@ -87,13 +85,13 @@ void TreeUpdate::separateKept(Open& row) {
   const Place& place = placeOf(row.row->id());
   const bool follows = place.before == lastEnd_;
   const std::size_t begin = follows ? lastEnd_ : trailEnd(place.before);
-  if (follows && !parent.isShifted) return copy(begin, row.span->begin);
+  if (follows && !parent.isShifted) return out_.copy(begin, row.span->begin);
   if (!follows) {
     writeTrail();
     keepRemains(place.previous);
   }
   const std::string lead = shifted(slice(begin, row.span->begin), parent);
-  append(follows ? lead : separator(lead, !row.row->previous()));
+  out_.append(follows ? lead : separator(lead, !row.row->previous()));
   if (!parent.isShifted) return;
   row.isShifted = true;
   row.from = indentAt(row.span->begin);
@@ -110,7 +108,7 @@ void TreeUpdate::separateNew(Open& row) {
     row.from = indentAt(row.span->begin);
     lead.insert(0, contentOf(slice(trailEnd(placeOf(row.row->id()).before), row.span->begin)));
   }
-  append(separator(lead, !row.row->previous()));
+  out_.append(separator(lead, !row.row->previous()));
 }
 
 void TreeUpdate::writeOpen(Open& row) {
@@ -121,13 +119,13 @@ void TreeUpdate::writeOpen(Open& row) {
   if (isKept && canHold) {
     row.copiesClose = row.span->closeEnd != 0;
     if (shifts) {
-      append(shifted(slice(row.span->begin, row.span->end), row));
+      out_.append(shifted(slice(row.span->begin, row.span->end), row));
     } else {
-      copy(row.span->begin, row.span->end);
+      out_.copy(row.span->begin, row.span->end);
     }
   } else {
     OwnText own = render(*row.row, row.span, row.span ? indentAt(row.span->begin) : row.indent);
-    append(shifts ? shifted(own.open, row) : own.open);
+    out_.append(shifts ? shifted(own.open, row) : own.open);
     row.close = shifts ? shifted(own.close, row) : std::move(own.close);
   }
   // What stands behind a row that had no close of its own goes behind the close that it has now.
@@ -140,11 +138,11 @@ void TreeUpdate::leave() {
   if (row.copiesClose || !row.close.empty()) {
     separateClose(row);
     if (!row.copiesClose) {
-      append(row.close);
+      out_.append(row.close);
     } else if (row.isShifted && rowsSpanLines_) {
-      append(shifted(slice(row.span->closeBegin, row.span->closeEnd), row));
+      out_.append(shifted(slice(row.span->closeBegin, row.span->closeEnd), row));
     } else {
-      copy(row.span->closeBegin, row.span->closeEnd);
+      out_.copy(row.span->closeBegin, row.span->closeEnd);
     }
     lastEnd_ = row.span ? std::max(row.span->end, row.span->closeEnd) : nowhere;
   }
@@ -155,20 +153,20 @@ void TreeUpdate::separateClose(const Open& row) {
   const bool hadClose = row.span && row.span->closeEnd != 0;
   if (!hadClose) {
     writeTrail();
-    return append(row.row->firstChild() ? closeIndent(*row.row, row.span, indentOf(row)) : "");
+    return out_.append(row.row->firstChild() ? closeIndent(*row.row, row.span, indentOf(row)) : "");
   }
   const Place& place = placeOf(row.row->id());
   const bool follows = place.beforeClose == lastEnd_;
   const std::size_t begin = follows ? lastEnd_ : trailEnd(place.beforeClose);
-  if (follows && !row.isShifted) return copy(begin, row.span->closeBegin);
+  if (follows && !row.isShifted) return out_.copy(begin, row.span->closeBegin);
   if (!follows) {
     writeTrail();
     keepRemains(place.lastChild);
   }
   const std::string_view lead = slice(begin, row.span->closeBegin);
-  if (follows || place.lastChild != 0) return append(shifted(lead, row));
-  append(contentOf(lead));
-  append(closeIndent(*row.row, row.span, indentOf(row)));
+  if (follows || place.lastChild != 0) return out_.append(shifted(lead, row));
+  out_.append(contentOf(lead));
+  out_.append(closeIndent(*row.row, row.span, indentOf(row)));
 }
 
 /// Comments before siblings that are gone, back to the last one that is not.
@@ -179,11 +177,11 @@ void TreeUpdate::keepRemains(SessionId lastSibling) {
     if (row && stays(*row)) break;
     if (!row) remains.push_back(contentOf(slice(trailEnd(placeOf(id).before), source_.find(id)->begin)));
   }
-  for (auto each = remains.rbegin(); each != remains.rend(); ++each) append(*each);
+  for (auto each = remains.rbegin(); each != remains.rend(); ++each) out_.append(*each);
 }
 
 void TreeUpdate::writeTrail() {
-  if (lastEnd_ != nowhere) copy(lastEnd_, trailEnd(lastEnd_));
+  if (lastEnd_ != nowhere) out_.copy(lastEnd_, trailEnd(lastEnd_));
 }
 
 std::string TreeUpdate::newIndent(const Open& parent, const Row& row) const {
@@ -221,19 +219,6 @@ std::string_view TreeUpdate::indentAt(std::size_t offset) const {
   if (line == run.npos) return run;
   if (line > 0 && run[line - 1] == '\r') --line;
   return run.substr(line);
-}
-
-void TreeUpdate::copy(std::size_t begin, std::size_t end) {
-  if (begin == copyEnd_) return void(copyEnd_ = end);
-  append({});
-  copyBegin_ = begin;
-  copyEnd_ = end;
-}
-
-void TreeUpdate::append(std::string_view text) {
-  out_.append(slice(copyBegin_, copyEnd_));
-  copyBegin_ = copyEnd_ = 0;
-  out_ += text;
 }
 
 }  // namespace vell::formats

@@ -4,6 +4,7 @@
 #include <string_view>
 #include <vector>
 
+#include "formats/file_text.h"
 #include "formats/rows.h"
 
 namespace vell::formats {
@@ -23,7 +24,7 @@ class TreeUpdate {
   TreeUpdate(const Outline& outline, bool rowsSpanLines);
   virtual ~TreeUpdate() = default;
 
-  std::string write();
+  FileText write();
 
  protected:
   /// A row's own text. `close` is empty where the row cannot hold children as it is written.
@@ -98,17 +99,11 @@ class TreeUpdate {
   std::string indentOf(const Open& row) const;
   std::string shifted(std::string_view text, const Open& row) const;
 
-  void copy(std::size_t begin, std::size_t end);
-  void append(std::string_view text);
-
   bool rowsSpanLines_;
   std::vector<Place> places_;
   std::vector<Open> open_;
   std::size_t lastEnd_ = nowhere;  ///< where in the source that ends which was written last
-  // Not yet copied.
-  std::size_t copyBegin_ = 0;
-  std::size_t copyEnd_ = 0;
-  std::string out_;
+  FileText out_;
 };
 
 }  // namespace vell::formats

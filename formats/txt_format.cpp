@@ -45,11 +45,11 @@ void writeTxt(const Outline&, std::span<const PlacedRow> rows, bool, std::string
   }
 }
 
-std::string updateTxt(const Outline& outline) {
+FileText updateTxt(const Outline& outline) {
   const document::Source& source = *outline.source();
   const auto render = [](const ChangedLine& line, std::string& out) { appendLine(out, line.row); };
   const std::string head(LineSource(source).head());
-  return updateLines(outline, head, lineEndOf(source.text()), Times::dropped, render);
+  return FileText(updateLines(outline, head, lineEndOf(source.text()), Times::dropped, render));
 }
 
 }  // namespace vell::formats

@@ -169,7 +169,7 @@ std::string headNow(const Head& head, const Outline& outline, std::string_view l
 
 }  // namespace
 
-std::string updateVell(const Outline& outline) {
+FileText updateVell(const Outline& outline) {
   const Head head = takeApartHead(LineSource(*outline.source()).head());
   const bool keepsTimes = DocumentHeader(HeaderKind::vell).tells(head.lines, "created");
   const auto render = [&](const ChangedLine& line, std::string& out) {
@@ -178,11 +178,11 @@ std::string updateVell(const Outline& outline) {
   const std::string_view lineEnd = text::lineEndOf(outline.source()->text());
   const std::string before = headNow(head, outline, lineEnd);
   std::string text = updateLines(outline, std::string(head.mark) + before, lineEnd, Times::kept, render);
-  if (!before.empty()) return text;
+  if (!before.empty()) return FileText(std::move(text));
   // A first row that reads like the first line of a header is none behind an empty line.
   text::Lines lines(std::string_view(text).substr(head.mark.size()));
   if (lines.next() && isVellHeader(trimEnd(lines.line()))) text.insert(head.mark.size(), lineEnd);
-  return text;
+  return FileText(std::move(text));
 }
 
 }  // namespace vell::formats

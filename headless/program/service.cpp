@@ -62,7 +62,7 @@ int installService(const std::vector<std::string>& paths) {
   const platform::ServiceSetup setup = setupFor(existingPaths(paths));
   const std::string start = startCommands(setup, isInstalled(setup));
   std::filesystem::create_directories(folderOf(setup.file));
-  replaceFile(setup.file, setup.text);
+  replaceFile(setup.file, {setup.text});
   print("Wrote " + setup.file);
   if (runAll(setup.afterWriting)) {
     print("It starts with your next login. Start it now: " + start);

@@ -44,7 +44,32 @@ void makeDirectories(const std::string& path) {
 
 }  // namespace
 
-std::size_t hashOf(std::string_view bytes) { return std::hash<std::string_view>()(bytes); }
+void forEachBlock(const Pieces& content, const std::function<void(std::string_view block)>& use) {
+  constexpr std::size_t size = 1 << 18;
+  std::string block;  // of several pieces; a block within one piece is not copied
+  for (std::string_view piece : content) {
+    while (!piece.empty()) {
+      const std::string_view next = piece.substr(0, size - block.size());
+      piece.remove_prefix(next.size());
+      if (next.size() == size) {
+        use(next);
+        continue;
+      }
+      block += next;
+      if (block.size() < size) continue;
+      use(block);
+      block.clear();
+    }
+  }
+  if (!block.empty()) use(block);
+}
+
+std::size_t hashOf(const Pieces& content) {
+  std::size_t hash = 0;
+  forEachBlock(content,
+               [&](std::string_view block) { hash = hash * 31 + std::hash<std::string_view>()(block); });
+  return hash;
+}
 
 FileStamp stampOf(const std::string& path) { return stampFrom(platform::factsOf(path)); }
 

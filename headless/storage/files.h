@@ -3,9 +3,11 @@
 #include <sys/types.h>
 
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "headless/editing/problem.h"
 #include "platform/files.h"
@@ -43,8 +45,14 @@ class UnreadableFile : public Problem {
   std::string reason_;
 };
 
+/// What a file holds or is to hold, in pieces that need not stand together in memory.
+using Pieces = std::vector<std::string_view>;
+
+/// The content in blocks, which begin at the same bytes whatever the pieces are.
+void forEachBlock(const Pieces& content, const std::function<void(std::string_view block)>& use);
+
 /// Tells contents apart, within one run.
-std::size_t hashOf(std::string_view bytes);
+std::size_t hashOf(const Pieces& content);
 
 /// The stamp of the file at `path`, links followed; the default one where there is none.
 FileStamp stampOf(const std::string& path);
@@ -63,7 +71,7 @@ inline constexpr mode_t usualMode = 0666;
 /// Replaces the file's content in one step: a reader finds the old content or the new, even if the machine
 /// stops meanwhile. The content is on disk when this returns. The links that lead to the file stay; a new
 /// file gets `newMode` less the umask. Throws Problem, also where the file is write-protected.
-FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode = usualMode);
+FileStamp replaceFile(const std::string& path, const Pieces& content, mode_t newMode = usualMode);
 
 struct Replaced {
   FileStamp stamp;
@@ -73,16 +81,16 @@ struct Replaced {
 /// The same if the file looks as expected, or is gone, at the moment of replacing it. Else the file is left
 /// alone and nothing is returned. The file's owner, mode, access lists and extended attributes stay. Where
 /// that is not possible for a new file in its place, or the file has several names, or nothing may be added
-/// to its folder, the file is overwritten as it stands; a copy of the bytes is at `spare` meanwhile.
-std::optional<Replaced> replaceExpected(const std::string& path, std::string_view bytes,
+/// to its folder, the file is overwritten as it stands; a copy of the content is at `spare` meanwhile.
+std::optional<Replaced> replaceExpected(const std::string& path, const Pieces& content,
                                         const FileStamp& expected, const std::string& spare);
 
 /// Removes the temporary files that interrupted replacements left in the folder.
 void removeAbandoned(const std::string& folder);
 
-/// A new file with these bytes, which is on disk when it returns. Throws Problem, also where there is a file
+/// A new file with this content, which is on disk when it returns. Throws Problem, also where there is a file
 /// at `path`.
-FileStamp createFile(const std::string& path, std::string_view bytes);
+FileStamp createFile(const std::string& path, const Pieces& content);
 
 /// Removes the file; a missing one is fine. Throws Problem.
 void removeFile(const std::string& path);

@@ -40,7 +40,7 @@ std::string idFaultIn(const Outline& outline) {
 FileRows decode(const formats::Format& format, FileContent content, const std::string& path,
                 SessionId firstId) {
   constexpr std::int64_t second = 1'000'000'000;
-  FileRows rows{std::make_unique<Outline>(firstId), &format, content.stamp, hashOf(content.bytes), {}};
+  FileRows rows{std::make_unique<Outline>(firstId), &format, content.stamp, hashOf({content.bytes}), {}};
   try {
     const formats::ReadOptions options{rows.stamp.modified / second * 1000, throwIfAbandoned};
     formats::readFile(format, std::move(content.bytes), options, *rows.outline);
@@ -151,7 +151,7 @@ void Rereading::run() {
   try {
     FileContent content = readFile(path_);
     stamp_ = content.stamp;
-    same_ = hashOf(content.bytes) == contentHash_;
+    same_ = hashOf({content.bytes}) == contentHash_;
     if (!same_) rows_ = decode(format_, std::move(content), path_, firstId_);
   } catch (const std::exception&) {
     // The file cannot be read: there are no rows.

@@ -67,8 +67,16 @@ class TemporaryFile {
     return source && platform::copyAttributes(source.get(), descriptor_.get()) &&
            fchmod(descriptor_.get(), former.mode & 07777) == 0;
   }
-  void fill(std::string_view bytes) {
-    if (!platform::writeAll(descriptor_.get(), bytes)) throw systemProblem("write");
+  void fill(const Pieces& content) {
+    constexpr std::size_t stretch = 1 << 23;
+    std::size_t written = 0;
+    forEachBlock(content, [&](std::string_view block) {
+      if (!platform::writeAll(descriptor_.get(), block)) throw systemProblem("write");
+      written += block.size();
+      if (written < stretch) return;
+      platform::beginSyncToDisk(descriptor_.get());
+      written = 0;
+    });
     if (!platform::syncToDisk(descriptor_.get())) throw systemProblem("fsync");
   }
   FileStamp moveTo(const std::string& target) {
@@ -127,45 +135,47 @@ Problem noRoomIn(const std::string& target) {
   return systemProblem("its folder " + folderOf(target) + " takes no new file");
 }
 
-FileStamp writeNew(const std::string& target, std::string_view bytes, mode_t mode) {
+FileStamp writeNew(const std::string& target, const Pieces& content, mode_t mode) {
   TemporaryFile temporary(target, mode);
   if (!temporary) throw noRoomIn(target);
-  temporary.fill(bytes);
+  temporary.fill(content);
   return temporary.moveTo(target);
 }
 
-void keepSpare(const std::string& spare, std::string_view bytes) {
+void keepSpare(const std::string& spare, const Pieces& content) {
   try {
-    writeNew(spare, bytes, 0600);
+    writeNew(spare, content, 0600);
   } catch (const Problem& problem) {
     throw Problem("it is to be overwritten, and the copy for the meantime fails: " +
                   std::string(problem.what()));
   }
 }
 
-std::optional<Replaced> overwriteExpected(const std::string& target, std::string_view bytes,
+std::optional<Replaced> overwriteExpected(const std::string& target, const Pieces& content,
                                           const FileStamp& expected, const std::string& spare) {
   const platform::Descriptor file(open(target.c_str(), O_WRONLY | O_CLOEXEC));
   if (!file) throw systemProblem("open");
   if (stampOf(file.get()) != expected) return std::nullopt;
-  keepSpare(spare, bytes);
+  keepSpare(spare, content);
+  std::string bytes;
+  for (const std::string_view piece : content) bytes += piece;
   overwrite(file.get(), bytes, expected.size);
   const FileStamp stamp = stampOf(file.get());
   removeFile(spare);
   return Replaced{stamp};
 }
 
-std::optional<Replaced> replaceExisting(const std::string& target, std::string_view bytes,
+std::optional<Replaced> replaceExisting(const std::string& target, const Pieces& content,
                                         const platform::FileFacts& former, const FileStamp& expected,
                                         const std::string& spare) {
   if (access(target.c_str(), W_OK) != 0)
     throw errno == EACCES || errno == EPERM ? Problem("it is write-protected") : systemProblem("open");
-  if (former.links > 1) return overwriteExpected(target, bytes, expected, spare);
+  if (former.links > 1) return overwriteExpected(target, content, expected, spare);
   TemporaryFile temporary(target, 0600);
   const bool refused = !temporary && (errno == EACCES || errno == EPERM);
   if (!temporary && !refused) throw noRoomIn(target);
-  if (refused || !temporary.take(target, former)) return overwriteExpected(target, bytes, expected, spare);
-  temporary.fill(bytes);
+  if (refused || !temporary.take(target, former)) return overwriteExpected(target, content, expected, spare);
+  temporary.fill(content);
   return temporary.moveTo(target, expected);
 }
 
@@ -180,17 +190,17 @@ auto saving(const std::string& path, Action action) {
 
 }  // namespace
 
-FileStamp replaceFile(const std::string& path, std::string_view bytes, mode_t newMode) {
-  return saving(path, [&] { return writeNew(resolvedPath(path), bytes, newMode); });
+FileStamp replaceFile(const std::string& path, const Pieces& content, mode_t newMode) {
+  return saving(path, [&] { return writeNew(resolvedPath(path), content, newMode); });
 }
 
-std::optional<Replaced> replaceExpected(const std::string& path, std::string_view bytes,
+std::optional<Replaced> replaceExpected(const std::string& path, const Pieces& content,
                                         const FileStamp& expected, const std::string& spare) {
   return saving(path, [&]() -> std::optional<Replaced> {
     const std::string target = resolvedPath(path);
     if (const auto former = platform::factsOf(target))
-      return replaceExisting(target, bytes, *former, expected, spare);
-    return Replaced{writeNew(target, bytes, usualMode), true};
+      return replaceExisting(target, content, *former, expected, spare);
+    return Replaced{writeNew(target, content, usualMode), true};
   });
 }
 
@@ -203,12 +213,12 @@ void removeAbandoned(const std::string& folder) {
   }
 }
 
-FileStamp createFile(const std::string& path, std::string_view bytes) {
+FileStamp createFile(const std::string& path, const Pieces& content) {
   const platform::Descriptor place(open(path.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!place && errno == EEXIST) throw Problem("File already exists: " + path);
   if (!place) throw systemProblem("Cannot save " + path);
   try {
-    return replaceFile(path, bytes);
+    return replaceFile(path, content);
   } catch (...) {
     unlink(path.c_str());
     throw;

@@ -5,10 +5,10 @@
 namespace vell::headless {
 namespace {
 
-/// Tells where the bytes are that could not be saved; nothing where they cannot be kept either.
-std::string keep(const SaveJob& job, const std::string& bytes) {
+/// Tells where the text is that could not be saved; nothing where it cannot be kept either.
+std::string keep(const SaveJob& job, const Pieces& content) {
   try {
-    replaceFile(job.spare, bytes, 0600);
+    replaceFile(job.spare, content, 0600);
     return unsavedIn(job.spare);
   } catch (const std::exception&) {
     return {};
@@ -18,21 +18,22 @@ std::string keep(const SaveJob& job, const std::string& bytes) {
 }  // namespace
 
 SaveResult carryOut(SaveJob& job) {
-  std::string bytes;
+  std::optional<formats::FileText> text;
   try {
-    bytes = job.encode();
+    text = job.encode();
     job.encode = nullptr;  // and what it held
   } catch (const std::exception& failure) {
     return {SaveResult::Kind::unencoded, {}, failure.what()};
   }
+  const Pieces content = text->pieces();
   try {
-    const auto replaced = replaceExpected(job.path, bytes, job.expected, job.spare);
+    const auto replaced = replaceExpected(job.path, content, job.expected, job.spare);
     if (!replaced) return {SaveResult::Kind::conflict, {}, {}};
     removeFile(job.spare);
     const bool anew = replaced->anew && job.expected != FileStamp();
-    return {SaveResult::Kind::saved, replaced->stamp, {}, anew, hashOf(bytes)};
+    return {SaveResult::Kind::saved, replaced->stamp, {}, anew, hashOf(content)};
   } catch (const std::exception& failure) {
-    return {SaveResult::Kind::failed, {}, failure.what() + keep(job, bytes)};
+    return {SaveResult::Kind::failed, {}, failure.what() + keep(job, content)};
   }
 }
 

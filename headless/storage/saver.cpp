@@ -18,7 +18,7 @@ using std::chrono::milliseconds;
 constexpr std::size_t quicklyEncoded = 1'000;
 constexpr milliseconds retryPace{2'000};
 
-std::string encoded(const OpenOutline& opened, const formats::Format& format) {
+formats::FileText encoded(const OpenOutline& opened, const formats::Format& format) {
   return formats::fileText(format, opened.outline());
 }
 
@@ -27,7 +27,7 @@ std::string keep(const OpenOutline& opened, const std::string& spare) {
   try {
     std::string text;
     opened.format().write(opened.outline(), formats::placeAll(opened.outline()), false, text);
-    replaceFile(spare, text, 0600);
+    replaceFile(spare, {text}, 0600);
     return unsavedIn(spare);
   } catch (const std::exception&) {
     return {};
@@ -118,7 +118,7 @@ void Saver::startWriting(OpenOutline& opened, State& state) {
 }
 
 /// Encodes a small outline at once; a large one beside the application, as a reader that changes wait for.
-std::function<std::string()> Saver::encoder(OpenOutline& opened, const std::string& spare) {
+std::function<formats::FileText()> Saver::encoder(OpenOutline& opened, const std::string& spare) {
   auto encode = [&opened, spare] {
     try {
       return encoded(opened, opened.format());
@@ -127,7 +127,7 @@ std::function<std::string()> Saver::encoder(OpenOutline& opened, const std::stri
     }
   };
   if (opened.outline().rowCount() <= quicklyEncoded)
-    return [bytes = std::make_shared<std::string>(encode())] { return std::move(*bytes); };
+    return [text = std::make_shared<formats::FileText>(encode())] { return std::move(*text); };
   opened.users()->enter(Use::reading);
   // Destroyed with the job's encoder, whether that was called or not.
   const std::shared_ptr<Users> reading(opened.users().get(),
@@ -181,14 +181,15 @@ void Saver::settleConflict(OpenOutline& opened) {
 /// In a file beside the other one, or in the container where its folder takes none.
 void Saver::keepOurs(const OpenOutline& opened, Conflict& conflict) const {
   try {
-    const std::string bytes = encoded(opened, opened.format());
-    conflict.contentHash = hashOf(bytes);
+    const formats::FileText text = encoded(opened, opened.format());
+    const Pieces content = text.pieces();
+    conflict.contentHash = hashOf(content);
     conflict.path = conflictPath(opened.storagePath());
     try {
-      conflict.stamp = replaceFile(conflict.path, bytes);
+      conflict.stamp = replaceFile(conflict.path, content);
     } catch (const Problem&) {
       conflict.path = container_.pathForRescued(fileName(conflict.path));
-      conflict.stamp = replaceFile(conflict.path, bytes, 0600);
+      conflict.stamp = replaceFile(conflict.path, content, 0600);
     }
   } catch (const std::exception& failure) {
     conflict.fault = failure.what();
@@ -212,10 +213,11 @@ void Saver::finishConflict(OpenOutline& opened, Conflict& conflict) {
 }
 
 void Saver::create(OpenOutline& opened) {
-  const std::string bytes = encoded(opened, opened.format());
+  const formats::FileText text = encoded(opened, opened.format());
+  const Pieces content = text.pieces();
   FileStamp stamp;
-  beside([&] { stamp = replaceFile(opened.storagePath(), bytes); });
-  opened.markSaved(opened.outline().revision(), stamp, hashOf(bytes));
+  beside([&] { stamp = replaceFile(opened.storagePath(), content); });
+  opened.markSaved(opened.outline().revision(), stamp, hashOf(content));
 }
 
 void Saver::flush(OpenOutline& opened) {
@@ -274,9 +276,10 @@ void Saver::saveAs(OpenOutline& opened, const std::string& path) {
   std::size_t contentHash = 0;
   FileStamp stamp;
   beside([&] {
-    const std::string bytes = encoded(opened, format);
-    contentHash = hashOf(bytes);
-    stamp = createFile(path, bytes);
+    const formats::FileText text = encoded(opened, format);
+    const Pieces content = text.pieces();
+    contentHash = hashOf(content);
+    stamp = createFile(path, content);
   });
   forget(opened);
   opened.moveTo(path, format, stamp, contentHash);

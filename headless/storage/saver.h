@@ -105,7 +105,7 @@ class Saver {
   void onTimer(OpenOutline& opened);
   void save(OpenOutline& opened);
   void startWriting(OpenOutline& opened, State& state);
-  std::function<std::string()> encoder(OpenOutline& opened, const std::string& spare);
+  std::function<formats::FileText()> encoder(OpenOutline& opened, const std::string& spare);
   void finish(OpenOutline& opened, std::uint64_t revision, const SaveResult& result);
   void changedMeanwhile(OpenOutline& opened);
   void retry(OpenOutline& opened, const std::string& fault);

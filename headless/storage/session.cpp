@@ -83,7 +83,7 @@ void Session::open(const std::vector<std::string>& paths, bool folders) {
 void Session::keep() {
   std::string now = described(application_);
   try {
-    if (now != kept_) replaceFile(path_, now, 0600);
+    if (now != kept_) replaceFile(path_, {now}, 0600);
     kept_ = std::move(now);
     fault_.clear();
   } catch (const Problem& problem) {

@@ -59,6 +59,8 @@ bool copyAttributes(int from, int to) {
   return ::fcopyfile(from, to, nullptr, COPYFILE_ACL | COPYFILE_XATTR) == 0;
 }
 
+void beginSyncToDisk(int) {}  // there is no such request
+
 // fsync leaves the bytes in the drive's cache.
 bool syncToDisk(int descriptor) { return ::fcntl(descriptor, F_FULLFSYNC) == 0 || ::fsync(descriptor) == 0; }
 

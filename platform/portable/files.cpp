@@ -85,6 +85,8 @@ bool copyAttributes(int from, int to) {
   return all;
 }
 
+void beginSyncToDisk(int descriptor) { ::sync_file_range(descriptor, 0, 0, SYNC_FILE_RANGE_WRITE); }
+
 bool syncToDisk(int descriptor) { return ::fsync(descriptor) == 0; }
 
 std::optional<std::string> findFile(const FileIdentity& identity, const std::string& path) {

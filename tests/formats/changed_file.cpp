@@ -172,7 +172,7 @@ std::string ChangedFile::readsOtherwise() const {
   if (!fault.empty() || format_.name != "markdown") return fault;
   Format inParts = format_;
   inParts.update = [](const Outline& outline) { return updateMarkdown(outline, 1); };
-  return readsOtherwise(fileText(inParts, outline_));
+  return readsOtherwise(fileText(inParts, outline_).string());
 }
 
 std::string ChangedFile::readsOtherwise(const std::string& written) const {

@@ -24,7 +24,7 @@ class ChangedFile {
   Outline& outline() { return outline_; }
   headless::Edit& edit() { return edit_; }
   /// The file as it is to be written now.
-  std::string written() const { return fileText(format_, outline_); }
+  std::string written() const { return fileText(format_, outline_).string(); }
   /// Undoes every change.
   void undo();
 

@@ -28,7 +28,7 @@ std::size_t filesIn(const std::string& folder) {
 
 std::optional<Replaced> replaceNow(const std::string& path, std::string_view bytes) {
   const tests::TemporaryDirectory spare;
-  auto replaced = replaceExpected(path, bytes, stampOf(path), spare / "copy");
+  auto replaced = replaceExpected(path, {bytes}, stampOf(path), spare / "copy");
   EXPECT_EQ(filesIn(spare.path()), 0U);
   return replaced;
 }
@@ -71,7 +71,7 @@ TEST(Files, AFileWithSeveralNamesIsOverwritten) {
   const tests::TemporaryDirectory spare;
   const FileStamp stamp = stampOf(file);
   directory.write("a.txt", "theirs");
-  EXPECT_FALSE(replaceExpected(file, "ours", stamp, spare / "copy"));
+  EXPECT_FALSE(replaceExpected(file, {"ours"}, stamp, spare / "copy"));
   EXPECT_EQ(readFile(file).bytes, "theirs");
 }
 
@@ -132,7 +132,7 @@ TEST(Files, AStampTellsThatSomebodyElseWrote) {
   directory.write("a.txt", "new");
   fs::last_write_time(file, modified);
   EXPECT_NE(stamp, stampOf(file));
-  EXPECT_FALSE(replaceExpected(file, "ours", stamp, directory / "spare"));
+  EXPECT_FALSE(replaceExpected(file, {"ours"}, stamp, directory / "spare"));
   EXPECT_EQ(readFile(file).bytes, "new");
   EXPECT_TRUE(replaceNow(file, "ours"));
   EXPECT_EQ(readFile(file).bytes, "ours");
@@ -156,9 +156,9 @@ TEST(Files, SaysWhyAFileCannotBeReadOrWritten) {
   EXPECT_EQ(problemOf([&] { readFile(directory.path()); }),
             "Cannot open " + directory.path() + ": it is a folder");
   EXPECT_EQ(problemOf([] { readFile("/dev/null"); }), "Cannot open /dev/null: it is not a regular file");
-  EXPECT_EQ(problemOf([&] { replaceFile(gone, "x"); }), "Cannot save " + gone + ": its folder " +
-                                                            (directory / "gone") +
-                                                            " takes no new file: No such file or directory");
+  EXPECT_EQ(problemOf([&] { replaceFile(gone, {"x"}); }),
+            "Cannot save " + gone + ": its folder " + (directory / "gone") +
+                " takes no new file: No such file or directory");
   const std::string file = directory.write("a.txt", "old");
   chmod(file.c_str(), 0444);
   const bool mayAll = access(file.c_str(), W_OK) == 0;  // root

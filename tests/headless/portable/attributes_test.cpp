@@ -20,7 +20,7 @@ TEST(Files, ReplacingKeepsExtendedAttributes) {
   const tests::TemporaryDirectory directory;
   const std::string file = directory.write("a.txt", "old");
   if (setxattr(file.c_str(), "user.tag", "red", 3, 0) != 0) GTEST_SKIP() << "no extended attributes here";
-  ASSERT_TRUE(replaceExpected(file, "new", stampOf(file), directory / "copy"));
+  ASSERT_TRUE(replaceExpected(file, {"new"}, stampOf(file), directory / "copy"));
   EXPECT_EQ(readFile(file).bytes, "new");
   EXPECT_EQ(attribute(file, "user.tag"), "red");
   EXPECT_EQ(attribute(file, "user.other"), "none");
