@@ -23,8 +23,25 @@ bool MarkdownWriter::beginsAnotherList() const {
   return mark != '\0' && now_.listMark != mark && now_.depth <= previous_.depth;
 }
 
+/// Begins or ends a new block in an item. A blank line, which blocks of these forms do without, would make
+/// the whole list a loose one.
+bool MarkdownWriter::keepsListTight() const {
+  const auto isItem = [this](const Current& row) {
+    return row.form == MarkdownForm::item && !row.isBare && row.read && source_.listGap(*row.read) == 1;
+  };
+  const auto isNewBlock = [](const Current& row) {
+    const bool needsNoBlankLine = row.form == MarkdownForm::heading || row.form == MarkdownForm::code ||
+                                  row.form == MarkdownForm::quote;
+    return needsNoBlankLine && !row.read;
+  };
+  if (caution_ > 0) return false;
+  if (isNewBlock(now_)) return isItem(previous_) && now_.depth > previous_.depth;
+  return isNewBlock(previous_) && isItem(now_) && now_.depth < previous_.depth;
+}
+
 /// Lines that end between the two where the source does not tell.
 std::size_t MarkdownWriter::lineEndsHere() const {
+  if (keepsListTight()) return 1;
   const MarkdownPlace* before = previous_.read;
   const MarkdownPlace* read = now_.read;
   std::size_t ends = neededLineEnds();
@@ -70,8 +87,11 @@ void MarkdownWriter::separate(const std::string& prefix) {
     const bool isNext = before && read && read == before + 1;
     const std::string_view gap = isNext ? source_.between(*before, *read) : std::string_view();
     const std::size_t found = countLineEnds(gap);
+    // Its trailer has the line below, which ends no HTML by itself.
+    const bool endsInTrailer =
+        previous_.form == MarkdownForm::verbatim && !previous_.isCopied && out_.ends_with('}');
     const bool bothStand =
-        isNext && caution_ < 2 && previous_.form == before->form && now_.form == read->form;
+        isNext && caution_ < 2 && !endsInTrailer && previous_.form == before->form && now_.form == read->form;
     const bool isWhole = found > 0 || previous_.isCopied;
     const bool fits = bothStand || (found > 0 && found >= neededLineEnds());
     if (isNext && now_.keepsPrefix && isWhole && fits) {

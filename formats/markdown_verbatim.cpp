@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "formats/inline_markdown.h"
+#include "formats/markdown_source.h"
+#include "formats/marked_line.h"
 
 namespace vell::formats {
 namespace {
@@ -38,6 +40,16 @@ std::size_t countBelonging(const std::vector<MarkdownBlock>& blocks, std::size_t
   return last - first;
 }
 
+/// A trailer on the line below HTML that ended before: below a comment, or `</pre>`.
+bool isTrailerOf(const MarkdownBlock& block, const MarkdownBlock& html, std::string_view text) {
+  if (html.kind != Kind::verbatim || block.kind != Kind::paragraph || block.depth != html.depth) return false;
+  if (!trim(html.text).starts_with('<') || countLineEnds(text.substr(html.end, block.begin - html.end)) != 1)
+    return false;
+  std::string_view line = block.text;
+  RowTrailer trailer;
+  return takeTrailer(line, Times::dropped, trailer) && trim(line).empty();
+}
+
 /// `$$ … $$`
 bool isFormula(std::string_view text) {
   text = trimEnd(text);
@@ -61,6 +73,11 @@ bool isMarkdownDefinition(std::string_view text) {
 std::vector<MarkdownBlock> joinVerbatim(std::string_view text, std::vector<MarkdownBlock> blocks) {
   std::vector<MarkdownBlock> joined;
   for (std::size_t at = 0; at < blocks.size(); ++at) {
+    if (!joined.empty() && isTrailerOf(blocks[at], joined.back(), text)) {
+      joined.back().end = blocks[at].end;
+      joined.back().text.append("\n").append(blocks[at].text);
+      continue;
+    }
     const bool canBegin = blocks[at].kind == Kind::paragraph && blocks[at].depth == 0;
     const std::size_t more = canBegin ? countBelonging(blocks, at) : 0;
     joined.push_back(std::move(blocks[at]));

@@ -104,6 +104,7 @@ class MarkdownWriter {
   // What stands between rows: markdown_spacing.cpp.
   std::size_t neededLineEnds() const;
   bool beginsAnotherList() const;
+  bool keepsListTight() const;
   std::size_t lineEndsHere() const;
   void begin(const std::string& prefix);
   void closeFence();

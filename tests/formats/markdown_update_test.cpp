@@ -24,6 +24,9 @@ const UpdateCase cases[] = {
     {"the mark, where rows stand below it", "- a\n  - b\n\n# c\n\nd\n\n> e\n> - f\n",
      [](ChangedFile& rows) { rows.edit().setType(rows.row("a"), RowType::ordered); rows.edit().setType(rows.row("c"), RowType::body); rows.edit().setType(rows.row("e"), RowType::code); },
      "- a {type=ordered}\n  - b\n\n# c {type=body}\n\nd\n\n> e {type=code}\n> - f\n"},
+    {"trailers of HTML that blank lines do not end", "<!-- a -->\nb\n\n- <pre>\n  c\n\n  d\n  </pre>\n\n<!-- e -->\n\nf {g=h}\n",
+     [](ChangedFile& rows) { for (const char* row : {"<!-- a -->", "<pre>\nc\n\nd\n</pre>", "<!-- e -->"}) rows.attributes(row, {{"x", "y"}}); },
+     "<!-- a -->\n{x=y}\n\nb\n\n- <pre>\n  c\n\n  d\n  </pre>\n  {x=y}\n\n<!-- e -->\n{x=y}\n\nf {g=h}\n"},
     // New rows.
     {"behind a section", "# a\n\nb\n\n# c\n\nd", [](ChangedFile& rows) { rows.create("", "e"); rows.create("", "f"); },
      "# a\n\nb\n\n# c\n\nd\n\ne {depth=0}\n\nf"},
@@ -41,6 +44,11 @@ const UpdateCase cases[] = {
        rows.edit().insert(rows.edit().make({.type = RowType::ordered, .text = Text("m")}), rows.row(""), &rows.row("end"));
      },
      "para\n\n- n\n- PNG\n- n\n- JPEG\n  - x\n\n1. n\n1. one\n1. m\n\nend\n"},
+    {"blocks in a tight list", "- a\n- b\n- c\n- d\n",
+     [](ChangedFile& rows) {
+       for (const auto& [parent, type] : {std::pair("a", RowType::heading), std::pair("b", RowType::code), std::pair("c", RowType::quote)}) rows.edit().insert(rows.edit().make({.type = type, .text = Text("n")}), rows.row(parent), nullptr);
+     },
+     "- a\n\t# n\n- b\n\t```\n\tn\n\t```\n- c\n\t> n\n- d\n"},
     {"below rows", "a\n\n- b\n\n> c\n> - d\n",
      [](ChangedFile& rows) { rows.create("a", "n"); rows.create("b", "n"); rows.create("c", "n"); },
      "a\n\nn {depth=1}\n\n- b\n\n\tn\n\n> c\n> - d\n>\n> n {type=body}\n"},
