@@ -9,281 +9,202 @@ namespace {
 
 struct Rejected {
   const char* text;
-  /// The error's first line, without "At column " and the full stop.
+  /// The error's first line, without "At column " and the full stop, in the words of kShort.
   const char* error;
   const char* hint = "";
+};
+
+/// What errors often say, by the names that the table has for it.
+const std::pair<const char*, const char*> kShort[] = {
+    {"LEFT_OVER", "expected input to be consumed, found"},
+    {"PREDICATE", R"(a predicate (@name, "text", @name = "value"))"},
+    {"SETS", R"("union", "except" or "intersect")"},
+    {"RELATION", "a relation (=, <, contains)"},
+    {"NEXT_STEP", R"("/" and a step)"},
+    {"STEP", "a step (*, task, @name)"},
+    {"SLICE", "a slice ([0], [1:5])"},
+    {"BOUND", R"(an integer or ":")"},
+    {"SIGN", "an arithmetic sign"},
+    {"END", "the end of the input"},
 };
 
 constexpr const char* kQuotes = "strings stand in double quotes: write \"text\", not 'text'.";
 constexpr const char* kBrackets =
     "predicates are bare, brackets hold slices: write //task @done, not //task[@done].";
 constexpr const char* kArithmetic = "arithmetic takes values, not paths: write count(//*) - 1.";
+constexpr const char* kComparedFunctions =
+    "functions give values, so compare them: write leaf() = true, count(child::*) > 0.";
+constexpr const char* kCountFrom0 = "slices count from 0: [0] takes the first row, [-1] the last.";
+constexpr const char* kRange = "a slice from one row to another is written [start:end]: [1:5].";
+constexpr const char* kPathBegins =
+    R"(a path begins with an axis or "/": write //a to search all rows, ./a to search from here.)";
 
 const Rejected kRejected[] = {
     // Not even a step
     {"", "1: unexpected end of input, expected a path or a value"},
-    {"///", "4: unexpected end of input, expected a step (*, task, @name)"},
-    {"//task/", "8: unexpected end of input, expected a step (*, task, @name)"},
-    {"/[0]",
-     "2: expected input to be consumed, found \"[\", expected a step (*, task, @name) or the end of the "
-     "input"},
-    {"/ task",
-     "3: expected input to be consumed, found \"task\", expected \"union\", \"except\" or \"intersect\" "
-     "or the end of the input",
-     "no blank stands within a step: write /task."},
-    {"//-a",
-     "3: expected input to be consumed, found \"-a\", expected a type test or a predicate, \"/\" and a step, "
-     "a slice ([0], [1:5]), or the end of the input"},
+    {"///", "4: unexpected end of input, expected STEP"},
+    {"//task/", "8: unexpected end of input, expected STEP"},
+    {"/[0]", R"(2: LEFT_OVER "[", expected STEP or END)"},
+    {"/ task", R"(3: LEFT_OVER "task", expected SETS or END)", "no blank stands within a step: write /task."},
+    {"//-a", R"(3: LEFT_OVER "-a", expected a type test or a predicate, NEXT_STEP, SLICE, or END)"},
     // Words
-    {"a", "1: \"a\" alone is not a path",
-     "a path begins with an axis or \"/\": write //a to search all rows, ./a to search from here."},
-    {" ((a ))", "4: \"a\" alone is not a path",
-     "a path begins with an axis or \"/\": write //a to search all rows, ./a to search from here."},
-    {".5", "1: \".5\" alone is not a path",
-     "a path begins with an axis or \"/\": write //.5 to search all rows, ./.5 to search from here."},
-    {"a/b", "3: unexpected \"b\", expected something to divide by",
-     "a path begins with an axis or \"/\": write //a to search all rows, ./a to search from here."},
-    {"//task foo",
-     "8: expected input to be consumed, found \"foo\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), "
-     "\"union\", \"except\" or \"intersect\", or the end of the input",
-     "text to search for stands in double quotes: write \"foo\"."},
-    {"//taks @done",
-     "8: expected input to be consumed, found \"@\", expected \"union\", \"except\" or \"intersect\" or the "
-     "end of the "
-     "input",
-     "\"taks\" is no type test; did you mean \"task\"?"},
-    {"anccestor::x", "1: \"anccestor::x\" alone is not a path",
-     "\"anccestor::\" is no axis; did you mean \"ancestor::\"?"},
-    {"1/word", "3: unexpected \"word\", expected something to divide by"},
-    {"@a = 1",
-     "4: expected input to be consumed, found \"=\", expected an arithmetic sign or the end of the input",
-     "a comparison is a predicate of a step: write //* @name = \"value\"."},
+    {"a", R"(1: "a" alone is not a path)", kPathBegins},
+    {" ((a ))", R"(4: "a" alone is not a path)", kPathBegins},
+    {".5", R"(1: ".5" alone is not a path)",
+     R"(a path begins with an axis or "/": write //.5 to search all rows, ./.5 to search from here.)"},
+    {"a/b", R"(3: unexpected "b", expected something to divide by)", kPathBegins},
+    {"//task foo", R"(8: LEFT_OVER "foo", expected PREDICATE, SETS, or END)",
+     R"(text to search for stands in double quotes: write "foo".)"},
+    {"//taks @done", R"(8: LEFT_OVER "@", expected SETS or END)",
+     R"("taks" is no type test; did you mean "task"?)"},
+    {"anccestor::x", R"(1: "anccestor::x" alone is not a path)",
+     R"("anccestor::" is no axis; did you mean "ancestor::"?)"},
+    {"1/word", R"(3: unexpected "word", expected something to divide by)"},
+    {"@a = 1", R"(4: LEFT_OVER "=", expected SIGN or END)",
+     R"(a comparison is a predicate of a step: write //* @name = "value".)"},
     // Predicates
-    {"//task[@done]", "8: failed to process \"Int\", found \"@\", expected an integer or \":\"", kBrackets},
+    {"//task[@done]", R"(8: failed to process "Int", found "@", expected BOUND)", kBrackets},
     {"//task @", "9: unexpected end of input, expected an attribute name"},
-    {"//task @done == true", "15: unexpected \"=\", expected a value",
-     "a single \"=\" compares: write @name = \"value\"."},
-    {"//task @name = 'x'", "16: unexpected \"'\", expected a value", kQuotes},
-    {"//* @name =[x] 1", "13: unexpected \"x\", expected a modifier (s, i, n, d)"},
-    {"//* @name =[ix] 1", "14: unexpected \"x\", expected \"l\" or \"]\""},
-    {"//* count(//*)", "15: unexpected end of input, expected a relation (=, <, contains)",
-     "functions give values, so compare them: write leaf() = true, count(child::*) > 0."},
-    {"//* contains20 x",
-     "5: expected input to be consumed, found \"contains20\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"contains20\" is no keyword; did you mean \"contains\"?"},
+    {"//task @done == true", R"(15: unexpected "=", expected a value)",
+     R"(a single "=" compares: write @name = "value".)"},
+    {"//task @name = 'x'", R"(16: unexpected "'", expected a value)", kQuotes},
+    {"//* @name =[x] 1", R"(13: unexpected "x", expected a modifier (s, i, n, d))"},
+    {"//* @name =[ix] 1", R"(14: unexpected "x", expected "l" or "]")"},
+    {"//* count(//*)", "15: unexpected end of input, expected RELATION", kComparedFunctions},
+    {"//* contains20 x", R"(5: LEFT_OVER "contains20", expected PREDICATE, SETS, or END)",
+     R"("contains20" is no keyword; did you mean "contains"?)"},
     // Blanks around keywords
-    {"//heading union//task", "16: unexpected \"/\", expected a blank",
-     "\"union\" needs a blank on both sides."},
-    {"//* not(@a)", "8: unexpected \"(\", expected a blank", "\"not\" needs a blank behind it."},
-    {"//* (@a)and(@b)",
-     "9: expected input to be consumed, found \"and\", expected a relation (=, <, contains), \"/\" and a "
-     "step, a slice "
-     "([0], [1:5]), or the end of the input",
-     "\"and\" needs a blank on both sides."},
-    {"//* @a && @b",
-     "8: expected input to be consumed, found \"&\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", "
-     "\"union\", \"except\" or \"intersect\", or the end of the input",
-     "write \"and\" with blanks around it."},
+    {"//heading union//task", R"(16: unexpected "/", expected a blank)",
+     R"("union" needs a blank on both sides.)"},
+    {"//* not(@a)", R"(8: unexpected "(", expected a blank)", R"("not" needs a blank behind it.)"},
+    {"//* (@a)and(@b)", R"(9: LEFT_OVER "and", expected RELATION, NEXT_STEP, SLICE, or END)",
+     R"("and" needs a blank on both sides.)"},
+    {"//* @a && @b", R"(8: LEFT_OVER "&", expected RELATION, "and" or "or", SETS, or END)",
+     R"(write "and" with blanks around it.)"},
     // Strings and slices
-    {"//* \"open", "10: unexpected end of input, expected a closing double quote"},
-    {"//* \"\\q\"", "7: unexpected \"q\", expected an escape (one of \" \\ / b f n r t u)"},
-    {"//* \"\\ud83d\"", "12: unexpected \"\"\", expected the second half of a surrogate pair"},
-    {"//* \"\\ude00\"", "8: unexpected \"de00\", expected the first half of the surrogate pair before it"},
+    {R"(//* "open)", "10: unexpected end of input, expected a closing double quote"},
+    {R"(//* "\q")", R"(7: unexpected "q", expected an escape (one of " \ / b f n r t u))"},
+    {R"(//* "\ud83d")", R"(12: unexpected """, expected the second half of a surrogate pair)"},
+    {R"(//* "\ude00")", R"(8: unexpected "de00", expected the first half of the surrogate pair before it)"},
     {"//*[9223372036854775808]",
-     "5: failed to process \"Int\", found \"9223372036854775808\", expected an integer or \":\""},
-    {"//*[+1]", "5: failed to process \"Int\", found \"+\", expected an integer or \":\"", kBrackets},
-    {"//*[1:2:3]", "8: unexpected \":3\", expected \"]\""},
+     R"(5: failed to process "Int", found "9223372036854775808", expected BOUND)"},
+    {"//*[+1]", R"(5: failed to process "Int", found "+", expected BOUND)", kBrackets},
+    {"//*[1:2:3]", R"(8: unexpected ":3", expected "]")"},
     // Brackets
-    {"(//a", "5: unexpected end of input, expected \")\", \"/\" and a step, or a slice ([0], [1:5])"},
-    {"f(1 2)", "5: unexpected \"2\", expected \",\" or \")\" or an arithmetic sign"},
-    {"not(//a)", "1: unexpected \"not\", expected a path or a value", "\"not\" needs a blank behind it."},
+    {"(//a", R"x(5: unexpected end of input, expected ")", NEXT_STEP, or SLICE)x"},
+    {"f(1 2)", R"x(5: unexpected "2", expected "," or ")" or SIGN)x"},
+    {"not(//a)", R"(1: unexpected "not", expected a path or a value)", R"("not" needs a blank behind it.)"},
     // Slips and habits from other languages
-    {".codeblock)",
-     "11: expected input to be consumed, found \")\", expected \"/\" and a step, a slice ([0], [1:5]), an "
-     "arithmetic sign, or the end of the input"},
-    {"child::hr)",
-     "10: expected input to be consumed, found \")\", expected \"/\" and a step, a slice ([0], [1:5]), an "
-     "arithmetic sign, or the end of the input"},
-    {"a)",
-     "2: expected input to be consumed, found \")\", expected an arithmetic sign or the end of the input"},
-    {"//* count(//task > 0", "21: unexpected end of input, expected \")\""},
-    {"//* count(//task",
-     "17: unexpected end of input, expected \",\" or \")\", \"/\" and a step, or a slice ([0], [1:5])"},
+    {".codeblock)", R"x(11: LEFT_OVER ")", expected NEXT_STEP, SLICE, SIGN, or END)x"},
+    {"child::hr)", R"x(10: LEFT_OVER ")", expected NEXT_STEP, SLICE, SIGN, or END)x"},
+    {"a)", R"x(2: LEFT_OVER ")", expected SIGN or END)x"},
+    {"//* count(//task > 0", R"x(21: unexpected end of input, expected ")")x"},
+    {"//* count(//task", R"x(17: unexpected end of input, expected "," or ")", NEXT_STEP, or SLICE)x"},
     {"//* count(//task @done and", "27: unexpected end of input, expected a blank",
-     "\"and\" stands between two predicates."},
-    {"//* @done AND @x",
-     "11: expected input to be consumed, found \"AND\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "keywords are written in lower case: write \"and\"."},
-    {"//* NOT @x",
-     "5: expected input to be consumed, found \"NOT\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "keywords are written in lower case: write \"not\"."},
-    {"//task @a Contains \"x\"",
-     "11: expected input to be consumed, found \"Contains\", expected a relation (=, <, contains), \"and\" "
-     "or \"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "keywords are written in lower case: write \"contains\"."},
-    {"//task @a startswith \"x\"",
-     "11: expected input to be consumed, found \"startswith\", expected a relation (=, <, contains), \"and\" "
-     "or \"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"startswith\" is no relation: write \"beginswith\"."},
-    {"//task @a starts-with \"x\"",
-     "11: expected input to be consumed, found \"starts-with\", expected a relation (=, <, contains), "
-     "\"and\" or \"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"starts-with\" is no relation: write \"beginswith\"."},
-    {"//task @a like \"x\"",
-     "11: expected input to be consumed, found \"like\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"like\" is no relation: write \"contains\" or \"matches\"."},
-    {"//task @a in (1, 2)",
-     "11: expected input to be consumed, found \"in\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"in\" is no relation: write @name = 1 or @name = 2."},
-    {"//task @a is true",
-     "11: expected input to be consumed, found \"is\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"is\" is no relation: write @name = true."},
-    {"//task unoin //heading",
-     "8: expected input to be consumed, found \"unoin\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"unoin\" is no keyword; did you mean \"union\"?"},
-    {"//task @a UNION //heading",
-     "11: expected input to be consumed, found \"UNION\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "keywords are written in lower case: write \"union\"."},
-    {"// task",
-     "4: expected input to be consumed, found \"task\", expected \"union\", \"except\" or \"intersect\" or "
-     "the end of the input",
+     R"("and" stands between two predicates.)"},
+    {"//* @done AND @x", R"(11: LEFT_OVER "AND", expected RELATION, "and" or "or", SETS, or END)",
+     R"(keywords are written in lower case: write "and".)"},
+    {"//* NOT @x", R"(5: LEFT_OVER "NOT", expected PREDICATE, SETS, or END)",
+     R"(keywords are written in lower case: write "not".)"},
+    {R"(//task @a Contains "x")",
+     R"(11: LEFT_OVER "Contains", expected RELATION, "and" or "or", SETS, or END)",
+     R"(keywords are written in lower case: write "contains".)"},
+    {R"(//task @a startswith "x")",
+     R"(11: LEFT_OVER "startswith", expected RELATION, "and" or "or", SETS, or END)",
+     R"("startswith" is no relation: write "beginswith".)"},
+    {R"(//task @a starts-with "x")",
+     R"(11: LEFT_OVER "starts-with", expected RELATION, "and" or "or", SETS, or END)",
+     R"("starts-with" is no relation: write "beginswith".)"},
+    {R"(//task @a like "x")", R"(11: LEFT_OVER "like", expected RELATION, "and" or "or", SETS, or END)",
+     R"("like" is no relation: write "contains" or "matches".)"},
+    {"//task @a in (1, 2)", R"(11: LEFT_OVER "in", expected RELATION, "and" or "or", SETS, or END)",
+     R"("in" is no relation: write @name = 1 or @name = 2.)"},
+    {"//task @a is true", R"(11: LEFT_OVER "is", expected RELATION, "and" or "or", SETS, or END)",
+     R"("is" is no relation: write @name = true.)"},
+    {"//task unoin //heading", R"(8: LEFT_OVER "unoin", expected PREDICATE, SETS, or END)",
+     R"("unoin" is no keyword; did you mean "union"?)"},
+    {"//task @a UNION //heading", R"(11: LEFT_OVER "UNION", expected RELATION, "and" or "or", SETS, or END)",
+     R"(keywords are written in lower case: write "union".)"},
+    {"// task", R"(4: LEFT_OVER "task", expected SETS or END)",
      "no blank stands within a step: write //task."},
-    {"//* - 1",
-     "5: expected input to be consumed, found \"-\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     kArithmetic},
-    {"//*-1",
-     "4: expected input to be consumed, found \"-1\", expected \"/\" and a step, a slice ([0], [1:5]), or "
-     "the "
-     "end of the input",
-     kArithmetic},
-    {"//* @a - 1", "11: unexpected end of input, expected a relation (=, <, contains)",
+    {"//* - 1", R"(5: LEFT_OVER "-", expected PREDICATE, SETS, or END)", kArithmetic},
+    {"//*-1", R"(4: LEFT_OVER "-1", expected NEXT_STEP, SLICE, or END)", kArithmetic},
+    {"//* @a - 1", "11: unexpected end of input, expected RELATION",
      "a predicate compares values: write //* @name - 1 > 0."},
     {"//task @done and", "17: unexpected end of input, expected a blank",
-     "\"and\" stands between two predicates."},
+     R"("and" stands between two predicates.)"},
     {"//heading union", "16: unexpected end of input, expected a blank",
-     "\"union\" stands between two paths."},
-    {"union //heading", "1: unexpected \"union\", expected a path or a value",
-     "\"union\" stands between two paths."},
-    {"//heading or //task",
-     "11: expected input to be consumed, found \"or\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"or\" joins predicates: write \"union\" between paths."},
-    {"//heading and //task",
-     "11: expected input to be consumed, found \"and\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"and\" joins predicates: write \"intersect\" between paths."},
-    {"//task > //note",
-     "8: expected input to be consumed, found \">\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\">\" compares values, not paths: write //* @name = \"value\"."},
-    {"//* contains(@text, \"x\")",
-     "5: expected input to be consumed, found \"contains\", expected a predicate (@name, \"text\", @name = "
-     "\"value\"), \"union\", \"except\" or \"intersect\", or the end of the input",
-     "\"contains\" is a relation, no function: write @name contains \"value\"."},
-    {"//* 1 < @n < 5",
-     "12: expected input to be consumed, found \"<\", expected \"and\" or \"or\", \"union\", \"except\" or "
-     "\"intersect\", an arithmetic sign, or the end of the input",
+     R"("union" stands between two paths.)"},
+    {"union //heading", R"(1: unexpected "union", expected a path or a value)",
+     R"("union" stands between two paths.)"},
+    {"//heading or //task", R"(11: LEFT_OVER "or", expected PREDICATE, SETS, or END)",
+     R"("or" joins predicates: write "union" between paths.)"},
+    {"//heading and //task", R"(11: LEFT_OVER "and", expected PREDICATE, SETS, or END)",
+     R"("and" joins predicates: write "intersect" between paths.)"},
+    {"//task > //note", R"(8: LEFT_OVER ">", expected PREDICATE, SETS, or END)",
+     R"(">" compares values, not paths: write //* @name = "value".)"},
+    {R"(//* contains(@text, "x"))", R"(5: LEFT_OVER "contains", expected PREDICATE, SETS, or END)",
+     R"("contains" is a relation, no function: write @name contains "value".)"},
+    {"//* 1 < @n < 5", R"(12: LEFT_OVER "<", expected "and" or "or", SETS, SIGN, or END)",
      "comparisons do not chain: write 1 < @name and @name < 5."},
-    {"//task@done",
-     "7: expected input to be consumed, found \"@\", expected \"/\" and a step, a slice ([0], [1:5]), or the "
-     "end of the input",
+    {"//task@done", R"(7: LEFT_OVER "@", expected NEXT_STEP, SLICE, or END)",
      "a predicate needs a blank before it: write //task @done."},
-    {"//task @a @b",
-     "11: expected input to be consumed, found \"@\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "write \"and\" or \"or\" between predicates."},
-    {"//task \"a\" \"b\"",
-     "12: expected input to be consumed, found \"\"\", expected a relation (=, <, contains), \"and\" or "
-     "\"or\", \"union\", \"except\" or \"intersect\", or the end of the input",
-     "write \"and\" or \"or\" between predicates."},
-    {"//task[0] @done",
-     "11: expected input to be consumed, found \"@\", expected \"union\", \"except\" or \"intersect\" or the "
-     "end of the input",
+    {"//task @a @b", R"(11: LEFT_OVER "@", expected RELATION, "and" or "or", SETS, or END)",
+     R"(write "and" or "or" between predicates.)"},
+    {R"(//task "a" "b")", R"(12: LEFT_OVER """, expected RELATION, "and" or "or", SETS, or END)",
+     R"(write "and" or "or" between predicates.)"},
+    {"//task[0] @done", R"(11: LEFT_OVER "@", expected SETS or END)",
      "a slice stands behind the predicate: write //task @done[0]."},
-    {"//* leaf()", "11: unexpected end of input, expected a relation (=, <, contains)",
-     "functions give values, so compare them: write leaf() = true, count(child::*) > 0."},
-    {"//* count(child::*)", "20: unexpected end of input, expected a relation (=, <, contains)",
-     "functions give values, so compare them: write leaf() = true, count(child::*) > 0."},
-    {"//task[last()]", "8: failed to process \"Int\", found \"last\", expected an integer or \":\"",
-     "slices count from 0: [0] takes the first row, [-1] the last."},
-    {"//task[first]", "8: failed to process \"Int\", found \"first\", expected an integer or \":\"",
-     "slices count from 0: [0] takes the first row, [-1] the last."},
-    {"//task[position()=1]", "8: failed to process \"Int\", found \"position\", expected an integer or \":\"",
-     "slices count from 0: [0] takes the first row, [-1] the last."},
-    {"//*[1..5]", "6: unexpected \"..5\", expected \":\" or \"]\"",
-     "a slice from one row to another is written [start:end]: [1:5]."},
-    {"//*[1-5]", "6: unexpected \"-5\", expected \":\" or \"]\"",
-     "a slice from one row to another is written [start:end]: [1:5]."},
-    {"//*[1,5]", "6: unexpected \",\", expected \":\" or \"]\"",
-     "a slice from one row to another is written [start:end]: [1:5]."},
-    {"task.done", "1: \"task.done\" alone is not a path",
-     "an attribute stands behind \"@\": write //task @done."},
-    {"task[@done]",
-     "5: expected input to be consumed, found \"[\", expected an arithmetic sign or the end of the input",
-     "a path begins with an axis or \"/\": write //task to search all rows, ./task to search from here."},
-    {"*[@done]", "1: unexpected \"*\", expected a path or a value",
-     "a path begins with an axis or \"/\": write //* for all rows."},
-    {"#id", "1: unexpected \"#\", expected a path or a value",
-     "a row's id is an attribute: write //* @id = \"id\"."},
-    {"//* @a = [i] \"x\"", "10: unexpected \"[\", expected a value",
-     "a modifier stands right behind its relation: write @name =[i] \"value\"."},
-    {"//* @a <> 1", "9: unexpected \">\", expected a value",
-     "\"!=\" says that values differ: write @name != \"value\"."},
-    {"//* @a =~ \"x\"", "9: unexpected \"~\", expected a value",
-     "\"matches\" compares with a pattern: write @name matches \"pattern\"."},
-    {"//* @a => 1", "9: unexpected \">\", expected a value", "write \">=\" for greater or equal."},
-    {"//* @a = “x”", "10: unexpected \"“\", expected a value",
-     "strings stand in plain double quotes: write \"text\"."},
-    {"//* @a = ‘x’", "10: unexpected \"‘\", expected a value",
-     "strings stand in plain double quotes: write \"text\"."},
-    {"//task\u200B@done",
-     "7: expected input to be consumed, found \"\u200B\", expected \"/\" and a step, a slice ([0], [1:5]), "
-     "or the end of the input",
+    {"//* leaf()", "11: unexpected end of input, expected RELATION", kComparedFunctions},
+    {"//* count(child::*)", "20: unexpected end of input, expected RELATION", kComparedFunctions},
+    {"//task[last()]", R"(8: failed to process "Int", found "last", expected BOUND)", kCountFrom0},
+    {"//task[first]", R"(8: failed to process "Int", found "first", expected BOUND)", kCountFrom0},
+    {"//task[position()=1]", R"(8: failed to process "Int", found "position", expected BOUND)", kCountFrom0},
+    {"//*[1..5]", R"(6: unexpected "..5", expected ":" or "]")", kRange},
+    {"//*[1-5]", R"(6: unexpected "-5", expected ":" or "]")", kRange},
+    {"//*[1,5]", R"(6: unexpected ",", expected ":" or "]")", kRange},
+    {"task.done", R"(1: "task.done" alone is not a path)",
+     R"(an attribute stands behind "@": write //task @done.)"},
+    {"task[@done]", R"(5: LEFT_OVER "[", expected SIGN or END)",
+     R"(a path begins with an axis or "/": write //task to search all rows, ./task to search from here.)"},
+    {"*[@done]", R"(1: unexpected "*", expected a path or a value)",
+     R"(a path begins with an axis or "/": write //* for all rows.)"},
+    {"#id", R"(1: unexpected "#", expected a path or a value)",
+     R"(a row's id is an attribute: write //* @id = "id".)"},
+    {R"(//* @a = [i] "x")", R"(10: unexpected "[", expected a value)",
+     R"(a modifier stands right behind its relation: write @name =[i] "value".)"},
+    {"//* @a <> 1", R"(9: unexpected ">", expected a value)",
+     R"("!=" says that values differ: write @name != "value".)"},
+    {R"(//* @a =~ "x")", R"(9: unexpected "~", expected a value)",
+     R"("matches" compares with a pattern: write @name matches "pattern".)"},
+    {"//* @a => 1", R"(9: unexpected ">", expected a value)", R"(write ">=" for greater or equal.)"},
+    {"//* @a = “x”", R"(10: unexpected "“", expected a value)",
+     R"(strings stand in plain double quotes: write "text".)"},
+    {"//* @a = ‘x’", R"(10: unexpected "‘", expected a value)",
+     R"(strings stand in plain double quotes: write "text".)"},
+    {"//task\u200B@done", "7: LEFT_OVER \"\u200B\", expected NEXT_STEP, SLICE, or END",
      "the character U+200B is no blank here: write a plain one, or none."},
-    {"//task @a = 1\u00A0and @b",
-     "14: expected input to be consumed, found \"\u00A0\", expected \"/\" and a step, a slice ([0], [1:5]), "
-     "an arithmetic sign, or the end of the input",
+    {"//task @a = 1\u00A0and @b", "14: LEFT_OVER \"\u00A0\", expected NEXT_STEP, SLICE, SIGN, or END",
      "the character U+00A0 is no blank here: write a plain one, or none."},
-    {"\uFEFF//task[", "3: unexpected \"/\", expected something to divide by",
+    {"\uFEFF//task[", R"(3: unexpected "/", expected something to divide by)",
      "the character U+FEFF is no blank here: write a plain one, or none."},
-    {"//\u200Dtask @done and \"\u00A0",
-     "9: expected input to be consumed, found \"@\", expected \"union\", \"except\" or \"intersect\" or the "
-     "end of "
-     "the input",
+    {"//\u200Dtask @done and \"\u00A0", R"(9: LEFT_OVER "@", expected SETS or END)",
      "the character U+200D is no blank here: write a plain one, or none."},
     {"//* \"a\\\"\u00A0\" and", "15: unexpected end of input, expected a blank",
-     "\"and\" stands between two predicates."},
-    {"//* @a\u2069 \x7F= 1",
-     "7: expected input to be consumed, found \"\u2069\", expected a relation (=, <, contains), \"/\" and a "
-     "step, a "
-     "slice ([0], [1:5]), or the end of the input",
+     R"("and" stands between two predicates.)"},
+    {"//* @a\u2069 \x7F= 1", "7: LEFT_OVER \"\u2069\", expected RELATION, NEXT_STEP, SLICE, or END",
      "the character U+2069 is no blank here: write a plain one, or none."},
-    {"//child::*",
-     "3: expected input to be consumed, found \"child::\", expected a type test or a predicate, \"/\" and a "
-     "step, a slice ([0], [1:5]), or the end of the input",
-     "\"//\" is an axis itself: write /child::* or //*."},
+    {"//child::*", R"(3: LEFT_OVER "child::", expected a type test or a predicate, NEXT_STEP, SLICE, or END)",
+     R"("//" is an axis itself: write /child::* or //*.)"},
     {"sibling::*", "11: unexpected end of input, expected a value",
-     "\"sibling::\" is no axis; did you mean \"following-sibling::\"?"},
+     R"("sibling::" is no axis; did you mean "following-sibling::"?)"},
     {"children::*", "12: unexpected end of input, expected a value",
-     "\"children::\" is no axis; did you mean \"child::\"?"},
-    {"/sibling::task",
-     "2: expected input to be consumed, found \"sibling::task\", expected a step (*, task, @name) or the end "
-     "of the input",
-     "\"sibling::\" is no axis; did you mean \"following-sibling::\"?"},
+     R"("children::" is no axis; did you mean "child::"?)"},
+    {"/sibling::task", R"(2: LEFT_OVER "sibling::task", expected STEP or END)",
+     R"("sibling::" is no axis; did you mean "following-sibling::"?)"},
     // Lines and widths
-    {"//a\nunion//b", "line 2, column 6: unexpected \"/\", expected a blank",
-     "\"union\" needs a blank on both sides."},
+    {"//a\nunion//b", R"(line 2, column 6: unexpected "/", expected a blank)",
+     R"("union" needs a blank on both sides.)"},
 };
 
 std::string errorLine(const std::string& rendered) {
@@ -291,6 +212,10 @@ std::string errorLine(const std::string& rendered) {
   line = line.substr(std::string("At ").size());
   if (line.substr(0, 7) == "column ") line = line.substr(7);
   line.pop_back();
+  for (const auto& [name, text] : kShort) {
+    if (const std::size_t at = line.find(text); at != std::string::npos)
+      line.replace(at, std::string_view(text).size(), name);
+  }
   return line;
 }
 
