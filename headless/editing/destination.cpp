@@ -46,7 +46,6 @@ const Row& siblingParent(const Row& sibling) {
 }  // namespace
 
 Destination resolve(const Outline& outline, const DestinationRequest& request, const RowFilter& stays) {
-  if (request.before && request.after) throw Problem("Both before and after are given; use one of them");
   if (request.before) return {&siblingParent(*request.before), request.before};
   if (request.after) {
     const Row& parent = siblingParent(*request.after);

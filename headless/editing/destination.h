@@ -8,7 +8,7 @@
 
 namespace vell::headless {
 
-/// Where a client wants rows: before or after a sibling, or else below a parent.
+/// Where a client wants rows: before a sibling, or else after one, or else below a parent.
 struct DestinationRequest {
   const Row* parent = nullptr;  ///< null: the root
   std::optional<std::string>
@@ -25,8 +25,8 @@ struct Destination {
 
 using RowFilter = std::function<bool(const Row&)>;
 
-/// Positions count only the children that `stays` accepts. Throws Problem for a place beside the root, for
-/// before and after at once, and for a position that does not exist.
+/// Positions count only the children that `stays` accepts. Throws Problem for a place beside the root and for
+/// a position that does not exist.
 Destination resolve(
     const Outline& outline, const DestinationRequest& request,
     const RowFilter& stays = [](const Row&) { return true; });

@@ -4,7 +4,6 @@
 
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "formats/format.h"
@@ -37,46 +36,6 @@ class EditTest : public testing::Test {
   std::optional<Editor> editor;
   std::optional<History> history;
 };
-
-TEST_F(EditTest, EveryKindOfChangeIsTakenBackAndMadeAgain) {
-  const Row& root = outline.root();
-  const std::vector<std::pair<const char*, std::function<void(Edit&)>>> changes = {
-      {"create",
-       [&](Edit& edit) {
-         edit.insert(edit.make({RowType::task, Text("new"), {}, "pid"}), row(2), &row(3));
-       }},
-      {"move down", [&](Edit& edit) { edit.place(row(2), row(4), nullptr); }},
-      {"move before itself", [&](Edit& edit) { edit.place(row(2), root, &row(2)); }},
-      {"remove with a persistent id", [&](Edit& edit) { edit.remove(row(2)); }},
-      {"type without text", [&](Edit& edit) { edit.setType(row(2), RowType::hr); }},
-      {"text", [&](Edit& edit) { edit.setText(row(3), Text("other")); }},
-      {"attributes",
-       [&](Edit& edit) {
-         edit.setAttributes(row(3), {{"color", "red"}});
-       }},
-      {"take over a persistent id", [&](Edit& edit) { edit.setPersistentId(row(4), "pid"); }},
-      {"several in one", [&](Edit& edit) {
-         Row& made = edit.make({.text = Text("x")});
-         edit.attach(edit.make({.text = Text("y")}), made);
-         edit.insert(made, root, nullptr);
-         edit.place(row(3), made, nullptr);
-         edit.remove(row(2));
-         edit.setPersistentId(made, "pid");
-         edit.remove(row(4));
-       }}};
-  for (const auto& [name, change] : changes) {
-    const std::string before = picture();
-    Edit edit(outline, 1'000'000);
-    change(edit);
-    const std::string after = picture();
-    history->record(edit, editor->place());
-    ASSERT_TRUE(history->undo()) << name;
-    EXPECT_EQ(picture(), before) << name;
-    EXPECT_TRUE(history->redo()) << name;
-    EXPECT_EQ(picture(), after) << name;
-    history->undo();
-  }
-}
 
 TEST_F(EditTest, ChangesOfContentSetTheModifiedTimeAndOthersDoNot) {
   Edit edit(outline, 7000);
