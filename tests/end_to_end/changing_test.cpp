@@ -75,56 +75,5 @@ TEST(Changing, AnOutlineFromNothingToItsFile) {
             "ladder\n");
 }
 
-TEST(Changing, AnUntitledOutlineIsThereAgain) {
-  const TemporaryHome home;
-  {
-    Application application;
-    printed({"create", "outline"});
-    printed({"create", "row", "--text", "kept"});
-    EXPECT_EQ(application.stop().status, 0);
-  }
-  const Application application;
-  EXPECT_EQ(printed({"get", "outline", "-o", "txt"}), "kept\n\n");
-}
-
-TEST(Changing, CreatingAtAPath) {
-  const TemporaryHome home;
-  const std::string file = home / "new.vell";
-  const Ended away = vell({"create", "outline", file});
-  EXPECT_EQ(away.status, 1);
-  EXPECT_EQ(away.error.find("Error: Vell.app must be running for CLI/MCP access.\n"), 0U) << away.error;
-  EXPECT_FALSE(fs::exists(file));
-  const Application application;
-  EXPECT_NE(printed({"create", "outline", file}).find("\"displayName\":\"new.vell\""), std::string::npos);
-  EXPECT_TRUE(read(file).starts_with("vell 1\n"));
-  EXPECT_EQ(vell({"create", "outline", file}).error, "Error: File already exists: " + file + "\n");
-}
-
-TEST(Changing, FailuresSayWhatToDo) {
-  const TemporaryHome home;
-  const Application application(copySamples(home));
-  const std::string before = printed({"get", "outline"});
-  const struct {
-    std::vector<std::string> arguments;
-    int status;
-    std::string error;
-  } rows[] = {
-      {{"open", "outline", home / "missing.vell"}, 1, "Error: File not found: " + (home / "missing.vell")},
-      {{"create", "rows", "--file", home / "missing.md"}, 1, "No such file or directory"},
-      {{"update", "rows", "milk", "--attr", "novalue"}, 64, "Error: "},
-      {{"move", "rows", "milk"}, 64, "Error: Specify --to, --before, or --after."},
-      {{"move", "rows", "week", "--to", "milk"}, 1, "Error: Vell error "},
-      {{"delete", "rows", "nosuch"}, 1, "nosuch"},
-      {{"evaluate", "commands", "edit:undo", "no:such"}, 1, "no:such"},
-  };
-  for (const auto& row : rows) {
-    const Ended ended = vell(row.arguments);
-    EXPECT_EQ(ended.status, row.status) << testing::PrintToString(row.arguments);
-    EXPECT_NE(ended.error.find(row.error), std::string::npos) << ended.error;
-    EXPECT_EQ(ended.output, "");
-  }
-  EXPECT_EQ(printed({"get", "outline"}), before);
-}
-
 }  // namespace
 }  // namespace vell::tests

@@ -104,8 +104,10 @@ TEST(Terminal, TellsWhoTypesHowToEnd) {
   Terminal serving(withProgram({"mcp"}), {"TERM=dumb"});
   serving.shown("(Ctrl-D).\n");
   serving.type("\x04");
-  EXPECT_EQ(serving.wait().output, "Serving an MCP host on standard input until end of file (Ctrl-D).\n");
-  const FakeApplication application([](const std::string&) { return FakeApplication::result("1"); });
+  const Ended served = serving.wait();
+  EXPECT_EQ(served.output, "Serving an MCP host on standard input until end of file (Ctrl-D).\n");
+  EXPECT_EQ(served.status, 0);
+  const FakeApplication application(FakeApplication::result("1"));
   Terminal typing(withProgram({"create", "rows", "-f", "-"}), {"TERM=dumb"});
   typing.shown("(Ctrl-D).\n");
   typing.type("row\n\x04");
