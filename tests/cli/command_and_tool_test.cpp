@@ -58,7 +58,7 @@ TEST(CommandAndTool, SendTheSameRequest) {
       {"evaluate script -f - --input i", "vell_evaluate_script", R"({"script":"a\n\tb\n","input":"i"})"},
   };
   const tests::TemporaryHome home;
-  FakeApplication application([](const std::string&) { return FakeApplication::result("null"); });
+  FakeApplication application(FakeApplication::result("null"));
   tools::tests::Host host;
   host.initialize();
   for (const Row& row : rows) {

@@ -167,7 +167,7 @@ TEST(Completion, WithoutAnAnswerOffersWhatIsFixed) {
       {"vell evaluate commands ", "--editor |--pretty |--version |--help "}};
   for (const auto& [line, words] : cases) EXPECT_EQ(offered(line), words) << line << ", nothing running";
   for (const auto& reply : replies) {
-    const FakeApplication application([&](const std::string&) { return reply; });
+    const FakeApplication application(reply);
     for (const auto& [line, words] : cases) EXPECT_EQ(offered(line), words) << line << ", " << reply.bytes;
   }
 }

@@ -1,7 +1,5 @@
 #include <gtest/gtest.h>
-#include <unistd.h>
 
-#include "cli/entry.h"
 #include "tests/cli/run.h"
 #include "tests/support/fake_application.h"
 #include "tests/support/temporary_directory.h"
@@ -62,7 +60,7 @@ TEST(Observe, PrintsEveryNotification) {
     std::string answer = "{\"id\":1,\"result\":{}}\n";
     for (const char* snapshot : data) answer += notification("snapshot", snapshot);
     answer += notification("subscription.closed", R"({"reason":"outlineClosed"})");
-    FakeApplication application([&](const std::string&) { return FakeApplication::Reply{answer}; });
+    FakeApplication application(FakeApplication::Reply{answer});
     const Outcome outcome = run(line);
     EXPECT_EQ(outcome.status, 0) << line;
     EXPECT_EQ(outcome.out, out) << line;
@@ -82,26 +80,12 @@ TEST(Observe, FailsAsTheStreamDoes) {
       {{first, true}, "Error: Vell closed the connection without sending a response.\n"},
   };
   for (const auto& [reply, err] : cases) {
-    FakeApplication application([&answer = reply](const std::string&) { return answer; });
+    FakeApplication application(reply);
     const Outcome outcome = run("observe outline 'count(//*)' -o txt");
     EXPECT_EQ(outcome.status, 1);
     EXPECT_EQ(outcome.err, err);
     EXPECT_EQ(outcome.out, reply.close ? "a\n" : "");
   }
-}
-
-TEST(Observe, EndsWhenNobodyReadsAnyMore) {
-  GTEST_FLAG_SET(death_test_style, "threadsafe");
-  tests::TemporaryHome home;
-  FakeApplication silent([](const std::string&) { return FakeApplication::Reply{}; });
-  EXPECT_EXIT(
-      {
-        int ends[2];
-        if (pipe(ends) == 0) close(ends[0]);
-        Console console(0, ends[1], 2);
-        _exit(Vell::main(words("observe outline"), console));
-      },
-      testing::ExitedWithCode(141), "^$");
 }
 
 }  // namespace

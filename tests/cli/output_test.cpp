@@ -50,8 +50,7 @@ TEST(Output, ToAFullDiskIsAnError) {
 TEST(Output, ToAReaderThatLeavesEndsQuietly) {
   std::signal(SIGPIPE, SIG_IGN);
   tests::TemporaryHome home;
-  FakeApplication application(
-      [](const std::string&) { return FakeApplication::result('"' + longText() + '"'); });
+  FakeApplication application(FakeApplication::result('"' + longText() + '"'));
   for (const char* line : {"get outline -o txt", "get outlines", "--help"}) {
     for (const std::size_t taken : {0UL, 1'500'000UL}) {
       if (taken > 0 && line[0] == '-') continue;
@@ -75,8 +74,7 @@ TEST(Output, ToAReaderThatLeavesEndsQuietly) {
 TEST(Output, BeyondTheLargestFileIsAnError) {
   std::signal(SIGXFSZ, SIG_IGN);
   tests::TemporaryHome home;
-  FakeApplication application(
-      [](const std::string&) { return FakeApplication::result('"' + longText() + '"'); });
+  FakeApplication application(FakeApplication::result('"' + longText() + '"'));
   rlimit before{};
   getrlimit(RLIMIT_FSIZE, &before);
   for (const rlim_t most : {100'000UL, 2'000'000UL}) {
@@ -94,8 +92,7 @@ TEST(Output, BeyondTheLargestFileIsAnError) {
 
 TEST(Output, ToAPipeThatDoesNotBlockArrivesWhole) {
   tests::TemporaryHome home;
-  FakeApplication application(
-      [](const std::string&) { return FakeApplication::result('"' + longText() + '"'); });
+  FakeApplication application(FakeApplication::result('"' + longText() + '"'));
   int ends[2];
   ASSERT_EQ(pipe(ends), 0);
   ASSERT_EQ(fcntl(ends[1], F_SETFL, O_NONBLOCK), 0);
@@ -115,7 +112,7 @@ TEST(Output, ToAPipeThatDoesNotBlockArrivesWhole) {
 
 TEST(Output, ToAClosedDescriptorNeverReachesTheApplication) {
   tests::TemporaryHome home;
-  FakeApplication application([](const std::string&) { return FakeApplication::result("1"); });
+  FakeApplication application(FakeApplication::result("1"));
   EXPECT_EXIT(
       {
         close(0);

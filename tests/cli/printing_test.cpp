@@ -60,8 +60,7 @@ TEST(Printing, OfResults) {
   };
   tests::TemporaryHome home;
   for (const auto& [line, result, out, err] : cases) {
-    FakeApplication application(
-        [answer = result](const std::string&) { return FakeApplication::result(answer); });
+    FakeApplication application(FakeApplication::result(result));
     const Outcome outcome = run(line);
     EXPECT_EQ(outcome.status, 0) << line;
     EXPECT_EQ(outcome.out, out) << line;
@@ -71,8 +70,7 @@ TEST(Printing, OfResults) {
 
 TEST(Printing, OfApplicationErrors) {
   tests::TemporaryHome home;
-  FakeApplication application(
-      [](const std::string&) { return FakeApplication::error(-32602, "No such row: 99"); });
+  FakeApplication application(FakeApplication::error(-32602, "No such row: 99"));
   const Outcome outcome = run("get outline 99 -o markdown --pretty");
   EXPECT_EQ(outcome.status, 1);
   EXPECT_EQ(outcome.out, "");

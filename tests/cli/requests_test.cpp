@@ -19,8 +19,7 @@ struct Case {
 void expectRequests(const std::vector<Case>& cases, std::string_view input = "") {
   tests::TemporaryHome home;
   for (const auto& [line, method, params] : cases) {
-    tests::FakeApplication application(
-        [](const std::string&) { return tests::FakeApplication::result("null"); });
+    tests::FakeApplication application(tests::FakeApplication::result("null"));
     const Outcome outcome = run(line, input);
     EXPECT_EQ(outcome.status, 0) << line << "\n" << outcome.err;
     const std::string expected = std::string(R"({"id":1,"jsonrpc":"2.0","method":")") + method + "\"" +

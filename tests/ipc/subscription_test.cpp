@@ -21,7 +21,7 @@ const std::string closing = R"({"data":{"reason":"appQuitting"},"kind":"subscrip
 /// The events of one subscription and, in the end, how it ended.
 std::vector<std::string> subscription(const Reply& reply) {
   const tests::TemporaryHome home;
-  const FakeApplication fake([&](const std::string&) { return reply; });
+  const FakeApplication fake(reply);
   std::vector<std::string> seen;
   try {
     VellClient().subscribe(DocumentsObserve{}, [&](const json::Node& params) {
@@ -51,14 +51,11 @@ TEST(Subscription, HandsOnEveryEventUntilItIsClosed) {
        {event("1") + R"({"id":1,"error":{"code":4,"message":"scalar"}})"
                      "\n"},
        {"1", "Vell error 4: scalar"}},
-      {"bare error",
-       {R"({"error":{}})"
-        "\n"},
-       {"Vell error -1: Unknown error"}},
+      {"bare error", Reply::line(R"({"error":{}})"), {"Vell error -1: Unknown error"}},
       {"an error that is no object",
-       {R"({"error":"x"})"
-        "\n" +
-        event(closing)},
+       Reply::line(R"({"error":"x"})"
+                   "\n" +
+                   event(closing)),
        {closing, "closed"}},
       {"connection lost", {event("1"), true}, {"1", lost}},
       {"last event without its line feed",

@@ -18,10 +18,6 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::StartsWith;
 
-FakeApplication::Script always(const Reply& reply) {
-  return [reply](const std::string&) { return reply; };
-}
-
 /// What one call gives: the result, or the error's text.
 std::string outcome(Application& application) {
   try {
@@ -33,7 +29,7 @@ std::string outcome(Application& application) {
 
 TEST(VellClient, SendsSortedRequestsWithRisingIds) {
   const tests::TemporaryHome home;
-  const FakeApplication fake(always(FakeApplication::result("1")));
+  const FakeApplication fake(FakeApplication::result("1"));
   VellClient client;
   client.call("outline.list");
   client.call("editor.get", "{}");
@@ -56,49 +52,24 @@ TEST(VellClient, FindsTheAnswerAmongWhatArrives) {
        {"\n \t\n[1]\n{\"method\":\"x\",\"params\":1}\n" + answer + "\n{\"id\":2,\"result\":2}\n"},
        bytes},
       {"without its line feed", {answer, true}, bytes},
-      {"another id",
-       {R"({"id":"x","result":null})"
-        "\n"},
-       "null"},
-      {"without result",
-       {R"({"id":5})"
-        "\n"},
-       "null"},
-      {"an error that is no object",
-       {R"({"id":5,"error":"no","result":[]})"
-        "\n"},
-       "[]"},
-      {"error",
-       {R"({"id":5,"error":{"code":-32000,"message":"No \u00e9ditor"},"result":1})"
-        "\n"},
+      {"another id", Reply::line(R"({"id":"x","result":null})"), "null"},
+      {"without result", Reply::line(R"({"id":5})"), "null"},
+      {"an error that is no object", Reply::line(R"({"id":5,"error":"no","result":[]})"), "[]"},
+      {"error", Reply::line(R"({"id":5,"error":{"code":-32000,"message":"No \u00e9ditor"},"result":1})"),
        "Vell error -32000: No \xC3\xA9"
        "ditor"},
-      {"error without id",
-       {R"({"error":{"code":7,"message":"m"}})"
-        "\n"},
-       "Vell error 7: m"},
-      {"bare error",
-       {R"({"id":5,"error":{}})"
-        "\n"},
+      {"error without id", Reply::line(R"({"error":{"code":7,"message":"m"}})"), "Vell error 7: m"},
+      {"bare error", Reply::line(R"({"id":5,"error":{}})"), "Vell error -1: Unknown error"},
+      {"error of other types", Reply::line(R"({"id":5,"error":{"code":"7","message":7}})"),
        "Vell error -1: Unknown error"},
-      {"error of other types",
-       {R"({"id":5,"error":{"code":"7","message":7}})"
-        "\n"},
-       "Vell error -1: Unknown error"},
-      {"error with a fraction",
-       {R"({"id":5,"error":{"code":7.5,"message":"m"}})"
-        "\n"},
+      {"error with a fraction", Reply::line(R"({"id":5,"error":{"code":7.5,"message":"m"}})"),
        "Vell error -1: m"},
       {"closed", {"", true}, closed},
-      {"closed behind a notification",
-       {R"({"method":"x"})"
-        "\n",
-        true},
-       closed},
+      {"closed behind a notification", Reply::line(R"({"method":"x"})", true), closed},
   };
   const tests::TemporaryHome home;
   for (const auto& [name, reply, expected] : cases) {
-    const FakeApplication fake(always(reply));
+    const FakeApplication fake(reply);
     VellClient client;
     EXPECT_EQ(outcome(client), expected) << name;
   }
@@ -108,13 +79,13 @@ TEST(VellClient, NamesThePlaceWhereALineIsNotJson) {
   const std::pair<std::string, std::size_t> cases[] = {
       {"{\"id\":1,\"result\":}\n", 17}, {"{\"id\":1,\"result\":\"\xFF\"}\n", 18}, {"5\n", 0}};
   const tests::TemporaryHome home;
-  for (const auto& [line, offset] : cases) {
-    const FakeApplication fake(always({line}));
+  for (const auto& [text, offset] : cases) {
+    const FakeApplication fake(Reply{text});
     VellClient client;
     try {
-      ADD_FAILURE() << line << " gave " << client.call("m");
+      ADD_FAILURE() << text << " gave " << client.call("m");
     } catch (const json::ParseError& error) {
-      EXPECT_EQ(error.offset(), offset) << line;
+      EXPECT_EQ(error.offset(), offset) << text;
       EXPECT_THAT(error.what(), HasSubstr(std::to_string(offset)));
     }
   }
@@ -123,7 +94,7 @@ TEST(VellClient, NamesThePlaceWhereALineIsNotJson) {
 TEST(VellClient, TakesAnAnswerOfManyReads) {
   const std::string text(3'000'000, 'x');
   const tests::TemporaryHome home;
-  const FakeApplication fake(always(FakeApplication::result('"' + text + '"')));
+  const FakeApplication fake(FakeApplication::result('"' + text + '"'));
   EXPECT_EQ(VellClient().request("m", "").result().string(), text);
 }
 
@@ -148,7 +119,7 @@ TEST(VellClient, SaysWhyItCannotConnect) {
 TEST(VellClient, TakesPathsOfUpTo103Bytes) {
   const tests::TemporaryDirectory directory;
   const std::string longest = directory / std::string(103 - directory.path().size() - 1, 's');
-  const FakeApplication fake(always(FakeApplication::result("1")), longest);
+  const FakeApplication fake(FakeApplication::result("1"), longest);
   EXPECT_EQ(VellClient(longest).call("m"), "1");
   try {
     VellClient client(longest + "s");
@@ -160,7 +131,7 @@ TEST(VellClient, TakesPathsOfUpTo103Bytes) {
 
 TEST(VellClient, AWriteToAnApplicationThatWentAwayIsAnErrorAndNoSignal) {
   const tests::TemporaryHome home;
-  auto fake = std::make_unique<FakeApplication>(always(FakeApplication::result("1")));
+  auto fake = std::make_unique<FakeApplication>(FakeApplication::result("1"));
   VellClient client;
   client.call("m");
   fake.reset();

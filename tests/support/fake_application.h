@@ -19,10 +19,16 @@ class FakeApplication {
   struct Reply {
     std::string bytes;
     bool close = false;
+
+    static Reply line(const std::string& json, bool close = false) { return {json + "\n", close}; }
   };
   using Script = std::function<Reply(const std::string& request)>;
 
   explicit FakeApplication(Script script, const std::string& socketPath = platform::applicationSocketPath());
+  /// Answers every request so.
+  explicit FakeApplication(const Reply& reply,
+                           const std::string& socketPath = platform::applicationSocketPath())
+      : FakeApplication([reply](const std::string&) { return reply; }, socketPath) {}
   /// Closes every connection and removes the socket.
   ~FakeApplication();
   FakeApplication(const FakeApplication&) = delete;
@@ -32,7 +38,7 @@ class FakeApplication {
   std::vector<std::string> requests() const;
 
   /// A response line with that result.
-  static Reply result(const std::string& json) { return {R"({"id":1,"result":)" + json + "}\n"}; }
+  static Reply result(const std::string& json) { return Reply::line(R"({"id":1,"result":)" + json + "}"); }
   static Reply error(int code, const std::string& message);
 
  private:

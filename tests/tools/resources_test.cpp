@@ -140,13 +140,11 @@ TEST_F(Resources, ThatStayOpenAreNotAnnouncedAgainAfterAHiccup) {
       {"no list", {list + "5]}}\n"}, added},
       {"refused", {"{\"error\":{\"code\":1,\"message\":\"no\"}}\n"}, added},
       {"closed",
-       {R"({"method":"event","params":{"kind":"subscription.closed","data":{}}})"
-        "\n"},
+       FakeApplication::Reply::line(
+           R"({"method":"event","params":{"kind":"subscription.closed","data":{}}})"),
        goneAndBack},
       {"closed, connection lost",
-       {R"({"method":"event","params":{"kind":"subscription.closed"}})"
-        "\n",
-        true},
+       FakeApplication::Reply::line(R"({"method":"event","params":{"kind":"subscription.closed"}})", true),
        goneAndBack},
   };
   for (const Row& row : rows) {
