@@ -5,21 +5,11 @@
 #include <chrono>
 #include <csignal>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 namespace vell::tests {
-namespace {
-
-std::vector<std::string> commandOf(const std::string& program, std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), program);
-  return arguments;
-}
-
-}  // namespace
 
 Ended vell(std::vector<std::string> arguments, const std::string& input) {
-  return Process(commandOf(VELL, std::move(arguments)), input).wait();
+  return Process(VELL, std::move(arguments), input).wait();
 }
 
 std::string printed(std::vector<std::string> arguments, const std::string& input) {
@@ -36,8 +26,7 @@ void awaitApplication() {
   }
 }
 
-Application::Application(std::vector<std::string> files)
-    : process_(commandOf(VELL_HEADLESS, std::move(files))) {
+Application::Application(std::vector<std::string> files) : process_(VELL_HEADLESS, std::move(files)) {
   awaitApplication();
 }
 
@@ -46,16 +35,10 @@ Ended Application::stop() {
   return process_.wait();
 }
 
-std::string read(const std::string& path) {
-  std::ostringstream content;
-  content << std::ifstream(path, std::ios::binary).rdbuf();
-  return content.str();
-}
-
 std::vector<std::string> copySamples(const TemporaryDirectory& directory) {
   std::vector<std::string> copies;
   for (const auto& sample : std::filesystem::directory_iterator(VELL_SAMPLES)) {
-    copies.push_back(directory.write(sample.path().filename().string(), read(sample.path().string())));
+    copies.push_back(directory.write(sample.path().filename().string(), contentOf(sample.path().string())));
   }
   return copies;
 }

@@ -4,7 +4,7 @@
 #include <string>
 #include <vector>
 
-#include "tests/end_to_end/process.h"
+#include "tests/support/process.h"
 #include "tests/support/temporary_directory.h"
 
 namespace vell::tests {
@@ -31,9 +31,6 @@ class Application {
  private:
   Process process_;
 };
-
-/// The content of a file.
-std::string read(const std::string& path);
 
 /// The files of samples/, copied into that directory.
 std::vector<std::string> copySamples(const TemporaryDirectory& directory);

@@ -24,7 +24,7 @@ class InstalledBundle {
   }
 
   Ended open(const std::string& file) {
-    const Ended ended = Process({vellPath(), "open", "outline", file, "--timeout", "60"}).wait();
+    const Ended ended = Process(vellPath(), {"open", "outline", file, "--timeout", "60"}).wait();
     started_ = ended.status == 0;
     return ended;
   }
@@ -61,7 +61,7 @@ TEST(Changing, AnOutlineFromNothingToItsFile) {
   EXPECT_EQ(printed({"close", "outline"}), "{\"closed\":true}\n");
   EXPECT_EQ(printed({"get", "outlines"}), "[]\n");
 
-  const std::string content = read(file);
+  const std::string content = contentOf(file);
   const std::size_t body = content.find("# Shed");
   ASSERT_NE(body, std::string::npos) << content;
   EXPECT_EQ(content.substr(body),

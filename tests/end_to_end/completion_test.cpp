@@ -134,7 +134,7 @@ class CompletionIn : public testing::TestWithParam<const char*> {
            (GetParam() == std::string("bash") && !succeeds("type compopt"));
   }
   static bool succeeds(const std::string& command) {
-    return Process({programPath("bash"), "-c", command}).wait().status == 0;
+    return Process(programPath("bash"), {"-c", command}).wait().status == 0;
   }
 
   TemporaryHome home_;

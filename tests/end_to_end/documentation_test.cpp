@@ -121,7 +121,7 @@ std::string scriptOf(const std::vector<Example>& examples) {
 class Documentation : public testing::TestWithParam<const char*> {};
 
 TEST_P(Documentation, SaysWhatItsCommandsPrint) {
-  const std::string page = read(std::string(VELL_SOURCE) + "/" + GetParam());
+  const std::string page = contentOf(std::string(VELL_SOURCE) + "/" + GetParam());
   ASSERT_FALSE(page.empty());
   const std::vector<Example> all = examples(page);
   if (all.empty()) return;
@@ -131,7 +131,7 @@ TEST_P(Documentation, SaysWhatItsCommandsPrint) {
   const std::string path = fs::path(VELL).parent_path().string() + ":" +
                            fs::path(VELL_HEADLESS).parent_path().string() + ":" + std::getenv("PATH");
   const Ended ended =
-      Process({"/usr/bin/env", "PATH=" + path, "LC_ALL=C.UTF-8", "NO_COLOR=1", "bash", "-c", scriptOf(all)})
+      Process("/usr/bin/env", {"PATH=" + path, "LC_ALL=C.UTF-8", "NO_COLOR=1", "bash", "-c", scriptOf(all)})
           .wait();
   std::istringstream outputs(ended.output);
   for (const Example& example : all) {
@@ -147,7 +147,8 @@ TEST_P(Documentation, SaysWhatItsCommandsPrint) {
 
 TEST_P(Documentation, ShowsCommandsWithWhatTheyPrint) {
   const std::regex command("(\\$ )?vell(-headless)? [a-z-].*");
-  for (const auto& [language, first, lines] : blocks(read(std::string(VELL_SOURCE) + "/" + GetParam()))) {
+  for (const auto& [language, first, lines] :
+       blocks(contentOf(std::string(VELL_SOURCE) + "/" + GetParam()))) {
     if (language == "console") continue;
     for (const std::string& line : lines)
       EXPECT_FALSE(std::regex_match(line, command)) << GetParam() << ":" << first << ": " << line;
@@ -158,11 +159,11 @@ TEST_P(Documentation, ShowsCommandsWithWhatTheyPrint) {
 // out.
 TEST_P(Documentation, NamesCommandsThatExist) {
   const TemporaryHome home;
-  const std::string page = read(std::string(VELL_SOURCE) + "/" + GetParam());
+  const std::string page = contentOf(std::string(VELL_SOURCE) + "/" + GetParam());
   const std::regex span("`(vell (?!open|create outline|1`)[^`<>…]*)`");
   for (std::sregex_iterator at(page.begin(), page.end(), span), end; at != end; ++at) {
     const std::string command = "cd; " + fs::path(VELL).string() + (*at)[1].str().substr(4);
-    const Ended ended = Process({"/usr/bin/env", "bash", "-c", command}).wait();
+    const Ended ended = Process("/usr/bin/env", {"bash", "-c", command}).wait();
     const bool nameOnly = ended.error.starts_with("Error: Missing required");
     EXPECT_TRUE(ended.status == 0 || ended.status == 1 || nameOnly) << GetParam() << ": " << at->str() << "\n"
                                                                     << ended.error;

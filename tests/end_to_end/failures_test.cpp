@@ -47,7 +47,7 @@ TEST(Failures, ThatNobodyAskedForAreToldByTheNextCommand) {
   for (int i = 0; i < 100 && told.empty(); ++i) told = vell({"get", "outlines"}).error;
   EXPECT_EQ(told.find("Note from Vell: " + path), 0U) << told;
   EXPECT_EQ(vell({"get", "outlines"}).error, "");
-  EXPECT_NE(read(platform::containerDirectory() + "/vell.log").find(path), std::string::npos);
+  EXPECT_NE(contentOf(platform::containerDirectory() + "/vell.log").find(path), std::string::npos);
 }
 
 TEST(BrokenClients, HarmNobody) {

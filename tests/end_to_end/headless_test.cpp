@@ -19,8 +19,7 @@ using testing::HasSubstr;
 using testing::Not;
 
 Ended headless(std::vector<std::string> arguments) {
-  arguments.insert(arguments.begin(), VELL_HEADLESS);
-  return Process(std::move(arguments)).wait();
+  return Process(VELL_HEADLESS, std::move(arguments)).wait();
 }
 
 /// What a command of `vell-headless` prints; it succeeds.
@@ -83,7 +82,7 @@ TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
     untitled = printed({"create", "outline"});
     printed({"create", "row", "--text", "kept"});
     const std::string session = platform::containerDirectory() + "/session";
-    EXPECT_TRUE(comesTrue([&] { return read(session).find(single) != std::string::npos; }));
+    EXPECT_TRUE(comesTrue([&] { return contentOf(session).find(single) != std::string::npos; }));
     EXPECT_TRUE(comesTrue([&] { return said({"status"}).find("unsaved") == std::string::npos; }));
     application.kill();
   }
@@ -95,6 +94,7 @@ TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
                                     std::string("saved     Untitled 1 (no file)")})
       EXPECT_THAT(status, HasSubstr(line + "\n"));
     EXPECT_THAT(printed({"get", "outlines"}), HasSubstr(untitled.substr(0, untitled.size() - 1)));
+    EXPECT_EQ(printed({"get", "outline", "--outline", "Untitled 1", "-o", "txt"}), "kept\n\n");
     EXPECT_THAT(said({"log"}), HasSubstr("Cannot open " + home / "notes/?[31m.md: "));
     EXPECT_THAT(said({"stop"}), "Ended process " + std::to_string(application.process()) + "\n");
     EXPECT_EQ(application.stop().status, 0);
@@ -113,21 +113,21 @@ TEST(Headless, ItsStatusAndLogTellWhatIsAmiss) {
   home.write("folder/a.md", "a\n");
   Application application({home / "folder/a.md"});
   const platform::Descriptor output(open((home / "followed").c_str(), O_WRONLY | O_CREAT, 0600));
-  const Process follower({VELL_HEADLESS, "log", "--follow"}, "", output.get());
+  const Process follower(VELL_HEADLESS, {"log", "--follow"}, "", output.get());
   fs::rename(home / "folder", home / "away");
   printed({"create", "row", "--text", "two"});
   const std::string fault = "Cannot save " + home / "folder/a.md";
   EXPECT_TRUE(statusComesToSay("FAULT     " + home / "folder/a.md" + "\n          " + fault));
   EXPECT_THAT(said({"log"}), HasSubstr(fault));
-  EXPECT_TRUE(comesTrue([&] { return read(home / "followed").find(fault) != std::string::npos; }));
+  EXPECT_TRUE(comesTrue([&] { return contentOf(home / "followed").find(fault) != std::string::npos; }));
   // A log that has grown long is put aside: whoever follows it goes on with the new one.
   const std::string log = platform::containerDirectory() + "/vell.log";
   fs::rename(log, log + ".old");
   std::ofstream(log) << "another line\n";
-  EXPECT_TRUE(comesTrue([&] { return read(home / "followed").ends_with("\nanother line\n"); }));
+  EXPECT_TRUE(comesTrue([&] { return contentOf(home / "followed").ends_with("\nanother line\n"); }));
   fs::rename(home / "away", home / "folder");
   EXPECT_TRUE(statusComesToSay("saved     " + home / "folder/a.md"));
-  EXPECT_EQ(read(home / "folder/a.md"), "a\n\ntwo\n");
+  EXPECT_EQ(contentOf(home / "folder/a.md"), "a\n\ntwo\n");
 }
 
 TEST(Headless, StoppingSavesAndTellsWhatCouldOnlyBeRescued) {
@@ -143,6 +143,8 @@ TEST(Headless, StoppingSavesAndTellsWhatCouldOnlyBeRescued) {
   EXPECT_THAT(stopped.error,
               HasSubstr("vell-headless: What could not be saved as " + (home / "folder/a.md") + " is in "));
   EXPECT_THAT(stopped.output, testing::StartsWith("Ended process "));
+  for (const auto& rescued : fs::directory_iterator(platform::containerDirectory() + "/Rescued"))
+    EXPECT_EQ(contentOf(rescued.path()), "a\n\ntwo\n");
 }
 
 }  // namespace

@@ -15,10 +15,10 @@ constexpr const char* ours = "<plist><dict><key>VellHeadless</key><string/></dic
 
 /// Both programs find their bundle by whatever link they are started, and files stand where shells look.
 void checkInstalled(const TemporaryDirectory& place) {
-  const std::string version = Process({VELL, "--version"}).wait().output;
+  const std::string version = Process(VELL, {"--version"}).wait().output;
   fs::create_symlink(place / "bin/vell", place / "elsewhere");
   for (const char* program : {"bin/vell", "elsewhere"})
-    EXPECT_EQ(Process({place / program, "--version"}).wait().output, version) << program;
+    EXPECT_EQ(Process(place / program, {"--version"}).wait().output, version) << program;
   for (const char* file :
        {"bin/vell-headless", "share/man/man1/vell.1", "share/bash-completion/completions/vell",
         "share/zsh/site-functions/_vell", "share/fish/vendor_completions.d/vell.fish",
@@ -28,7 +28,7 @@ void checkInstalled(const TemporaryDirectory& place) {
 
 /// What the build lists as installed is all there is outside the folder of its own.
 void checkUninstalls(const TemporaryDirectory& place) {
-  std::istringstream installed(read(std::string(VELL_BUILD) + "/install_manifest.txt"));
+  std::istringstream installed(contentOf(std::string(VELL_BUILD) + "/install_manifest.txt"));
   for (std::string file; std::getline(installed, file);) fs::remove(file);
   fs::remove_all(place / "lib/vell");
   for (const char* folder : {"bin", "lib", "share"})
@@ -58,11 +58,11 @@ TEST(Install, ReplacesAnEarlierVersionAndNothingElse) {
     if (file) place.write(file, content);
     fs::create_directories(place / "bin");
     if (link) fs::create_symlink(link, place / "bin/vell");
-    const Ended ended = Process({CMAKE, "--install", VELL_BUILD, "--prefix", place.path()}).wait();
+    const Ended ended = Process(CMAKE, {"--install", VELL_BUILD, "--prefix", place.path()}).wait();
     ASSERT_EQ(ended.status == 0, other == nullptr) << ended.error;
     if (other) {
       EXPECT_NE(ended.error.find(place / other), std::string::npos) << ended.error;
-      EXPECT_EQ(read(place / file), content);
+      EXPECT_EQ(contentOf(place / file), content);
       EXPECT_FALSE(fs::exists(place / "share"));
     } else {
       checkInstalled(place);

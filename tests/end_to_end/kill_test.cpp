@@ -91,13 +91,13 @@ TEST(Killing, LosesOnlyTheLatestChangesAndNeverTearsAFile) {
     Application application({file});
     std::thread client([&] { list.change(); });
     int seen = 0;
-    while (seen == 0) seen = list.changesIn(read(file));  // on disk soon behind the answer
+    while (seen == 0) seen = list.changesIn(contentOf(file));  // on disk soon behind the answer
     std::this_thread::sleep_for(milliseconds(random() % 1'000));
     const auto killed = Clock::now();
     application.kill();
     client.join();
-    const int kept = list.changesIn(read(file));
-    EXPECT_TRUE(seen > 0 && kept >= seen) << "round " << round << ": " << read(file).substr(0, 200);
+    const int kept = list.changesIn(contentOf(file));
+    EXPECT_TRUE(seen > 0 && kept >= seen) << "round " << round << ": " << contentOf(file).substr(0, 200);
     EXPECT_TRUE(!timed || kept >= list.answeredUntil(killed - patience)) << "round " << round;
   }
 }

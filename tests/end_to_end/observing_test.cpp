@@ -21,7 +21,7 @@ struct Observation {
     platform::prepareSocket(reader.get());  // the child must not hold its own reader
     const platform::Descriptor output(ends[1]);
     platform::prepareSocket(output.get());
-    observer.emplace(std::vector<std::string>{VELL, "observe", "outline", "//*", "-o", "txt"}, "",
+    observer.emplace(VELL, std::vector<std::string>{"observe", "outline", "//*", "-o", "txt"}, "",
                      output.get());
   }
 

@@ -16,7 +16,7 @@ TEST(Reading, ASampleInItsOwnFormatIsItsFileHoweverItIsNamed) {
   };
   for (const auto& [sample, format] : rows) {
     for (const std::string& name : {std::string(sample), home / sample})
-      EXPECT_EQ(printed({"get", "outline", "--outline", name, "-o", format}), read(home / sample) + "\n")
+      EXPECT_EQ(printed({"get", "outline", "--outline", name, "-o", format}), contentOf(home / sample) + "\n")
           << name;
   }
 }

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "platform/descriptor.h"
-#include "tests/end_to_end/process.h"
+#include "tests/support/process.h"
 
 namespace vell::tests {
 

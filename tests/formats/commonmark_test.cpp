@@ -1,12 +1,11 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <fstream>
-#include <iterator>
 #include <map>
 
 #include "formats/markdown_format.h"
 #include "tests/formats/changed_file.h"
+#include "tests/support/temporary_directory.h"
 
 namespace vell::formats {
 namespace {
@@ -18,8 +17,7 @@ struct Example {
 
 /// The examples of CommonMark; a tab is written as an arrow there.
 std::vector<Example> examples() {
-  std::ifstream stream(VELL_COMMONMARK, std::ios::binary);
-  const std::string spec(std::istreambuf_iterator<char>(stream), {});
+  const std::string spec = tests::contentOf(VELL_COMMONMARK);
   const std::string fence(32, '`');
   std::vector<Example> found;
   for (std::size_t at = spec.find(fence + " example\n"); at != std::string::npos;) {

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
 #include "tests/formats/changed_file.h"
+#include "tests/support/temporary_directory.h"
 
 namespace vell::formats {
 namespace {
@@ -13,8 +13,7 @@ namespace {
 class Corpus : public testing::TestWithParam<std::string> {
  protected:
   static ChangedFile open() {
-    std::ifstream stream(std::filesystem::path(VELL_CORPUS) / GetParam(), std::ios::binary);
-    return {formatForFile(GetParam())->name, std::string(std::istreambuf_iterator<char>(stream), {})};
+    return {formatForFile(GetParam())->name, tests::contentOf(VELL_CORPUS "/" + GetParam())};
   }
 };
 

@@ -1,10 +1,10 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
-#include <fstream>
 
 #include "formats/json_format.h"
 #include "tests/formats/support.h"
+#include "tests/support/temporary_directory.h"
 #include "text/lines.h"
 
 namespace vell::formats {
@@ -204,14 +204,9 @@ TEST(Formats, Convert) {
   }
 }
 
-std::string contentOf(const std::filesystem::path& file) {
-  std::ifstream stream(file, std::ios::binary);
-  return {std::istreambuf_iterator<char>(stream), {}};
-}
-
 /// The examples in docs/formats.md are what the formats are: each whole file in it is written as it stands.
 TEST(Formats, DocumentedExamplesStandAsTheyAreWritten) {
-  const std::string guide = contentOf(std::filesystem::path(VELL_SAMPLES) / "../docs/formats.md");
+  const std::string guide = tests::contentOf(VELL_SAMPLES "/../docs/formats.md");
   text::Lines lines(guide);
   int checked = 0;
   while (lines.next()) {
@@ -234,7 +229,7 @@ TEST(Formats, SamplesStandAsTheyAreWritten) {
   for (const auto& file : std::filesystem::directory_iterator(VELL_SAMPLES)) {
     const Format* format = formatForFile(file.path().string());
     ASSERT_TRUE(format) << file.path();
-    const std::string text = contentOf(file.path());
+    const std::string text = tests::contentOf(file.path().string());
     Outline outline;
     readAs(format->name, text, outline);
     EXPECT_EQ(writeAll(format->name, outline), text) << file.path();

@@ -1,16 +1,12 @@
-#include <fcntl.h>
 #include <gmock/gmock.h>
 #include <sys/stat.h>
-#include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-#include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include "platform/container.h"
 #include "tests/headless/server_harness.h"
+#include "tests/support/process.h"
 
 namespace vell::headless {
 namespace {
@@ -18,45 +14,9 @@ namespace {
 using testing::HasSubstr;
 using testing::StartsWith;
 
-struct Ended {
-  int status;
-  std::string standardError;
-};
-
-/// The executable, started with those arguments; its standard error goes to a file.
-class Process {
- public:
-  Process(const std::string& errorFile, std::vector<std::string> arguments) : errorFile_(errorFile) {
-    arguments.insert(arguments.begin(), VELL_HEADLESS);
-    std::vector<char*> argv;
-    argv.reserve(arguments.size() + 1);
-    for (std::string& argument : arguments) argv.push_back(argument.data());
-    argv.push_back(nullptr);
-    pid_ = fork();
-    if (pid_ != 0) return;
-    dup2(open(errorFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC, 0600), STDERR_FILENO);
-    execv(argv[0], argv.data());
-    _exit(127);
-  }
-  ~Process() {
-    if (pid_ == 0) return;
-    kill(pid_, SIGKILL);
-    waitpid(pid_, nullptr, 0);
-  }
-  pid_t id() const { return pid_; }
-  void signal(int number) const { kill(pid_, number); }
-  Ended wait() {
-    int status = 0;
-    waitpid(std::exchange(pid_, 0), &status, 0);
-    std::stringstream text;
-    text << std::ifstream(errorFile_).rdbuf();
-    return {WIFEXITED(status) ? WEXITSTATUS(status) : -WTERMSIG(status), text.str()};
-  }
-
- private:
-  std::string errorFile_;
-  pid_t pid_;
-};
+using tests::contentOf;
+using tests::Ended;
+using tests::Process;
 
 unsigned modeOf(const std::string& path) {
   struct stat status {};
@@ -69,7 +29,7 @@ const std::string list = R"({"id":1,"method":"outline.list"})";
 TEST(HeadlessProcess, ServesPrivatelyAndEndsCleanlyOnASignal) {
   for (const int number : {SIGTERM, SIGINT}) {
     const tests::TemporaryHome home;
-    Process first(home / "first", {});
+    Process first(VELL_HEADLESS);
     const std::string socket = platform::applicationSocketPath();
     TestClient(socket).ask(list);
     EXPECT_EQ(modeOf(socket), 0600U);
@@ -85,110 +45,43 @@ TEST(HeadlessProcess, ASecondStartHandsItsFilesToTheFirst) {
   home.write("a.json", R"({"rows":[]})");
   home.write("bad.json", "no outline");
   home.write("folder/b.md", "b\n");
-  Process first(home / "first", {home / "bad.json"});
+  Process first(VELL_HEADLESS, {home / "bad.json"});
   TestClient client(platform::applicationSocketPath());
   client.ask(list);
   const std::string runs = "vell-headless: Vell runs already (process " + std::to_string(first.id()) + ")";
-  const Ended second = Process(home / "second", {home / "a.json", home / "folder"}).wait();
+  const Ended second = Process(VELL_HEADLESS, {home / "a.json", home / "folder"}).wait();
   EXPECT_EQ(second.status, 0);
-  EXPECT_EQ(second.standardError,
+  EXPECT_EQ(second.error,
             runs + " and serves that now, too. \"vell-headless status\" shows what it serves.\n");
   EXPECT_THAT(client.ask(list), testing::AllOf(HasSubstr("a.json"), HasSubstr("b.md")));
-  const Ended refused = Process(home / "second", {home / "bad.json"}).wait();
+  const Ended refused = Process(VELL_HEADLESS, {home / "bad.json"}).wait();
   EXPECT_EQ(refused.status, 1);
-  EXPECT_THAT(refused.standardError, StartsWith("vell-headless: Cannot open " + (home / "bad.json")));
-  const Ended alone = Process(home / "second", {}).wait();
+  EXPECT_THAT(refused.error, StartsWith("vell-headless: Cannot open " + (home / "bad.json")));
+  const Ended alone = Process(VELL_HEADLESS).wait();
   EXPECT_EQ(alone.status, 1);
-  EXPECT_EQ(alone.standardError,
+  EXPECT_EQ(alone.error,
             runs + ". \"vell-headless status\" shows what it serves, \"vell-headless stop\" ends it.\n");
   first.signal(SIGTERM);
-  EXPECT_THAT(first.wait().standardError,
+  EXPECT_THAT(first.wait().error,
               testing::AllOf(StartsWith("vell-headless: Cannot open " + (home / "bad.json")),
                              HasSubstr("vell-headless: serves no outlines yet")));
 }
 
-TEST(HeadlessProcess, AnOutlineKeepsItsIdOverRestartsWhetherItsFileHoldsOneOrNot) {
-  const tests::TemporaryHome home;
-  home.write("plain.txt", "one\n");
-  std::string answers[2];
-  for (std::string& answer : answers) {
-    const Process process(home / "e", {home / "plain.txt"});
-    answer = TestClient(platform::applicationSocketPath()).ask(list);
-  }
-  EXPECT_NE(answers[0].find("plain.txt"), std::string::npos);
-  EXPECT_EQ(answers[0], answers[1]);
-}
-
-std::string contentOf(const std::string& path) {
-  std::stringstream text;
-  text << std::ifstream(path).rdbuf();
-  return text.str();
-}
-
-/// Waits until the file holds the text, for ten seconds.
-bool comesToHold(const std::string& path, const std::string& text) {
-  for (int i = 0; i < 1000; ++i, usleep(10'000))
-    if (contentOf(path).find(text) != std::string::npos) return true;
-  return false;
-}
-
-TEST(HeadlessProcess, AcceptedChangesOutliveASignalAndAKill) {
+TEST(HeadlessProcess, AcceptedChangesOutliveASignal) {
   const tests::TemporaryHome home;
   const std::string path = home.write("a.md", "- one\n");
-  {
-    Process process(home / "e", {path});
-    TestClient(platform::applicationSocketPath())
-        .ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
-    process.signal(SIGTERM);
-    EXPECT_EQ(process.wait().status, 0);
-    EXPECT_NE(contentOf(path).find("two"), std::string::npos);
-  }
-  Process process(home / "e", {path});
+  Process process(VELL_HEADLESS, {path});
   TestClient(platform::applicationSocketPath())
-      .ask(R"({"id":1,"method":"row.create","params":{"markdown":"three"}})");
-  EXPECT_TRUE(comesToHold(path, "three"));
-}
-
-TEST(HeadlessProcess, WhatCannotBeSavedInItsPlaceIsRescued) {
-  const tests::TemporaryHome home;
-  home.write("folder/a.txt", "one\n");
-  Process process(home / "e", {home / "folder/a.txt"});
-  TestClient client(platform::applicationSocketPath());
-  client.ask(list);
-  std::filesystem::remove_all(home / "folder");
-  client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
+      .ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
   process.signal(SIGTERM);
   EXPECT_EQ(process.wait().status, 0);
-  for (const auto& entry : std::filesystem::directory_iterator(platform::containerDirectory() + "/Rescued"))
-    EXPECT_EQ(contentOf(entry.path().string()), "one\ntwo\n");
-  EXPECT_NE(contentOf(home / "e").find("/Rescued/"), std::string::npos);
-}
-
-TEST(HeadlessProcess, UntitledOutlinesOutliveAKillUntilTheyAreDiscarded) {
-  const tests::TemporaryHome home;
-  std::string summary;
-  {
-    const Process process(home / "e", {});
-    TestClient client(platform::applicationSocketPath());
-    client.ask(R"({"id":1,"method":"outline.new","params":{"format":"markdown"}})");
-    client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"kept"}})");
-    summary = client.ask(list);
-    EXPECT_NE(summary.find(R"("displayName":"Untitled 1","fileURL":null)"), std::string::npos) << summary;
-    ASSERT_TRUE(comesToHold(platform::containerDirectory() + "/Untitled/Untitled 1.md", "kept"));
-  }
-  const Process process(home / "e", {});
-  TestClient client(platform::applicationSocketPath());
-  EXPECT_EQ(client.ask(list), summary);
-  EXPECT_NE(client.ask(R"({"id":1,"method":"outline.get"})").find("kept"), std::string::npos);
-  EXPECT_EQ(client.ask(R"({"id":1,"method":"outline.close","params":{"discard":true}})"),
-            R"({"id":1,"jsonrpc":"2.0","result":{"closed":true}})");
-  EXPECT_NE(access((platform::containerDirectory() + "/Untitled/Untitled 1.md").c_str(), F_OK), 0);
+  EXPECT_NE(contentOf(path).find("two"), std::string::npos);
 }
 
 TEST(HeadlessProcess, ClosingKeepsWhatIsWorthKeeping) {
   const tests::TemporaryHome home;
   const std::string path = home.write("a.md", "- one\n");
-  const Process process(home / "e", {path});
+  const Process process(VELL_HEADLESS, {path});
   TestClient client(platform::applicationSocketPath());
   client.ask(R"({"id":1,"method":"row.create","params":{"markdown":"two"}})");
   client.ask(R"({"id":1,"method":"outline.close"})");
@@ -203,7 +96,7 @@ TEST(HeadlessProcess, ClosingKeepsWhatIsWorthKeeping) {
 
 TEST(HeadlessProcess, TellsThoseWhoObserveThatItQuits) {
   const tests::TemporaryHome home;
-  const Process process(home / "e", {});
+  const Process process(VELL_HEADLESS);
   TestClient client(platform::applicationSocketPath());
   client.ask(R"({"id":1,"method":"documents.observe"})");
   client.line();
@@ -215,19 +108,18 @@ TEST(HeadlessProcess, TellsThoseWhoObserveThatItQuits) {
 
 TEST(HeadlessProcess, RefusesWhatItCannotDo) {
   const tests::TemporaryHome home;
-  EXPECT_EQ(Process(home / "e", {"--no-such-option"}).wait().status, 64);
-  EXPECT_EQ(Process(home / "e", {"--help"}).wait().status, 0);
-  const Ended missing = Process(home / "e", {home / "gone.json"}).wait();
+  EXPECT_EQ(Process(VELL_HEADLESS, {"--no-such-option"}).wait().status, 64);
+  EXPECT_EQ(Process(VELL_HEADLESS, {"--help"}).wait().status, 0);
+  const Ended missing = Process(VELL_HEADLESS, {home / "gone.json"}).wait();
   EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.standardError, "vell-headless: No such file or folder: " + (home / "gone.json") + "\n");
+  EXPECT_EQ(missing.error, "vell-headless: No such file or folder: " + (home / "gone.json") + "\n");
   const std::string deep = home / std::string(90, 'x');
   setenv("HOME", deep.c_str(), 1);
-  const Ended tooLong = Process(home / "e", {}).wait();
+  const Ended tooLong = Process(VELL_HEADLESS).wait();
   setenv("HOME", home.path().c_str(), 1);
   EXPECT_EQ(tooLong.status, 1);
-  EXPECT_EQ(tooLong.standardError.find("vell-headless: The socket path is longer than 103 bytes: " + deep),
-            0U)
-      << tooLong.standardError;
+  EXPECT_EQ(tooLong.error.find("vell-headless: The socket path is longer than 103 bytes: " + deep), 0U)
+      << tooLong.error;
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 #include "tests/support/bundle.h"
 
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 #include <thread>
 
 namespace vell::tests {
@@ -21,9 +19,7 @@ Bundle::Bundle(const std::string& script, const std::string& executable) {
 
 std::string Bundle::await(const std::string& name) const {
   while (!fs::exists(directory_ / name)) std::this_thread::yield();
-  std::ostringstream content;
-  content << std::ifstream(directory_ / name).rdbuf();
-  return content.str();
+  return contentOf(directory_ / name);
 }
 
 }  // namespace vell::tests

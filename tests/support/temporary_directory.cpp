@@ -4,6 +4,7 @@
 #include <unistd.h>  // where macOS declares mkdtemp
 
 #include <fstream>
+#include <iterator>
 #include <stdexcept>
 
 #include "platform/container.h"
@@ -11,6 +12,11 @@
 namespace vell::tests {
 
 namespace fs = std::filesystem;
+
+std::string contentOf(const std::string& path) {
+  std::ifstream file(path, std::ios::binary);
+  return {std::istreambuf_iterator<char>(file), {}};
+}
 
 TemporaryDirectory::TemporaryDirectory() {
   std::string name = "/tmp/vell-XXXXXX";  // $TMPDIR may be too long for a home's socket

@@ -7,6 +7,9 @@
 
 namespace vell::tests {
 
+/// The bytes of a file; none where there is no such file.
+std::string contentOf(const std::string& path);
+
 /// A directory of a test's own, removed with all it holds.
 class TemporaryDirectory {
  public:

@@ -19,9 +19,10 @@ struct Ended {
 /// A child process. Whatever becomes of the test, it ends with its guard.
 class Process {
  public:
-  /// Starts `command[0]` with its standard input at the start of `input`. Standard output is kept for `wait`
+  /// Starts the program with its standard input at the start of `input`. Standard output is kept for `wait`
   /// unless a descriptor is given for it.
-  explicit Process(std::vector<std::string> command, const std::string& input = "", int output = -1);
+  explicit Process(std::string program, std::vector<std::string> arguments = {},
+                   const std::string& input = "", int output = -1);
   ~Process();
   Process(const Process&) = delete;
   Process& operator=(const Process&) = delete;

@@ -1,4 +1,4 @@
-#include "tests/end_to_end/process.h"
+#include "tests/support/process.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
@@ -21,21 +21,21 @@ std::string contentOf(std::FILE* file) {
 
 }  // namespace
 
-Process::Process(std::vector<std::string> command, const std::string& input, int output)
+Process::Process(std::string program, std::vector<std::string> arguments, const std::string& input,
+                 int output)
     : output_(std::tmpfile(), std::fclose), error_(std::tmpfile(), std::fclose) {
   const File source(std::tmpfile(), std::fclose);
   std::fwrite(input.data(), 1, input.size(), source.get());
   std::rewind(source.get());
-  std::vector<char*> arguments;
-  arguments.reserve(command.size() + 1);
-  for (std::string& argument : command) arguments.push_back(argument.data());
-  arguments.push_back(nullptr);
+  std::vector<char*> argv{program.data()};
+  for (std::string& argument : arguments) argv.push_back(argument.data());
+  argv.push_back(nullptr);
   id_ = fork();
   if (id_ != 0) return;
   dup2(fileno(source.get()), STDIN_FILENO);
   dup2(output == -1 ? fileno(output_.get()) : output, STDOUT_FILENO);
   dup2(fileno(error_.get()), STDERR_FILENO);
-  execv(arguments[0], arguments.data());
+  execv(argv[0], argv.data());
   _exit(127);
 }
 
