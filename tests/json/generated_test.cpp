@@ -1,135 +1,62 @@
-// Generated and damaged texts, where tables run out of ideas.
+// Random and damaged texts, where tables run out of ideas.
 #include <gtest/gtest.h>
 #include <simdjson.h>
 
-#include <map>
-#include <random>
-#include <vector>
-
 #include "json/error.h"
 #include "json/rewrite.h"
+#include "json/writer.h"
+#include "tests/support/random_text.h"
 
 namespace vell::json {
 namespace {
 
-/// A generated value, from which the expected text is printed.
-struct Value {
-  enum { scalar, array, object } kind = scalar;
-  std::string text;                                              // of a scalar
-  std::vector<Value> elements;                                   // of an array
-  std::map<std::string, std::pair<std::string, Value>> members;  // key's meaning: its literal, the value
+/// Few different pieces of strings, so that keys repeat, share beginnings and are spelled in several ways.
+const tests::Forms forms = {
+    {"value",
+     {"7", "-123", "true", "null", "`string`", "`string`", "[`blank`]", "[`elements`]", "[`elements`]",
+      "{`blank`}", "{`members`}", "{`members`}", "{`five`,`five`,`five`,`members`}"}},
+    {"elements", {"`blank``value``blank`", "`elements`,`elements`"}},
+    {"member", {"`blank``string``blank`:`blank``value``blank`"}},
+    {"members", {"`member`", "`member`,`members`", "`member`,`members`"}},
+    {"five", {"`member`,`member`,`member`,`member`,`member`"}},
+    {"string", {R"("`pieces`")"}},
+    {"pieces", {"", "`piece`", "`piece``pieces`", "`piece``pieces`"}},
+    {"piece",
+     {"a", "b", R"(\u0061)", R"(\\)", R"(\")", R"(\/)", "/", "é", R"(\u00e9)", R"(\ud83d\ude00)", R"(\n)",
+      "\x7f", R"(\u0000)", "a longer piece ", R"(\u001F)", "]},"}},
+    {"blank", {"", "", " ", "\n\t", "\r  "}},
 };
 
-std::string newLine(int depth) { return "\n" + std::string(static_cast<std::size_t>(2 * depth), ' '); }
-
-std::string print(const Value& value, bool isIndented, int depth = 0) {
-  if (value.kind == Value::scalar) return value.text;
-  const auto lead = [&] { return isIndented ? newLine(depth + 1) : ""; };
-  std::string inside;
-  for (const Value& each : value.elements)
-    inside += (inside.empty() ? "" : ",") + lead() + print(each, isIndented, depth + 1);
-  for (const auto& [meaning, member] : value.members)
-    inside += (inside.empty() ? "" : ",") + lead() + member.first + (isIndented ? ": " : ":") +
-              print(member.second, isIndented, depth + 1);
-  if (isIndented && !inside.empty()) inside += newLine(depth);
-  return value.kind == Value::array ? "[" + inside + "]" : "{" + inside + "}";
+std::string randomJson(unsigned seed) {
+  std::mt19937 random(seed);
+  return tests::randomText(forms, "value", random);
 }
 
-/// Spells values at random and tells what they are.
-class Generator {
- public:
-  explicit Generator(unsigned seed) : random_(seed) {}
-
-  Value value(std::string& text, int depth = 0) {
-    Value value;
-    const std::size_t choice = pick(depth < 6 ? 8 : 5);
-    if (choice < 2) {
-      value.text =
-          choice == 0 ? (pick(2) == 0 ? "true" : "null") : std::to_string(static_cast<int>(random_()));
-      text += value.text;
-    } else if (choice < 5) {
-      value.text = string(text).literal;
-    } else if (choice == 5) {
-      value.kind = Value::array;
-      list(text, "[]", [&] { value.elements.push_back(this->value(text, depth + 1)); });
-    } else {
-      value.kind = Value::object;
-      list(text, "{}", [&] {
-        const String key = string(text);
-        text += blank() + ":";
-        value.members[key.meaning] = {key.literal, this->value(text, depth + 1)};
-      });
-    }
-    return value;
-  }
-
- private:
-  struct String {
-    std::string literal;  // with the fewest escapes
-    std::string meaning;
+/// The value as it must be written, taken from another reader.
+std::string print(simdjson::dom::element value, bool isIndented, std::size_t depth = 0) {
+  const auto line = [&](std::size_t levels) { return isIndented ? "\n" + std::string(2 * levels, ' ') : ""; };
+  std::string inside;
+  const auto add = [&](const std::string& key, simdjson::dom::element child) {
+    inside += (inside.empty() ? "" : ",") + line(depth + 1) + key + print(child, isIndented, depth + 1);
   };
-  struct Piece {
-    const char* spelling;
-    const char* literal;
-    std::string_view meaning;
-  };
-
-  std::size_t pick(std::size_t count) { return random_() % count; }
-
-  std::string blank() { return std::string(pick(3), " \n\t\r"[pick(4)]); }
-
-  template <typename Element>
-  void list(std::string& text, const char* brackets, const Element& element) {
-    text += brackets[0] + blank();
-    const std::size_t count = pick(30) == 0 ? 40 : pick(6);
-    for (std::size_t i = 0; i < count; ++i) {
-      text += (i > 0 ? "," : "") + blank();
-      element();
-      text += blank();
-    }
-    text += brackets[1];
+  if (value.is_array()) {
+    for (const simdjson::dom::element child : value.get_array()) add("", child);
+  } else if (value.is_object()) {
+    std::map<std::string_view, simdjson::dom::element> members;
+    for (const auto& [key, child] : value.get_object()) members[key] = child;
+    for (const auto& [key, child] : members) add(quoted(key) + (isIndented ? ": " : ":"), child);
+  } else {
+    return simdjson::to_string(value);
   }
-
-  /// Few different pieces, so that keys repeat, share beginnings and are spelled in several ways.
-  String string(std::string& text) {
-    static constexpr Piece pieces[] = {
-        {"a", "a", "a"},
-        {"b", "b", "b"},
-        {"\\u0061", "a", "a"},
-        {"\\\\", "\\\\", "\\"},
-        {"\\\"", "\\\"", "\""},
-        {"\\/", "/", "/"},
-        {"/", "/", "/"},
-        {"é", "é", "é"},
-        {"\\u00e9", "é", "é"},
-        {"\\ud83d\\ude00", "😀", "😀"},
-        {"\\n", "\\n", "\n"},
-        {"\x7f", "\x7f", "\x7f"},
-        {"\\u0000", "\\u0000", {"\0", 1}},
-        {"a longer piece ", "a longer piece ", "a longer piece "},
-        {"\\u001F", "\\u001f", "\x1f"},
-        {"]},", "]},", "]},"},
-    };
-    String string;
-    text += '"';
-    for (std::size_t left = pick(5); left > 0; --left) {
-      const Piece& piece = pieces[pick(std::size(pieces))];
-      text += piece.spelling;
-      string.literal += piece.literal;
-      string.meaning += piece.meaning;
-    }
-    text += '"';
-    string.literal = '"' + string.literal + '"';
-    return string;
-  }
-
-  std::mt19937 random_;
-};
+  if (!inside.empty()) inside += line(depth);
+  return value.is_array() ? "[" + inside + "]" : "{" + inside + "}";
+}
 
 TEST(Generated, IsPrintedWithSortedKeys) {
+  simdjson::dom::parser reader;
   for (unsigned seed = 0; seed < 3000; ++seed) {
-    std::string text;
-    const Value value = Generator(seed).value(text);
+    const std::string text = randomJson(seed);
+    const simdjson::dom::element value = reader.parse(text);
     ASSERT_EQ(rewrite(text, Layout::compact), print(value, false)) << "seed " << seed << ": " << text;
     ASSERT_EQ(rewrite(text, Layout::indented), print(value, true)) << "seed " << seed << ": " << text;
   }
@@ -139,10 +66,7 @@ TEST(Generated, IsPrintedWithSortedKeys) {
 TEST(Generated, DamagedTextsAreRefusedOrRewritten) {
   simdjson::dom::parser judge;
   std::string text;
-  for (unsigned seed = 0; text.size() < 400; ++seed) {
-    text.clear();
-    Generator(seed).value(text);
-  }
+  for (unsigned seed = 0; text.size() < 400 || text.size() > 800; ++seed) text = randomJson(seed);
   constexpr std::string_view replacements("\0\x01\"\\{}[],:0-eu \x80\xff", 17);
   for (std::size_t i = 0; i < text.size(); ++i) {
     for (const char replacement : replacements) {

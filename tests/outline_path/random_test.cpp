@@ -1,13 +1,11 @@
 // Properties over random and damaged texts. A failure names its seed.
 #include <gtest/gtest.h>
 
-#include <map>
-#include <random>
-
 #include "outline_path/characters.h"
 #include "outline_path/parse.h"
 #include "outline_path/path_check.h"
 #include "outline_path/print.h"
+#include "tests/support/random_text.h"
 #include "traced.h"
 
 namespace vell::outline_path {
@@ -29,52 +27,37 @@ bool parsesSoundly(const std::string& text) {
   return true;
 }
 
-/// How the parts of a text may be written; "{part}" is written in one of its own ways, the first one where it
-/// would grow too deep.
-const std::map<std::string_view, std::vector<std::string_view>> kForms = {
-    {"expression", {"{set}", "{set}", "{sum}"}},
+const tests::Forms forms = {
+    {"expression", {"`set`", "`set`", "`sum`"}},
     {"set",
-     {"{path}", "{path}", "({set})", "{path} union {set}", "{path} except ({set})", "({set}) intersect {set}",
-      "{path} intersect {path} except {set}"}},
-    {"path", {"//*", "/", "/{steps}", "/{steps}", "//{step}", "{axis}{step}", "{axis}{step}/{steps}"}},
-    {"steps", {"{step}", "{axis}{step}", "{axis}{step}/{steps}", "{step}//{steps}"}},
+     {"`path`", "`path`", "(`set`)", "`path` union `set`", "`path` except (`set`)", "(`set`) intersect `set`",
+      "`path` intersect `path` except `set`"}},
+    {"path", {"//*", "/", "/`steps`", "/`steps`", "//`step`", "`axis``step`", "`axis``step`/`steps`"}},
+    {"steps", {"`step`", "`axis``step`", "`axis``step`/`steps`", "`step`//`steps`"}},
     {"axis", {"child::", "..", ".", "run::", "preceding-sibling::", "ancestor-or-self::"}},
-    {"step", {"task", "{type}{slice}", "{type} {predicate}{slice}", "{predicate}{slice}"}},
+    {"step", {"task", "`type``slice`", "`type` `predicate``slice`", "`predicate``slice`"}},
     {"type", {"*", "task", "row", "heading", "body"}},
     {"slice", {"", "", "[-1]", "[2]", "[1:]", "[:-3]", "[:]", "[-2:3]"}},
-    {"predicate", {"@a", "{test}", "{test} and {predicate}", "{test} or {predicate}"}},
-    {"test", {"@{name}", "{text}", "not {test}", "({predicate})", "{sum} {relation}{modifier} {sum}"}},
+    {"predicate", {"@a", "`test`", "`test` and `predicate`", "`test` or `predicate`"}},
+    {"test", {"@`name`", "`text`", "not `test`", "(`predicate`)", "`sum` `relation``modifier` `sum`"}},
     {"relation", {"=", "!=", "<=", "<", ">=", ">", "contains", "beginswith", "endswith", "matches"}},
     {"modifier", {"", "", "[i]", "[sl]", "[n]", "[dl]"}},
-    {"sum", {"{product}", "{product} + {sum}", "{product} - {sum}"}},
-    {"product", {"{value}", "{value} * {product}", "{value} / {product}"}},
+    {"sum", {"`product`", "`product` + `sum`", "`product` - `sum`"}},
+    {"product", {"`value`", "`value` * `product`", "`value` / `product`"}},
     {"value",
-     {"1", "0.375", "12.5", "100000000000000000000", "@{name}", "${name}", "{text}", "({sum})", "-{value}",
-      "null", "true", "false", "{word}", "count({set})", "f()", "focused-root({argument}, {argument})"}},
-    {"argument", {".", "..", "{set}", "{sum}", "({sum})"}},
+     {"1", "0.375", "12.5", "100000000000000000000", "@`name`", "$`name`", "`text`", "(`sum`)", "-`value`",
+      "null", "true", "false", "`word`", "count(`set`)", "f()", "focused-root(`argument`, `argument`)"}},
+    {"argument", {".", "..", "`set`", "`sum`", "(`sum`)"}},
     {"name", {"a", "done", "and", "text", "x-1", "été", "_:b"}},
     {"text", {R"("")", R"("x")", R"("two words")", R"("q\"\\/\n\u0001")", R"("日本😀")", R"("/(")"}},
     {"word", {"foo", "2024-01-02", "task", "1e5", "nulls"}},
 };
 
-std::string randomText(std::string_view part, std::mt19937& random, int depth = 0) {
-  const auto& forms = kForms.at(part);
-  std::string_view form = forms[depth < 12 ? random() % forms.size() : 0];
-  std::string text;
-  for (std::size_t open; (open = form.find('{')) != form.npos;) {
-    const std::size_t close = form.find('}');
-    text += form.substr(0, open);
-    text += randomText(form.substr(open + 1, close - open - 1), random, depth + 1);
-    form.remove_prefix(close + 1);
-  }
-  return text.append(form);
-}
-
 TEST(RandomTexts, PrintAsTextThatParsesToTheSameTree) {
   int parsed = 0;
   for (unsigned seed = 0; seed < 6000 && !HasFailure(); ++seed) {
     std::mt19937 random(seed);
-    parsed += parsesSoundly(randomText("expression", random));
+    parsed += parsesSoundly(tests::randomText(forms, "expression", random));
   }
   EXPECT_GT(parsed, 2000);
 }
