@@ -2,7 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
 #include <string>
 #include <vector>
 
@@ -39,7 +38,8 @@ class EditTest : public testing::Test {
 
 TEST_F(EditTest, ChangesOfContentSetTheModifiedTimeAndOthersDoNot) {
   Edit edit(outline, 7000);
-  edit.setText(row(2), Text("a"));  // as it is
+  edit.setText(row(2), Text("a"));              // as it is
+  edit.place(row(2), outline.root(), &row(2));  // before itself
   edit.place(row(2), outline.root(), nullptr);
   EXPECT_EQ(row(2).modified(), 0);
   edit.setText(row(2), Text("A"));
@@ -85,9 +85,23 @@ TEST_F(EditTest, ANewStepEndsWhatCouldBeMadeAgain) {
   EXPECT_EQ(outline.heldRows(), held);
 }
 
+void retype(Edit& edit, SessionId id) {
+  const Row& row = *edit.outline().find(id);
+  edit.setText(row, Text(row.text().string() + "x"));
+}
+void remove(Edit& edit, SessionId id) { edit.remove(*edit.outline().find(id)); }
+template <std::size_t bytes>
+void removeWith(Edit& edit, SessionId id) {
+  edit.setText(*edit.outline().find(id), Text(std::string(bytes, 'x')));
+  remove(edit, id);
+}
+void moveBelow4(Edit& edit, SessionId id) {
+  edit.place(*edit.outline().find(id), *edit.outline().find(4), nullptr);
+}
+
 struct DroppedCase {
   const char* name;
-  std::vector<std::function<void(Edit&)>> steps;
+  std::vector<std::pair<void (*)(Edit&, SessionId), SessionId>> steps;
   int undoable;
   bool freesB;
 };
@@ -97,66 +111,36 @@ class DroppedSteps : public EditTest, public testing::WithParamInterface<Dropped
 TEST_P(DroppedSteps, FreeTheRowsThatNoOtherStepBringsBack) {
   SCOPED_TRACE(GetParam().name);
   history.emplace(outline, *editor, HistoryLimits{.steps = 3, .bytes = 64'000});
-  for (const auto& change : GetParam().steps) {
+  for (const auto& [change, id] : GetParam().steps) {
     Edit edit(outline, 1);
-    change(edit);
+    change(edit, id);
     history->record(edit, editor->place());
     history->undo();
     history->redo();
   }
-  const std::size_t created = outline.nextId() - 2;
-  const std::size_t freed = created - outline.heldRows();
-  EXPECT_EQ(freed > 0, GetParam().freesB);
+  EXPECT_EQ(outline.heldRows() < outline.nextId() - 2, GetParam().freesB);
   const std::string after = picture();
   int undone = 0;
   while (history->undo()) ++undone;
   EXPECT_EQ(undone, GetParam().undoable);
   EXPECT_EQ(outline.find(3) != nullptr, !GetParam().freesB);
-  while (history->redo())
-    ;
+  while (history->redo()) continue;
   EXPECT_EQ(picture(), after);
 }
 
-void retype(Edit& edit, SessionId id, std::size_t length) {
-  edit.setText(*edit.outline().find(id), Text(std::string(length, 'x')));
-}
-void remove(Edit& edit, SessionId id) { edit.remove(*edit.outline().find(id)); }
-void removeLong(Edit& edit, SessionId id) {
-  retype(edit, id, 40'000);
-  remove(edit, id);
-}
-void moveBelow4(Edit& edit, SessionId id) {
-  edit.place(*edit.outline().find(id), *edit.outline().find(4), nullptr);
-}
-
-const std::vector<DroppedCase> droppedCases = {
-    {"as many as are kept",
-     {[](Edit& e) { remove(e, 3); }, [](Edit& e) { retype(e, 4, 2); }, [](Edit& e) { retype(e, 4, 3); }},
-     3,
-     false},
-    {"one more, the child first, then its parent",
-     {[](Edit& e) { remove(e, 3); }, [](Edit& e) { remove(e, 2); }, [](Edit& e) { retype(e, 4, 2); },
-      [](Edit& e) { retype(e, 4, 3); }},
-     3,
-     true},
+const DroppedCase droppedCases[] = {
+    {"as many as are kept", {{remove, 3}, {retype, 4}, {retype, 4}}, 3, false},
+    {"one more: the child, then its parent", {{remove, 3}, {remove, 2}, {retype, 4}, {retype, 4}}, 3, true},
     {"moved, and removed by a later step",
-     {[](Edit& e) { moveBelow4(e, 3); }, [](Edit& e) { remove(e, 3); }, [](Edit& e) { retype(e, 4, 2); },
-      [](Edit& e) { retype(e, 4, 3); }},
+     {{moveBelow4, 3}, {remove, 3}, {retype, 4}, {retype, 4}},
      3,
      false},
     {"moved into what a later step removes",
-     {[](Edit& e) { moveBelow4(e, 3); }, [](Edit& e) { remove(e, 4); }, [](Edit& e) { retype(e, 2, 2); },
-      [](Edit& e) { retype(e, 2, 3); }},
+     {{moveBelow4, 3}, {remove, 4}, {retype, 2}, {retype, 2}},
      3,
      false},
-    {"more bytes", {[](Edit& e) { removeLong(e, 3); }, [](Edit& e) { removeLong(e, 4); }}, 1, true},
-    {"the latest holds more by itself",
-     {[](Edit& e) {
-       retype(e, 3, 70'000);
-       remove(e, 3);
-     }},
-     1,
-     false},
+    {"more bytes", {{removeWith<40'000>, 3}, {removeWith<40'000>, 4}}, 1, true},
+    {"the latest holds more by itself", {{removeWith<70'000>, 3}}, 1, false},
 };
 INSTANTIATE_TEST_SUITE_P(Each, DroppedSteps, testing::ValuesIn(droppedCases));
 

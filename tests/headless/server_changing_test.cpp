@@ -77,6 +77,8 @@ const Change changes[] = {
      "a {#a}\n\tc {#c}\n\t\td {#d}\n\tb {#b}\n\te {#e}\nf {#f}\n"},
     {tree, "row.move", R"({"rows":["e","c"],"after":"b"})",
      "a {#a}\n\tb {#b}\n\te {#e}\n\tc {#c}\n\t\td {#d}\nf {#f}\n"},
+    {tree, "row.move", R"({"rows":["c","f"],"after":"b"})",
+     "a {#a}\n\tb {#b}\n\tc {#c}\n\t\td {#d}\n\tf {#f}\n\te {#e}\n"},
     {tree, "row.move", R"({"rows":["b","b","d"],"before":"a"})",
      "b {#b}\nd {#d}\na {#a}\n\tc {#c}\n\te {#e}\nf {#f}\n"},
     {tree, "row.move", R"({"rows":["d","c"],"to":"/"})",
@@ -219,19 +221,48 @@ TEST_F(Changing, DeletingCountsDescendantsOnceAndKeepsTheCaretNear) {
   EXPECT_EQ(at(call("editor.get"), "selection.head"), "3");
 }
 
-TEST_F(Changing, TheEditorIsUpdatedFocusFirstThenFoldsThenSelection) {
-  const std::string after =
-      call("editor.update", R"({"selectRow":"4","selectHead":"3","focus":"2","collapse":["2"]})");
-  EXPECT_EQ(at(after, "focused"), "[1,2]");
-  EXPECT_EQ(at(after, "collapsed"), "[2]");
-  EXPECT_EQ(at(after, "selection.anchor"), "4");
-  EXPECT_EQ(at(after, "selection.rows"), "[3,4]");
+TEST_F(Changing, TheEditorFollowsWhatItIsAskedAndTheRows) {
+  server_.open("a.vell", "a\n\tb\n\t\tc\n\td\ne\n");  // 2 a (3 b (4 c), 5 d), 6 e
   EXPECT_EQ(call("editor.update", R"({"selectHead":"3"})"),
             "selectHead: expected selectRow with it, got it alone");
-  EXPECT_EQ(at(call("editor.update", R"({"selectRow":"@focused"})"), "selection.head"), "2");
-  const std::string missing = call("editor.update", R"({"focus":"5","selectRow":"99"})");
-  EXPECT_EQ(missing, R"(No row of "groceries.json" has the session id 99)");
-  EXPECT_EQ(at(call("editor.get"), "focused"), "[1,2]");
+  const struct {
+    const char* method;
+    const char* params;
+    const char* editor;  ///< what is focused, anchor-head and rows of the selection, what is collapsed
+  } steps[] = {
+      {"editor.get", "{}", "[1] 1-1 [] []"},
+      {"editor.update", R"({"focus":"/"})", "[1] 1-1 [] []"},
+      // Focus stacks where it goes deeper, and takes the caret along.
+      {"editor.update", R"({"focus":"2"})", "[1,2] 3-3 [3] []"},
+      {"editor.update", R"({"focus":"3"})", "[1,2,3] 4-4 [4] []"},
+      {"command.perform", R"({"ids":["focus:out"]})", "[1,2] 3-3 [3] []"},
+      {"editor.update", R"({"focus":"6"})", "[1,6] 6-6 [6] []"},
+      {"editor.update", R"({"focus":"/"})", "[1] 6-6 [6] []"},
+      {"command.perform", R"({"ids":["focus:out"]})", "[1] 6-6 [6] []"},
+      // A selection outside of it leads out.
+      {"editor.update", R"({"selectRow":"5","selectHead":"3"})", "[1] 5-3 [3,4,5] []"},
+      {"editor.update", R"({"focus":"3"})", "[1,3] 4-4 [4] []"},
+      {"editor.update", R"({"selectRow":"5"})", "[1] 5-5 [5] []"},
+      // Only rows with children fold.
+      {"editor.update", R"({"collapse":["3","2","2","6","/"]})", "[1] 5-5 [5] [2,3]"},
+      // The focus changes first, the selection last; a fault changes nothing.
+      {"editor.update", R"({"selectRow":"4","selectHead":"3","focus":"2","expand":["3"]})",
+       "[1,2] 4-3 [3,4] [2]"},
+      {"editor.update", R"({"selectRow":"@focused"})", "[1,2] 2-2 [2] [2]"},
+      {"editor.update", R"({"focus":"5","selectRow":"99"})", "[1,2] 2-2 [2] [2]"},
+      // Rows that go.
+      {"editor.update", R"({"focus":"2","selectRow":"3","selectHead":"4"})", "[1,2] 3-4 [3,4] [2]"},
+      {"row.delete", R"({"rows":["2"]})", "[1] 6-6 [6] []"},
+      {"row.delete", R"({"rows":["6"]})", "[1] 1-1 [] []"},
+  };
+  for (const auto& [method, params, editor] : steps) {
+    call(method, params);
+    const std::string now = call("editor.get");
+    EXPECT_EQ(at(now, "focused") + " " + at(now, "selection.anchor") + "-" + at(now, "selection.head") + " " +
+                  at(now, "selection.rows") + " " + at(now, "collapsed"),
+              editor)
+        << method << params;
+  }
 }
 
 }  // namespace

@@ -31,6 +31,10 @@ TEST_F(ServedScript, ReadsWhatIsOpen) {
       {"vell.frontmostOutlineEditor.selection.head", "null"},
       {"vell.frontmostOutlineEditor.focusedRow", "null"},
       {"vell.frontmostOutlineEditor.update({focus: 'milk'}).focusedRow.text", R"("Milk")"},
+      {"vell.frontmostOutlineEditor.update({selectRow: 'milk'}).selection.word", R"("Milk")"},
+      {"vell.frontmostOutlineEditor.collapsed", "[]"},
+      {"vell.frontmostOutlineEditor.perform('edit:undo')[0].performed", "false"},
+      {"vell.frontmostOutline.row('milk').runs.length", "1"},
       {"vell.frontmostOutline.row('//task[9]')", "null"},
       {"(async () => (await vell.frontmostOutline).row('milk').text)()", R"("Milk")"},
       {"vell.commands.some(({id}) => id === 'row:toggle-done')", "true"},
@@ -53,12 +57,15 @@ TEST_F(ServedScript, IsOneStepToUndoEvenWhenItFails) {
     milk.text = "Oat milk";
     milk.setAttribute("due", 3).move({ after: 5 });
     outline.createRows("- a\n  - b", { position: 0 });
-    outline.row(4).delete();)";
+    outline.row(4).delete();
+    outline.createRow("c", { after: milk });
+    outline.row(5).move({ to: 2, position: 0 });
+    outline.deleteRows("milk", 5);)";
   const std::string before = picture();
   for (const std::string ending : {"1", "nothing.at.all"}) {
     const std::string value = run(changes + ending);
-    EXPECT_EQ(picture(), "a(b) Groceries Later Oat milk") << ending;
-    EXPECT_TRUE(value == "1" || value == "ReferenceError: Can't find variable: nothing (line 7)") << value;
+    EXPECT_EQ(picture(), "a(b) Groceries c") << ending;
+    EXPECT_TRUE(value == "1" || value == "ReferenceError: Can't find variable: nothing (line 10)") << value;
     EXPECT_EQ(at(call("command.perform", R"({"ids":["edit:undo"]})"), "0.performed"), "true");
     EXPECT_EQ(picture(), before) << ending;
   }
