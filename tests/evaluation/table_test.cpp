@@ -1,4 +1,5 @@
-// What paths select from one small outline.
+// What paths select from one small outline; XPath is the measure of axes, slices and sets in
+// reference_test.cpp.
 #include <gtest/gtest.h>
 
 #include "tests/evaluation/support.h"
@@ -12,35 +13,13 @@ const Selection kRows[] = {
     {"/*", "A F j"},
     {"//*", "A b c d e F G h Éclair j"},
     {"//task", "b d h"},
-    {"/heading//heading", "A F G"},
-    {"//note/..", "b"},
-    {"//note/../..", "A"},
     {"/*/..", ""},
-    {"//note/ancestor::*", "A b"},
     {"//h/ancestor-or-self::heading", "F G"},
     {"//note/ancestor-or-self::*[0]", "c"},
     {"//task/self::row @done", "b h"},
-    {"//b/descendant::*", "c"},
-    {"//b/descendant-or-self::*", "b c"},
-    {"//d/following::*", "e F G h Éclair j"},
-    {"//d/preceding::*", "b c"},
-    {"//b/following-sibling::*", "d e"},
-    {"//e/preceding-sibling::*", "b d"},
-    {"//*/child::*/..", "A b F G"},
-    {"//*/parent::heading", "A F G"},
-    {"//task/.", "b d h"},
     // Slices count along the axis, the nearest row first
-    {"//task[0]", "b"},
-    {"//task[-1]", "h"},
-    {"//task[1:]", "d h"},
-    {"//task[:-1]", "b d"},
-    {"//task[5]", ""},
     {"//task[-4]", ""},
     {"//task[2:1]", ""},
-    {"/*/*[0]", "b G"},
-    {"//e/preceding-sibling::*[0]", "d"},
-    {"//note/ancestor::*[-1]", "A"},
-    {"//task @done[1]", "h"},
     // Predicates
     {"//* @done", "b h"},
     {"//* @id and @type and @text", "A b c d e F G h Éclair j"},
@@ -109,10 +88,8 @@ const Selection kRows[] = {
     {"//* start-of-matches(\"air\") = 3", "Éclair"},
     {"//* end-of-matches(\"é\") = 1", "Éclair"},
     // Sets
-    {"//task union //heading", "A b d F G h"},
     {"//* except //task except //heading", "A c e F G Éclair j"},
     {"(//* except //task) except //heading", "c e Éclair j"},
-    {"//task intersect //* @done", "b h"},
     {"//task union //task", "b d h"},
     // What cannot be evaluated
     {"1 + 2", "error: it gives a number, not rows (predicates compare values: //* count(child::*) > 0)"},

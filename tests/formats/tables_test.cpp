@@ -10,15 +10,15 @@
 namespace vell::formats {
 namespace {
 
-/// One line a row: indentation by depth, then "type|text|id|attributes".
+/// One line a row: indentation by depth, then "type|text #id attribute=value".
 std::string outlineOf(std::string_view format, std::string_view text) {
   Outline outline;
   readAs(format, text, outline);
   std::string out;
   for (const PlacedRow& placed : placeAll(outline)) {
     out += std::string(placed.depth, '.') + std::string(name(placed.row->type())) + "|";
-    json::appendString(placed.row->text().string(), out);
-    out += placed.row->persistentId();
+    for (const char c : placed.row->text().string()) out += c == '\n' ? "¶" : std::string(1, c);
+    if (!placed.row->persistentId().empty()) out += " #" + placed.row->persistentId();
     for (const Attribute& entry : placed.row->attributes()) out += " " + entry.key + "=" + entry.value;
     out += "\n";
   }
@@ -34,79 +34,75 @@ struct ReadCase {
 const ReadCase readCases[] = {
     // Markdown: marks.
     {"markdown", "a\n# h #x\n- u\n* u\n+ u\n1. o\n2) o\n- [ ] t\n* [X] t\n> q\n\n> [!NOTE] n\n***\n<br>\n",
-     "body|\"a\"\nheading|\"h #x\"\n.unordered|\"u\"\n.unordered|\"u\"\n.unordered|\"u\"\n.ordered|\"o\"\n"
-     ".ordered|\"o\"\n.task|\"t\"\n.task|\"t\" done=true\n.quote|\"q\"\n.note|\"n\"\n.hr|\"\"\n.body|\"\"\n"},
+     "body|a\nheading|h "
+     "#x\n.unordered|u\n.unordered|u\n.unordered|u\n.ordered|o\n.ordered|o\n.task|t\n.task|t "
+     "done=true\n.quote|q\n.note|n\n.hr|\n.body|\n"},
     {"markdown", "#x\n-x\n1.x\n[ ] x\n####### x\n\\# x\n1\\. x\n\n--\n",
-     "body|\"#x -x 1.x [ ] x ####### x # x 1. x\"\nbody|\"--\"\n"},
+     "body|#x -x 1.x [ ] x ####### x # x 1. x\nbody|--\n"},
     // Paragraphs: wrapped, with hard breaks, lazily continued; what follows the first one in an item or
     // quote.
-    {"markdown", "a\n  b\nc  \nd\\\ne {#p}\n", "body|\"a b c\\nd\\ne\"p\n"},
+    {"markdown", "a\n  b\nc  \nd\\\ne {#p}\n", "body|a b c¶d¶e #p\n"},
     {"markdown", "a\n      ---\nb\n---\n> c\n===\n> d\n> \t---\n",
-     "heading|\"a --- b\" level=2\n.quote|\"\"\n..heading|\"c === d\" level=2\n"},
-    {"markdown", "\xEF\xBB\xBF\xEF\xBB\xBF- a\n", "body|\"\xEF\xBB\xBF- a\"\n"},
+     "heading|a --- b level=2\n.quote|\n..heading|c === d level=2\n"},
+    {"markdown", "\xEF\xBB\xBF\xEF\xBB\xBF- a\n", "body|\xEF\xBB\xBF- a\n"},
     {"markdown", "Title\ntoo {#p}\n===\nSub\n---\n# C #\n## D {#q} ##\n",
-     "heading|\"Title too\"p\n.heading|\"Sub\"\nheading|\"C\"\n.heading|\"D\"q\n"},
+     "heading|Title too #p\n.heading|Sub\nheading|C\n.heading|D #q\n"},
     {"markdown", "- a\nb\n\n  c\n\n      code\n> q\nr\n>\n> s\n> - t\n>\n>   u\n>\n> v\n",
-     "unordered|\"a b\"\n.body|\"c\"\n.code|\"code\"\nquote|\"q "
-     "r\"\nquote|\"s\"\n.unordered|\"t\"\n..body|\"u\"\nquote|\"v\"\n"},
+     "unordered|a b\n.body|c\n.code|code\nquote|q r\nquote|s\n.unordered|t\n..body|u\nquote|v\n"},
     {"markdown", "- - a\n1. ## h\n> # h\n- ```x\n  y\n  ```\n>\n- <br>\n\n  a\n",
-     "unordered|\"\"\n.unordered|\"a\"\nordered|\"\"\n.heading|\"h\" level=2\nquote|\"\"\n.heading|\"h\"\n"
-     "unordered|\"\"\n.code|\"y\" language=x\nquote|\"\"\nunordered|\"\"\n.body|\"a\"\n"},
+     "unordered|\n.unordered|a\nordered|\n.heading|h level=2\nquote|\n.heading|h\nunordered|\n.code|y "
+     "language=x\nquote|\nunordered|\n.body|a\n"},
     // What is kept as it stands.
     {"markdown",
      "x\n| a |\n|--|\n| *b* |\n{#p}\n\n<div>\n_c_\n</div>\n\n[d]: e\n[^f]: g\n\n    h\n\n$$\n- i\n\n$$\n",
-     "body|\"x\"\nbody|\"| a |\\n|--|\\n| *b* |\"p\nbody|\"<div>\\n_c_\\n</div>\"\nbody|\"[d]: e\\n[^f]: "
-     "g\"\n"
-     "code|\"h\"\nbody|\"$$\\n- i\\n\\n$$\"\n"},
-    {"markdown", "[^f]: g\n\n    h\n\ni\n", "body|\"[^f]: g\\n\\n    h\"\nbody|\"i\"\n"},
+     "body|x\nbody|| a |¶|--|¶| *b* | #p\nbody|<div>¶_c_¶</div>\nbody|[d]: e¶[^f]: g\ncode|h\nbody|$$¶- "
+     "i¶¶$$\n"},
+    {"markdown", "[^f]: g\n\n    h\n\ni\n", "body|[^f]: g¶¶    h\nbody|i\n"},
     // Rows that say where they stand.
     {"markdown", "# A\n\na\n\nb {depth=0}\n\nc {depth=1}\n\nd\n\n- e\n\n  f\n\n  g {depth=1 \"depth\"=2}\n",
-     "heading|\"A\"\n.body|\"a\"\nbody|\"b\"\n.body|\"c\"\nbody|\"d\"\nunordered|\"e\"\n.body|\"f\"\n..body|"
-     "\"g\" depth=2\n"},
+     "heading|A\n.body|a\nbody|b\n.body|c\nbody|d\nunordered|e\n.body|f\n..body|g depth=2\n"},
     {"markdown", "# A {type=heading}\n\na\n\n# B {type=body}\n\nb\n\n## C {depth=1}\n",
-     "heading|\"A\"\nbody|\"a\"\nbody|\"B\"\n.body|\"b\"\n.heading|\"C\"\n"},
-    {"markdown", "a\n\n\tb\n", "body|\"a\"\ncode|\"b\"\n"},
+     "heading|A\nbody|a\nbody|B\n.body|b\n.heading|C\n"},
+    {"markdown", "a\n\n\tb\n", "body|a\ncode|b\n"},
     {"markdown", "---\nid: 01234567-89ab-cdef-0123-456789abcdef\n---\n\ta\n\n\tb\n\n\t\t- c\n\nd\n",
-     "body|\"a\"\nbody|\"b\"\n.unordered|\"c\"\nbody|\"d\"\n"},
+     "body|a\nbody|b\n.unordered|c\nbody|d\n"},
     // Trailers.
     {"markdown",
      "a {#p type=task color=red}\n\nb {done}\n- {#q}\n\nc{#d}\n\n{x=\"} {\"}\n\ne \\{k=v}\n\nf "
      "{type=zebra}\r\n",
-     "task|\"a\"p color=red\nbody|\"b {done}\"\nunordered|\"\"q\nbody|\"c{#d}\"\nbody|\"\" x=} {\n"
-     "body|\"e {k=v}\"\nbody|\"f\" type=zebra\n"},
-    {"markdown", "a {#p}\n\nb {#p}\n", "body|\"a\"p\nbody|\"b\"\n"},
+     "task|a #p color=red\nbody|b {done}\nunordered| #q\nbody|c{#d}\nbody| x=} {\nbody|e {k=v}\nbody|f "
+     "type=zebra\n"},
+    {"markdown", "a {#p}\n\nb {#p}\n", "body|a #p\nbody|b\n"},
     // Nesting by items (a tab reaches the next multiple of four) and by headings.
     {"markdown", "- a\n  - b\n\t- c\n\n      text\n\n - d\n",
-     "unordered|\"a\"\n.unordered|\"b\"\n..unordered|\"c\"\n...body|\"text\"\nunordered|\"d\"\n"},
-    {"markdown", "# A\n## B\nx\n### C\n# D\n",
-     "heading|\"A\"\n.heading|\"B\"\n..body|\"x\"\n..heading|\"C\"\nheading|\"D\"\n"},
-    {"markdown", "## A\n#### B\n# C\n", "heading|\"A\" level=2\n.heading|\"B\" level=4\nheading|\"C\"\n"},
+     "unordered|a\n.unordered|b\n..unordered|c\n...body|text\nunordered|d\n"},
+    {"markdown", "# A\n## B\nx\n### C\n# D\n", "heading|A\n.heading|B\n..body|x\n..heading|C\nheading|D\n"},
+    {"markdown", "## A\n#### B\n# C\n", "heading|A level=2\n.heading|B level=4\nheading|C\n"},
     {"markdown", "# A {type=heading}\nx\n- i\n\n\t# in\n\n\ty\n\nz\n",
-     "heading|\"A\"\nbody|\"x\"\nunordered|\"i\"\n.heading|\"in\"\n..body|\"y\"\nbody|\"z\"\n"},
+     "heading|A\nbody|x\nunordered|i\n.heading|in\n..body|y\nbody|z\n"},
     // Code.
     {"markdown", "- a\n  ```c++ {#p k=v}\n  x\n    y\n\n  ```\n~~~\n```\n~~~\n",
-     "unordered|\"a\"\n.code|\"x\\n  y\\n\"p language=c++ k=v\ncode|\"```\"\n"},
-    {"markdown", "```\nnot closed", "code|\"not closed\"\n"},
+     "unordered|a\n.code|x¶  y¶ #p language=c++ k=v\ncode|```\n"},
+    {"markdown", "```\nnot closed", "code|not closed\n"},
     // Front matter, and a rule that is none.
-    {"markdown", "---\nid: doc\n---\na\n", "body|\"a\"\n"},
-    {"markdown", "---\na\n\n---\n", "hr|\"\"\nbody|\"a\"\nhr|\"\"\n"},
-    {"markdown", "\xEF\xBB\xBF# a", "heading|\"a\"\n"},
+    {"markdown", "---\nid: doc\n---\na\n", "body|a\n"},
+    {"markdown", "---\na\n\n---\n", "hr|\nbody|a\nhr|\n"},
+    {"markdown", "\xEF\xBB\xBF# a", "heading|a\n"},
     // .vell: without a header too.
     {"vell", "# h\n\t[x] t {#p done=no}\n\n\t\t// n\n1. o\n> q\n---\n\\---\n\\\n{k=v}\na {type=note}\n",
-     "heading|\"h\"\n.task|\"t\"p "
-     "done=no\n..note|\"n\"\nordered|\"o\"\nquote|\"q\"\nhr|\"\"\nbody|\"---\"\nbody|\"\"\n"
-     "body|\"\" k=v\nnote|\"a\"\n"},
+     "heading|h\n.task|t #p done=no\n..note|n\nordered|o\nquote|q\nhr|\nbody|---\nbody|\nbody| "
+     "k=v\nnote|a\n"},
     // Plain text: tabs that cannot be depth are text.
-    {"txt", "a\n\tb\n\t\t\tc\n\n d", "body|\"a\"\n.body|\"b\"\n..body|\"\\tc\"\nbody|\"\"\nbody|\" d\"\n"},
+    {"txt", "a\n\tb\n\t\t\tc\n\n d", "body|a\n.body|b\n..body|\tc\nbody|\nbody| d\n"},
     // OPML from other programs.
     {"opml",
      "<opml><body><outline text='a' url=\"u\"><outline/></outline><outline text='&lt;b'/></body></opml>",
-     "body|\"a\" url=u\n.body|\"\"\nbody|\"<b\"\n"},
-    {"opml", "<opml><body><outline text='new' vell-text='_old_'/></body></opml>", "body|\"new\"\n"},
+     "body|a url=u\n.body|\nbody|<b\n"},
+    {"opml", "<opml><body><outline text='new' vell-text='_old_'/></body></opml>", "body|new\n"},
     // JSON: session answers, unknown members and any order of members are fine.
     {"json",
      R"([{"children":[{"text":"b"}],"id":7,"persistentId":"p","more":[{"rows":[1]}],"text":[{"string":"a"}]}])",
-     "body|\"a\"p\n.body|\"b\"\n"},
+     "body|a #p\n.body|b\n"},
     {"json", R"({"rows":[]})", ""},
 };
 
