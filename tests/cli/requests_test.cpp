@@ -169,7 +169,9 @@ TEST(Requests, OfOpening) {
 
 TEST(Requests, OfCreatingAnOutlineAtAPath) {
   const std::pair<std::string, std::string> cases[] = {
-      {"a.md", "markdown"}, {"a.VELL", "vell"}, {"a.opml -f json", "json"}, {"a.doc", "txt"}, {"a", "txt"},
+      {"a.md", "markdown"},       {"a.markdown", "markdown"}, {"a.VELL", "vell"},
+      {".vell", "txt"},           {"a.json", "json"},         {"a.OPML", "opml"},
+      {"a.opml -f json", "json"}, {"a.doc", "txt"},           {"a", "txt"},
   };
   tests::TemporaryHome home;
   for (const auto& [arguments, format] : cases) {

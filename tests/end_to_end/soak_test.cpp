@@ -87,12 +87,6 @@ void listPlaces(ModelRow& top, const std::string& path, std::vector<Place>& out)
   }
 }
 
-/// Where a row goes: `start` or `end` of the target, "" the root, or `before` or `after` it.
-struct Destination {
-  enum class Side { start, end, before, after } side;
-  std::string target;
-};
-
 template <class Record>
 std::unique_ptr<json::Document> call(ipc::VellClient& client, const Record& record) {
   return std::make_unique<json::Document>(client.call(Record::method, record.toJson()));
@@ -140,10 +134,22 @@ class SoakedOutline {
     return random.of(choices);
   }
   std::string newText(Random& random);
-  Destination destination(Random& random);
-  ipc::RowPlace sent(const Destination& to, Random& random);
-  void insert(ModelRow row, const Destination& to);
+  /// The id of a row, or "" for the root.
+  std::string anyParent(Random& random) {
+    const auto all = places();
+    return all.empty() || random.below(5) == 0 ? "" : random.of(all).row().id;
+  }
   Place find(const std::string& id);
+  ModelRow& rowWith(const std::string& id) { return id.empty() ? model_ : find(id).row(); }
+  std::string parentReference(const std::string& id, Random& random) {
+    return id.empty() ? rootId : reference(find(id), random);
+  }
+  /// Inserts the row at any place among the children; returns its index.
+  static std::size_t insert(ModelRow row, ModelRow& parent, Random& random) {
+    const std::size_t index = random.below(parent.children.size() + 1);
+    parent.children.insert(parent.children.begin() + static_cast<std::ptrdiff_t>(index), std::move(row));
+    return index;
+  }
   void changes() {
     undo_.push_back(model_);
     if (undo_.size() > mostSteps) undo_.pop_front();
@@ -177,44 +183,9 @@ std::string SoakedOutline::newText(Random& random) {
   return text;
 }
 
-Destination SoakedOutline::destination(Random& random) {
-  using enum Destination::Side;
-  const auto all = places();
-  if (all.empty() || random.below(5) == 0) return {random.below(2) == 0 ? start : end, ""};
-  static constexpr Destination::Side sides[] = {start, end, before, after};
-  return {random.of(sides), random.of(all).row().id};
-}
-
-ipc::RowPlace SoakedOutline::sent(const Destination& to, Random& random) {
-  using enum Destination::Side;
-  ipc::RowPlace place;
-  const std::string target = to.target.empty() ? rootId : reference(find(to.target), random);
-  if (to.side == before) place.before = target;
-  if (to.side == after) place.after = target;
-  if (to.side == start || to.side == end) {
-    place.parent = target;
-    place.position = to.side == start ? "start" : "end";
-  }
-  return place;
-}
-
 Place SoakedOutline::find(const std::string& id) {
   const auto all = places();
   return *std::find_if(all.begin(), all.end(), [&](const Place& place) { return place.row().id == id; });
-}
-
-void SoakedOutline::insert(ModelRow row, const Destination& to) {
-  using enum Destination::Side;
-  const bool beside = to.side == before || to.side == after;
-  ModelRow* parent = &model_;
-  std::size_t index = 0;
-  if (!to.target.empty()) {
-    const Place place = find(to.target);
-    parent = beside ? place.parent : &place.row();
-    index = place.index + (to.side == after ? 1 : 0);
-  }
-  if (!beside) index = to.side == start ? 0 : parent->children.size();
-  parent->children.insert(parent->children.begin() + static_cast<std::ptrdiff_t>(index), std::move(row));
 }
 
 void SoakedOutline::create(ipc::VellClient& client, Random& random) {
@@ -222,12 +193,16 @@ void SoakedOutline::create(ipc::VellClient& client, Random& random) {
   row.text = newText(random);
   if (random.below(4) == 0) row.persistentId = "p" + std::to_string(texts_);
   const std::string trailer = row.persistentId.empty() ? "" : " {#" + row.persistentId + "}";
-  const Destination to = destination(random);
-  const auto answer = call(
-      client, ipc::RowCreate{.markdown = row.text + trailer, .outline = outline_, .place = sent(to, random)});
-  row.id = rowOf(answer->root()).id;
+  const std::string parent = anyParent(random), sent = parentReference(parent, random);
+  const std::string markdown = row.text + trailer;
   changes();
-  insert(std::move(row), to);
+  ModelRow& below = rowWith(parent);
+  const std::size_t index = insert(std::move(row), below, random);
+  const auto answer =
+      call(client, ipc::RowCreate{.markdown = markdown,
+                                  .outline = outline_,
+                                  .place = {.parent = sent, .position = std::to_string(index)}});
+  below.children[index].id = rowOf(answer->root()).id;
   ++created_;
 }
 
@@ -251,21 +226,15 @@ void SoakedOutline::update(ipc::VellClient& client, Random& random, bool byScrip
 void SoakedOutline::move(ipc::VellClient& client, Random& random) {
   const auto all = places();
   const Place& from = random.of(all);
-  const Destination to = destination(random);
-  if (!to.target.empty() && find(to.target).path.starts_with(from.path)) return;
-  const ipc::RowPlace place = sent(to, random);
-  const std::string row = reference(from, random);
+  const std::string parent = anyParent(random);
+  if (!parent.empty() && find(parent).path.starts_with(from.path)) return;
+  const std::string row = reference(from, random), to = parentReference(parent, random);
   const ModelRow before = model_;
   ModelRow moved = std::move(from.row());
   from.parent->children.erase(from.parent->children.begin() + static_cast<std::ptrdiff_t>(from.index));
-  insert(std::move(moved), to);
+  const std::size_t index = insert(std::move(moved), rowWith(parent), random);
   if (picture(model_) == picture(before)) return;
-  call(client, ipc::RowMove{.rows = {row},
-                            .to = place.parent,
-                            .position = place.position,
-                            .before = place.before,
-                            .after = place.after,
-                            .outline = outline_});
+  call(client, ipc::RowMove{.rows = {row}, .to = to, .position = std::to_string(index), .outline = outline_});
   undo_.push_back(before);
   redo_.clear();
 }

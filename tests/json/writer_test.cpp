@@ -4,6 +4,7 @@
 
 #include <bit>
 #include <cmath>
+#include <cstring>
 #include <limits>
 #include <random>
 #include <vector>
@@ -40,7 +41,13 @@ TEST(Writer, EscapesStrings) {
       {"\xed\xa0\x80", "\"\xEF\xBF\xBD\xEF\xBF\xBD\xEF\xBF\xBD\""},
       {"\"\xf4\x90", "\"\\\"\xEF\xBF\xBD\xEF\xBF\xBD\""},
   };
-  for (const auto& row : rows) EXPECT_EQ(quoted(row.text), row.literal);
+  for (const auto& row : rows) {
+    EXPECT_EQ(quoted(row.text), row.literal);
+    const std::string_view inner(row.literal + 1, std::strlen(row.literal) - 2);
+    for (std::size_t before = 0; before < 20; ++before)
+      EXPECT_EQ(json::quoted(std::string(before, '!') + std::string(row.text) + "~"),
+                '"' + std::string(before, '!') + std::string(inner) + "~\"");
+  }
   std::string out;
   Writer(out).beginObject().member("a\"\n", "\\").endObject();
   EXPECT_EQ(out, R"({"a\"\n":"\\"})");

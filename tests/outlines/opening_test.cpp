@@ -202,20 +202,5 @@ TEST_F(Creating, LeavesNoFileThatTheApplicationDidNotSee) {
   EXPECT_EQ(created(), "Cannot write " + path + ": No such file or directory");
 }
 
-TEST(FormatForPath, FollowsTheExtension) {
-  for (const auto& [path, format] :
-       std::vector<std::pair<std::string, std::string>>{{"/a.vell", "vell"},
-                                                        {"/a.OPML", "opml"},
-                                                        {"/a.json", "json"},
-                                                        {"/a.Md", "markdown"},
-                                                        {"/a.markdown", "markdown"},
-                                                        {"/a.txt", "txt"},
-                                                        {"/a.html", "txt"},
-                                                        {"/.vell", "txt"},
-                                                        {"/a", "txt"}}) {
-    EXPECT_EQ(formatForPath(path), format) << path;
-  }
-}
-
 }  // namespace
 }  // namespace vell::outlines
