@@ -45,14 +45,6 @@ TEST(Observing, EndsWithWhateverEndsFirst) {
     int status;
     const char* error;
   } rows[] = {
-      {"the outline is closed", false,
-       [](Observation&) {
-         printed({"close", "outline"});
-       },
-       0, ""},
-      {"the application quits", false, [](Observation& o) { o.application.stop(); }, 0, ""},
-      {"the application is killed", false, [](Observation& o) { o.application.kill(); }, 1,
-       "Error: Vell closed the connection without sending a response.\n"},
       {"the reader leaves its pipe", false, [](Observation& o) { o.reader = platform::Descriptor(); }, 141,
        ""},
       {"the reader leaves its socket", true, [](Observation& o) { o.reader = platform::Descriptor(); }, 141,

@@ -32,17 +32,21 @@ TEST(Terminal, ShowsInColoursWhatAPipeGets) {
   const FakeApplication application(answer);
   const struct {
     std::vector<std::string> arguments;
+    int status;
     const char* coloured;
   } cases[] = {
       {{"get", "outlines"},
+       0,
        "\x1b[1;39m[\x1b[0;90mnull\x1b[1;39m,\x1b[0;39mtrue\x1b[1;39m,\x1b[0;39m-1.5e3\x1b[1;39m,"
        "{\x1b[34;1m\"a\\\"\\\\\"\x1b[1;39m:\x1b[0;32m\"b\\\"{1\"\x1b[1;39m,\x1b[34;1m\"c\"\x1b[1;39m:[{},"
        "\x1b[0;32m\"d\"\x1b[1;39m],\x1b[34;1m\"e\"\x1b[1;39m:{\x1b[34;1m\"f\"\x1b[1;39m:\x1b[0;39mfalse"
        "\x1b[1;39m}}]\x1b[0m\n"},
       {{"get", "outline", "//@"},
+       1,
        "\x1b[1;31mError:\x1b[0m Vell error -32000: At column 3.\n\n  //@\n\x1b[1;32m    ^\x1b[0m\n\n"
        "\x1b[1;36mHint:\x1b[0m \x1b[36mdid you mean \"@a\"?\x1b[0m\n"},
       {{"gte"},
+       64,
        "\x1b[1;31mError:\x1b[0m Unknown command 'gte'. \x1b[36mDid you mean 'get'?\x1b[0m\n"
        "Usage: vell [--generate-completion-script <shell>]\n       vell <subcommand>\n"
        "See 'vell --help' for more information.\n"},
@@ -56,8 +60,10 @@ TEST(Terminal, ShowsInColoursWhatAPipeGets) {
       {{"TERM=dumb", "NO_COLOR="}, false},
       {{"TERM=", "NO_COLOR="}, false},
   };
-  for (const auto& [arguments, coloured] : cases) {
-    EXPECT_EQ(vell(arguments).output + vell(arguments).error, withoutColours(coloured));
+  for (const auto& [arguments, status, coloured] : cases) {
+    const Ended piped = vell(arguments);
+    EXPECT_EQ(piped.output + piped.error, withoutColours(coloured));
+    EXPECT_EQ(piped.status, status);
     for (const auto& [environment, isColoured] : places) {
       const std::string shown = Terminal(withProgram(arguments), environment).wait().output;
       EXPECT_EQ(shown, isColoured ? coloured : withoutColours(coloured)) << environment[0] << environment[1];

@@ -1,49 +1,22 @@
 #include <gtest/gtest.h>
 
-#include <csignal>
-#include <filesystem>
-
 #include "tests/end_to_end/application.h"
-#include "tests/support/bundle.h"
 
 namespace vell::tests {
 namespace {
 
-namespace fs = std::filesystem;
-
-/// An installed bundle of its own: opening a file with its `vell` starts its application.
-class InstalledBundle {
- public:
-  InstalledBundle()
-      : bundle_("echo $$ >$dir/id.new && mv $dir/id.new $dir/id\nexec '" VELL_HEADLESS "' \"$@\"\n") {
-    fs::create_directory(bundle_.path() + "/Contents/Helpers");
-    fs::copy_file(VELL, vellPath());
-  }
-  ~InstalledBundle() {
-    if (started_) ::kill(std::stoi(bundle_.await("id")), SIGKILL);
-  }
-
-  Ended open(const std::string& file) {
-    const Ended ended = Process(vellPath(), {"open", "outline", file, "--timeout", "60"}).wait();
-    started_ = ended.status == 0;
-    return ended;
-  }
-
- private:
-  std::string vellPath() const { return bundle_.path() + "/Contents/Helpers/vell"; }
-
-  Bundle bundle_;
-  bool started_ = false;
+/// Ends what the test had started.
+struct StopAtEnd {
+  ~StopAtEnd() { Process(VELL_HEADLESS, {"stop"}).wait(); }
 };
 
-TEST(Changing, AnOutlineFromNothingToItsFile) {
+TEST(Journeys, AnOutlineFromNothingToItsFile) {
   const TemporaryHome home;
   const std::string file = home.write("plan.md", "");
-  InstalledBundle bundle;
+  const StopAtEnd stop;
   EXPECT_EQ(vell({"create", "row", "--text", "x"}).status, 1);
-  const Ended opened = bundle.open(file);
-  ASSERT_EQ(opened.status, 0) << opened.error;
-  EXPECT_NE(opened.output.find("\"displayName\":\"plan.md\""), std::string::npos) << opened.output;
+  const std::string opened = printed({"open", "outline", file, "--timeout", "60"});
+  EXPECT_NE(opened.find("\"displayName\":\"plan.md\""), std::string::npos) << opened;
 
   printed({"create", "rows", "--file", "-"},
           "# Shed {#shed}\n\n- [ ] Timber {#timber}\n\t- Posts\n- [ ] Drill {#drill}\n- Old {#old}\n");
