@@ -56,7 +56,7 @@ struct Command {
   std::string_view appendix{};
   /// The option that plain arguments are written behind before the command line is parsed.
   const Option* plainArguments = nullptr;
-  /// Why the command line as typed cannot be run; empty when it can.
+  /// Why the command line as typed, with plain arguments where they stood, cannot be run; empty when it can.
   std::string (*check)(const ArgumentList& typed) = nullptr;
   /// Throws UsageError before any connection is made, anything else when the command fails.
   void (*run)(const Arguments& arguments, Console& console) = nullptr;

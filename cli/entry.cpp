@@ -12,6 +12,10 @@
 namespace vell::cli {
 namespace {
 
+std::string faultOf(const Command& command, const ArgumentList& typed) {
+  return command.check == nullptr ? "" : command.check(typed);
+}
+
 void perform(const CommandLine& line, Console& console) {
   if (line.action == Action::version) return console.out.write(outlines::cliVersion() + "\n");
   if (line.action == Action::help) return console.out.write(helpScreen(*line.command, line.path));
@@ -57,7 +61,8 @@ int run(const CommandLine& line, Console& console) {
 int Vell::main(const ArgumentList& arguments, Console& console) {
   if (!arguments.empty() && arguments.front() == completeOption)
     return complete(vellCommand, {arguments.begin() + 1, arguments.end()}, console);
-  const CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments), arguments);
+  CommandLine line = parse(vellCommand, preprocessOutlineRefs(arguments));
+  if (const std::string fault = faultOf(*line.command, arguments); !fault.empty()) line.fault = fault;
   const int status = run(line, console);
   tellNotices(line, console);
   return status;

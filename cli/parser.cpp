@@ -19,9 +19,8 @@ class Parser {
   explicit Parser(const Command& root)
       : root_(root), line_{&root, std::string(root.name), Action::run, {}, {}} {}
 
-  CommandLine parse(const ArgumentList& words, const ArgumentList& typed) {
+  CommandLine parse(const ArgumentList& words) {
     split(words);
-    if (line_.fault.empty() && line_.command->check != nullptr) refuse(line_.command->check(typed));
     for (const Token& token : tokens_) token.name.empty() ? giveArgument(token) : giveOption(token);
     for (const Option* option : line_.command->options) check(*option);
     const bool isGroup = line_.command->run == nullptr;
@@ -176,8 +175,6 @@ std::size_t followingValues(const Option& option, Words rest) {
   return static_cast<std::size_t>(std::find_if(rest.begin(), rest.end(), isOptionToken) - rest.begin());
 }
 
-CommandLine parse(const Command& root, const ArgumentList& words, const ArgumentList& typed) {
-  return Parser(root).parse(words, typed);
-}
+CommandLine parse(const Command& root, const ArgumentList& words) { return Parser(root).parse(words); }
 
 }  // namespace vell::cli

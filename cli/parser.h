@@ -67,8 +67,7 @@ Token splitAttached(const std::string& word);
 std::size_t followingValues(const Option& option, Words rest);
 
 /// Follows the command names down from `root`, options standing anywhere between them, and gives every other
-/// word to the options of the command found. `typed` is what the words were before references in them were
-/// moved.
-CommandLine parse(const Command& root, const ArgumentList& words, const ArgumentList& typed);
+/// word to the options of the command found.
+CommandLine parse(const Command& root, const ArgumentList& words);
 
 }  // namespace vell::cli
