@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
-#include <system_error>
 
 #include "headless/access.h"
 #include "headless/editing/problem.h"
@@ -23,16 +22,17 @@ Application::Application(Scheduler& scheduler, ApplicationSettings settings)
     : scheduler_(scheduler),
       settings_(std::move(settings)),
       container_(settings_.container),
+      knownFiles_(settings_.container, settings_.report),
       saver_(scheduler, container_,
              {.report = settings_.report,
               .reloaded =
                   [this](OpenOutline& opened) {
-                    remember(opened);
+                    knownFiles_.remember(opened);
                     reportIdFault(opened);
                     notifyChanged(opened);
                   },
               .moved = [this](OpenOutline& opened) { moved(opened); },
-              .saved = [this](OpenOutline& opened) { remember(opened); },
+              .saved = [this](OpenOutline& opened) { knownFiles_.remember(opened); },
               .gone = [this](OpenOutline& opened) { gone(opened); }}),
       folders_(scheduler, {.found = [this](std::vector<FoundFile> files) { takeNew(std::move(files)); },
                            .fault = [this](const std::string& fault) { report(fault); }}) {
@@ -109,13 +109,11 @@ void Application::closeGone(const std::string& path) {
 
 /// The open outline whose file has had that path since a moment ago; null where there is none.
 OpenOutline* Application::findRenamed(const std::string& path) {
-  OpenOutline* former = nullptr;
-  withIndex([&](platform::IdentifierIndex& index) {
-    const auto* known = index.ofFile(stampOf(path).file);
-    if (known != nullptr) former = findByPath(known->path);
-  });
-  if (former != nullptr) saver_.follow(*former, path);
-  return former != nullptr ? findByPath(path) : nullptr;
+  const auto formerPath = knownFiles_.formerPath(path);
+  OpenOutline* former = formerPath ? findByPath(*formerPath) : nullptr;
+  if (former == nullptr) return nullptr;
+  saver_.follow(*former, path);
+  return findByPath(path);
 }
 
 std::unique_ptr<OpenOutline> Application::read(const std::string& path) {
@@ -186,55 +184,10 @@ OpenOutline& Application::add(std::unique_ptr<OpenOutline> opened) {
 /// one. A copy of an open file gets a new one, too.
 void Application::identify(OpenOutline& opened) {
   std::string id = opened.persistentId();
-  if (id.empty()) id = rememberedId(opened);
+  if (id.empty()) id = knownFiles_.idOf(opened);
   if (id.empty() || findByPersistentId(id) != nullptr) id = newUuid();
   if (id != opened.persistentId()) opened.identify(id);
-  remember(opened);
-}
-
-/// By the file's path, also where the file was replaced meanwhile, as most editors do; but not where the
-/// former file stands beside it under another name: that one is the outline then. Else by the file itself,
-/// if it was renamed.
-std::string Application::rememberedId(const OpenOutline& opened) {
-  std::string id;
-  withIndex([&](platform::IdentifierIndex& index) {
-    const std::string& path = opened.storagePath();
-    const platform::FileIdentity& file = opened.stamp().file;
-    if (const auto* known = index.atPath(path)) {
-      const auto former = *known;
-      const auto renamed =
-          former.file == file ? std::optional<std::string>() : renamedFile(path, former.file);
-      if (renamed) index.put({former.identifier, *renamed, former.file});
-      if (!renamed) id = former.identifier;
-    } else if (const auto* renamed = index.ofFile(file)) {
-      if (stampOf(renamed->path).file != file) id = renamed->identifier;
-    }
-  });
-  return id;
-}
-
-void Application::remember(const OpenOutline& opened) {
-  withIndex([&](platform::IdentifierIndex& index) {
-    const platform::IdentifierIndex::Entry entry{opened.persistentId(), opened.storagePath(),
-                                                 opened.stamp().file};
-    const auto* known = index.atPath(entry.path);
-    if (known == nullptr || known->identifier != entry.identifier || known->file != entry.file)
-      index.put(entry);
-  });
-}
-
-void Application::forget(const std::string& path) {
-  withIndex([&](platform::IdentifierIndex& index) { index.forget(path); });
-}
-
-/// The index only helps to find files again: a failure is reported and nothing else.
-template <class Action>
-void Application::withIndex(Action action) {
-  try {
-    action(container_.identifiers());
-  } catch (const std::system_error& error) {
-    report(std::string("Cannot keep persistent ids: ") + error.what());
-  }
+  knownFiles_.remember(opened);
 }
 
 void Application::reportIdFault(const OpenOutline& opened) const {
@@ -268,7 +221,7 @@ void Application::close(OpenOutline& outline, bool discard) {
   saver_.forget(outline);
   if (discard && isKeptByUs(outline)) {
     removeFile(outline.storagePath());
-    forget(outline.storagePath());
+    knownFiles_.forget(outline.storagePath());
   }
   if (!discard && outline.isUntitled()) setAside(outline);
   if (listener_ != nullptr) listener_->outlineClosing(outline);
@@ -285,9 +238,9 @@ void Application::setAside(OpenOutline& outline) {
     const std::string path = container_.pathForClosed(std::filesystem::path(former).extension().string());
     if (std::rename(former.c_str(), path.c_str()) != 0) throw systemProblem("Cannot move " + former);
     outline.rename(path, stampOf(path));
-    remember(outline);
+    knownFiles_.remember(outline);
   }
-  forget(former);
+  knownFiles_.forget(former);
 }
 
 bool Application::saveAll() {
@@ -354,8 +307,8 @@ void Application::refresh(OpenOutline& opened) {
 
 void Application::moved(OpenOutline& opened) {
   const std::string former = outlines_.pathChanged(opened);
-  remember(opened);
-  if (former != opened.storagePath()) forget(former);
+  knownFiles_.remember(opened);
+  if (former != opened.storagePath()) knownFiles_.forget(former);
   notifyListChanged();
 }
 

@@ -11,6 +11,7 @@
 #include "headless/editing/transaction.h"
 #include "headless/storage/container.h"
 #include "headless/storage/folders.h"
+#include "headless/storage/known_files.h"
 #include "headless/storage/open_outline.h"
 #include "headless/storage/outline_list.h"
 #include "headless/storage/saver.h"
@@ -123,11 +124,6 @@ class Application {
   std::unique_ptr<OpenOutline> read(const std::string& path);
   void removeAbandonedBeside(const std::string& path);
   void identify(OpenOutline& opened);
-  std::string rememberedId(const OpenOutline& opened);
-  void remember(const OpenOutline& opened);
-  void forget(const std::string& path);
-  template <class Action>
-  void withIndex(Action action);
   void reportIdFault(const OpenOutline& opened) const;
   OpenOutline& add(std::unique_ptr<OpenOutline> opened);
   OpenOutline& addBehind(std::unique_ptr<OpenOutline> opened);
@@ -145,6 +141,7 @@ class Application {
   ApplicationSettings settings_;
   document::Timestamp since_ = document::currentTime();
   Container container_;
+  KnownFiles knownFiles_;
   OutlineList outlines_;
   std::map<std::string, Refusal> refusals_;  ///< by standardised path
   std::set<std::string> tidied_;             ///< folders in which nothing abandoned is left

@@ -47,8 +47,7 @@ Container::Container(const std::string& directory)
     : untitled_(directory + "/Untitled"),
       closed_(directory + "/Closed"),
       rescued_(directory + "/Rescued"),
-      unsaved_(directory + "/Unsaved"),
-      identifiers_(directory) {
+      unsaved_(directory + "/Unsaved") {
   makePrivateDirectory(unsaved_);
 }
 

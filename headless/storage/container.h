@@ -3,12 +3,10 @@
 #include <string>
 #include <vector>
 
-#include "platform/identifier_index.h"
-
 namespace vell::headless {
 
-/// What the application keeps for itself: untitled outlines, those that were closed without a name, copies of
-/// what is not saved or could not be, and the persistent ids of files that hold none.
+/// The files that the application keeps for itself: untitled outlines, those that were closed without a name,
+/// and copies of what is not saved or could not be.
 class Container {
  public:
   /// The directory must exist.
@@ -32,8 +30,6 @@ class Container {
   std::vector<std::string> untitledFiles() const;
   bool holdsClosed(const std::string& path) const;
 
-  platform::IdentifierIndex& identifiers() { return identifiers_; }
-
  private:
   static std::string freePath(const std::string& directory, const std::string& extension);
 
@@ -41,7 +37,6 @@ class Container {
   std::string closed_;
   std::string rescued_;
   std::string unsaved_;
-  platform::IdentifierIndex identifiers_;
 };
 
 }  // namespace vell::headless
