@@ -3,6 +3,8 @@
 #include <ctime>
 #include <mutex>
 
+#include "document/timestamp.h"
+
 namespace vell::evaluation {
 
 using namespace std::chrono;
@@ -46,6 +48,14 @@ Moment SystemClock::momentAt(LocalTime local) const {
   parts.tm_isdst = -1;
   const std::lock_guard held(zone);
   return Moment(seconds(std::mktime(&parts))) + time.subseconds();
+}
+
+std::string wallClockText(Moment moment) {
+  const milliseconds local = SystemClock().localTimeAt(floor<seconds>(moment)).time_since_epoch();
+  std::string text = document::formatTimestamp(local.count());
+  text[text.find('T')] = ' ';
+  text.pop_back();
+  return text;
 }
 
 }  // namespace vell::evaluation

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <chrono>
+#include <string>
 
 namespace vell::evaluation {
 
@@ -30,5 +31,8 @@ class SystemClock : public Clock {
   LocalTime localTimeAt(Moment moment) const override;
   Moment momentAt(LocalTime local) const override;
 };
+
+/// "2026-11-21 07:06:37", as the user's clock shows the moment.
+std::string wallClockText(Moment moment);
 
 }  // namespace vell::evaluation

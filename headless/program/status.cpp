@@ -1,9 +1,9 @@
 #include <csignal>
 #include <cstdio>
-#include <ctime>
 #include <thread>
 
 #include "document/timestamp.h"
+#include "evaluation/clock.h"
 #include "headless/editing/problem.h"
 #include "headless/program/program.h"
 #include "headless/program/running.h"
@@ -45,13 +45,7 @@ bool flagOf(const json::Node& object, std::string_view key) {
 
 std::string localTime(const std::string& timestamp) {
   const auto time = document::parseTimestamp(timestamp);
-  if (!time) return timestamp;
-  const auto seconds = static_cast<std::time_t>(*time / 1000);
-  std::tm local{};
-  localtime_r(&seconds, &local);
-  char text[40];
-  std::strftime(text, sizeof text, "%Y-%m-%d %H:%M:%S", &local);
-  return text;
+  return time ? evaluation::wallClockText(evaluation::Moment(milliseconds(*time))) : timestamp;
 }
 
 std::string plural(std::size_t count, const std::string& noun) {

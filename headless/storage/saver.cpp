@@ -1,9 +1,9 @@
 #include "headless/storage/saver.h"
 
 #include <algorithm>
-#include <ctime>
 #include <filesystem>
 
+#include "evaluation/clock.h"
 #include "headless/access.h"
 #include "headless/editing/problem.h"
 #include "headless/storage/paths.h"
@@ -45,16 +45,12 @@ struct Raised {
 };
 
 std::string conflictPath(const std::string& path) {
-  const std::time_t now = std::time(nullptr);
-  std::tm local{};
-  localtime_r(&now, &local);
-  char time[40];
-  std::strftime(time, sizeof time, "%Y-%m-%d %H.%M.%S", &local);
+  std::string time = evaluation::wallClockText(evaluation::SystemClock().now());
+  std::replace(time.begin(), time.end(), ':', '.');
   const std::filesystem::path original(path);
   std::error_code error;
   for (int n = 1;; ++n) {
-    const std::string mark =
-        " (conflict " + std::string(time) + (n > 1 ? " " + std::to_string(n) : std::string()) + ")";
+    const std::string mark = " (conflict " + time + (n > 1 ? " " + std::to_string(n) : std::string()) + ")";
     const std::string end = mark + original.extension().string();
     const std::string name = fittedName("", original.stem().string(), end);
     std::string candidate = (original.parent_path() / name).string();
