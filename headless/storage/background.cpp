@@ -4,9 +4,6 @@
 
 namespace vell::headless {
 
-Background::Background(Scheduler& scheduler)
-    : scheduler_(scheduler), self_(std::make_shared<Background*>(this)) {}
-
 Background::~Background() {
   {
     const std::lock_guard lock(mutex_);
@@ -14,7 +11,6 @@ Background::~Background() {
   }
   changed_.notify_all();
   threads_.clear();
-  *self_ = nullptr;
 }
 
 void Background::run(Task work, Task done) {
@@ -48,9 +44,7 @@ void Background::serve() {
     changed_.notify_all();
     if (!entry.done) continue;
     finished_.push_back(std::move(entry.done));
-    scheduler_.post([self = self_] {
-      if (*self != nullptr) (*self)->runDone();
-    });
+    mailbox_.post([this] { runDone(); });
   }
 }
 

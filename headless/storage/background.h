@@ -18,7 +18,7 @@ class Background {
  public:
   using Task = std::function<void()>;
 
-  explicit Background(Scheduler& scheduler);
+  explicit Background(Scheduler& scheduler) : mailbox_(scheduler) {}
   ~Background();
   Background(const Background&) = delete;
   Background& operator=(const Background&) = delete;
@@ -41,14 +41,13 @@ class Background {
 
   static constexpr std::size_t mostThreads = 4;
 
-  Scheduler& scheduler_;
+  const Mailbox mailbox_;
   std::mutex mutex_;
   std::condition_variable changed_;
   std::deque<Entry> queued_;
   std::deque<Task> finished_;
   std::size_t busy_ = 0;
   bool ending_ = false;
-  std::shared_ptr<Background*> self_;  ///< empty once destroyed, for tasks posted before
   std::vector<std::unique_ptr<platform::Thread>> threads_;
 };
 

@@ -32,9 +32,6 @@ void checkFolder(const std::string& folder) {
 
 }  // namespace
 
-Folders::Folders(Scheduler& scheduler, Events events)
-    : scheduler_(scheduler), events_(std::move(events)), self_(std::make_shared<Folders*>(this)) {}
-
 Folders::~Folders() {
   {
     const std::lock_guard lock(mutex_);
@@ -42,7 +39,6 @@ Folders::~Folders() {
   }
   ended_.notify_all();
   thread_.reset();
-  *self_ = nullptr;
 }
 
 std::vector<FoundFile> Folders::add(const std::string& folder) {
@@ -148,15 +144,11 @@ void Folders::readNew(const std::vector<std::string>& paths) {
 
 void Folders::post(std::vector<FoundFile> files) {
   const auto shared = std::make_shared<std::vector<FoundFile>>(std::move(files));
-  scheduler_.post([self = self_, shared] {
-    if (*self != nullptr) (*self)->events_.found(std::move(*shared));
-  });
+  mailbox_.post([this, shared] { events_.found(std::move(*shared)); });
 }
 
 void Folders::post(const std::string& fault) {
-  scheduler_.post([self = self_, fault] {
-    if (*self != nullptr) (*self)->events_.fault(fault);
-  });
+  mailbox_.post([this, fault] { events_.fault(fault); });
 }
 
 std::vector<std::string> Folders::paths() const {

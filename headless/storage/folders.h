@@ -34,7 +34,7 @@ class Folders {
     std::function<void(const std::string&)> fault;
   };
 
-  Folders(Scheduler& scheduler, Events events);
+  Folders(Scheduler& scheduler, Events events) : mailbox_(scheduler), events_(std::move(events)) {}
   ~Folders();
   Folders(const Folders&) = delete;
   Folders& operator=(const Folders&) = delete;
@@ -62,7 +62,7 @@ class Folders {
   void post(std::vector<FoundFile> files);
   void post(const std::string& fault);
 
-  Scheduler& scheduler_;
+  const Mailbox mailbox_;
   Events events_;
   std::mutex scanning_;  ///< for `scans_`
   std::vector<FolderScan> scans_;
@@ -73,7 +73,6 @@ class Folders {
   bool forgotten_ = false;  ///< a file was, since the last look
   bool ending_ = false;
   std::condition_variable ended_;
-  std::shared_ptr<Folders*> self_;  // empty once destroyed, for tasks posted before
   std::optional<platform::Thread> thread_;
 };
 
