@@ -14,7 +14,6 @@ class TypeFilter {
  public:
   explicit TypeFilter(outline_path::TypeTest test);
 
-  bool passesAny() const { return any_; }
   bool passes(const Row& row) const { return any_ || row.type() == type_; }
 
  private:

@@ -1,28 +1,11 @@
 #pragma once
 
-#include <memory>
-#include <string>
-#include <string_view>
-
 #include "evaluation/dates.h"
 #include "evaluation/value.h"
 #include "evaluation/work.h"
 #include "outline_path/expression.h"
 
 namespace vell::evaluation {
-
-/// A regular expression in the syntax of Perl, over characters and not bytes. Throws EvaluationError where it
-/// is not valid.
-class Pattern {
- public:
-  Pattern(std::string_view pattern, bool ignoreCase);
-  /// Throws EvaluationError where searching the text would take too long.
-  bool isIn(std::string_view text, Work& work) const;
-
- private:
-  struct Compiled;
-  std::shared_ptr<const Compiled> compiled_;
-};
 
 /// Whether `left relation right` holds. Without a modifier truth values are compared where one side is a
 /// truth value, else dates or numbers where one side is one, else text with its case. A comparison with

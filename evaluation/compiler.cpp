@@ -3,7 +3,7 @@
 #include <memory>
 
 #include "evaluation/comparison.h"
-#include "evaluation/evaluate.h"
+#include "evaluation/pattern.h"
 #include "outline_path/near_miss.h"
 #include "text/folding.h"
 
@@ -234,23 +234,6 @@ Getter Compiler::compileNode(const FunctionCall& call) const {
   return [editor = editor_, function = *editorFunction](const Context& context) {
     return editor->call(function, *context.row);
   };
-}
-
-Evaluated evaluate(const Expression& expression, const Outline& outline, const Environment& environment) {
-  outline.number();
-  Work work(outline, environment.budget);
-  const Dates dates(environment.clock);
-  const Compiler compiler(outline, environment.editor, dates, work);
-  const Context root = Context::of(outline.root());
-  if (const auto* path = std::get_if<PathExpression>(&expression)) return compiler.compile(*path)(root);
-  return compiler.compile(std::get<ValueExpression>(expression))(root);
-}
-
-Rows evaluateRows(const Expression& expression, const Outline& outline, const Environment& environment) {
-  Evaluated result = evaluate(expression, outline, environment);
-  if (auto* rows = std::get_if<Rows>(&result)) return std::move(*rows);
-  throw EvaluationError(std::string("it gives ") + kindOf(std::get<Value>(result)) +
-                        ", not rows (predicates compare values: //* count(child::*) > 0)");
 }
 
 }  // namespace vell::evaluation
