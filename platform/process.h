@@ -26,4 +26,12 @@ using Seconds = std::chrono::duration<double>;
 /// absolute.
 void openFileWithApplication(const std::string& file, const std::string& bundle, Seconds limit = Seconds(5));
 
+// The ways to do that; they throw the same.
+
+/// Starts the bundle's `CFBundleExecutable` with the file as its one argument, in a session of its own,
+/// without this process's descriptors, signal settings or terminal.
+void startBundleWithFile(const std::string& file, const std::string& bundle);
+/// As the desktop of macOS does it, for applications that take the system's open requests.
+void openFileThroughWorkspace(const std::string& file, const std::string& bundle, Seconds limit);
+
 }  // namespace vell::platform

@@ -1,5 +1,3 @@
-#include "platform/start_bundle.h"
-
 #include <fcntl.h>
 #include <sys/resource.h>
 #include <sys/wait.h>
@@ -12,6 +10,7 @@
 #include <stdexcept>
 
 #include "platform/descriptor.h"
+#include "platform/process.h"
 #include "platform/property_list.h"
 
 namespace vell::platform {

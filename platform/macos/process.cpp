@@ -6,10 +6,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "platform/macos/workspace.h"
 #include "platform/property_list.h"
 #include "platform/service.h"
-#include "platform/start_bundle.h"
 
 namespace vell::platform {
 

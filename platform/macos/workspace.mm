@@ -1,11 +1,11 @@
-#include "platform/macos/workspace.h"
-
 #import <AppKit/AppKit.h>
 #include <dlfcn.h>
 
 #include <algorithm>
 #include <memory>
 #include <stdexcept>
+
+#include "platform/process.h"
 
 namespace vell::platform {
 

@@ -6,7 +6,6 @@
 #include <fstream>
 
 #include "platform/service.h"
-#include "platform/start_bundle.h"
 
 namespace vell::platform {
 
