@@ -1,35 +1,29 @@
 #include "text/utf8.h"
 
+#include <utf8proc.h>
+
 #include <algorithm>
+#include <array>
 
 namespace vell::text {
 namespace {
 
 constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
 
-unsigned byteAt(std::string_view text, std::size_t at) {
-  return at < text.size() ? static_cast<unsigned char>(text[at]) : 0U;
-}
-
-bool continuesAt(std::string_view text, std::size_t at) {
-  return at < text.size() && isContinuation(text[at]);
+/// The character that the text begins with; length 0 where it begins with none.
+CodePoint decodedFirst(std::string_view text) {
+  if (text.empty()) return {0, 0};
+  const auto* bytes = reinterpret_cast<const utf8proc_uint8_t*>(text.data());
+  if (bytes[0] < 0x80) return {bytes[0], 1};
+  utf8proc_int32_t value = 0;
+  const auto length = utf8proc_iterate(bytes, static_cast<utf8proc_ssize_t>(text.size()), &value);
+  if (length < 0) return {0, 0};
+  return {static_cast<char32_t>(value), static_cast<std::size_t>(length)};
 }
 
 }  // namespace
 
-std::size_t utf8Length(std::string_view text) {
-  const unsigned first = byteAt(text, 0);
-  const unsigned second = byteAt(text, 1);
-  if (first < 0x80) return text.empty() ? 0 : 1;
-  if (first < 0xC2 || first > 0xF4 || !continuesAt(text, 1)) return 0;
-  if (first < 0xE0) return 2;
-  // Overlong forms, surrogates and what lies beyond U+10FFFF show in the second byte.
-  const bool tooLow = (first == 0xE0 && second < 0xA0) || (first == 0xF0 && second < 0x90);
-  const bool tooHigh = (first == 0xED && second > 0x9F) || (first == 0xF4 && second > 0x8F);
-  if (tooLow || tooHigh || !continuesAt(text, 2)) return 0;
-  if (first < 0xF0) return 3;
-  return continuesAt(text, 3) ? 4 : 0;
-}
+std::size_t utf8Length(std::string_view text) { return decodedFirst(text).length; }
 
 std::optional<std::size_t> findInvalidUtf8(std::string_view text) {
   for (std::size_t at = 0; at < text.size();) {
@@ -51,31 +45,14 @@ std::string replaceInvalidUtf8(std::string_view text) {
 }
 
 CodePoint firstCodePoint(std::string_view text) {
-  const std::size_t length = utf8Length(text);
-  const unsigned first = byteAt(text, 0);
-  if (length == 0) return {0xFFFD, text.empty() ? 0U : 1U};
-  if (length == 1) return {first, 1};
-  char32_t value = first & (0xFFU >> (length + 1));
-  for (std::size_t at = 1; at < length; ++at) value = value << 6 | (byteAt(text, at) & 0x3F);
-  return {value, length};
+  const CodePoint first = decodedFirst(text);
+  return first.length > 0 ? first : CodePoint{0xFFFD, text.empty() ? 0U : 1U};
 }
 
 void appendUtf8(std::string& out, char32_t value) {
-  const auto put = [&out](char32_t byte) { out += static_cast<char>(static_cast<unsigned char>(byte)); };
-  const auto putTail = [&](int shift) { put(0x80 | (value >> shift & 0x3F)); };
-  if (value < 0x80) return put(value);
-  if (value < 0x800) {
-    put(0xC0 | value >> 6);
-  } else {
-    if (value < 0x10000) {
-      put(0xE0 | value >> 12);
-    } else {
-      put(0xF0 | value >> 18);
-      putTail(12);
-    }
-    putTail(6);
-  }
-  putTail(0);
+  std::array<utf8proc_uint8_t, 4> bytes{};
+  const auto length = utf8proc_encode_char(static_cast<utf8proc_int32_t>(value), bytes.data());
+  out.append(bytes.begin(), bytes.begin() + length);
 }
 
 bool isAscii(std::string_view text) {
