@@ -3,6 +3,9 @@
 #include <simdjson.h>
 
 #include <array>
+#include <cctype>
+#include <charconv>
+#include <cstdint>
 #include <cstdio>
 
 #include "json/error.h"
@@ -19,17 +22,10 @@ constexpr std::string_view shortMeanings = "\"\\/\b\f\n\r\t";
 // seventh.
 constexpr std::size_t largeText = 4096;
 
-int hexDigit(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-  if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-  return -1;
-}
-
 /// The four digits of a \u escape at the start of `digits`, which were checked before.
 char32_t codeUnit(std::string_view digits) {
-  char32_t unit = 0;
-  for (std::size_t i = 0; i < 4; ++i) unit = unit * 16 + static_cast<char32_t>(hexDigit(digits[i]));
+  std::uint32_t unit = 0;
+  std::from_chars(digits.data(), digits.data() + 4, unit, 16);
   return unit;
 }
 
@@ -123,7 +119,7 @@ void checkEscapes(std::string_view text, std::size_t begin, std::size_t end) {
     if (shortEscapes.find(kind) != std::string_view::npos) continue;
     if (kind != 'u') throw ParseError("a string holds an unknown escape", at);
     for (std::size_t i = 2; i < 6; ++i) {
-      if (at + i >= end || hexDigit(text[at + i]) < 0)
+      if (at + i >= end || std::isxdigit(static_cast<unsigned char>(text[at + i])) == 0)
         throw ParseError("a \\u escape needs four hexadecimal digits", at);
     }
   }

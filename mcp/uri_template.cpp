@@ -2,16 +2,11 @@
 
 #include <stdexcept>
 
+#include "text/percent_encoding.h"
+
 namespace vell::mcp {
 
 namespace {
-
-int hexDigit(char digit) {
-  if (digit >= '0' && digit <= '9') return digit - '0';
-  if (digit >= 'a' && digit <= 'f') return digit - 'a' + 10;
-  if (digit >= 'A' && digit <= 'F') return digit - 'A' + 10;
-  return -1;
-}
 
 std::string takeLiteral(std::string_view& rest) {
   const std::size_t brace = rest.find('{');
@@ -60,28 +55,12 @@ std::optional<UriTemplate::Variables> UriTemplate::match(std::string_view uri) c
     const std::size_t end = endOfValue(uri, piece.literalBehind, &piece == &pieces_.back());
     if (end == std::string_view::npos || uri.substr(0, end).find('/') != std::string_view::npos)
       return std::nullopt;
-    const auto value = percentDecode(uri.substr(0, end));
+    const auto value = text::percentDecoded(uri.substr(0, end));
     if (!value) return std::nullopt;
     if (!value->empty()) variables[piece.variable] = *value;
     uri.remove_prefix(end + piece.literalBehind.size());
   }
   return variables;
-}
-
-std::optional<std::string> percentDecode(std::string_view text) {
-  std::string decoded;
-  for (std::size_t at = 0; at < text.size(); ++at) {
-    if (text[at] != '%') {
-      decoded += text[at];
-      continue;
-    }
-    const int high = text.size() - at > 2 ? hexDigit(text[at + 1]) : -1;
-    const int low = high >= 0 ? hexDigit(text[at + 2]) : -1;
-    if (low < 0) return std::nullopt;
-    decoded += static_cast<char>(high * 16 + low);
-    at += 2;
-  }
-  return decoded;
 }
 
 }  // namespace vell::mcp

@@ -32,7 +32,4 @@ class UriTemplate {
   std::vector<Piece> pieces_;
 };
 
-/// Each `%XX` replaced by its byte; none for a malformed escape.
-std::optional<std::string> percentDecode(std::string_view text);
-
 }  // namespace vell::mcp

@@ -3,18 +3,10 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "text/percent_encoding.h"
 #include "text/utf8.h"
 
 namespace vell::headless {
-namespace {
-
-bool standsInUrl(char c) {
-  constexpr std::string_view others = "-._~!$&'()*+,;=:@/";
-  return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9') ||
-         others.find(c) != std::string_view::npos;
-}
-
-}  // namespace
 
 std::string standardisedPath(const std::string& path) {
   std::string text = std::filesystem::absolute(path).lexically_normal().string();
@@ -35,18 +27,7 @@ std::string resolvedPath(const std::string& path) {
 }
 
 std::string fileUrl(std::string_view path) {
-  std::string url = "file://";
-  for (const char c : path) {
-    if (standsInUrl(c)) {
-      url += c;
-      continue;
-    }
-    const auto byte = static_cast<unsigned char>(c);
-    url += '%';
-    url += "0123456789ABCDEF"[byte >> 4U];
-    url += "0123456789ABCDEF"[byte & 15U];
-  }
-  return url;
+  return "file://" + text::percentEncoded(path, "-._~!$&'()*+,;=:@/");
 }
 
 std::string fileName(const std::string& path) { return std::filesystem::path(path).filename().string(); }
