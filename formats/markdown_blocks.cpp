@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "formats/inline_markdown.h"
+#include "formats/markdown_columns.h"
 #include "formats/marked_line.h"
 #include "text/utf8.h"
 
@@ -18,56 +19,27 @@ namespace {
 
 using Kind = MarkdownBlock::Kind;
 
-constexpr std::size_t tabColumns = 4;
 constexpr std::size_t codeColumns = 4;
 /// Containers in one another; what is deeper is kept as it stands.
 constexpr std::size_t maxDepth = 10'000;
 /// Rows in one another that indentation alone nests; what is deeper is code.
 constexpr std::size_t maxNested = 64;
 
-std::size_t tabWidth(std::size_t column) { return tabColumns - column % tabColumns; }
-
-/// A place in a line. A tab can be taken in part: `spare` are its columns that are left.
-struct Cursor {
-  std::size_t at = 0;
-  std::size_t column = 0;
-  std::size_t spare = 0;
-
-  /// Takes up to that many columns of white space.
-  std::size_t take(std::string_view line, std::size_t columns) {
-    std::size_t taken = 0;
-    while (taken < columns) {
-      if (spare == 0) {
-        if (at == line.size() || (line[at] != ' ' && line[at] != '\t')) break;
-        spare = line[at] == ' ' ? 1 : tabWidth(column);
-        ++at;
-      }
-      const std::size_t step = std::min(spare, columns - taken);
-      spare -= step;
-      column += step;
-      taken += step;
-    }
-    return taken;
-  }
-  std::size_t takeAll(std::string_view line) { return take(line, std::string_view::npos); }
-  std::string rest(std::string_view line) const { return std::string(spare, ' ').append(line.substr(at)); }
-};
-
 /// A container that is open on a line, and what it puts in front of what stands in it.
 struct Container {
   Kind kind;
   std::size_t columns = 0;                    ///< of an item and of nested rows
   std::size_t line = std::string_view::npos;  ///< that its mark stands on, if it has one
-  Cursor behindMark;                          ///< on that line
+  LineCursor behindMark;                      ///< on that line
 };
 
 /// False where the line goes on without the container's mark.
-bool enter(const Container& container, std::size_t number, std::string_view line, Cursor& cursor) {
+bool enter(const Container& container, std::size_t number, std::string_view line, LineCursor& cursor) {
   if (number == container.line) {
     cursor = container.behindMark;
     return true;
   }
-  Cursor ahead = cursor;
+  LineCursor ahead = cursor;
   if (container.kind != Kind::quote) {
     if (ahead.take(line, container.columns) < container.columns && ahead.at < line.size()) return false;
     cursor = ahead;
@@ -141,23 +113,23 @@ class BlockReader {
     return text_.substr(lines_[number].begin, lines_[number].end - lines_[number].begin);
   }
   /// Where a line goes on behind the first `depth` containers, as far as they mark it.
-  Cursor behind(std::size_t number, std::size_t depth) const {
+  LineCursor behind(std::size_t number, std::size_t depth) const {
     if (depth > 0 && containers_[depth - 1].line == number) return containers_[depth - 1].behindMark;
-    Cursor cursor;
+    LineCursor cursor;
     for (std::size_t index = 0; index < depth; ++index) {
       if (!enter(containers_[index], number, line(number), cursor)) break;
     }
     return cursor;
   }
   bool isInside(std::size_t number) const {
-    Cursor cursor;
+    LineCursor cursor;
     const auto isEntered = [&](const Container& container) {
       return enter(container, number, line(number), cursor);
     };
     return std::all_of(containers_.begin(), containers_.end(), isEntered);
   }
   bool underlines(std::size_t number) const {
-    Cursor cursor = behind(number, containers_.size());
+    LineCursor cursor = behind(number, containers_.size());
     const bool isIndented = cursor.takeAll(line(number)) >= codeColumns;
     return !isIndented && isInside(number) && isSetextUnderline(line(number).substr(cursor.at));
   }
@@ -217,7 +189,7 @@ void BlockReader::read(std::size_t first, std::size_t end) {
 /// The library counts columns in bytes of the line as it got it.
 std::size_t BlockReader::begin(cmark_node* node, std::size_t number) const {
   const std::size_t outer = nested_;
-  const Cursor cursor = behind(number, outer);
+  const LineCursor cursor = behind(number, outer);
   const std::size_t column = static_cast<std::size_t>(std::max(cmark_node_get_start_column(node), 1)) - 1;
   return lines_[number].begin + cursor.at + column - std::min(cursor.spare, column);
 }
@@ -225,7 +197,7 @@ std::size_t BlockReader::begin(cmark_node* node, std::size_t number) const {
 void BlockReader::addContainer(Kind kind, std::size_t number, std::size_t begin) {
   const std::string_view whole = line(number);
   Container container{kind, 0, std::string_view::npos, {}};
-  Cursor cursor = behind(number, containers_.size());
+  LineCursor cursor = behind(number, containers_.size());
   std::size_t end = begin + 1;
   if (kind == Kind::quote) {
     enter(container, number, whole, cursor);
@@ -236,7 +208,7 @@ void BlockReader::addContainer(Kind kind, std::size_t number, std::size_t begin)
     end = begin + width;
     cursor.at += width;
     cursor.column += width;
-    Cursor text = cursor;
+    LineCursor text = cursor;
     const std::size_t blanks = text.takeAll(whole);
     const bool fits = blanks > 0 && blanks <= codeColumns && text.at < whole.size();
     container.columns += width + (fits ? blanks : 1);
@@ -277,7 +249,7 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
     if (startsEarlier && header > range.first) {
       addBlock(Kind::paragraph, {range.first, header - 1}, begin);
     }
-    const Cursor cursor = behind(header, containers_.size());
+    const LineCursor cursor = behind(header, containers_.size());
     const std::size_t blanks = indentBytes(line(header).substr(cursor.at));
     return addBlock(Kind::verbatim, {header, range.last}, lines_[header].begin + cursor.at + blanks);
   }
@@ -293,7 +265,7 @@ void BlockReader::addLeaf(cmark_node* node, std::size_t offset) {
       }
       range.last = range.first + std::max<std::size_t>(codeLines, 1) - 1;
       if (indentation_ == Indentation::rows && nested_ < maxNested) return addNested(range);
-      const Cursor cursor = behind(range.first, containers_.size());
+      const LineCursor cursor = behind(range.first, containers_.size());
       return addBlock(Kind::indented, range,
                       cursor.spare > 0 ? begin : lines_[range.first].begin + cursor.at);
     }
@@ -321,7 +293,7 @@ void BlockReader::addBlock(Kind kind, Range range, std::size_t begin, std::size_
   MarkdownBlock block{
       kind, std::min(containers_.size(), maxDepth), begin, lines_[range.last].end, begin, level, {}};
   if (!containers_.empty() && containers_.back().kind == Kind::quote) {
-    const Cursor cursor = behind(range.first, containers_.size() - 1);
+    const LineCursor cursor = behind(range.first, containers_.size() - 1);
     const std::string_view rest = line(range.first).substr(cursor.at);
     const std::size_t blanks = indentBytes(rest);
     if (rest.substr(blanks).starts_with('>'))
@@ -394,17 +366,6 @@ std::vector<MarkdownBlock> MarkdownBlockReader::read() {
     return joinVerbatim(text_, std::move(blocks));
   }
   return {};
-}
-
-std::size_t indentBytes(std::string_view line, std::size_t maxColumns) {
-  Cursor cursor;
-  cursor.take(line, maxColumns);
-  return cursor.at;
-}
-
-std::size_t indentColumns(std::string_view line) {
-  Cursor cursor;
-  return cursor.takeAll(line);
 }
 
 }  // namespace vell::formats

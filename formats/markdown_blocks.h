@@ -32,7 +32,7 @@ struct MarkdownBlock {
 /// What indentation below a row that is no list item means: code to everyone, rows in a text of Vell.
 enum class Indentation { code, rows };
 
-/// Reads the blocks of a text in order. Tabs reach the next multiple of four columns.
+/// Reads the blocks of a text in order.
 class MarkdownBlockReader {
  public:
   /// From that byte on.
@@ -57,9 +57,5 @@ std::vector<MarkdownBlock> joinVerbatim(std::string_view text, std::vector<Markd
 bool opensFormula(std::string_view text);
 /// True if the paragraph begins with the definition of a link or a footnote.
 bool isMarkdownDefinition(std::string_view text);
-
-/// Bytes of white space at the front, as far as that many columns.
-std::size_t indentBytes(std::string_view line, std::size_t maxColumns = std::string_view::npos);
-std::size_t indentColumns(std::string_view line);
 
 }  // namespace vell::formats

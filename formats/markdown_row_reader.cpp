@@ -6,6 +6,7 @@
 
 #include "formats/inline_markdown.h"
 #include "formats/markdown_blocks.h"
+#include "formats/markdown_columns.h"
 #include "formats/markdown_format.h"
 #include "formats/markdown_nesting.h"
 #include "formats/marked_line.h"

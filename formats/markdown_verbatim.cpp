@@ -3,6 +3,7 @@
 #include <algorithm>
 
 #include "formats/inline_markdown.h"
+#include "formats/markdown_columns.h"
 #include "formats/markdown_source.h"
 #include "formats/marked_line.h"
 

@@ -4,7 +4,7 @@
 #include <charconv>
 
 #include "formats/inline_markdown.h"
-#include "formats/markdown_blocks.h"
+#include "formats/markdown_columns.h"
 #include "formats/marked_line.h"
 
 namespace vell::formats {
