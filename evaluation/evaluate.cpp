@@ -12,7 +12,8 @@ Evaluated evaluate(const Expression& expression, const Outline& outline, const E
   const Dates dates(environment.clock);
   const Compiler compiler(outline, environment.editor, dates, work);
   const Context root = Context::of(outline.root());
-  if (const auto* path = std::get_if<outline_path::PathExpression>(&expression)) return compiler.compile(*path)(root);
+  if (const auto* path = std::get_if<outline_path::PathExpression>(&expression))
+    return compiler.compile(*path)(root);
   return compiler.compile(std::get<outline_path::ValueExpression>(expression))(root);
 }
 
