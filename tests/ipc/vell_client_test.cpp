@@ -27,18 +27,30 @@ std::string outcome(Application& application) {
   }
 }
 
-TEST(VellClient, SendsSortedRequestsWithRisingIds) {
-  const tests::TemporaryHome home;
-  const FakeApplication fake(FakeApplication::result("1"));
-  VellClient client;
-  client.call("outline.list");
-  client.call("editor.get", "{}");
-  client.request(OutlineBringToFront{"o"});
-  EXPECT_THAT(
-      fake.requests(),
-      ElementsAre(R"({"id":1,"jsonrpc":"2.0","method":"outline.list"})",
-                  R"({"id":2,"jsonrpc":"2.0","method":"editor.get","params":{}})",
-                  R"({"id":3,"jsonrpc":"2.0","method":"outline.bringToFront","params":{"outline":"o"}})"));
+TEST(Methods, NameTheArgumentThatIsNotUtf8) {
+  const std::string bad = "a\xFF";
+  const std::pair<std::function<std::string()>, std::string> cases[] = {
+      {[&] {
+         return RowDelete{.rows = {"1", bad}}.toJson();
+       },
+       "\"rows[1]\""},
+      {[&] { return OutlineFindByPath{.path = bad}.toJson(); }, "\"path\""},
+      {[&] {
+         return RowUpdate{.rows = {}, .attributes = {{{"due", bad}}}}.toJson();
+       },
+       "\"attributes.due\""},
+      {[&] {
+         return RowUpdate{.rows = {}, .attributes = {{{bad, "x"}}}}.toJson();
+       },
+       "\"attributes.a\xEF\xBF\xBD\""},
+  };
+  for (const auto& [build, name] : cases) {
+    try {
+      ADD_FAILURE() << name << " was taken: " << build();
+    } catch (const ParamsError& error) {
+      EXPECT_EQ(error.what(), "The argument " + name + " is not valid UTF-8.");
+    }
+  }
 }
 
 TEST(VellClient, FindsTheAnswerAmongWhatArrives) {

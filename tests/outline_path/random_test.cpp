@@ -1,9 +1,7 @@
 // Properties over random and damaged texts. A failure names its seed.
 #include <gtest/gtest.h>
 
-#include "outline_path/characters.h"
 #include "outline_path/parse.h"
-#include "outline_path/path_check.h"
 #include "outline_path/print.h"
 #include "tests/support/random_text.h"
 #include "traced.h"
@@ -78,32 +76,6 @@ TEST(DamagedTexts, AnyCharacterReplacedIsHandled) {
     }
     parsesSoundly(text.substr(0, at));
     parsesSoundly(text.substr(at));
-  }
-}
-
-std::vector<std::string> dictionary() {
-  std::vector<std::string> words{" ", "(",  ")", "[", "]", "\"",   "@a", "$v",
-                                 ",", "::", "1", "-", "+", "\xff", "\\u"};
-  for (const auto word : keywords()) words.emplace_back(word);
-  for (const Axis axis : verboseAxes()) words.emplace_back(spelling(axis));
-  for (const TypeTest test : typeTests()) words.emplace_back(spelling(test));
-  return words;
-}
-
-TEST(DamagedTexts, RandomEditsAreHandled) {
-  const auto words = dictionary();
-  std::mt19937 random(4);
-  const auto pick = [&](std::size_t count) {
-    return std::uniform_int_distribution<std::size_t>(0, count - 1)(random);
-  };
-  std::string text = kLong;
-  for (int round = 0; round < 5000; ++round) {
-    if (round % 12 == 0) text = kLong;
-    const std::size_t at = pick(text.size() + 1);
-    if (pick(3) == 0) text.erase(at, pick(6));
-    if (pick(3) != 0) text.insert(at, words[pick(words.size())]);
-    parsesSoundly(text);
-    ASSERT_FALSE(HasFailure()) << "round " << round;
   }
 }
 

@@ -108,6 +108,7 @@ const Accepted kAccepted[] = {
     {"//task @p = 4//@x"},
     {"//task @p = 4/-2 = 1"},
     {"//task @p = 4/child::@x"},
+    {"//task not @p = 4/child::@x"},
     {"//task @p = 4/child::(@x)"},
     {"//task @p = 4/not @x"},
     {"//task @p = 4/20-x", "//task @p = 4/child::\"20-x\""},
