@@ -166,6 +166,7 @@ std::vector<std::string> existingPaths(const std::vector<std::string>& paths) {
   std::vector<std::string> standardised;
   standardised.reserve(paths.size());
   for (const std::string& path : paths) {
+    if (path.empty()) throw Problem("A path is empty: name a file or a folder");
     standardised.push_back(standardisedPath(path));
     if (stampOf(standardised.back()) != FileStamp()) continue;
     const bool isWord = path.find_first_of("/.") == std::string::npos;

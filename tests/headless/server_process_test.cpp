@@ -110,9 +110,15 @@ TEST(HeadlessProcess, RefusesWhatItCannotDo) {
   const tests::TemporaryHome home;
   EXPECT_EQ(Process(VELL_HEADLESS, {"--no-such-option"}).wait().status, 64);
   EXPECT_EQ(Process(VELL_HEADLESS, {"--help"}).wait().status, 0);
-  const Ended missing = Process(VELL_HEADLESS, {home / "gone.json"}).wait();
-  EXPECT_EQ(missing.status, 1);
-  EXPECT_EQ(missing.error, "vell-headless: No such file or folder: " + (home / "gone.json") + "\n");
+  const std::pair<std::string, std::string> paths[] = {
+      {home / "gone.json", "No such file or folder: " + (home / "gone.json")},
+      {"", "A path is empty: name a file or a folder"},
+  };
+  for (const auto& [path, reason] : paths) {
+    const Ended refused = Process(VELL_HEADLESS, {path}).wait();
+    EXPECT_EQ(refused.status, 1);
+    EXPECT_EQ(refused.error, "vell-headless: " + reason + "\n");
+  }
   const std::string deep = home / std::string(90, 'x');
   setenv("HOME", deep.c_str(), 1);
   const Ended tooLong = Process(VELL_HEADLESS).wait();
