@@ -11,8 +11,6 @@ namespace {
 
 // Where the cursor stands.
 
-using Words = std::span<const std::string>;
-
 /// What the words in front of the one that is typed come to.
 struct Place {
   const Command* command;

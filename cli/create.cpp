@@ -85,15 +85,10 @@ constexpr Option text{
 
 constexpr Option textArgument{.name = "text", .value = "markdown", .help = "The same as --text."};
 
-std::string rowText(const Arguments& arguments) {
-  const auto named = arguments.value(text), plain = arguments.value(textArgument);
-  if (named && plain) throw UsageError("Give one text only, as an argument or with --text.");
-  return named ? *named : plain.value_or("");
-}
-
 void createRow(const Arguments& arguments, Console& console) {
-  const ipc::RowCreate creation{
-      .markdown = rowText(arguments), .outline = arguments.value(outlineOption), .place = place(arguments)};
+  const ipc::RowCreate creation{.markdown = namedOrPlain(arguments, text, textArgument).value_or(""),
+                                .outline = arguments.value(outlineOption),
+                                .place = place(arguments)};
   callAndPrint(creation, arguments, console);
 }
 

@@ -16,14 +16,6 @@ constexpr Option pathOption{.name = "--path",
                                 "are rejected."};
 constexpr Option pathArgument{.name = "path", .value = "path", .help = "The same as --path."};
 
-constexpr const char* twoPaths = "Give one path only, as an argument or with --path.";
-
-std::string observedPath(const Arguments& arguments) {
-  const auto named = arguments.value(pathOption), plain = arguments.value(pathArgument);
-  if (named && plain) throw UsageError(twoPaths);
-  return named ? *named : plain.value_or("//*");
-}
-
 /// A plain path has been moved behind a --path of its own before the command line is parsed.
 std::string refusePlainAndNamed(const ArgumentList& typed) {
   const auto isNamed = [](const std::string& word) {
@@ -31,13 +23,15 @@ std::string refusePlainAndNamed(const ArgumentList& typed) {
   };
   const ArgumentList moved = Vell::preprocessOutlineRefs(typed);
   const auto named = std::count_if(typed.begin(), typed.end(), isNamed);
-  return named > 0 && std::count_if(moved.begin(), moved.end(), isNamed) > named ? twoPaths : "";
+  return named > 0 && std::count_if(moved.begin(), moved.end(), isNamed) > named
+             ? givenTwice(pathOption, pathArgument)
+             : "";
 }
 
 /// The options of both commands.
 struct OutlineObserveOptions {
   OutlineObserveOptions(const Arguments& arguments, Console& console)
-      : read(arguments, console), path(observedPath(arguments)) {}
+      : read(arguments, console), path(namedOrPlain(arguments, pathOption, pathArgument).value_or("//*")) {}
 
   OutlineReadCommonOptions read;
   std::string path;

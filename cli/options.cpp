@@ -21,6 +21,17 @@ std::vector<std::string> rowsOrSelection(const Arguments& arguments) {
                                      : std::vector<std::string>{"@selection"};
 }
 
+std::optional<std::string> namedOrPlain(const Arguments& arguments, const Option& named,
+                                        const Option& plain) {
+  if (arguments.has(named) && arguments.has(plain)) throw UsageError(givenTwice(named, plain));
+  return arguments.value(arguments.has(named) ? named : plain);
+}
+
+std::string givenTwice(const Option& named, const Option& plain) {
+  return "Give one " + std::string(plain.name) + " only, as an argument or with " + std::string(named.name) +
+         ".";
+}
+
 void warnOfNoMatch(const ipc::Answer& answer, const std::vector<std::string>& references, Console& console) {
   if (references.empty() || !holdsNoRow(answer.result())) return;
   std::string list, hint;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -29,6 +30,12 @@ inline constexpr Option rowsArgument{.name = "rows",
 
 /// The references of `rowsArgument`, `@selection` when there are none.
 std::vector<std::string> rowsOrSelection(const Arguments& arguments);
+
+/// The value of an option that may as well be given as a plain argument. Throws UsageError where it is given
+/// both ways.
+std::optional<std::string> namedOrPlain(const Arguments& arguments, const Option& named, const Option& plain);
+/// What to say then.
+std::string givenTwice(const Option& named, const Option& plain);
 
 /// What every command is told about its output.
 class GlobalOptions {
