@@ -11,9 +11,9 @@ namespace vell::headless {
 
 /// One message between the application and a script's process: a line of a word and JSON texts.
 ///
-/// The application begins with `script "version" "source"`, and `"input"` where there is one. The process
-/// asks with `call method {params}`, is answered with `result {…}` or `error "…"`, tells what the script logs
-/// with `log "…"`, and ends with `value {…}` or `fault "…"`.
+/// The application begins with `script ["version","source"]`, and a third text where there is an input. The
+/// process asks with `call method {params}`, is answered with `result {…}` or `error "…"`, tells what the
+/// script logs with `log "…"`, and ends with `value {…}` or `fault "…"`.
 struct ScriptMessage {
   json::Text line;
   std::string_view word;

@@ -12,6 +12,7 @@
 #include <array>
 #include <cerrno>
 #include <csignal>
+#include <vector>
 
 #include "headless/access.h"
 #include "headless/editing/problem.h"
@@ -34,15 +35,6 @@ constexpr milliseconds glance{20};
 
 std::string unquoted(std::string_view text) {
   return json::Document(text).root().string().value_or(std::string());
-}
-
-/// Takes the JSON string off the front of the text, with the blank behind it.
-std::string takeString(std::string_view& text) {
-  std::size_t end = 1;
-  while (end < text.size() && text[end] != '"') end += text[end] == '\\' ? 2 : 1;
-  const std::string_view literal = text.substr(0, std::min(end + 1, text.size()));
-  text.remove_prefix(std::min(literal.size() + 1, text.size()));
-  return unquoted(literal);
 }
 
 struct Ends {
@@ -119,8 +111,10 @@ class Conversation {
 };
 
 std::string Conversation::evaluate(const Script& script, const std::string& version) {
-  std::string request = json::quoted(version) + " " + json::quoted(script.source);
-  if (script.input) request += " " + json::quoted(*script.input);
+  std::vector<std::string> texts{version, script.source};
+  if (script.input) texts.push_back(*script.input);
+  std::string request;
+  json::Writer(request).array(texts);
   beside([&] { channel_.send("script", request); });
   for (;;) {
     const ScriptMessage message = receive();
@@ -219,10 +213,11 @@ int serveScript() {
   ScriptChannel channel{platform::Descriptor(STDIN_FILENO)};
   RemoteHost host(channel);
   const ScriptMessage request = host.receive();
-  std::string_view rest = request.rest;
-  const std::string version = takeString(rest);
-  Script script{takeString(rest), std::nullopt};
-  if (!rest.empty()) script.input = takeString(rest);
+  const json::Document document(request.rest);
+  const std::vector<json::Node> texts = document.root().elements();
+  const std::string version = texts.at(0).string().value_or(std::string());
+  const Script script{texts.at(1).string().value_or(std::string()),
+                      texts.size() > 2 ? texts[2].string() : std::nullopt};
   try {
     channel.send("value", evaluateScript(script, version, host));
   } catch (const std::exception& error) {
