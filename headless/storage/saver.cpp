@@ -227,10 +227,13 @@ void Saver::flush(OpenOutline& opened) {
   }
 }
 
-bool Saver::isWorking(const OpenOutline& opened) const {
+const Saver::State& Saver::stateOf(const OpenOutline& opened) const {
+  static const State untouched;
   const auto found = states_.find(&opened);
-  return found != states_.end() && found->second.working;
+  return found != states_.end() ? found->second : untouched;
 }
+
+bool Saver::isWorking(const OpenOutline& opened) const { return stateOf(opened).working; }
 
 /// Until the outline's file is neither written nor read.
 void Saver::waitForWork(const OpenOutline& opened) {
@@ -240,15 +243,10 @@ void Saver::waitForWork(const OpenOutline& opened) {
   while (isWorking(opened)) hold->waitForOthers();
 }
 
-std::string Saver::fault(const OpenOutline& opened) const {
-  const auto found = states_.find(&opened);
-  return found != states_.end() ? found->second.lastFault : std::string();
-}
+std::string Saver::fault(const OpenOutline& opened) const { return stateOf(opened).lastFault; }
 
 std::vector<std::string> Saver::faults(const OpenOutline& opened) const {
-  const auto found = states_.find(&opened);
-  if (found == states_.end()) return {};
-  const State& state = found->second;
+  const State& state = stateOf(opened);
   const FileStamp now = stampOf(opened.storagePath());
   std::vector<std::string> faults;
   if (!state.lastFault.empty()) faults.push_back(state.lastFault);
@@ -261,10 +259,7 @@ std::vector<std::string> Saver::faults(const OpenOutline& opened) const {
   return faults;
 }
 
-std::string Saver::spare(const OpenOutline& opened) const {
-  const auto found = states_.find(&opened);
-  return found != states_.end() ? found->second.spare : std::string();
-}
+std::string Saver::spare(const OpenOutline& opened) const { return stateOf(opened).spare; }
 
 void Saver::saveAs(OpenOutline& opened, const std::string& path) {
   flush(opened);

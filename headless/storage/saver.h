@@ -100,6 +100,8 @@ class Saver {
     std::string fault{};  ///< why there is none
   };
 
+  /// That of an outline which had nothing to save or read yet where there is none.
+  const State& stateOf(const OpenOutline& opened) const;
   void schedule(OpenOutline& opened, Scheduler::Clock::duration delay);
   void cancelTimer(State& state);
   void onTimer(OpenOutline& opened);
