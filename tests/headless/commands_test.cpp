@@ -97,6 +97,7 @@ TEST_F(Commands, MoveTheSelectionOverWhatIsSeen) {
       {"3", "focus:in selection:up", "[3]", "yes no"},
       {"3", "focus:in focus:home", "[3]"},
       {"2", "selection:up", "[2]", "no"},
+      {"3", "fold:collapse", "[3]", "no"},
       {"2", "selection:parent", "[2]", "no"},
   };
   for (const Case& c : cases) {

@@ -40,6 +40,7 @@ TEST_F(EditTest, ChangesOfContentSetTheModifiedTimeAndOthersDoNot) {
   Edit edit(outline, 7000);
   edit.setText(row(2), Text("a"));              // as it is
   edit.place(row(2), outline.root(), &row(2));  // before itself
+  EXPECT_EQ(row(2).next(), &row(4));
   edit.place(row(2), outline.root(), nullptr);
   EXPECT_EQ(row(2).modified(), 0);
   edit.setText(row(2), Text("A"));
@@ -62,6 +63,20 @@ TEST_F(EditTest, AStepRestoresWhereTheEditorStood) {
   EXPECT_EQ(editor->head().id(), 4U);
   history->redo();
   EXPECT_EQ(editor->head().id(), 2U);
+}
+
+TEST_F(EditTest, TheEditorOutlivesTheRowsItRefersTo) {
+  editor->focus(row(2));
+  editor->setCollapsed(row(2), true);
+  editor->select(row(3), row(3));
+  outline.remove(*outline.find(3));
+  EXPECT_EQ(editor->head().id(), 2U);
+  EXPECT_TRUE(editor->collapsedRows().empty());
+  outline.remove(*outline.find(2));
+  EXPECT_EQ(editor->head().id(), 4U);
+  EXPECT_EQ(editor->focusStack().size(), 1U);
+  outline.remove(*outline.find(4));
+  EXPECT_TRUE(editor->selectedRows().empty());
 }
 
 TEST_F(EditTest, ANewStepEndsWhatCouldBeMadeAgain) {

@@ -242,9 +242,9 @@ TEST_F(Changing, TheEditorFollowsWhatItIsAskedAndTheRows) {
       // A selection outside of it leads out.
       {"editor.update", R"({"selectRow":"5","selectHead":"3"})", "[1] 5-3 [3,4,5] []"},
       {"editor.update", R"({"focus":"3"})", "[1,3] 4-4 [4] []"},
-      {"editor.update", R"({"selectRow":"5"})", "[1] 5-5 [5] []"},
+      {"editor.update", R"({"selectRow":"5","selectHead":"4"})", "[1] 5-4 [4,5] []"},
       // Only rows with children fold.
-      {"editor.update", R"({"collapse":["3","2","2","6","/"]})", "[1] 5-5 [5] [2,3]"},
+      {"editor.update", R"({"collapse":["3","2","2","6","/"]})", "[1] 5-4 [4,5] [2,3]"},
       // The focus changes first, the selection last; a fault changes nothing.
       {"editor.update", R"({"selectRow":"4","selectHead":"3","focus":"2","expand":["3"]})",
        "[1,2] 4-3 [3,4] [2]"},
