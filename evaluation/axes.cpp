@@ -155,11 +155,11 @@ std::optional<Range> rangeOf(Axis axis, const Row& from, const Outline& outline)
 }
 
 void sortInDocumentOrder(Rows& rows, const Outline& outline) {
-  constexpr std::size_t kFew = 16;
+  constexpr std::size_t few = 16;
   const auto isNotBefore = [](const Row* left, const Row* right) { return !isBefore(left, right); };
   if (std::adjacent_find(rows.begin(), rows.end(), isNotBefore) == rows.end()) return;
   const auto& all = outline.rowsInOrder();
-  if (rows.size() < all.size() / kFew) {
+  if (rows.size() < all.size() / few) {
     std::sort(rows.begin(), rows.end(), isBefore);
     rows.erase(std::unique(rows.begin(), rows.end()), rows.end());
     return;

@@ -33,8 +33,6 @@ bool ordered(const T& left, RelationOp op, const T& right) {
   }
 }
 
-bool isTextual(RelationOp op) { return op <= RelationOp::matches; }
-
 bool numbersHold(double left, RelationOp op, double right) {
   if (std::isnan(left) || std::isnan(right)) return op == RelationOp::notEqual;
   return ordered(left, op, right);

@@ -14,9 +14,9 @@ using namespace outline_path;
 
 using RowAttribute = outline_path::Attribute;
 
-constexpr std::string_view kRunType = "run";
+constexpr std::string_view runType = "run";
 /// Bytes of text that are searched in one step.
-constexpr std::size_t kStretch = 32;
+constexpr std::size_t stretch = 32;
 
 Value textValue(std::string_view text) { return text; }
 
@@ -37,7 +37,7 @@ void rejectDateWord(const ValueExpression& value) {
 bool comparesOrderOrDates(const Relation& relation) {
   const bool comparesDates =
       relation.modifier && relation.modifier->type == RelationModifierType::dateCompare;
-  return comparesDates || relation.op >= RelationOp::lessThanOrEqual;
+  return comparesDates || isOrder(relation.op);
 }
 
 /// A pattern that is the same for every row is compiled once.
@@ -89,7 +89,7 @@ Getter Compiler::compile(const ValueExpression& value) const {
 
 Predicate Compiler::compileNode(const ContainsText& node) const {
   return [search = text::TextSearch(node.text), &work = work_](const Context& context) {
-    work.spend(context.text.size() / kStretch);
+    work.spend(context.text.size() / stretch);
     return search.isIn(context.text);
   };
 }
@@ -110,7 +110,7 @@ Predicate Compiler::compileNode(const Comparison& node) const {
   if (auto test = compileMatches(node, left, work_)) return *test;
   return [left, right = compile(node.right), relation = &node.relation, &work = work_,
           &dates = dates_](const Context& context) {
-    work.spend(1 + context.text.size() / kStretch);
+    work.spend(1 + context.text.size() / stretch);
     return holds(left(context), *relation, right(context), work, dates);
   };
 }
@@ -151,7 +151,7 @@ Getter Compiler::compileNode(const RowAttribute& attribute) const {
       return [](const Context& context) { return textValue(context.text); };
     case AttributeKind::type:
       return [](const Context& context) {
-        return textValue(context.isRun ? kRunType : name(context.row->type()));
+        return textValue(context.isRun ? runType : name(context.row->type()));
       };
     case AttributeKind::other:
       break;

@@ -10,15 +10,15 @@ namespace {
 
 using namespace std::chrono;
 
-constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 /// The dates that can be written, and more days than lie between them.
-constexpr Day kFirst{year(0) / 1 / 1}, kLast{year(9999) / 12 / 31};
-constexpr double kMostDays = 4e6;
+constexpr Day firstDate{year(0) / 1 / 1}, lastDate{year(9999) / 12 / 31};
+constexpr double mostDays = 4e6;
 
 std::optional<Date> parse(std::string_view text, const Clock& clock) {
-  constexpr std::size_t kDayLength = 10;
+  constexpr std::size_t dayLength = 10;
   const std::string string(text);
-  if (text.size() == kDayLength) {
+  if (text.size() == dayLength) {
     const auto midnight = document::parseTimestamp(string + "T00:00Z");
     return midnight ? std::optional<Date>(floor<days>(LocalTime(milliseconds(*midnight)))) : std::nullopt;
   }
@@ -61,10 +61,10 @@ Day Dates::dayOf(const Date& date) const {
 /// Whole days are those of the calendar, whatever the clocks do on them: the same time on another day. What
 /// is left of a day counts for moments only.
 Value Dates::plus(const Date& date, double count) const {
-  if (!(std::abs(count) < kMostDays)) return kNoNumber;
+  if (!(std::abs(count) < mostDays)) return noNumber;
   const days whole(static_cast<int>(count));
   const Day day = dayOf(date) + whole;
-  if (day < kFirst || day > kLast) return kNoNumber;
+  if (day < firstDate || day > lastDate) return noNumber;
   const auto* moment = std::get_if<Moment>(&date);
   if (moment == nullptr) return day;
   const auto rest = round<milliseconds>(duration<double, days::period>(count) - whole);

@@ -12,8 +12,6 @@ namespace {
 
 using namespace outline_path;
 
-constexpr std::size_t kAll = static_cast<std::size_t>(-1);
-
 /// A compiled path.
 class PathPlan {
  public:
@@ -125,7 +123,7 @@ class PathPlan {
   /// What a step takes from one context, the nearest first.
   Rows fromOne(const StepPlan& step, const Row& context) const {
     const auto& slice = step.slice();
-    Rows rows = candidates(step, context, slice ? candidatesNeeded(*slice) : kAll);
+    Rows rows = candidates(step, context, slice ? candidatesNeeded(*slice) : allCandidates);
     if (!slice) return rows;
     const Range range = sliceRange(*slice, rows.size());
     rows = {rows.begin() + static_cast<std::ptrdiff_t>(range.begin),
@@ -138,7 +136,7 @@ class PathPlan {
   Rows candidates(const StepPlan& step, const Row& context, std::size_t most) const {
     Rows rows;
     if (most == 0) return rows;
-    const bool takesAll = most == kAll || step.asksForPositions();
+    const bool takesAll = most == allCandidates || step.asksForPositions();
     const bool asksLater = step.asksForPositions() || step.slicesFirst();
     if (takesAll && rangeOf(step.axis(), context, outline_)) {
       rows = rowsAlong(step.axis(), {&context}, outline_, step.filter(), work_);

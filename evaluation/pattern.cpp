@@ -13,7 +13,7 @@ namespace {
 
 /// The library's own steps for one row's text; nested repetitions could otherwise go on for years. It does
 /// not say how many it took, so a search is tried with few of them first.
-constexpr std::uint32_t kFewSteps = 100, kMostSteps = 100'000;
+constexpr std::uint32_t shortestSearch = 100, longestSearch = 100'000;
 
 PCRE2_SPTR unitsOf(std::string_view text) { return reinterpret_cast<PCRE2_SPTR>(text.data()); }
 
@@ -62,7 +62,7 @@ bool Pattern::isIn(std::string_view text, Work& work) const {
   // The library takes no null for an empty text.
   if (text.data() == nullptr) text = "";
   int result = PCRE2_ERROR_MATCHLIMIT;
-  for (std::uint32_t steps = kFewSteps; steps <= kMostSteps && result == PCRE2_ERROR_MATCHLIMIT;
+  for (std::uint32_t steps = shortestSearch; steps <= longestSearch && result == PCRE2_ERROR_MATCHLIMIT;
        steps *= 10) {
     work.spend(steps / 4);
     result = compiled_->search(text, steps);

@@ -11,8 +11,6 @@ using outline_path::Slice;
 using outline_path::SliceIndex;
 using outline_path::SliceRange;
 
-constexpr std::size_t kAll = static_cast<std::size_t>(-1);
-
 std::size_t positionOf(std::int64_t bound, std::size_t count) {
   if (bound >= 0) return std::min(static_cast<std::size_t>(bound), count);
   const auto back = static_cast<std::size_t>(-(bound + 1)) + 1;
@@ -126,11 +124,11 @@ Range sliceRange(const Slice& slice, std::size_t count) {
 
 std::size_t candidatesNeeded(const Slice& slice) {
   if (const auto* index = std::get_if<SliceIndex>(&slice)) {
-    return index->index < 0 ? kAll : static_cast<std::size_t>(index->index) + 1;
+    return index->index < 0 ? allCandidates : static_cast<std::size_t>(index->index) + 1;
   }
   const auto& range = std::get<SliceRange>(slice);
   const bool fromBegin = range.start.value_or(0) >= 0 && range.end && *range.end >= 0;
-  return fromBegin ? static_cast<std::size_t>(*range.end) : kAll;
+  return fromBegin ? static_cast<std::size_t>(*range.end) : allCandidates;
 }
 
 bool sharesCandidates(Axis axis) {

@@ -7,8 +7,8 @@ namespace vell::evaluation {
 
 /// The part of `count` candidates that a slice takes.
 Range sliceRange(const outline_path::Slice& slice, std::size_t count);
-/// How many candidates have to be known before the slice is: all (the greatest number) where it counts from
-/// the end.
+inline constexpr std::size_t allCandidates = static_cast<std::size_t>(-1);
+/// How many candidates have to be known before the slice is: all where it counts from the end.
 std::size_t candidatesNeeded(const outline_path::Slice& slice);
 
 /// Whether the candidates from one context along `axis` can be among those from many others, so that going

@@ -49,14 +49,14 @@ std::optional<Slice> sliceUpTo(RelationOp op, std::int64_t last) {
 
 /// The slice that a predicate such as `position() = 1` or `position() < last()` stands for.
 std::optional<Slice> sliceFor(const PredicateExpression& predicate) {
-  constexpr double kGreatest = 1e9;
+  constexpr double greatest = 1e9;
   const auto* comparison = std::get_if<Comparison>(&predicate.node);
   if (comparison == nullptr || comparison->relation.modifier ||
       !isCallOf(FunctionKind::position, comparison->left))
     return std::nullopt;
   if (isCallOf(FunctionKind::last, comparison->right)) return sliceUpTo(comparison->relation.op, -1);
   const auto* bound = std::get_if<double>(&comparison->right.node);
-  if (bound == nullptr || *bound < 1 || *bound > kGreatest || *bound != std::floor(*bound))
+  if (bound == nullptr || *bound < 1 || *bound > greatest || *bound != std::floor(*bound))
     return std::nullopt;
   return sliceUpTo(comparison->relation.op, static_cast<std::int64_t>(*bound) - 1);
 }

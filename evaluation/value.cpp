@@ -12,7 +12,7 @@
 namespace vell::evaluation {
 namespace {
 
-constexpr double kNoNumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double noNumber = std::numeric_limits<double>::quiet_NaN();
 
 std::string_view trimmed(std::string_view text) {
   const std::size_t first = text.find_first_not_of(" \t\n\v\f\r");
@@ -36,9 +36,9 @@ std::string textOfNumber(double number) {
 }
 
 std::string textOfDay(Day day) {
-  constexpr std::size_t kLength = 10;
+  constexpr std::size_t length = 10;
   const auto midnight = std::chrono::milliseconds(day.time_since_epoch()).count();
-  return document::formatTimestamp(midnight).substr(0, kLength);
+  return document::formatTimestamp(midnight).substr(0, length);
 }
 
 }  // namespace
@@ -47,7 +47,7 @@ double numberOf(std::string_view text) {
   text = trimmed(text);
   const bool negative = !text.empty() && text.front() == '-';
   if (negative) text.remove_prefix(1);
-  if (!isDecimal(text)) return kNoNumber;
+  if (!isDecimal(text)) return noNumber;
   const double number = outline_path::numberOf(text);
   return negative ? -number : number;
 }
@@ -57,7 +57,7 @@ double numberOf(const Value& value) {
   if (const auto* truth = std::get_if<bool>(&value)) return *truth ? 1 : 0;
   if (const auto* text = std::get_if<std::string_view>(&value)) return numberOf(*text);
   if (const auto* text = std::get_if<std::string>(&value)) return numberOf(std::string_view(*text));
-  return kNoNumber;
+  return noNumber;
 }
 
 bool truthOf(const Value& value) {

@@ -6,9 +6,9 @@
 namespace vell::evaluation {
 namespace {
 
-constexpr std::uint64_t kStepsForRow = 50;
-constexpr std::uint64_t kBetweenLooks = 500;
-constexpr std::chrono::milliseconds kBetweenPauses{5};
+constexpr std::uint64_t stepsForRow = 50;
+constexpr std::uint64_t betweenLooks = 500;
+constexpr std::chrono::milliseconds betweenPauses{5};
 
 /// The step as it stands in a path, behind a separator.
 std::string spelled(const outline_path::Step& step) {
@@ -18,13 +18,13 @@ std::string spelled(const outline_path::Step& step) {
 }  // namespace
 
 Work::Work(const document::Outline& outline, const Budget& budget)
-    : budget_(budget), most_(budget.steps + kStepsForRow * outline.rowsInOrder().size()) {}
+    : budget_(budget), most_(budget.steps + stepsForRow * outline.rowsInOrder().size()) {}
 
 void Work::look() {
-  nextLook_ = spent_ + kBetweenLooks;
+  nextLook_ = spent_ + betweenLooks;
   if (spent_ > most_)
     throw EvaluationError("it takes too long" + (step_ == nullptr ? "" : ", at its step " + spelled(*step_)));
-  if (!budget_.pause || Clock::now() - lastPause_ < kBetweenPauses) return;
+  if (!budget_.pause || Clock::now() - lastPause_ < betweenPauses) return;
   budget_.pause();
   lastPause_ = Clock::now();
 }

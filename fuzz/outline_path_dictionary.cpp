@@ -17,6 +17,6 @@ int main() {
   for (const auto names : functionNames()) {
     for (const auto name : names) put(std::string(name) + "(");
   }
-  for (const char letter : kRelationModifiers) put(std::string("[") + letter + kLocaleAware + "]");
-  for (const auto word : {kTrue, kFalse, kNull}) put(word);
+  for (const char letter : relationModifiers) put(std::string("[") + letter + localeAwareLetter + "]");
+  for (const auto word : {trueWord, falseWord, nullWord}) put(word);
 }

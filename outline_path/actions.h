@@ -122,7 +122,7 @@ template <> struct Action<grammar::NumberParser> {
   static void apply(const auto& in, ParseState&, ValueExpression& out) { out.node = numberOf(in.string_view()); }
 };
 template <> struct Action<grammar::BooleanParser> {
-  static void apply(const auto& in, ParseState&, ValueExpression& out) { out.node = in.string_view() == kTrue; }
+  static void apply(const auto& in, ParseState&, ValueExpression& out) { out.node = in.string_view() == trueWord; }
 };
 template <> struct Action<grammar::NullParser> {
   static void apply0(ParseState&, ValueExpression& out) { out.node = Null{}; }

@@ -13,14 +13,14 @@ struct Range {
 };
 
 // The name start characters of XML 1.0.
-constexpr std::array kNameStart{
+constexpr std::array nameStart{
     Range{'a', 'z'},       Range{'A', 'Z'},       Range{':', ':'},       Range{'_', '_'},
     Range{0xC0, 0xD6},     Range{0xD8, 0xF6},     Range{0xF8, 0x2FF},    Range{0x370, 0x37D},
     Range{0x37F, 0x1FFF},  Range{0x200C, 0x200D}, Range{0x2070, 0x218F}, Range{0x2C00, 0x2FEF},
     Range{0x3001, 0xD7FF}, Range{0xF900, 0xFDCF}, Range{0xFDF0, 0xFFFD}, Range{0x10000, 0xEFFFF},
 };
 // Those that may follow in a name besides; U+00B7 is not among them, unlike in XML.
-constexpr std::array kNameRest{Range{'-', '.'}, Range{'0', '9'}, Range{0x300, 0x36F}, Range{0x203F, 0x2040}};
+constexpr std::array nameRest{Range{'-', '.'}, Range{'0', '9'}, Range{0x300, 0x36F}, Range{0x203F, 0x2040}};
 
 template <std::size_t count>
 bool within(const std::array<Range, count>& ranges, char32_t value) {
@@ -28,8 +28,8 @@ bool within(const std::array<Range, count>& ranges, char32_t value) {
                      [&](const Range& range) { return value >= range.first && value <= range.last; });
 }
 
-bool startsName(char32_t value) { return within(kNameStart, value); }
-bool isInName(char32_t value) { return within(kNameStart, value) || within(kNameRest, value); }
+bool startsName(char32_t value) { return within(nameStart, value); }
+bool isInName(char32_t value) { return within(nameStart, value) || within(nameRest, value); }
 
 }  // namespace
 

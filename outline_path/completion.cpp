@@ -37,7 +37,7 @@ void addFunctions(Items& items) {
 void addValues(Items& items, const Known& known) {
   for (const std::string& text : known.attributeTexts) items.push_back(encodeString(text));
   addFunctions(items);
-  addSpellings(items, std::array{kTrue, kFalse, kNull});
+  addSpellings(items, std::array{trueWord, falseWord, nullWord});
 }
 
 void addPredicates(Items& items, const Known& known) {
@@ -77,13 +77,13 @@ void addFor(Expected expected, Items& items, const Known& known) {
     case Expected::closingQuote:
       return addStrings(items, known);
     case Expected::relation:
-      return addSpellings(items, kRelationOps);
+      return addSpellings(items, relationOps);
     case Expected::predicateOp:
-      return addSpellings(items, std::array{kPredicateOps[0], kPredicateOps[1]});
+      return addSpellings(items, std::array{predicateOps[0], predicateOps[1]});
     case Expected::setOp:
-      return addSpellings(items, kSetOps);
+      return addSpellings(items, setOps);
     case Expected::modifierLetter:
-      for (const char letter : kRelationModifiers) items.emplace_back(1, letter);
+      for (const char letter : relationModifiers) items.emplace_back(1, letter);
       return;
     default:
       return;

@@ -13,19 +13,19 @@ struct Control : tao::pegtl::normal<Rule> {
   static bool match(rules::Input& in, ParseState& state, States&&... states) {
     ++state.steps;
     const std::size_t at = rules::offsetOf(in, state);
-    if constexpr (kIsTraced) enter(state, at);
+    if constexpr (isTraced) enter(state, at);
     const bool matched = tao::pegtl::normal<Rule>::template match<A, M, Action, Self>(in, state, states...);
     if (!matched) noteExpected(state, at);
-    if constexpr (kIsTraced)
+    if constexpr (isTraced)
       leave(state, at, matched ? std::optional(rules::offsetOf(in, state)) : std::nullopt);
     return matched;
   }
 
  private:
-  static constexpr bool kIsTraced = !kTraceLabel<Rule>.empty();
+  static constexpr bool isTraced = !traceLabel<Rule>.empty();
 
   static void enter(ParseState& state, std::size_t at) {
-    if (state.trace != nullptr) state.trace->enter(kTraceRule<Rule>, at);
+    if (state.trace != nullptr) state.trace->enter(traceRule<Rule>, at);
   }
 
   static void leave(ParseState& state, std::size_t at, std::optional<std::size_t> end) {
@@ -34,11 +34,11 @@ struct Control : tao::pegtl::normal<Rule> {
     TraceContext::EventType type =
         TraceContext::Error{{Diagnostic::Kind::unexpected, failure.furthest(), failure.all()}};
     if (end) type = TraceContext::Match{*end, std::string_view(state.trace->input).substr(at, *end - at)};
-    state.trace->leave(kTraceRule<Rule>, at, type);
+    state.trace->leave(traceRule<Rule>, at, type);
   }
 
   static void noteExpected(ParseState& state, std::size_t at) {
-    if constexpr (kExpectedOf<Rule>.has_value()) state.expectations.note(at, *kExpectedOf<Rule>);
+    if constexpr (expectedOf<Rule>.has_value()) state.expectations.note(at, *expectedOf<Rule>);
     if constexpr (std::is_same_v<Rule, grammar::PredicateExpressionComparisonParser>) noteRelation(state, at);
   }
 

@@ -11,12 +11,12 @@
 namespace vell::outline_path {
 namespace {
 
-constexpr std::size_t kExpectedShown = 5;
-constexpr std::size_t kFoundShown = 24;
+constexpr std::size_t expectedShown = 5;
+constexpr std::size_t foundShown = 24;
 /// Columns of a long line shown on either side of the caret.
-constexpr std::size_t kContext = 36;
+constexpr std::size_t context = 36;
 
-constexpr std::array<std::string_view, kExpectedCount> kDescriptions{
+constexpr std::array<std::string_view, expectedCount> descriptions{
     "a path",
     "a step (*, task, @name)",
     "a type test or a predicate",
@@ -78,13 +78,13 @@ std::string found(std::string_view rest) {
   if (isBlank(rest.front())) return "blank";
   const std::size_t word = wordLength(rest);
   std::size_t length = word == 0 ? text::firstCodePoint(rest).length : 0;
-  while (length < word && length < kFoundShown) length += text::firstCodePoint(rest.substr(length)).length;
+  while (length < word && length < foundShown) length += text::firstCodePoint(rest.substr(length)).length;
   return '"' + std::string(rest.substr(0, length)) + (length < word ? "…\"" : "\"");
 }
 
 std::string expectation(const ExpectedSet& expected) {
   const std::vector<Expected> all = expected.inOrder();
-  const std::size_t shown = std::min(all.size(), kExpectedShown);
+  const std::size_t shown = std::min(all.size(), expectedShown);
   if (shown == 2)
     return ", expected " + std::string(describe(all[0])) + " or " + std::string(describe(all[1]));
   std::string text;
@@ -109,7 +109,7 @@ std::string message(const Diagnostic& diagnostic, std::string_view text) {
     case Kind::loneWord:
       return found(rest) + " alone is not a path";
     case Kind::tooDeep:
-      return "nested more than " + std::to_string(kMaxDepth) + " levels deep";
+      return "nested more than " + std::to_string(maxDepth) + " levels deep";
     case Kind::invalidUtf8:
       return "invalid UTF-8 at byte " + std::to_string(diagnostic.index);
   }
@@ -120,8 +120,8 @@ std::string message(const Diagnostic& diagnostic, std::string_view text) {
 std::string picture(const Line& line) {
   const text::DisplayText before = text::displayText(line.text.substr(0, line.index));
   const text::DisplayText after = text::displayText(line.text.substr(line.index));
-  const text::DisplayText left = text::lastColumns(before, kContext);
-  const text::DisplayText right = text::firstColumns(after, kContext);
+  const text::DisplayText left = text::lastColumns(before, context);
+  const text::DisplayText right = text::firstColumns(after, context);
   return "  " + left.text + right.text + "\n  " + std::string(left.width, ' ') + "^\n";
 }
 
@@ -138,7 +138,7 @@ std::vector<Expected> ExpectedSet::inOrder() const {
   return all;
 }
 
-std::string_view describe(Expected expected) { return kDescriptions[static_cast<std::size_t>(expected)]; }
+std::string_view describe(Expected expected) { return descriptions[static_cast<std::size_t>(expected)]; }
 
 std::string render(const Diagnostic& diagnostic, std::string_view text) {
   const Line line = lineAt(text, diagnostic.index);

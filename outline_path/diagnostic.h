@@ -43,7 +43,7 @@ enum class Expected : std::uint8_t {
   endOfInput,
 };
 
-inline constexpr std::size_t kExpectedCount = static_cast<std::size_t>(Expected::endOfInput) + 1;
+inline constexpr std::size_t expectedCount = static_cast<std::size_t>(Expected::endOfInput) + 1;
 
 /// In words, for "expected …".
 std::string_view describe(Expected expected);
@@ -64,7 +64,7 @@ class ExpectedSet {
  private:
   static std::size_t index(Expected expected) { return static_cast<std::size_t>(expected); }
 
-  std::bitset<kExpectedCount> bits_;
+  std::bitset<expectedCount> bits_;
 };
 
 /// Gathers what was expected at the furthest place that a parse came to.

@@ -118,7 +118,7 @@ struct RelationSign           : Token<relationLength> {};
 struct RelationOpParser       : seq<RelationSign> {};
 struct RelationModifierOpen   : one<'['> {};
 struct RelationModifierLetter : Token<relationModifierLength> {};
-struct LocaleAware            : one<kLocaleAware> {};
+struct LocaleAware            : one<localeAwareLetter> {};
 struct RelationModifierClose  : one<']'> {};
 struct RelationModifierSign   : seq<RelationModifierOpen, RelationModifierLetter, opt<LocaleAware>, RelationModifierClose> {};
 struct RelationModifierParser : seq<RelationModifierSign> {};

@@ -15,7 +15,7 @@ struct ClassOfLabel {
   SyntaxClass syntaxClass;
 };
 
-constexpr std::array kClasses{
+constexpr std::array classes{
     ClassOfLabel{"keyword.step.separator", SyntaxClass::outlinePathStepSeparator},
     ClassOfLabel{"keyword.op.set", SyntaxClass::outlinePathRowSetOp},
     ClassOfLabel{"keyword.op.predicate", SyntaxClass::outlinePathPredicateOp},
@@ -26,15 +26,15 @@ constexpr std::array kClasses{
     ClassOfLabel{"AttributeParser", SyntaxClass::outlinePathAttribute},
 };
 
-constexpr std::array<std::string_view, 8> kNames{
+constexpr std::array<std::string_view, 8> names{
     "outlinePathRelationOp", "outlinePathPredicateOp", "outlinePathRowSetOp", "outlinePathError",
     "outlinePathAttribute",  "outlinePathUnquoted",    "outlinePathStepAxis", "outlinePathStepSeparator",
 };
 
 std::optional<SyntaxClass> classOf(std::string_view label) {
-  const auto entry = std::find_if(kClasses.begin(), kClasses.end(),
+  const auto entry = std::find_if(classes.begin(), classes.end(),
                                   [&](const ClassOfLabel& candidate) { return candidate.label == label; });
-  return entry == kClasses.end() ? std::nullopt : std::optional(entry->syntaxClass);
+  return entry == classes.end() ? std::nullopt : std::optional(entry->syntaxClass);
 }
 
 HighlightedRange errorRange(std::string_view text, std::size_t index) {
@@ -44,7 +44,7 @@ HighlightedRange errorRange(std::string_view text, std::size_t index) {
 
 }  // namespace
 
-std::string_view nameOf(SyntaxClass syntaxClass) { return kNames[static_cast<std::size_t>(syntaxClass)]; }
+std::string_view nameOf(SyntaxClass syntaxClass) { return names[static_cast<std::size_t>(syntaxClass)]; }
 
 std::vector<HighlightedRange> highlight(const OutlinePathWithParse& path) {
   std::vector<HighlightedRange> ranges;

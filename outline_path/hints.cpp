@@ -53,8 +53,8 @@ struct Place {
 /// The one of `words` that `word` is most like, if it is like any.
 template <typename Words>
 std::string_view nearest(std::string_view word, const Words& words) {
-  constexpr std::size_t kShortestWord = 3;
-  if (word.size() < kShortestWord) return {};
+  constexpr std::size_t shortestWord = 3;
+  if (word.size() < shortestWord) return {};
   std::vector<std::string_view> candidates;
   for (const auto entry : words) candidates.push_back(spelling(entry));
   return text::nearest(word, candidates);
@@ -88,7 +88,7 @@ std::string hintAmong(const std::array<ForeignSpelling, count>& spellings, std::
 
 // Each of these looks for one kind of slip and returns the sentence for it, or nothing.
 
-constexpr std::string_view kPlainQuotes = "strings stand in double quotes: write \"text\", not 'text'.";
+constexpr std::string_view plainQuotes = "strings stand in double quotes: write \"text\", not 'text'.";
 
 bool isInvisible(char32_t c) {
   const bool isControl = (c < 0x20 && !isBlank(static_cast<char>(c))) || (c >= 0x7F && c <= 0xA0);
@@ -115,13 +115,13 @@ std::string characterHint(const Place& place) {
     std::snprintf(digits.data(), digits.size(), "%04X", static_cast<unsigned>(*c));
     return std::string("the character U+") + digits.data() + " is no blank here: write a plain one, or none.";
   }
-  if (place.behind() == '\'' || place.previous() == '\'') return std::string(kPlainQuotes);
+  if (place.behind() == '\'' || place.previous() == '\'') return std::string(plainQuotes);
   const char32_t c = text::firstCodePoint(place.rest()).value;
   const bool isSmartQuote = (c >= 0x2018 && c <= 0x201F) || c == 0xAB || c == 0xBB;
   return isSmartQuote ? "strings stand in plain double quotes: write \"text\"." : "";
 }
 
-constexpr std::array kForeignRelations{
+constexpr std::array foreignRelations{
     ForeignSpelling{"==", "a single \"=\" compares: write @name = \"value\"."},
     ForeignSpelling{"<>", "\"!=\" says that values differ: write @name != \"value\"."},
     ForeignSpelling{"=~", "\"matches\" compares with a pattern: write @name matches \"pattern\"."},
@@ -130,7 +130,7 @@ constexpr std::array kForeignRelations{
 };
 
 std::string relationSignHint(const Place& place) {
-  return place.index == 0 ? "" : hintAmong(kForeignRelations, place.text.substr(place.index - 1, 2));
+  return place.index == 0 ? "" : hintAmong(foreignRelations, place.text.substr(place.index - 1, 2));
 }
 
 std::string modifierHint(const Place& place) {
@@ -149,8 +149,8 @@ std::string bracketHint(const Place& place) {
     return "a slice from one row to another is written [start:end]: [1:5].";
   const bool isSlice = isDigit(place.behind()) || place.behind() == '-' || place.behind() == '\0';
   if (place.kind != Diagnostic::Kind::notAnInteger || place.previous() != '[' || isSlice) return "";
-  constexpr std::array<std::string_view, 3> kPlaces{"first", "last", "position"};
-  if (isOneOf(place.nextWord(), kPlaces))
+  constexpr std::array<std::string_view, 3> places{"first", "last", "position"};
+  if (isOneOf(place.nextWord(), places))
     return "slices count from 0: [0] takes the first row, [-1] the last.";
   return "predicates are bare, brackets hold slices: write //task @done, not //task[@done].";
 }
@@ -179,8 +179,8 @@ std::string joinedPathsHint(const Place& place) {
 std::string operatorHint(const Place& place) {
   const std::string_view word = place.word().empty() ? place.wordBefore() : place.word();
   const bool isNot = word == spelling(PredicateOp::notOf);
-  const bool joinsPaths = isOneOf(word, kSetOps);
-  if (!joinsPaths && !isOneOf(word, kPredicateOps)) return "";
+  const bool joinsPaths = isOneOf(word, setOps);
+  if (!joinsPaths && !isOneOf(word, predicateOps)) return "";
   const std::size_t begin = static_cast<std::size_t>(word.data() - place.text.data());
   const std::size_t end = begin + word.size();
   const bool isLast = skipBlanks(place.text, end) == place.text.size();
@@ -250,15 +250,15 @@ std::string comparisonHint(const Place& place) {
 
 /// Arithmetic with a path, or with what is not compared.
 std::string arithmeticHint(const Place& place) {
-  constexpr std::string_view kSigns = "+-*";
+  constexpr std::string_view signs = "+-*";
   const bool isBehindPath = (place.expects(Expected::setOp) || place.expects(Expected::separator)) &&
                             !place.expects(Expected::filter) && !place.expects(Expected::arithmetic);
-  if (isBehindPath && place.behind() != '\0' && kSigns.find(place.behind()) != std::string_view::npos)
+  if (isBehindPath && place.behind() != '\0' && signs.find(place.behind()) != std::string_view::npos)
     return std::string("arithmetic takes values, not paths: write count(//*) ") + place.behind() + " 1.";
   std::string_view before = place.beforeBlanks();
   before.remove_suffix(place.wordBefore().size());
   before = before.substr(0, before.find_last_not_of(" ") + 1);
-  const bool isSum = !before.empty() && kSigns.find(before.back()) != std::string_view::npos;
+  const bool isSum = !before.empty() && signs.find(before.back()) != std::string_view::npos;
   return isSum && place.rest().empty() && place.expects(Expected::relation)
              ? "a predicate compares values: write //* @name - 1 > 0."
              : "";
@@ -278,7 +278,7 @@ std::string predicateHint(const Place& place) {
   return place.expects(Expected::predicateOp) ? "write \"and\" or \"or\" between predicates." : "";
 }
 
-constexpr std::array kForeignWords{
+constexpr std::array foreignWords{
     ForeignSpelling{"startswith", "\"startswith\" is no relation: write \"beginswith\"."},
     ForeignSpelling{"starts-with", "\"starts-with\" is no relation: write \"beginswith\"."},
     ForeignSpelling{"like", "\"like\" is no relation: write \"contains\" or \"matches\"."},
@@ -291,7 +291,7 @@ std::string wordHint(const Place& place) {
   const std::string_view word = place.nextWord();
   if (word.empty() || !place.isBehindBlank() || isKeyword(word) || isNumber(word) || word.front() == '-')
     return "";
-  std::string hint = hintAmong(kForeignWords, word);
+  std::string hint = hintAmong(foreignWords, word);
   if (!hint.empty()) return hint;
   std::vector<std::string_view> words(keywords().begin(), keywords().end());
   const std::string_view nearby = text::nearest(word, words);

@@ -14,9 +14,9 @@ namespace vell::outline_path {
 namespace {
 
 // With so few digits mantissa and power of ten are exact, and so is their quotient's rounding.
-constexpr std::size_t kExactDigits = 15;
-constexpr std::array<double, kExactDigits + 1> kPowersOfTen{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
-                                                            1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
+constexpr std::size_t exactDigits = 15;
+constexpr std::array<double, exactDigits + 1> powersOfTen{1e0, 1e1, 1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                                                          1e8, 1e9, 1e10, 1e11, 1e12, 1e13, 1e14, 1e15};
 
 double exactNumberOf(std::string_view digits) {
   std::uint64_t mantissa = 0;
@@ -30,7 +30,7 @@ double exactNumberOf(std::string_view digits) {
     mantissa = mantissa * 10 + static_cast<std::uint64_t>(c - '0');
     fraction += behindPoint ? 1 : 0;
   }
-  return static_cast<double>(mantissa) / kPowersOfTen[fraction];
+  return static_cast<double>(mantissa) / powersOfTen[fraction];
 }
 
 double longNumberOf(std::string_view digits) {
@@ -81,8 +81,8 @@ struct Escape {
   char letter;
   char character;
 };
-constexpr std::array kEscapes{Escape{'"', '"'},  Escape{'\\', '\\'}, Escape{'/', '/'},  Escape{'b', '\b'},
-                              Escape{'f', '\f'}, Escape{'n', '\n'},  Escape{'r', '\r'}, Escape{'t', '\t'}};
+constexpr std::array escapes{Escape{'"', '"'},  Escape{'\\', '\\'}, Escape{'/', '/'},  Escape{'b', '\b'},
+                             Escape{'f', '\f'}, Escape{'n', '\n'},  Escape{'r', '\r'}, Escape{'t', '\t'}};
 
 char32_t codeUnit(std::string_view digits) {
   std::uint32_t unit = 0;
@@ -93,7 +93,7 @@ char32_t codeUnit(std::string_view digits) {
 /// Decodes the escape whose backslash `text` begins with; returns its length.
 std::size_t decodeEscape(std::string_view text, std::string& out) {
   if (text[1] != 'u') {
-    for (const Escape& escape : kEscapes) {
+    for (const Escape& escape : escapes) {
       if (escape.letter == text[1]) out += escape.character;
     }
     return 2;
@@ -106,16 +106,16 @@ std::size_t decodeEscape(std::string_view text, std::string& out) {
 }
 
 void appendControl(std::string& out, unsigned char c) {
-  constexpr std::string_view kHex = "0123456789abcdef";
+  constexpr std::string_view hex = "0123456789abcdef";
   out += "\\u00";
-  out += kHex[c >> 4];
-  out += kHex[c & 15];
+  out += hex[c >> 4];
+  out += hex[c & 15];
 }
 
 }  // namespace
 
 double numberOf(std::string_view digits) {
-  return digits.size() <= kExactDigits ? exactNumberOf(digits) : longNumberOf(digits);
+  return digits.size() <= exactDigits ? exactNumberOf(digits) : longNumberOf(digits);
 }
 
 std::string textOf(double number) {
@@ -148,7 +148,7 @@ std::string encodeString(std::string_view text) {
       continue;
     }
     char letter = 0;
-    for (const Escape& escape : kEscapes) letter = escape.character == c ? escape.letter : letter;
+    for (const Escape& escape : escapes) letter = escape.character == c ? escape.letter : letter;
     if (letter == 0) {
       appendControl(out, static_cast<unsigned char>(c));
     } else {

@@ -8,7 +8,7 @@
 namespace vell::outline_path {
 namespace {
 
-constexpr std::size_t kNone = std::string_view::npos;
+constexpr std::size_t none = std::string_view::npos;
 
 std::size_t skipMinusSigns(std::string_view text, std::size_t at) {
   while (text.substr(at).starts_with(spelling(UnaryOp::negate))) ++at;
@@ -22,9 +22,9 @@ std::size_t behindString(std::string_view text, std::size_t quote) {
   return std::min(at + 1, text.size());
 }
 
-/// For each opening bracket the offset behind the one that closes it, `kNone` where there is none.
+/// For each opening bracket the offset behind the one that closes it, `none` where there is none.
 std::vector<std::size_t> pairBrackets(std::string_view text) {
-  std::vector<std::size_t> behind(text.size(), kNone);
+  std::vector<std::size_t> behind(text.size(), none);
   std::vector<std::size_t> open;
   for (std::size_t at = 0; at < text.size();) {
     const char c = text[at];
@@ -52,17 +52,17 @@ void Lookahead::noteFailure(Construct construct, std::size_t at) {
 bool Lookahead::relationFollows(std::size_t at) {
   missingRelation_.reset();
   Comparison found = Comparison::unknown;
-  std::size_t behindChain = kNone;
-  for (std::size_t operand = at; operand != kNone && found == Comparison::unknown;) {
+  std::size_t behindChain = none;
+  for (std::size_t operand = at; operand != none && found == Comparison::unknown;) {
     const std::size_t end = operandEnd(operand);
-    if (end == kNone) break;
+    if (end == none) break;
     const Comparison known = comparisonAt(operand);
     behindChain = skipBlanks(text_, end);
     const bool mayCompare = isOpenCall(operand) || relationAt(text_.substr(behindChain));
     found = known == Comparison::unknown && mayCompare ? Comparison::possible : known;
     operand = nextOperand(behindChain);
   }
-  if (behindChain == kNone) return false;
+  if (behindChain == none) return false;
   if (found == Comparison::unknown) {
     found = Comparison::impossible;
     missingRelation_ = behindChain;
@@ -76,10 +76,10 @@ bool Lookahead::relationFollows(std::size_t at) {
 
 void Lookahead::noteFailedComparison(std::size_t at) {
   missingRelation_.reset();
-  for (std::size_t end = operandEnd(at); end != kNone; end = operandEnd(at)) {
+  for (std::size_t end = operandEnd(at); end != none; end = operandEnd(at)) {
     comparisonAt(at) = Comparison::impossible;
     const std::size_t next = nextOperand(skipBlanks(text_, end));
-    if (next == kNone || operandFailed(at)) return;
+    if (next == none || operandFailed(at)) return;
     at = next;
   }
 }
@@ -96,42 +96,42 @@ bool Lookahead::operandFailed(std::size_t at) const {
          (failed(Construct::valueGroup, inside) || failed(Construct::functionCall, inside));
 }
 
-/// The end of the operand at `at`, `kNone` where there is none.
+/// The end of the operand at `at`, `none` where there is none.
 std::size_t Lookahead::operandEnd(std::size_t at) {
   ++steps_;
   at = skipMinusSigns(text_, at);
   const std::string_view rest = text_.substr(at);
-  if (rest.empty()) return kNone;
+  if (rest.empty()) return none;
   if (rest.front() == '@' || rest.front() == '$') {
     const std::size_t length = nameLength(rest.substr(1));
-    return length == 0 ? kNone : at + 1 + length;
+    return length == 0 ? none : at + 1 + length;
   }
   if (rest.front() == '"') return behindString(text_, at);
   if (rest.front() == '(') return behindBracket(at);
   if (const std::size_t length = functionNameLength(rest); length != 0)
     return std::min(behindBracket(at + length), text_.size());
   const std::size_t length = wordLength(rest);
-  return length == 0 || isKeyword(rest.substr(0, length)) ? kNone : at + length;
+  return length == 0 || isKeyword(rest.substr(0, length)) ? none : at + length;
 }
 
 bool Lookahead::isOpenCall(std::size_t operand) {
   const std::size_t at = skipMinusSigns(text_, operand);
   const std::size_t length = functionNameLength(text_.substr(at));
-  const bool isOpen = length != 0 && behindBracket(at + length) == kNone;
+  const bool isOpen = length != 0 && behindBracket(at + length) == none;
   sawOpenCall_ = sawOpenCall_ || isOpen;
   return isOpen;
 }
 
-/// The operand behind the arithmetic sign at `sign`, `kNone` where there is no such sign.
+/// The operand behind the arithmetic sign at `sign`, `none` where there is no such sign.
 std::size_t Lookahead::nextOperand(std::size_t sign) const {
   const std::string_view rest = text_.substr(sign);
   const std::size_t next = skipBlanks(text_, std::min(sign + 1, text_.size()));
   if (rest.starts_with(spelling(MultiplicativeOp::divide)))
-    return isDivisor(text_.substr(next)) ? next : kNone;
+    return isDivisor(text_.substr(next)) ? next : none;
   const bool isSign = rest.starts_with(spelling(MultiplicativeOp::multiply)) ||
                       rest.starts_with(spelling(AdditiveOp::add)) ||
                       rest.starts_with(spelling(AdditiveOp::subtract));
-  return isSign ? next : kNone;
+  return isSign ? next : none;
 }
 
 std::size_t Lookahead::behindBracket(std::size_t open) {

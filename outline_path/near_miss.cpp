@@ -12,13 +12,13 @@ namespace vell::outline_path {
 namespace {
 
 std::string_view typeTestLike(std::string_view word) {
-  constexpr std::size_t kShortestWord = 3;
-  constexpr std::size_t kShortestPart = 4;  // "code", "quote"
-  if (word.size() < kShortestWord) return {};
+  constexpr std::size_t shortestWord = 3;
+  constexpr std::size_t shortestPart = 4;  // "code", "quote"
+  if (word.size() < shortestWord) return {};
   std::vector<std::string_view> tests;
   for (const TypeTest test : typeTests()) tests.push_back(spelling(test));
   const std::string_view nearby = text::nearest(word, tests);
-  if (!nearby.empty() || word.size() < kShortestPart) return nearby;
+  if (!nearby.empty() || word.size() < shortestPart) return nearby;
   const auto holdsWord = [&](std::string_view test) { return test.find(word) != std::string_view::npos; };
   const auto found = std::find_if(tests.begin(), tests.end(), holdsWord);
   return found == tests.end() ? std::string_view() : *found;
@@ -27,7 +27,7 @@ std::string_view typeTestLike(std::string_view word) {
 struct DateWord {
   std::string_view word, spelling;
 };
-constexpr std::array kDateWords{
+constexpr std::array dateWords{
     DateWord{"today", "today()"},         DateWord{"now", "now()"},
     DateWord{"yesterday", "today() - 1"}, DateWord{"tomorrow", "today() + 1"},
     DateWord{"current-date", "today()"},  DateWord{"current-dateTime", "now()"},
@@ -35,7 +35,7 @@ constexpr std::array kDateWords{
 
 /// How the date is written that `word` names, perhaps with days behind it ("today-7").
 std::string spellingOfDate(std::string_view word) {
-  for (const DateWord& date : kDateWords) {
+  for (const DateWord& date : dateWords) {
     if (!word.starts_with(date.word)) continue;
     const std::string_view rest = word.substr(date.word.size());
     if (rest.empty()) return std::string(date.spelling);

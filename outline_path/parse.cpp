@@ -11,10 +11,10 @@ namespace {
 namespace pegtl = tao::pegtl;
 
 /// Where every byte opens a level these take 2 MB at most; under the address sanitizer 4 MB.
-constexpr std::size_t kShortText = 400;
+constexpr std::size_t shortText = 400;
 /// A level of nesting takes up to 14 KB, under the address sanitizer 42 KB. What is not touched costs
 /// nothing.
-constexpr std::size_t kStackBytes = 64 << 20;
+constexpr std::size_t stackBytes = 64 << 20;
 
 /// Whether the whole text matches the grammar.
 bool match(ParseState& state, TopLevel& top) {
@@ -82,7 +82,7 @@ std::vector<Expected> expectedBehind(std::string_view text, ParseOptions options
 }
 
 void onStackFor(std::string_view text, const std::function<void()>& work) {
-  text.size() <= kShortText ? work() : platform::onStackOf(kStackBytes, work);
+  text.size() <= shortText ? work() : platform::onStackOf(stackBytes, work);
 }
 
 }  // namespace vell::outline_path

@@ -11,7 +11,7 @@
 namespace vell::outline_path {
 
 /// How deep a tree may be: groups, function calls and the right sides of operators each count one level.
-inline constexpr std::size_t kMaxDepth = 1000;
+inline constexpr std::size_t maxDepth = 1000;
 
 /// What the rules of one parse share.
 struct ParseState {
@@ -34,7 +34,7 @@ struct ParseState {
 /// One level of depth for as long as it lives.
 class Level {
  public:
-  Level(ParseState& state, std::size_t at) : state_(state), allowed_(state.depth++ < kMaxDepth) {
+  Level(ParseState& state, std::size_t at) : state_(state), allowed_(state.depth++ < maxDepth) {
     if (!allowed_ && !state.tooDeepAt) state.tooDeepAt = at;
   }
   ~Level() { --state_.depth; }

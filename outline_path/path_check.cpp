@@ -111,10 +111,10 @@ cookbook. OutlinePath is XPath-LIKE — same vibes, important differences:
 }
 
 std::string checkOutlinePath(std::string_view text) {
-  constexpr std::string_view kBlanks = " \t\n\v\f\r";
-  const std::size_t first = text.find_first_not_of(kBlanks);
+  constexpr std::string_view blanks = " \t\n\v\f\r";
+  const std::size_t first = text.find_first_not_of(blanks);
   if (first == std::string_view::npos) return std::string(cookbook());
-  const std::size_t last = text.find_last_not_of(kBlanks);
+  const std::size_t last = text.find_last_not_of(blanks);
   return OutlinePathWithParse(std::string(text.substr(first, last - first + 1)),
                               {.allowValueExpression = true, .trace = true})
       .compactDescription();

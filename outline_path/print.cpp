@@ -80,7 +80,7 @@ class Printer {
     if (!relation.modifier) return;
     text_ += '[';
     text_ += spelling(relation.modifier->type);
-    if (relation.modifier->list.value_or(false)) text_ += kLocaleAware;
+    if (relation.modifier->list.value_or(false)) text_ += localeAwareLetter;
     text_ += ']';
   }
 
@@ -145,8 +145,8 @@ class Printer {
     write(node.right);
   }
 
-  void write(const Null&) { text_ += kNull; }
-  void write(bool value) { text_ += value ? kTrue : kFalse; }
+  void write(const Null&) { text_ += nullWord; }
+  void write(bool value) { text_ += value ? trueWord : falseWord; }
   void write(double number) {
     if (number < 0) text_ += spelling(UnaryOp::negate);
     text_ += textOf(number < 0 ? -number : number);

@@ -39,8 +39,8 @@ bool isLoneWord(std::string_view text) {
 }
 
 bool isFiniteNumber(std::string_view word) { return isNumber(word) && std::isfinite(numberOf(word)); }
-bool isBoolean(std::string_view word) { return word == kTrue || word == kFalse; }
-bool isNull(std::string_view word) { return word == kNull; }
+bool isBoolean(std::string_view word) { return word == trueWord || word == falseWord; }
+bool isNull(std::string_view word) { return word == nullWord; }
 
 std::size_t functionNameLength(std::string_view text) {
   const std::size_t length = wordLength(text);

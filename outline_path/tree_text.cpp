@@ -12,20 +12,20 @@ struct LineEnd {
   std::string_view escape;
 };
 // Whatever a terminal or an editor may break a line at.
-constexpr std::array kLineEnds{LineEnd{"\n", "\\n"},
-                               LineEnd{"\r", "\\r"},
-                               LineEnd{"\v", "\\u000b"},
-                               LineEnd{"\f", "\\f"},
-                               LineEnd{"\xC2\x85", "\\u0085"},
-                               LineEnd{"\xE2\x80\xA8", "\\u2028"},
-                               LineEnd{"\xE2\x80\xA9", "\\u2029"}};
+constexpr std::array lineEnds{LineEnd{"\n", "\\n"},
+                              LineEnd{"\r", "\\r"},
+                              LineEnd{"\v", "\\u000b"},
+                              LineEnd{"\f", "\\f"},
+                              LineEnd{"\xC2\x85", "\\u0085"},
+                              LineEnd{"\xE2\x80\xA8", "\\u2028"},
+                              LineEnd{"\xE2\x80\xA9", "\\u2029"}};
 
 std::string inOneLine(std::string_view text) {
   std::string line;
   for (std::size_t at = 0; at < text.size();) {
     std::size_t length = 1;
     std::string_view shown = text.substr(at, 1);
-    for (const LineEnd& end : kLineEnds) {
+    for (const LineEnd& end : lineEnds) {
       if (text.substr(at, end.text.size()) != end.text) continue;
       length = end.text.size();
       shown = end.escape;
@@ -92,8 +92,8 @@ class TreeWriter {
   void write(const Not& node) { branch(spelling(PredicateOp::notOf), *node.operand); }
   void write(const PredicateGroup& node) { branch("group", *node.inner); }
 
-  void write(const Null&) { line(kNull); }
-  void write(bool value) { line(value ? kTrue : kFalse); }
+  void write(const Null&) { line(nullWord); }
+  void write(bool value) { line(value ? trueWord : falseWord); }
   void write(double number) { line(textOf(number)); }
   void write(const Attribute& attribute) { line("value @" + attribute.name()); }
   void write(const Variable& variable) { line("value $" + variable.name); }

@@ -7,7 +7,7 @@
 namespace vell::outline_path {
 namespace {
 
-constexpr std::array kNamedAxes{
+constexpr std::array namedAxisList{
     Axis::ancestorOrSelf,
     Axis::ancestor,
     Axis::descendantOrSelf,
@@ -23,44 +23,44 @@ constexpr std::array kNamedAxes{
     Axis::parentShortcut,
     Axis::selfShortcut,
 };
-constexpr std::size_t kVerboseAxes = kNamedAxes.size() - 2;
+constexpr std::size_t verboseAxisCount = namedAxisList.size() - 2;
 
-constexpr std::array kTypeTestCases{
+constexpr std::array allTypeTests{
     TypeTest::any,  TypeTest::row,  TypeTest::heading,   TypeTest::quote,
     TypeTest::code, TypeTest::note, TypeTest::unordered, TypeTest::ordered,
     TypeTest::task, TypeTest::hr,   TypeTest::body,      TypeTest::run,
 };
 
-constexpr std::array<std::string_view, 21> kFunctions{
+constexpr std::array<std::string_view, 21> functions{
     "last",        "position",         "root",           "parent",        "level",        "leaf",
     "first-child", "last-child",       "nth-child",      "first-of-type", "last-of-type", "nth-of-type",
     "only-child",  "only-of-type",     "round",          "floor",         "ceil",         "boolean",
     "count",       "start-of-matches", "end-of-matches",
 };
 
-constexpr std::array<std::string_view, 11> kEditorFunctions{
+constexpr std::array<std::string_view, 11> editorFunctions{
     "focused-root",       "focused-branch",       "focused-level",         "expanded",
     "collapsed",          "filter-match",         "filter-match-ancestor", "selection",
     "selection-ancestor", "selection-descendant", "drop-indicator",
 };
 
-constexpr std::array<std::string_view, 3> kDateFunctions{"today", "now", "date"};
-constexpr std::array<std::string_view, 2> kTimeAttributes{"created", "modified"};
+constexpr std::array<std::string_view, 3> dateFunctions{"today", "now", "date"};
+constexpr std::array<std::string_view, 2> timeAttributes{"created", "modified"};
 
-constexpr std::array<std::string_view, 3> kAttributes{"id", "type", "text"};
+constexpr std::array<std::string_view, 3> attributes{"id", "type", "text"};
 
-constexpr auto kEveryRowsAttributes = [] {
-  std::array<std::string_view, kAttributes.size() + kTimeAttributes.size()> all{};
-  const auto end = std::copy(kAttributes.begin(), kAttributes.end(), all.begin());
-  std::copy(kTimeAttributes.begin(), kTimeAttributes.end(), end);
+constexpr auto everyRowsAttributes = [] {
+  std::array<std::string_view, attributes.size() + timeAttributes.size()> all{};
+  const auto end = std::copy(attributes.begin(), attributes.end(), all.begin());
+  std::copy(timeAttributes.begin(), timeAttributes.end(), end);
   return all;
 }();
 
-constexpr auto kKeywords = [] {
-  std::array<std::string_view, kSetOps.size() + kPredicateOps.size() + kRelationOps.size()> all{};
-  auto end = std::copy(kSetOps.begin(), kSetOps.end(), all.begin());
-  end = std::copy(kPredicateOps.begin(), kPredicateOps.end(), end);
-  std::copy(kRelationOps.begin(), kRelationOps.end(), end);
+constexpr auto keywordList = [] {
+  std::array<std::string_view, setOps.size() + predicateOps.size() + relationOps.size()> all{};
+  auto end = std::copy(setOps.begin(), setOps.end(), all.begin());
+  end = std::copy(predicateOps.begin(), predicateOps.end(), end);
+  std::copy(relationOps.begin(), relationOps.end(), end);
   return all;
 }();
 
@@ -78,54 +78,54 @@ std::optional<Entry> entryOf(const Table& table, const Word& word) {
 
 }  // namespace
 
-std::span<const Axis> namedAxes() { return kNamedAxes; }
-std::span<const Axis> verboseAxes() { return namedAxes().first(kVerboseAxes); }
-std::span<const TypeTest> typeTests() { return kTypeTestCases; }
+std::span<const Axis> namedAxes() { return namedAxisList; }
+std::span<const Axis> verboseAxes() { return namedAxes().first(verboseAxisCount); }
+std::span<const TypeTest> typeTests() { return allTypeTests; }
 std::array<std::span<const std::string_view>, 3> functionNames() {
-  return {kFunctions, kDateFunctions, kEditorFunctions};
+  return {functions, dateFunctions, editorFunctions};
 }
-std::span<const std::string_view> keywords() { return kKeywords; }
+std::span<const std::string_view> keywords() { return keywordList; }
 
-std::span<const std::string_view> everyRowsAttributeNames() { return kEveryRowsAttributes; }
+std::span<const std::string_view> everyRowsAttributeNames() { return everyRowsAttributes; }
 
-std::optional<TypeTest> typeTestOf(std::string_view word) { return entryOf<TypeTest>(kTypeTests, word); }
+std::optional<TypeTest> typeTestOf(std::string_view word) { return entryOf<TypeTest>(typeTestWords, word); }
 
 std::optional<Axis> namedAxisOf(std::string_view word) {
-  for (const Axis axis : kNamedAxes) {
+  for (const Axis axis : namedAxisList) {
     if (spelling(axis) == word) return axis;
   }
   return std::nullopt;
 }
 
 std::optional<RelationModifierType> relationModifierOf(char letter) {
-  return entryOf<RelationModifierType>(kRelationModifiers, letter);
+  return entryOf<RelationModifierType>(relationModifiers, letter);
 }
 
 // The last kind, `other`, is the one of a word that is not in the table.
 FunctionKind functionKindOf(std::string_view name) {
-  return static_cast<FunctionKind>(indexIn(kFunctions, name));
+  return static_cast<FunctionKind>(indexIn(functions, name));
 }
 std::optional<EditorFunction> editorFunctionOf(std::string_view name) {
-  return entryOf<EditorFunction>(kEditorFunctions, name);
+  return entryOf<EditorFunction>(editorFunctions, name);
 }
 std::optional<DateFunction> dateFunctionOf(std::string_view name) {
-  return entryOf<DateFunction>(kDateFunctions, name);
+  return entryOf<DateFunction>(dateFunctions, name);
 }
 std::optional<TimeAttribute> timeAttributeOf(std::string_view name) {
-  return entryOf<TimeAttribute>(kTimeAttributes, name);
+  return entryOf<TimeAttribute>(timeAttributes, name);
 }
 AttributeKind attributeKindOf(std::string_view name) {
-  return static_cast<AttributeKind>(indexIn(kAttributes, name));
+  return static_cast<AttributeKind>(indexIn(attributes, name));
 }
 
 std::optional<RelationOp> relationAt(std::string_view text) {
   if (text.empty()) return std::nullopt;
   const bool isLongSign = text.size() > 1 && text[1] == '=' && text.front() != '=';
   const std::size_t length = isLongSign ? 2 : std::max(wordLength(text), std::size_t{1});
-  return entryOf<RelationOp>(kRelationOps, text.substr(0, length));
+  return entryOf<RelationOp>(relationOps, text.substr(0, length));
 }
 
-bool isKeyword(std::string_view word) { return indexIn(kKeywords, word) != kKeywords.size(); }
-bool isConstant(std::string_view word) { return word == kTrue || word == kFalse || word == kNull; }
+bool isKeyword(std::string_view word) { return indexIn(keywordList, word) != keywordList.size(); }
+bool isConstant(std::string_view word) { return word == trueWord || word == falseWord || word == nullWord; }
 
 }  // namespace vell::outline_path

@@ -31,6 +31,10 @@ enum class RelationOp : std::uint8_t {
   greaterThan,
 };
 
+/// Those that look into texts, and those of an order.
+constexpr bool isTextual(RelationOp op) { return op <= RelationOp::matches; }
+constexpr bool isOrder(RelationOp op) { return op >= RelationOp::lessThanOrEqual; }
+
 /// The letter after the relation, in square brackets.
 enum class RelationModifierType : std::uint8_t {
   caseSensitive,
@@ -39,33 +43,33 @@ enum class RelationModifierType : std::uint8_t {
   dateCompare
 };
 
-inline constexpr std::array<std::string_view, 3> kSetOps{"union", "except", "intersect"};
-inline constexpr std::array<std::string_view, 3> kPredicateOps{"or", "and", "not"};
-inline constexpr std::array<std::string_view, 2> kAdditiveOps{"+", "-"};
-inline constexpr std::array<std::string_view, 2> kMultiplicativeOps{"*", "/"};
-inline constexpr std::array<std::string_view, 1> kUnaryOps{"-"};
+inline constexpr std::array<std::string_view, 3> setOps{"union", "except", "intersect"};
+inline constexpr std::array<std::string_view, 3> predicateOps{"or", "and", "not"};
+inline constexpr std::array<std::string_view, 2> additiveOps{"+", "-"};
+inline constexpr std::array<std::string_view, 2> multiplicativeOps{"*", "/"};
+inline constexpr std::array<std::string_view, 1> unaryOps{"-"};
 /// A longer spelling stands ahead of the one that begins it.
-inline constexpr std::array<std::string_view, 10> kRelationOps{
+inline constexpr std::array<std::string_view, 10> relationOps{
     "contains", "beginswith", "endswith", "matches", "=", "!=", "<=", ">=", "<", ">"};
-inline constexpr std::array<char, 4> kRelationModifiers{'s', 'i', 'n', 'd'};
-inline constexpr char kLocaleAware = 'l';
+inline constexpr std::array<char, 4> relationModifiers{'s', 'i', 'n', 'd'};
+inline constexpr char localeAwareLetter = 'l';
 
 /// Constants win over unquoted words.
-inline constexpr std::string_view kTrue = "true";
-inline constexpr std::string_view kFalse = "false";
-inline constexpr std::string_view kNull = "null";
+inline constexpr std::string_view trueWord = "true";
+inline constexpr std::string_view falseWord = "false";
+inline constexpr std::string_view nullWord = "null";
 
 template <typename Op>
 constexpr auto spelledIn(const auto& table, Op op) {
   return table[static_cast<std::size_t>(op)];
 }
-constexpr std::string_view spelling(SetOp op) { return spelledIn(kSetOps, op); }
-constexpr std::string_view spelling(PredicateOp op) { return spelledIn(kPredicateOps, op); }
-constexpr std::string_view spelling(AdditiveOp op) { return spelledIn(kAdditiveOps, op); }
-constexpr std::string_view spelling(MultiplicativeOp op) { return spelledIn(kMultiplicativeOps, op); }
-constexpr std::string_view spelling(UnaryOp op) { return spelledIn(kUnaryOps, op); }
-constexpr std::string_view spelling(RelationOp op) { return spelledIn(kRelationOps, op); }
-constexpr char spelling(RelationModifierType type) { return spelledIn(kRelationModifiers, type); }
+constexpr std::string_view spelling(SetOp op) { return spelledIn(setOps, op); }
+constexpr std::string_view spelling(PredicateOp op) { return spelledIn(predicateOps, op); }
+constexpr std::string_view spelling(AdditiveOp op) { return spelledIn(additiveOps, op); }
+constexpr std::string_view spelling(MultiplicativeOp op) { return spelledIn(multiplicativeOps, op); }
+constexpr std::string_view spelling(UnaryOp op) { return spelledIn(unaryOps, op); }
+constexpr std::string_view spelling(RelationOp op) { return spelledIn(relationOps, op); }
+constexpr char spelling(RelationModifierType type) { return spelledIn(relationModifiers, type); }
 
 enum class Axis : std::uint8_t {
   parentShortcut,
@@ -153,7 +157,7 @@ struct AxisWord {
   std::string_view spelling;
   std::string_view caseName;
 };
-inline constexpr std::array<AxisWord, 16> kAxes{{
+inline constexpr std::array<AxisWord, 16> axisWords{{
     {"..", "parentShortcut"},
     {".", "selfShortcut"},
     {"descendant::", "descendantShortcut"},
@@ -171,17 +175,17 @@ inline constexpr std::array<AxisWord, 16> kAxes{{
     {"following-sibling::", "followingSibling"},
     {"preceding-sibling::", "precedingSibling"},
 }};
-inline constexpr std::array<std::string_view, 12> kTypeTests{
+inline constexpr std::array<std::string_view, 12> typeTestWords{
     "*",         "row",     "heading", "blockquote", "codeblock", "note",
     "unordered", "ordered", "task",    "hr",         "body",      "run",
 };
 
 /// The text that stands for `axis` in a path. The shortcut for the descendant axis has no spelling of its
 /// own and borrows that of the verbose form.
-constexpr std::string_view spelling(Axis axis) { return kAxes[static_cast<std::size_t>(axis)].spelling; }
+constexpr std::string_view spelling(Axis axis) { return axisWords[static_cast<std::size_t>(axis)].spelling; }
 /// The name of the case, as the tree text shows it ("descendantOrSelfShortcut").
-constexpr std::string_view caseName(Axis axis) { return kAxes[static_cast<std::size_t>(axis)].caseName; }
-constexpr std::string_view spelling(TypeTest test) { return kTypeTests[static_cast<std::size_t>(test)]; }
+constexpr std::string_view caseName(Axis axis) { return axisWords[static_cast<std::size_t>(axis)].caseName; }
+constexpr std::string_view spelling(TypeTest test) { return typeTestWords[static_cast<std::size_t>(test)]; }
 
 /// The axes that are spelled `name::`, ".." and ".", a spelling that is the beginning of another one after
 /// it.

@@ -33,13 +33,13 @@ std::size_t editDistance(std::string_view from, std::string_view to) {
 }
 
 std::string_view nearest(std::string_view word, std::span<const std::string_view> candidates) {
-  constexpr std::size_t kLongestWord = 40;  // a pasted text is compared with no candidate
-  constexpr std::size_t kShortestBeginning = 3;
-  if (word.empty() || word.size() > kLongestWord) return {};
+  constexpr std::size_t longestWord = 40;  // a pasted text is compared with no candidate
+  constexpr std::size_t shortestBeginning = 3;
+  if (word.empty() || word.size() > longestWord) return {};
   std::string_view best;
   std::size_t least = 1 + std::max<std::size_t>(1, word.size() / 3);
   for (const std::string_view candidate : candidates) {
-    const bool isBeginning = word.size() >= kShortestBeginning && candidate.starts_with(word);
+    const bool isBeginning = word.size() >= shortestBeginning && candidate.starts_with(word);
     const std::size_t distance = isBeginning ? 1 : editDistance(word, candidate);
     if (distance >= least) continue;
     best = candidate;

@@ -12,14 +12,14 @@
 namespace vell::text {
 namespace {
 
-constexpr char32_t kFirstAccent = 0x300, kLastAccent = 0x36F;
+constexpr char32_t firstAccent = 0x300, lastAccent = 0x36F;
 /// Stands for a character that is left out.
-constexpr char32_t kNone = 0xFFFFFFFF;
+constexpr char32_t none = 0xFFFFFFFF;
 
 constexpr char toLower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }
 
 char32_t lower(char32_t c) {
-  constexpr char32_t kCapitalIWithDot = 0x130;
+  constexpr char32_t capitalIWithDot = 0x130;
   if (c < 0x80) return static_cast<char32_t>(toLower(static_cast<char>(c)));
   const auto letter = static_cast<utf8proc_int32_t>(c);
   std::array<utf8proc_int32_t, 4> folded{};
@@ -28,15 +28,15 @@ char32_t lower(char32_t c) {
       utf8proc_decompose_char(letter, folded.data(), folded.size(), UTF8PROC_CASEFOLD, &unused);
   if (count == 1) return static_cast<char32_t>(folded[0]);
   // What full folding turns into several letters becomes its lower case; that of this one is Turkish.
-  return c == kCapitalIWithDot ? c : static_cast<char32_t>(utf8proc_tolower(letter));
+  return c == capitalIWithDot ? c : static_cast<char32_t>(utf8proc_tolower(letter));
 }
 
 /// Strokes are part of their letter and are not taken off as accents are.
 char32_t withoutAccent(char32_t c) {
-  constexpr std::u32string_view kStroked = U"ØøĐđŁł", kPlain = U"OoDdLl";
-  const std::size_t at = kStroked.find(c);
-  if (at != std::u32string_view::npos) return kPlain[at];
-  return c >= kFirstAccent && c <= kLastAccent ? kNone : c;
+  constexpr std::u32string_view stroked = U"ØøĐđŁł", plain = U"OoDdLl";
+  const std::size_t at = stroked.find(c);
+  if (at != std::u32string_view::npos) return plain[at];
+  return c >= firstAccent && c <= lastAccent ? none : c;
 }
 
 template <typename Change>
@@ -45,7 +45,7 @@ std::string changed(std::string_view text, Change change) {
   out.reserve(text.size());
   while (!text.empty()) {
     const CodePoint point = firstCodePoint(text);
-    if (const char32_t c = change(point.value); c != kNone) appendUtf8(out, c);
+    if (const char32_t c = change(point.value); c != none) appendUtf8(out, c);
     text.remove_prefix(point.length);
   }
   return out;
@@ -64,8 +64,8 @@ std::string normalised(std::string_view text, utf8proc_option_t form) {
 
 std::string composed(std::string text) {
   // All characters before the first accent are in composed form.
-  constexpr unsigned char kFirstByte = 0xCC;
-  const auto isBefore = [](char c) { return static_cast<unsigned char>(c) < kFirstByte; };
+  constexpr unsigned char firstByte = 0xCC;
+  const auto isBefore = [](char c) { return static_cast<unsigned char>(c) < firstByte; };
   return std::all_of(text.begin(), text.end(), isBefore) ? text : normalised(text, UTF8PROC_COMPOSE);
 }
 

@@ -8,7 +8,7 @@
 namespace vell::text {
 namespace {
 
-constexpr std::string_view kReplacement = "\xEF\xBF\xBD";  // U+FFFD
+constexpr std::string_view replacement = "\xEF\xBF\xBD";  // U+FFFD
 
 /// The character that the text begins with; length 0 where it begins with none.
 CodePoint decodedFirst(std::string_view text) {
@@ -38,7 +38,7 @@ std::string replaceInvalidUtf8(std::string_view text) {
   std::string valid;
   while (!text.empty()) {
     const std::size_t length = utf8Length(text);
-    valid += length == 0 ? kReplacement : text.substr(0, length);
+    valid += length == 0 ? replacement : text.substr(0, length);
     text.remove_prefix(std::max<std::size_t>(length, 1));
   }
   return valid;
