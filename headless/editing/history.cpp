@@ -8,7 +8,8 @@ void History::record(Edit& edit, EditorPlace before, Group group) {
   if (edit.empty()) return;
   for (const Step& step : redoSteps_) discardCreated(outline_, step.changes);
   redoSteps_.clear();
-  const bool follows = group != noGroup && !undoSteps_.empty() && undoSteps_.back().group == group;
+  const bool follows = group != noGroup && !undoSteps_.empty() && undoSteps_.back().group == group &&
+                       undoSteps_.back().bytes <= limits_.bytes;
   if (!follows) undoSteps_.push_back({{}, std::move(before), {}, group});
   extend(undoSteps_.back(), edit.take());
   while (undoSteps_.size() > 1 && (undoSteps_.size() > limits_.steps || undoBytes_ > limits_.bytes))

@@ -22,7 +22,8 @@ class History {
   History(Outline& outline, Editor& editor, HistoryLimits limits = {})
       : outline_(outline), editor_(editor), limits_(limits) {}
 
-  /// Edits of the same group that follow each other are one step, where nobody undid or redid in between.
+  /// Edits of the same group that follow each other are one step, where nobody undid or redid in between and
+  /// the step holds no more than the history may.
   using Group = std::uint64_t;
   static constexpr Group noGroup = 0;
 

@@ -20,7 +20,8 @@ short Client::interest() const {
 }
 
 void Client::receive() {
-  while (!ended_ && !broken_ && !request_ && !overlong()) {
+  std::size_t received = 0;
+  while (!ended_ && !broken_ && !request_ && !overlong() && received < receiveTurn) {
     const json::LineFraming::Room room = lines_.room();
     const ssize_t count = recv(descriptor(), room.data, room.size, 0);
     if (count < 0) {
@@ -29,6 +30,7 @@ void Client::receive() {
     }
     lastMoved_ = Clock::now();
     lines_.commit(static_cast<std::size_t>(count));
+    received += static_cast<std::size_t>(count);
     ended_ = count == 0;
     findRequest();
   }
@@ -42,6 +44,7 @@ void Client::findRequest() {
 
 json::Text Client::takeRequest() {
   json::Text taken = std::move(*request_);
+  atWork_ = taken.view().size();
   findRequest();
   return taken;
 }

@@ -23,6 +23,7 @@ class Client {
   static constexpr std::size_t lineLimit = 64 << 20;
   static constexpr std::size_t backlogLimit = 1 << 20;
   static constexpr std::size_t flushTurn = 256 << 10;
+  static constexpr std::size_t receiveTurn = 1 << 20;
 
   /// The socket must not block.
   Client(std::uint64_t id, platform::Descriptor socket) : id_(id), socket_(std::move(socket)) {}
@@ -32,7 +33,8 @@ class Client {
   /// What to poll for.
   short interest() const;
 
-  /// Reads what has come, up to the next request.
+  /// Reads what has come, up to the next request, and about `receiveTurn` bytes so that others get their
+  /// turn.
   void receive();
   /// Writes what the client takes without waiting, up to `flushTurn` bytes so that others get their turn.
   void flush();
@@ -50,7 +52,10 @@ class Client {
   void finishInput();
 
   /// The job that works on the client's request; none while there is none.
-  void setJob(std::optional<std::uint64_t> job) { job_ = job; }
+  void setJob(std::optional<std::uint64_t> job) {
+    job_ = job;
+    if (!job) atWork_ = 0;
+  }
   const std::optional<std::uint64_t>& job() const { return job_; }
 
   /// Keeps a subscriber connected although its input has ended.
@@ -66,6 +71,10 @@ class Client {
   bool hasLeft() const { return left_; }
 
   std::size_t backlog() const { return backlog_; }
+  /// The bytes of requests that came and are not answered.
+  std::size_t received() const {
+    return lines_.pending() + (request_ ? request_->view().size() : 0) + atWork_;
+  }
   bool idle() const { return output_.empty() && !kept_ && !job_; }
   /// When bytes last moved in either direction.
   Clock::time_point lastMoved() const { return lastMoved_; }
@@ -78,6 +87,7 @@ class Client {
   json::LineFraming lines_;
   std::optional<json::Text> request_;  // the next one
   std::optional<std::uint64_t> job_;
+  std::size_t atWork_ = 0;  // bytes of the request that was taken, until its job ends
   std::deque<std::shared_ptr<const std::string>> output_;
   std::size_t taken_ = 0;  // bytes of the first output that are written
   std::size_t backlog_ = 0;

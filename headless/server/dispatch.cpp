@@ -124,6 +124,15 @@ void Incoming::parse() {
   }
 }
 
+bool Incoming::mayBeScript() const {
+  if (!isParsed()) return true;
+  try {
+    return request_ && methodNamed(request_->method()).method == methods::scriptEvaluate;
+  } catch (const RpcError&) {
+    return false;
+  }
+}
+
 Incoming::Turn Incoming::turn(Application& application, bool threadIsFree) {
   const Turn ifLong = threadIsFree ? Turn::beside : Turn::later;
   if (!isParsed()) return ifLong;

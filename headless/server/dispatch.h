@@ -22,6 +22,8 @@ class Incoming {
   /// Takes the line apart, unless that takes long.
   explicit Incoming(json::Text line);
 
+  /// It is a script, or a line that is not taken apart yet.
+  bool mayBeScript() const;
   /// When to answer. Unless that is later, the request uses its outline from here to its answer.
   Turn turn(Application& application, bool threadIsFree);
   /// Carries the request out and returns the answer's line: a result, or an error that says what is wrong.

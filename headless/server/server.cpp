@@ -84,7 +84,11 @@ void Server::onReady(std::uint64_t id, short event) {
   const bool wasBehind = client.backlog() >= Client::backlogLimit;
   if (event == POLLOUT) client.flush();
   if (wasBehind && client.backlog() < Client::backlogLimit) subscriptions_.clientCaughtUp(id);
-  if (event == POLLIN) client.receive();
+  if (event == POLLIN) {
+    client.receive();
+    if (client.received() >= Client::receiveTurn) keepWithinReceived();
+    if (!clients_.contains(id)) return;
+  }
   if (isGone(client)) clientLeft(client);
   serve(client);
   settle(client);
@@ -112,10 +116,13 @@ void Server::serve(Client& client) {
 /// Whoever waits already is the first to get a thread.
 void Server::begin(Client& client) {
   auto request = std::make_shared<Incoming>(client.takeRequest());
-  const bool threadIsFree = waiting_.empty() && workers_.count() < limits_.jobs;
-  if (proceed(client, request, threadIsFree)) return;
+  if (proceed(client, request, waiting_.empty() && threadIsFree(*request))) return;
   wait(client, std::move(request));
   resumeSoon();
+}
+
+bool Server::threadIsFree(const Incoming& request) const {
+  return jobs_ < limits_.jobs && (!request.mayBeScript() || scripts_ < limits_.scripts);
 }
 
 /// Answers the request or has it answered; false where it has to wait.
@@ -137,23 +144,28 @@ void Server::answered(Client& client, std::string answer) {
 
 void Server::startJob(Client& client, const std::shared_ptr<Incoming>& request) {
   const std::uint64_t id = client.id();
+  const bool isScript = request->mayBeScript();
   const auto answer = std::make_shared<std::optional<std::string>>(std::in_place);
   try {
     client.setJob(workers_.start(
         [this, id, request, answer] {
           *answer = request->answer(application_, {subscriptions_, id});
         },
-        [this, id, request, answer] { finishJob(id, request, std::move(*answer)); }));
+        [this, id, request, isScript, answer] { finishJob(id, request, isScript, std::move(*answer)); }));
   } catch (const std::system_error&) {
     return client.send(request->refusal("Cannot start a thread for this; try again"));
   }
+  ++jobs_;
+  if (isScript) ++scripts_;
   if (client.hasLeft()) clientLeft(client);
   lookAfterJobsSoon();
 }
 
 /// Without an answer the request waits for its outline after all.
-void Server::finishJob(std::uint64_t id, const std::shared_ptr<Incoming>& request,
+void Server::finishJob(std::uint64_t id, const std::shared_ptr<Incoming>& request, bool wasScript,
                        std::optional<std::string> answer) {
+  --jobs_;
+  if (wasScript) --scripts_;
   const auto found = clients_.find(id);
   if (found == clients_.end()) return;
   Client& client = *found->second;
@@ -187,7 +199,7 @@ void Server::resumeWaiting() {
     if (found == clients_.end()) continue;
     Client& client = *found->second;
     client.setJob(std::nullopt);
-    if (!proceed(client, request, workers_.count() < limits_.jobs)) {
+    if (!proceed(client, request, threadIsFree(*request))) {
       wait(client, std::move(request));
       continue;
     }
@@ -280,6 +292,18 @@ void Server::keepWithinBacklog(const Client& served) {
   if (total <= limits_.backlog || slowest == nullptr) return;
   application_.report("A client that reads too slowly was dropped: too much waited for it");
   drop(slowest->id());
+}
+
+void Server::keepWithinReceived() {
+  std::size_t total = 0;
+  const Client* largest = nullptr;
+  for (const auto& [id, client] : clients_) {
+    total += client->received();
+    if (largest == nullptr || client->received() > largest->received()) largest = client.get();
+  }
+  if (total <= limits_.received) return;
+  application_.report("A client was dropped: too many large requests came at once");
+  drop(largest->id());
 }
 
 void Server::dropStalled() {

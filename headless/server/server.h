@@ -25,12 +25,16 @@ struct ServerLimits {
   /// Bytes that may wait for all clients together; beyond that, the client that has taken nothing for longest
   /// is dropped.
   std::size_t backlog = std::size_t{1} << 30;
+  /// Bytes that requests of all clients together may have; beyond that, the client with the most is dropped.
+  std::size_t received = std::size_t{512} << 20;
   /// How long one client is served before the others get their turn.
   std::chrono::milliseconds turn = std::chrono::milliseconds(5);
   /// What a client that leaves asked for may still take this long.
   std::chrono::milliseconds grace = std::chrono::milliseconds(50);
   /// Requests that run beside the loop at a time; others wait. One that waits for its outline runs nowhere.
   std::size_t jobs = 16;
+  /// Those of them that may be scripts: others get a thread while endless ones run.
+  std::size_t scripts = 12;
 };
 
 /// Serves the application to every client of the socket, in turns: on the loop's thread, or, where an answer
@@ -62,9 +66,10 @@ class Server : private NotificationSink {
   void takeTurn(std::uint64_t id);
   void serve(Client& client);
   void begin(Client& client);
+  bool threadIsFree(const Incoming& request) const;
   bool proceed(Client& client, const std::shared_ptr<Incoming>& request, bool threadIsFree);
   void startJob(Client& client, const std::shared_ptr<Incoming>& request);
-  void finishJob(std::uint64_t id, const std::shared_ptr<Incoming>& request,
+  void finishJob(std::uint64_t id, const std::shared_ptr<Incoming>& request, bool wasScript,
                  std::optional<std::string> answer);
   void wait(Client& client, std::shared_ptr<Incoming> request);
   void resumeSoon();
@@ -77,6 +82,7 @@ class Server : private NotificationSink {
   void drop(std::uint64_t id);
 
   void keepWithinBacklog(const Client& served);
+  void keepWithinReceived();
   void dropStalled();
 
   EventLoop& loop_;
@@ -89,6 +95,8 @@ class Server : private NotificationSink {
   std::map<std::uint64_t, std::unique_ptr<Client>> clients_;
   Subscriptions subscriptions_;
   std::set<std::uint64_t> turns_;  // clients with requests left for their next turn
+  std::size_t jobs_ = 0;           ///< requests that run beside the loop
+  std::size_t scripts_ = 0;        ///< those of them that are scripts
   /// Requests, by client, that wait for a thread or for their outline.
   std::deque<std::pair<std::uint64_t, std::shared_ptr<Incoming>>> waiting_;
   std::optional<EventLoop::Timer> resumeTimer_;  ///< set once some of them may go on

@@ -1,8 +1,10 @@
 #include "headless/server/subscriptions.h"
 
 #include <algorithm>
+#include <ctime>
 #include <vector>
 
+#include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
 #include "headless/server/answers.h"
 #include "headless/server/outline_use.h"
@@ -14,6 +16,17 @@ namespace {
 /// Changes within this time make one notification.
 constexpr std::chrono::milliseconds usualPace{20};
 constexpr std::chrono::milliseconds slowestPace{2'000};
+/// Subjects that are rendered at a time; some threads are kept for those that do not take long.
+constexpr std::size_t mostUnderway = 4;
+constexpr std::size_t mostCostly = 2;
+constexpr std::chrono::milliseconds costly{50};
+
+/// Of this thread's processor: to wait for others is no effort.
+Scheduler::Clock::duration processorTime() {
+  timespec time{};
+  clock_gettime(CLOCK_THREAD_CPUTIME_ID, &time);
+  return std::chrono::seconds(time.tv_sec) + std::chrono::nanoseconds(time.tv_nsec);
+}
 
 const char* kindOf(const OpenOutline* opened, const OutlineView& view) {
   if (opened == nullptr) return "documents";
@@ -23,146 +36,201 @@ const char* kindOf(const OpenOutline* opened, const OutlineView& view) {
 }  // namespace
 
 Subscriptions::Subscriptions(Scheduler& scheduler, Application& application, NotificationSink& sink)
-    : scheduler_(scheduler), application_(application), sink_(sink), pace_(usualPace) {
+    : scheduler_(scheduler), application_(application), sink_(sink) {
   application_.setListener(this);
 }
 
 Subscriptions::~Subscriptions() {
   application_.setListener(nullptr);
-  if (timer_) scheduler_.cancel(*timer_);
+  for (const auto& [subject, state] : subjects_)
+    if (state.timer) scheduler_.cancel(*state.timer);
 }
 
 std::string Subscriptions::observeOutline(std::uint64_t client, OpenOutline& opened, const std::string& path,
                                           const OutlineView& view) {
+  const auto start = processorTime();
   checkPath(opened, path);
-  return add(client, {&opened, path, view});
+  return add(client, {&opened, path, view}, processorTime() - start);
 }
 
-std::string Subscriptions::observeDocuments(std::uint64_t client) { return add(client, {nullptr, {}, {}}); }
+std::string Subscriptions::observeDocuments(std::uint64_t client) {
+  return add(client, {nullptr, {}, {}}, {});
+}
 
-std::string Subscriptions::add(std::uint64_t client, Subject subject) {
+std::string Subscriptions::add(std::uint64_t client, Subject subject, Scheduler::Clock::duration effort) {
   const std::string id = newUuid();
   const bool isAnsweredAtOnce = ApplicationHold::current() == nullptr;
-  changed_.insert(subject.opened);
+  subjects_.try_emplace(subject, State{.effort = effort});
+  if (isAnsweredAtOnce) touch(subject, std::chrono::milliseconds(0));
   subscriptions_.emplace(id, Subscription{client, std::move(subject), isAnsweredAtOnce});
   sink_.keepOpen(client, true);
-  if (isAnsweredAtOnce) schedule(std::chrono::milliseconds(0));
   return id;
 }
 
 void Subscriptions::clientLeft(std::uint64_t client) {
-  for (auto at = subscriptions_.begin(); at != subscriptions_.end();)
-    at = at->second.client == client ? subscriptions_.erase(at) : std::next(at);
+  for (auto at = subscriptions_.begin(); at != subscriptions_.end();) {
+    const auto each = at++;
+    if (each->second.client == client) dropIfUnobserved(subscriptions_.extract(each).mapped().subject);
+  }
+}
+
+void Subscriptions::dropIfUnobserved(const Subject& subject) {
+  const auto isOfIt = [&](const auto& entry) { return entry.second.subject.key() == subject.key(); };
+  if (std::any_of(subscriptions_.begin(), subscriptions_.end(), isOfIt)) return;
+  const State state = subjects_.extract(subject).mapped();
+  if (state.timer) scheduler_.cancel(*state.timer);
+  queue_.erase({state.effort, subject});
 }
 
 void Subscriptions::clientCaughtUp(std::uint64_t client) {
   for (auto& [id, subscription] : subscriptions_) {
     if (subscription.client != client) continue;
-    subscription.answered = true;
-    changed_.insert(subscription.subject.opened);
+    const bool wasAnswered = std::exchange(subscription.answered, true);
+    if (!wasAnswered || std::exchange(subscription.missed, false)) touch(subscription.subject, usualPace);
   }
-  if (!changed_.empty()) schedule(pace_);
 }
 
 void Subscriptions::applicationQuits() {
-  notifyAtOnce(takeChanged());
+  notifyAtOnce(changedSubjects());
   while (!subscriptions_.empty()) close(subscriptions_.begin()->first, "appQuitting");
 }
 
-void Subscriptions::outlineChanged(OpenOutline& opened) {
-  changed_.insert(&opened);
-  schedule(pace_);
-}
+void Subscriptions::outlineChanged(OpenOutline& opened) { changed(&opened); }
 
 void Subscriptions::outlineClosing(OpenOutline& opened) {
-  // What is being rendered may wait for the outline, and would come too late.
-  if (rendering_) changed_.insert(&opened);
-  if (changed_.count(&opened) != 0) notifyAtOnce(takeChanged(&opened));
+  Queue subjects = changedSubjects();
+  std::erase_if(subjects, [&](const auto& each) { return each.second.opened != &opened; });
+  notifyAtOnce(subjects);
   std::vector<std::string> ended;
   for (const auto& [id, subscription] : subscriptions_)
     if (subscription.subject.opened == &opened) ended.push_back(id);
   for (const std::string& id : ended) close(id, "outlineClosed");
 }
 
-void Subscriptions::listChanged() {
-  changed_.insert(nullptr);
-  schedule(pace_);
+void Subscriptions::listChanged() { changed(nullptr); }
+
+void Subscriptions::changed(const OpenOutline* opened) {
+  for (const auto& [subject, state] : subjects_)
+    if (subject.opened == opened) touch(subject, usualPace);
 }
 
-void Subscriptions::schedule(Scheduler::Clock::duration delay) {
-  if (timer_ || subscriptions_.empty()) return;
-  timer_ = scheduler_.after(delay, [this] { notifyChanged(); });
+void Subscriptions::touch(const Subject& subject, Scheduler::Clock::duration delay) {
+  State& state = subjects_.at(subject);
+  if (std::exchange(state.stale, true) || state.timer || state.underway) return;
+  wait(subject, delay);
 }
 
-/// What has to be rendered, all of it or what shows one outline. A client without room asks again.
-Subscriptions::Snapshots Subscriptions::takeChanged(const OpenOutline* only) {
-  Snapshots snapshots;
-  for (const auto& [id, subscription] : subscriptions_) {
-    const OpenOutline* opened = subscription.subject.opened;
-    const bool isMeant = changed_.count(opened) != 0 && (only == nullptr || opened == only);
-    if (isMeant && canHear(subscription)) snapshots.try_emplace(subscription.subject);
+void Subscriptions::wait(const Subject& subject, Scheduler::Clock::duration delay) {
+  subjects_.at(subject).timer = scheduler_.after(delay, [this, subject] { onTimer(subject); });
+}
+
+void Subscriptions::onTimer(const Subject& subject) {
+  State& state = subjects_.at(subject);
+  state.timer.reset();
+  if (!state.stale) return;
+  queue_.insert({state.effort, subject});
+  renderQueued();
+}
+
+void Subscriptions::renderQueued() {
+  while (!queue_.empty() && underway_ < (queue_.begin()->first > costly ? mostCostly : mostUnderway))
+    start(queue_.extract(queue_.begin()).value().second);
+}
+
+/// While the outline is being changed the subject waits; another change is about to come. A client without
+/// room asks again.
+void Subscriptions::start(const Subject& subject) {
+  State& state = subjects_.at(subject);
+  if (subject.opened != nullptr && !subject.opened->users()->admits(Use::reading))
+    return wait(subject, usualPace);
+  state.stale = false;
+  if (!isHeard(subject)) return;
+  const auto use = std::make_shared<std::optional<OutlineUse>>();
+  if (subject.opened != nullptr) use->emplace(*subject.opened, Use::reading);
+  const auto snapshot = std::make_shared<Snapshot>();
+  state.underway = true;
+  ++underway_;
+  try {
+    sink_.runBeside(
+        [this, subject, snapshot, use] {
+          render(subject, *snapshot);
+          use->reset();
+        },
+        [this, subject, snapshot] { finish(subject, *snapshot); });
+  } catch (const Problem&) {  // no thread is left
+    --underway_;
+    state.underway = false;
+    state.stale = true;
+    wait(subject, slowestPace);
   }
-  if (only == nullptr) changed_.clear();
-  changed_.erase(only);
-  return snapshots;
 }
 
-void Subscriptions::notifyChanged() {
-  if (timer_) scheduler_.cancel(*timer_);
-  timer_.reset();
-  if (rendering_) return;
-  const auto snapshots = std::make_shared<Snapshots>(takeChanged());
-  if (snapshots->empty()) return;
-  rendering_ = true;
-  const auto start = Scheduler::Clock::now();
-  sink_.runBeside(
-      [this, snapshots] {
-        for (auto& [subject, snapshot] : *snapshots) renderFreely(subject, snapshot);
-      },
-      [this, snapshots, start] {
-        rendering_ = false;
-        // What takes long to render is rendered less often.
-        const auto effort = Scheduler::Clock::now() - start;
-        pace_ = std::clamp<Scheduler::Clock::duration>(effort * 4, usualPace, slowestPace);
-        deliver(*snapshots);
-        if (!changed_.empty()) schedule(pace_);
-      });
+/// What takes long to render is rendered less often.
+void Subscriptions::finish(const Subject& subject, const Snapshot& snapshot) {
+  --underway_;
+  if (const auto found = subjects_.find(subject); found != subjects_.end()) {
+    State& state = found->second;
+    state.underway = false;
+    state.effort = snapshot.effort;
+    wait(subject, std::clamp<Scheduler::Clock::duration>(snapshot.effort * 4, usualPace, slowestPace));
+    deliver(subject, snapshot);
+  }
+  renderQueued();
 }
 
-/// For a caller that nobody disturbs.
-void Subscriptions::notifyAtOnce(Snapshots&& snapshots) {
-  for (auto& [subject, snapshot] : snapshots) render(subject, snapshot);
-  deliver(snapshots);
+/// The quickest first.
+Subscriptions::Queue Subscriptions::changedSubjects() const {
+  Queue subjects;
+  for (const auto& [subject, state] : subjects_)
+    if (state.stale || state.underway) subjects.insert({state.effort, subject});
+  return subjects;
+}
+
+/// Where somebody waits for it: only as far as that takes no time worth mentioning.
+void Subscriptions::notifyAtOnce(const Queue& subjects) {
+  Scheduler::Clock::duration total{};
+  for (const auto& [effort, subject] : subjects) {
+    total += effort;
+    if (total > costly) return;
+    if (!isHeard(subject)) continue;
+    Snapshot snapshot;
+    render(subject, snapshot);
+    deliver(subject, snapshot);
+  }
 }
 
 bool Subscriptions::canHear(const Subscription& subscription) const {
   return subscription.answered && sink_.hasRoom(subscription.client);
 }
 
-void Subscriptions::deliver(const Snapshots& snapshots) {
+/// Whether anybody can be told. Whoever cannot misses it.
+bool Subscriptions::isHeard(const Subject& subject) {
+  bool heard = false;
   for (auto& [id, subscription] : subscriptions_) {
-    const auto found = snapshots.find(subscription.subject);
-    if (found == snapshots.end() || !found->second.text || !canHear(subscription)) continue;
-    const Snapshot& snapshot = found->second;
+    if (subscription.subject.key() != subject.key()) continue;
+    const bool hears = canHear(subscription);
+    heard = heard || hears;
+    subscription.missed = subscription.missed || !hears;
+  }
+  return heard;
+}
+
+void Subscriptions::deliver(const Subject& subject, const Snapshot& snapshot) {
+  if (!snapshot.text) return;
+  for (auto& [id, subscription] : subscriptions_) {
+    if (subscription.subject.key() != subject.key()) continue;
+    if (!canHear(subscription)) {
+      subscription.missed = true;
+      continue;
+    }
     if (std::exchange(subscription.shown, snapshot.hash) == snapshot.hash) continue;
-    const Subject& subject = subscription.subject;
     sink_.send(subscription.client,
                notification(id, subject, kindOf(subject.opened, subject.view), snapshot.text));
   }
 }
 
-/// Waits until nobody changes the outline; one that was closed meanwhile has nothing to show.
-void Subscriptions::renderFreely(const Subject& subject, Snapshot& snapshot) const {
-  if (subject.opened == nullptr) return render(subject, snapshot);
-  const auto find = [&]() -> const OpenOutline* {
-    for (const auto& opened : application_.outlines())
-      if (opened.get() == subject.opened) return opened.get();
-    return nullptr;
-  };
-  if (const auto use = waitForOutline(find, Use::reading)) render(subject, snapshot);
-}
-
 void Subscriptions::render(const Subject& subject, Snapshot& snapshot) const {
+  const auto start = processorTime();
   std::string text;
   if (subject.opened == nullptr) {
     text = summaries(application_);
@@ -177,6 +245,7 @@ void Subscriptions::render(const Subject& subject, Snapshot& snapshot) const {
   }
   beside([&] { snapshot.hash = std::hash<std::string>()(text); });
   snapshot.text = std::make_shared<const std::string>(std::move(text));
+  snapshot.effort = processorTime() - start;
 }
 
 void Subscriptions::close(const std::string& id, const char* reason) {
@@ -184,7 +253,7 @@ void Subscriptions::close(const std::string& id, const char* reason) {
   const std::uint64_t client = found->second.client;
   auto data = std::make_shared<const std::string>(memberAnswer("reason", reason));
   sink_.send(client, notification(id, found->second.subject, "subscription.closed", std::move(data)));
-  subscriptions_.erase(found);
+  dropIfUnobserved(subscriptions_.extract(found).mapped().subject);
   const bool others = std::any_of(subscriptions_.begin(), subscriptions_.end(),
                                   [&](const auto& entry) { return entry.second.client == client; });
   if (!others) sink_.keepOpen(client, false);

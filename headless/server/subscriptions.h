@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 #include <tuple>
+#include <utility>
 
 #include "headless/server/outline_view.h"
 #include "headless/storage/application.h"
@@ -40,7 +41,8 @@ class NotificationSink {
 
 /// What clients observe. A client gets a snapshot when a subscription begins and whenever the snapshot
 /// differs from the last one, a moment after the change so that a burst of changes makes one. A slow client
-/// misses snapshots in between, never the last one.
+/// misses snapshots in between, never the last one. What takes long to render is rendered less often and
+/// holds up nothing else.
 class Subscriptions : public ApplicationListener {
  public:
   /// All must outlive the subscriptions.
@@ -56,7 +58,8 @@ class Subscriptions : public ApplicationListener {
   void clientLeft(std::uint64_t client);
   /// The client has room again, or the answer that it waited for.
   void clientCaughtUp(std::uint64_t client);
-  /// Ends every subscription; nothing is sent afterwards.
+  /// Ends every subscription, after the last state where that is quickly rendered; nothing is sent
+  /// afterwards.
   void applicationQuits();
 
   void outlineChanged(OpenOutline& opened) override;
@@ -73,29 +76,45 @@ class Subscriptions : public ApplicationListener {
     auto key() const { return std::tuple(opened, path, view.format, view.shape, view.rowsOnly); }
     bool operator<(const Subject& other) const { return key() < other.key(); }
   };
+  /// How a subject comes to be rendered: a change makes it stale, it waits for its timer and then in the
+  /// queue.
+  struct State {
+    Scheduler::Clock::duration effort{};      ///< what rendering it took the last time
+    bool stale = false;                       ///< it has changed since
+    bool underway = false;                    ///< it is being rendered
+    std::optional<Scheduler::Timer> timer{};  ///< not before its end
+  };
+  using Queue = std::set<std::pair<Scheduler::Clock::duration, Subject>>;
   /// A subject as it was at one time; without a text where its path failed.
   struct Snapshot {
     std::shared_ptr<const std::string> text;
     std::size_t hash = 0;
+    Scheduler::Clock::duration effort{};
   };
   struct Subscription {
     std::uint64_t client;
     Subject subject;
     bool answered;                       ///< its client knows of it
+    bool missed = false;                 ///< there was no room for a snapshot
     std::optional<std::size_t> shown{};  ///< hash of the latest snapshot sent
   };
-  using Snapshots = std::map<Subject, Snapshot>;
 
-  std::string add(std::uint64_t client, Subject subject);
-  void schedule(Scheduler::Clock::duration delay);
-  Snapshots takeChanged(const OpenOutline* only = nullptr);
-  void notifyChanged();
-  void notifyAtOnce(Snapshots&& snapshots);
-  void deliver(const Snapshots& snapshots);
+  std::string add(std::uint64_t client, Subject subject, Scheduler::Clock::duration effort);
+  void changed(const OpenOutline* opened);
+  void touch(const Subject& subject, Scheduler::Clock::duration delay);
+  void wait(const Subject& subject, Scheduler::Clock::duration delay);
+  void onTimer(const Subject& subject);
+  void renderQueued();
+  void start(const Subject& subject);
+  void finish(const Subject& subject, const Snapshot& snapshot);
+  void notifyAtOnce(const Queue& subjects);
+  Queue changedSubjects() const;
+  void deliver(const Subject& subject, const Snapshot& snapshot);
+  bool isHeard(const Subject& subject);
   bool canHear(const Subscription& subscription) const;
-  void renderFreely(const Subject& subject, Snapshot& snapshot) const;
   void render(const Subject& subject, Snapshot& snapshot) const;
   void close(const std::string& id, const char* reason);
+  void dropIfUnobserved(const Subject& subject);
   static Notification notification(const std::string& id, const Subject& subject, std::string_view kind,
                                    std::shared_ptr<const std::string> data);
 
@@ -103,10 +122,9 @@ class Subscriptions : public ApplicationListener {
   Application& application_;
   NotificationSink& sink_;
   std::map<std::string, Subscription> subscriptions_;
-  std::set<const OpenOutline*> changed_;  // null: the list of documents
-  std::optional<Scheduler::Timer> timer_;
-  Scheduler::Clock::duration pace_;
-  bool rendering_ = false;  // beside the loop
+  std::map<Subject, State> subjects_;  ///< those of the subscriptions
+  Queue queue_;                        ///< stale ones that may be rendered, the quickest first
+  std::size_t underway_ = 0;
 };
 
 }  // namespace vell::headless

@@ -114,6 +114,17 @@ void moveBelow4(Edit& edit, SessionId id) {
   edit.place(*edit.outline().find(id), *edit.outline().find(4), nullptr);
 }
 
+TEST_F(EditTest, AGroupThatHoldsTooMuchLosesItsBeginning) {
+  history.emplace(outline, *editor, HistoryLimits{.bytes = 64'000});
+  for (std::size_t length = 40'000; length < 40'010; ++length) {
+    Edit edit(outline, 1);
+    edit.setText(*outline.find(4), Text(std::string(length, 'x')));
+    history->record(edit, editor->place(), 7);
+  }
+  while (history->undo()) continue;
+  EXPECT_GT(outline.find(4)->text().string().size(), 40'000U);
+}
+
 struct DroppedCase {
   const char* name;
   std::vector<std::pair<void (*)(Edit&, SessionId), SessionId>> steps;

@@ -60,6 +60,19 @@ TEST(Beside, OthersAreServedWhileAScriptRunsAndAfterItsClientLeft) {
   }
 }
 
+TEST(Beside, EndlessScriptsLeaveAThreadToOthers) {
+  ServerLimits limits;
+  limits.jobs = 2;
+  limits.scripts = 1;
+  RunningServer server(limits);
+  server.open("groceries.json", groceries);
+  TestClient steady = server.client();
+  const TestClient busy[] = {server.client(), server.client()};
+  for (const TestClient& client : busy) client.send(script("for (;;) {}") + "\n");
+  EXPECT_EQ(rowsIn(steady.ask(read("//task"))), 1U);
+  for (const TestClient& client : busy) EXPECT_FALSE(client.hasNews());
+}
+
 /// Each script takes down the name of its client; the first of the greedy client waits until the other's is
 /// there.
 TEST(Beside, WhoSendsManyRequestsAheadGetsNoThreadBeforeThoseThatWait) {

@@ -88,6 +88,19 @@ TEST(Clients, MayNotSendALineWithoutEnd) {
   EXPECT_EQ(client.line(), "<end>");
 }
 
+TEST(Clients, ThatSendTooMuchTogetherLoseTheOneWithTheMost) {
+  ServerLimits limits;
+  limits.received = 4 << 20;
+  const RunningServer server(limits);
+  const std::string piece(1 << 20, ' ');
+  TestClient larger = server.client();
+  for (int i = 0; i < 3; ++i) larger.send(piece);
+  TestClient smaller = server.client();
+  for (int i = 0; i < 2; ++i) smaller.send(piece);
+  EXPECT_EQ(larger.line(), "<end>");
+  EXPECT_EQ(smaller.ask(request), answer);
+}
+
 TEST(ApplicationSocket, ReplacesAStaleSocketAndNeverALiveOne) {
   const tests::TemporaryDirectory directory;
   const std::string path = directory / "s";

@@ -19,8 +19,17 @@ class RecordingSink : public NotificationSink {
   }
   bool hasRoom(std::uint64_t) const override { return room; }
   void keepOpen(std::uint64_t, bool) override {}
-  void runBeside(std::function<void()> work, std::function<void()> done) override { work(), done(); }
+  void runBeside(std::function<void()> work, std::function<void()> done) override {
+    work();
+    jobs.push_back(std::move(done));
+    if (!holds) runJobs();
+  }
+  void runJobs() {
+    for (const auto& job : std::exchange(jobs, {})) job();
+  }
 
+  std::vector<std::function<void()>> jobs;
+  bool holds = false;  ///< what runs beside does not come to its end
   std::vector<std::string> lines;
   bool room = true;
 };
@@ -101,6 +110,19 @@ TEST_F(SubscriptionsTest, HearsOnceOfWhatItWatchesAndNothingOfTheRest) {
     EXPECT_EQ(heard(), 0U) << each.name;
     subscriptions.clientLeft(1);
   }
+}
+
+TEST_F(SubscriptionsTest, WhatTakesLongToRenderHoldsUpNothingElse) {
+  sink.holds = true;
+  observe("//task");
+  sink.holds = false;
+  const auto slow = std::exchange(sink.jobs, {});
+  subscriptions.observeOutline(2, opened, "//*", rowsAsText(formats::formatNamed("markdown")));
+  EXPECT_EQ(heard(), 1U);
+  setText(4, "3");
+  EXPECT_EQ(heard(), 1U);
+  for (const auto& job : slow) job();
+  EXPECT_EQ(heard(), 2U) << "the state of then and, as it changed meanwhile, that of now";
 }
 
 TEST_F(SubscriptionsTest, TheListOfDocumentsIsHeardOnlyWhenItDiffers) {
