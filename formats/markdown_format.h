@@ -76,7 +76,7 @@ std::vector<MarkdownRow> readMarkdownPart(std::string_view part, const MarkdownC
 
 /// Hands on the rows that the blocks of the text are, in order.
 void forEachMarkdownRow(std::string_view text, MarkdownBlockReader blocks, MarkdownScope scope,
-                        Timestamp time, const MarkdownContext& context,
+                        const ReadOptions& options, const MarkdownContext& context,
                         const std::function<void(MarkdownRow&&)>& take);
 
 /// Like updateMarkdown, checking what was written in parts of about so many rows.

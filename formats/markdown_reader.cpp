@@ -64,7 +64,7 @@ void readMarkdownAs(MarkdownScope scope, std::string_view text, const ReadOption
   notes->lineEnd = lineEndOf(text);
   TreeBuilder builder(outline, options.eachRow);
   const MarkdownBlockReader blocks(text, notes->head.bodyBegin, notes->head.indentation);
-  forEachMarkdownRow(text, blocks, scope, options.time, {}, [&](MarkdownRow&& row) {
+  forEachMarkdownRow(text, blocks, scope, options, {}, [&](MarkdownRow&& row) {
     notes->add(text, row);
     builder.add(row.depth, std::move(row.content), row.span);
   });
@@ -77,7 +77,7 @@ MarkdownText readMarkdownText(std::string_view text, MarkdownScope scope) {
   Outline unused;
   MarkdownText read{readHead(text, scope, unused), {}};
   const MarkdownBlockReader blocks(text, read.head.bodyBegin, read.head.indentation);
-  forEachMarkdownRow(text, blocks, scope, 0, {},
+  forEachMarkdownRow(text, blocks, scope, {}, {},
                      [&](MarkdownRow&& row) { read.rows.push_back(std::move(row)); });
   return read;
 }
@@ -86,7 +86,7 @@ std::vector<MarkdownRow> readMarkdownPart(std::string_view part, const MarkdownC
                                           Indentation indentation) {
   const std::string text = context.lines + std::string(part);
   std::vector<MarkdownRow> rows;
-  forEachMarkdownRow(text, {text, 0, indentation}, MarkdownScope::file, 0, context,
+  forEachMarkdownRow(text, {text, 0, indentation}, MarkdownScope::file, {}, context,
                      [&](MarkdownRow&& row) { rows.push_back(std::move(row)); });
   return rows;
 }

@@ -72,8 +72,9 @@ void takeClosing(std::string_view& text) {
 /// Makes rows of blocks.
 class RowReader {
  public:
-  RowReader(std::string_view text, MarkdownScope scope, Timestamp time, const MarkdownContext& context)
-      : text_(text), scope_(scope), time_(time), context_(context) {}
+  RowReader(std::string_view text, MarkdownScope scope, const ReadOptions& options,
+            const MarkdownContext& context)
+      : text_(text), scope_(scope), options_(options), context_(context) {}
 
   /// The rows of the next blocks, which stand in none of the blocks before.
   std::vector<MarkdownRow> read(const std::vector<Block>& blocks);
@@ -103,7 +104,7 @@ class RowReader {
 
   std::string_view text_;
   MarkdownScope scope_;
-  Timestamp time_;
+  const ReadOptions& options_;
   const MarkdownContext& context_;
   bool isInContext_ = true;
   std::size_t maxDepth_ = 0;  ///< of the next row
@@ -177,7 +178,7 @@ MarkdownRow RowReader::begin(MarkdownForm form, std::size_t from, std::size_t to
   row.form = form;
   row.span.begin = from;
   row.span.end = to;
-  row.content.created = row.content.modified = time_;
+  row.content.created = row.content.modified = options_.time;
   trailer_ = {};
   return row;
 }
@@ -198,6 +199,7 @@ void RowReader::setInline(MarkdownRow& row, std::string_view source) {
 
 /// The type told in the trailer is set last: the mark's own attribute goes by the mark.
 std::uint32_t RowReader::add(MarkdownRow row) {
+  if (options_.eachRow != nullptr) options_.eachRow();
   if (trailer_.type) row.content.type = *trailer_.type;
   std::string& id = row.content.persistentId;
   if (!id.empty() && !ids_.insert(id).second) id.clear();
@@ -382,9 +384,9 @@ void RowReader::addCode(const Block& block) {
 }  // namespace
 
 void forEachMarkdownRow(std::string_view text, MarkdownBlockReader blocks, MarkdownScope scope,
-                        Timestamp time, const MarkdownContext& context,
+                        const ReadOptions& options, const MarkdownContext& context,
                         const std::function<void(MarkdownRow&&)>& take) {
-  RowReader reader(text, scope, time, context);
+  RowReader reader(text, scope, options, context);
   for (auto read = blocks.read(); !read.empty(); read = blocks.read()) {
     for (MarkdownRow& row : reader.read(read)) take(std::move(row));
   }
