@@ -5,6 +5,7 @@
 #include <array>
 #include <csignal>
 #include <functional>
+#include <optional>
 
 #include "platform/socket.h"
 #include "tests/end_to_end/application.h"

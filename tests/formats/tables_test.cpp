@@ -2,7 +2,6 @@
 
 #include <filesystem>
 
-#include "formats/json_format.h"
 #include "tests/formats/support.h"
 #include "tests/support/temporary_directory.h"
 #include "text/lines.h"

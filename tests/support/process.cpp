@@ -6,7 +6,6 @@
 #include <chrono>
 #include <csignal>
 #include <thread>
-#include <utility>
 
 namespace vell::tests {
 namespace {
