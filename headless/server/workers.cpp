@@ -22,7 +22,7 @@ void Workers::run(const Job& job) {
     job.work();
   } catch (const Abandoned&) {
   }
-  loop_.post([this, id] { finish(id); });
+  mailbox_.post([this, id] { finish(id); });
 }
 
 void Workers::finish(Id id) {

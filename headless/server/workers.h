@@ -14,12 +14,12 @@
 namespace vell::headless {
 
 /// Runs what may take long: each job on a thread of its own, which holds the application except where it sets
-/// it aside. For use by the loop's thread; what was posted to the loop must not run once this is gone.
+/// it aside. For use by the loop's thread.
 class Workers {
  public:
   using Id = std::uint64_t;
 
-  explicit Workers(EventLoop& loop) : loop_(loop) {}
+  explicit Workers(EventLoop& loop) : loop_(loop), mailbox_(loop) {}
   ~Workers();
   Workers(const Workers&) = delete;
   Workers& operator=(const Workers&) = delete;
@@ -50,6 +50,7 @@ class Workers {
   void finish(Id id);
 
   EventLoop& loop_;
+  const Mailbox mailbox_;
   Id next_ = 1;
   std::map<Id, std::unique_ptr<Job>> jobs_;
 };
