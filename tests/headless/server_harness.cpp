@@ -15,7 +15,7 @@
 namespace vell::headless {
 namespace {
 
-constexpr int patience = 10'000;
+constexpr int patience = 60'000;
 
 void serveUntil(int quit, const std::string& socketPath, ServerLimits limits) {
   EventLoop loop;

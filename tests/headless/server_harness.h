@@ -12,7 +12,7 @@
 
 namespace vell::headless {
 
-/// A client of the application's socket that waits for what it expects, at most ten seconds.
+/// A client of the application's socket that waits for what it expects, at most a minute.
 class TestClient {
  public:
   /// Waits for somebody to serve the socket.
