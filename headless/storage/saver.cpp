@@ -288,11 +288,10 @@ void Saver::follow(OpenOutline& opened, const std::string& path) {
 void Saver::refresh(OpenOutline& opened) {
   if (opened.isDirty() || isWorking(opened)) return;
   const FileStamp now = locate(opened);
+  if (now != FileStamp() && stateOf(opened).gone) states_.at(&opened).gone = false;
   if (now == opened.stamp()) return;
   if (now == FileStamp()) return reportGone(opened);
-  State& state = states_[&opened];
-  state.gone = false;
-  if (now != state.unreadable) readAnew(opened, now);
+  if (now != states_[&opened].unreadable) readAnew(opened, now);
 }
 
 void Saver::readAnew(OpenOutline& opened, const FileStamp& now) {

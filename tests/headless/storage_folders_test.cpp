@@ -145,6 +145,21 @@ TEST_F(FoldersTest, AnOutlineMovesWithItsFileAndStaysWithUnsavedChanges) {
   EXPECT_EQ(readFile(opened.storagePath()).bytes, "a\n\ntwo\n");
 }
 
+TEST_F(FoldersTest, AFileThatIsMissedBeforeItIsFoundElsewhereIsMissedAgainWhenItGoes) {
+  Run run(*this);
+  folder.write("a.md", "a\n");
+  fs::create_directory(folder / "sub");
+  run.application.serveFolder(folder.path());
+  fs::rename(folder / "a.md", folder / "sub/a.md");
+  run.scheduler.runTimers();
+  run.scheduler.runPosted();
+  run.scheduler.runTimers();
+  fs::remove(folder / "sub/a.md");
+  run.scheduler.runTimers();
+  run.scheduler.runTimers();
+  EXPECT_THAT(run.names(), IsEmpty());
+}
+
 TEST_F(FoldersTest, TheNextRunOpensWhatWasOpen) {
   const tests::TemporaryDirectory files;
   folder.write("a.md", "a\n");
