@@ -1,5 +1,6 @@
 #include <csignal>
 #include <cstdio>
+#include <filesystem>
 #include <thread>
 
 #include "document/timestamp.h"
@@ -62,16 +63,28 @@ void printOutline(const json::Node& outline) {
   for (const json::Node& fault : faults) print("          " + shown(fault.string().value_or("")));
 }
 
+/// Its path, and why it cannot be read, where it cannot.
+void printFolder(const std::string& path) {
+  std::error_code fault;
+  const std::filesystem::directory_iterator readable(path, fault);
+  print("folder    " + shown(path) + (fault ? ": " + fault.message() : std::string()));
+}
+
+void printUnreadable(const json::Node& file) {
+  print("FAULT     " + shown(stringOf(file, "path")));
+  print("          " + shown(stringOf(file, "fault")));
+}
+
 void printStatus(const json::Node& status) {
   const auto process = status.find("process");
   print("process   " + std::to_string(process ? process->integer().value_or(0) : 0));
   print("since     " + localTime(stringOf(status, "since")));
   print("socket    " + shown(stringOf(status, "socket")));
-  for (const json::Node& folder : elementsOf(status, "folders"))
-    print("folder    " + shown(folder.string().value_or("")));
+  for (const json::Node& folder : elementsOf(status, "folders")) printFolder(folder.string().value_or(""));
   const std::vector<json::Node> outlines = elementsOf(status, "outlines");
   print("serves    " + plural(outlines.size(), "outline"));
-  if (!outlines.empty()) print("");
+  const std::vector<json::Node> unreadable = elementsOf(status, "unreadable");
+  if (!outlines.empty() || !unreadable.empty()) print("");
   std::size_t left = 0;
   for (const json::Node& outline : outlines) {
     const bool plain = flagOf(outline, "saved") && elementsOf(outline, "faults").empty();
@@ -81,6 +94,7 @@ void printStatus(const json::Node& status) {
       printOutline(outline);
     }
   }
+  for (const json::Node& file : unreadable) printUnreadable(file);
   if (left > 0) print("saved     " + std::to_string(left) + " others; --json lists them");
 }
 

@@ -16,14 +16,6 @@ constexpr int pauseFactor = 20;
 /// Files that the application takes over at a time.
 constexpr std::size_t batch = 20;
 
-FoundFile readFound(const std::string& path) {
-  try {
-    return {path, OpenOutline::read(path), {}};
-  } catch (const Problem& problem) {
-    return {path, nullptr, problem.what()};
-  }
-}
-
 void checkFolder(const std::string& folder) {
   std::error_code error;
   if (std::filesystem::is_directory(folder, error)) return;
@@ -63,7 +55,7 @@ std::vector<FoundFile> Folders::add(const std::string& folder) {
   try {
     for (const std::string& path : paths) {
       throwIfAbandoned();
-      files.push_back(readFound(path));
+      files.push_back(read(path));
     }
   } catch (const Abandoned&) {
     remove(folder);
@@ -82,6 +74,20 @@ void Folders::remove(const std::string& folder) {
   newFiles();  // are those of the other folders
 }
 
+FoundFile Folders::read(const std::string& path) {
+  const FileStamp stamp = stampOf(path);
+  FoundFile file{path, nullptr, {}};
+  try {
+    file.outline = OpenOutline::read(path);
+  } catch (const Problem& problem) {
+    file.fault = problem.what();
+  }
+  const std::lock_guard lock(mutex_);
+  unreadable_.erase(path);
+  if (!file.outline) unreadable_[path] = {stamp, file.fault};
+  return file;
+}
+
 /// To be called with `scanning_` held.
 std::vector<std::string> Folders::newFiles() {
   std::set<std::string> now;
@@ -91,6 +97,7 @@ std::vector<std::string> Folders::newFiles() {
   std::vector<std::string> added;
   std::set_difference(now.begin(), now.end(), known_.begin(), known_.end(), std::back_inserter(added));
   known_ = std::move(now);
+  std::erase_if(unreadable_, [this](const auto& file) { return !known_.contains(file.first); });
   return added;
 }
 
@@ -114,8 +121,14 @@ void Folders::work() {
   }
 }
 
+/// Whether a file is to be taken for new: one that was forgotten, or that could not be read and has changed.
 bool Folders::takeForgotten() {
   const std::lock_guard lock(mutex_);
+  for (const auto& [path, file] : unreadable_) {
+    if (stampOf(path) == file.stamp) continue;
+    known_.erase(path);
+    forgotten_ = true;
+  }
   return std::exchange(forgotten_, false);
 }
 
@@ -134,7 +147,7 @@ bool Folders::lookAt(FolderScan& scan) {
 void Folders::readNew(const std::vector<std::string>& paths) {
   std::vector<FoundFile> files;
   for (const std::string& path : paths) {
-    files.push_back(readFound(path));
+    files.push_back(read(path));
     if (files.size() < batch && &path != &paths.back()) continue;
     post(std::exchange(files, {}));
     const std::lock_guard lock(mutex_);
@@ -165,6 +178,13 @@ bool Folders::cover(const std::string& path) const {
 bool Folders::hold(const std::string& path) const {
   const std::lock_guard lock(mutex_);
   return known_.contains(path);
+}
+
+std::map<std::string, std::string> Folders::unreadable() const {
+  const std::lock_guard lock(mutex_);
+  std::map<std::string, std::string> faults;
+  for (const auto& [path, file] : unreadable_) faults.emplace(path, file.fault);
+  return faults;
 }
 
 void Folders::forget(const std::string& path) {

@@ -2,6 +2,7 @@
 
 #include <condition_variable>
 #include <functional>
+#include <map>
 #include <memory>
 #include <mutex>
 #include <optional>
@@ -51,10 +52,18 @@ class Folders {
   bool hold(const std::string& path) const;
   /// Takes the file for new if it is found again.
   void forget(const std::string& path);
+  /// The files found that could not be read, and why. Each is tried again when it has changed.
+  std::map<std::string, std::string> unreadable() const;
 
  private:
+  struct Unreadable {
+    FileStamp stamp;
+    std::string fault;
+  };
+
   void remove(const std::string& folder);
   void work();
+  FoundFile read(const std::string& path);
   bool takeForgotten();
   bool lookAt(FolderScan& scan);
   std::vector<std::string> newFiles();
@@ -70,6 +79,7 @@ class Folders {
   mutable std::mutex mutex_;      ///< for what follows
   std::vector<std::string> paths_;
   std::set<std::string> known_;
+  std::map<std::string, Unreadable> unreadable_;
   bool forgotten_ = false;  ///< a file was, since the last look
   bool ending_ = false;
   std::condition_variable ended_;

@@ -101,6 +101,15 @@ TEST_F(FoldersTest, OutlinesComeAndGoWithTheirFiles) {
     EXPECT_EQ(run.application.serveFolder(same), 2U);
   EXPECT_THAT(run.names(), ElementsAre("a.md", "b.md"));
   EXPECT_THAT(logged, ElementsAre(testing::StartsWith("Cannot open " + (folder / "bad.txt"))));
+  EXPECT_THAT(run.application.folders().unreadable(),
+              ElementsAre(testing::Pair(folder / "bad.txt", logged.back())));
+
+  // One that could not be read is read once it has changed.
+  folder.write("bad.txt", "good\n");
+  run.scheduler.runPosted();
+  EXPECT_THAT(run.names(), ElementsAre("a.md", "b.md", "bad.txt"));
+  EXPECT_THAT(run.application.folders().unreadable(), IsEmpty());
+  run.application.close(*run.application.findByPath(folder / "bad.txt"), false);
 
   folder.write("sub/c.md", "c\n");
   run.scheduler.runPosted();

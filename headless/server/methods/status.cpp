@@ -29,8 +29,11 @@ std::string headlessStatus(const Call& call) {
       .member("process", getpid())
       .member("since", document::formatTimestamp(application.since()))
       .member("socket", platform::applicationSocketPath())
-      .member("version", application.settings().version)
-      .endObject();
+      .key("unreadable")
+      .beginArray();
+  for (const auto& [path, fault] : application.folders().unreadable())
+    writer.beginObject().member("fault", fault).member("path", path).endObject();
+  writer.endArray().member("version", application.settings().version).endObject();
   return text;
 }
 
