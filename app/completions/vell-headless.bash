@@ -3,7 +3,10 @@
 _vell_headless() {
   local words files=
   case $COMP_CWORD:${COMP_WORDS[1]}:${COMP_WORDS[2]} in
-    1:*) words='status stop log service --fresh --help --version' files=yes ;;
+    1:*) words='status stop log service help --fresh --help --version' files=yes ;;
+    2:help:*) words='status stop log service' ;;
+    3:help:service) words='install remove status' ;;
+    *:help:*) words= ;;
     *:status:*) words='--json --help' ;;
     *:stop:*) words='--timeout --help' ;;
     *:log:*) words='--follow --help' ;;

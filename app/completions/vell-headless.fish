@@ -7,7 +7,7 @@ end
 
 function __vell_headless_takes_no_files
     set -l words (commandline -opc)
-    contains -- "$words[2]" status stop log; or begin
+    contains -- "$words[2]" status stop log help; or begin
         test "$words[2]" = service; and test "$words[3]" != install
     end
 end
@@ -20,6 +20,8 @@ complete -c vell-headless -n __fish_use_subcommand -a status -d 'Tell what is se
 complete -c vell-headless -n __fish_use_subcommand -a stop -d 'End it when everything is saved'
 complete -c vell-headless -n __fish_use_subcommand -a log -d 'Print the log'
 complete -c vell-headless -n __fish_use_subcommand -a service -d 'Run it from login on'
+complete -c vell-headless -n __fish_use_subcommand -a help -d 'Show help, of a command too'
+complete -c vell-headless -n '__vell_headless_command help' -a 'status stop log service'
 complete -c vell-headless -n '__vell_headless_command status' -l json -d 'As one line of JSON'
 complete -c vell-headless -n '__vell_headless_command stop' -x -l timeout -d 'How long to wait, in seconds'
 complete -c vell-headless -n '__vell_headless_command log' -s f -l follow -d 'Go on with what is logged from now on'

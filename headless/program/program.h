@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "headless/editing/problem.h"
+
 namespace vell::headless {
 
 // What `vell-headless` does for the person who starts it, a function a command. Each prints, and returns the
@@ -35,7 +37,15 @@ int installService(const std::vector<std::string>& paths);
 int removeService();
 int showService();
 
-/// Standardised paths. Throws Problem where one of them leads to nothing.
+/// A file or folder that somebody named is not there.
+class NoSuchPath : public Problem {
+ public:
+  NoSuchPath(const std::string& path, std::string asTyped)
+      : Problem("No such file or folder: " + path), typed(std::move(asTyped)) {}
+  const std::string typed;
+};
+
+/// Standardised paths. Throws NoSuchPath where one of them leads to nothing.
 std::vector<std::string> existingPaths(const std::vector<std::string>& paths);
 
 /// A line on standard error.

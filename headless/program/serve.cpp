@@ -131,7 +131,7 @@ void makeContainer() {
   }
 }
 
-int handOverTo(const platform::Descriptor& other, const std::vector<std::string>& paths) {
+int handOverTo(const platform::Descriptor& other, const std::vector<std::string>& paths, bool fresh) {
   const auto process = holderOf(platform::applicationSocketPath());
   const std::string runs =
       "Vell runs already" + (process ? " (process " + std::to_string(*process) + ")" : std::string());
@@ -140,6 +140,7 @@ int handOverTo(const platform::Descriptor& other, const std::vector<std::string>
   const std::vector<std::string> faults = handOver(paths, other, otherOpens);
   for (const std::string& fault : faults) warn(fault);
   if (!faults.empty()) return 1;
+  if (fresh) warn("--fresh counts when it starts: what is open stays open.");
   warn(runs + " and serves that now, too. \"vell-headless status\" shows what it serves.");
   return 0;
 }
@@ -154,7 +155,8 @@ int serve(const ServeOptions& options) {
   do {
     if (auto socket = ApplicationSocket::claim(socketPath))
       return serveAt(std::move(*socket), options, paths);
-    if (const platform::Descriptor other = connectTo(socketPath)) return handOverTo(other, paths);
+    if (const platform::Descriptor other = connectTo(socketPath))
+      return handOverTo(other, paths, options.fresh);
     std::this_thread::sleep_for(milliseconds(50));
   } while (EventLoop::Clock::now() < end);
   throw Problem("Process " + std::to_string(holderOf(socketPath).value_or(0)) + " holds " + socketPath +
@@ -168,10 +170,7 @@ std::vector<std::string> existingPaths(const std::vector<std::string>& paths) {
   for (const std::string& path : paths) {
     if (path.empty()) throw Problem("A path is empty: name a file or a folder");
     standardised.push_back(standardisedPath(path));
-    if (stampOf(standardised.back()) != FileStamp()) continue;
-    const bool isWord = path.find_first_of("/.") == std::string::npos;
-    throw Problem("No such file or folder: " + standardised.back() +
-                  (isWord ? " (commands are status, stop, log and service; see vell-headless --help)" : ""));
+    if (stampOf(standardised.back()) == FileStamp()) throw NoSuchPath(standardised.back(), path);
   }
   return standardised;
 }

@@ -1,7 +1,8 @@
 #include "platform/service.h"
 
+#include <algorithm>
+#include <cctype>
 #include <cstdio>
-#include <filesystem>
 
 #include "headless/editing/problem.h"
 #include "headless/program/program.h"
@@ -14,11 +15,22 @@ namespace {
 
 using platform::Command;
 
+/// As shells take it for one word.
+std::string quoted(const std::string& word) {
+  const bool plain = std::all_of(word.begin(), word.end(), [](unsigned char c) {
+    return std::isalnum(c) != 0 ||
+           std::string_view("-_./=:@%+,").find(static_cast<char>(c)) != std::string_view::npos;
+  });
+  if (plain && !word.empty()) return word;
+  std::string text = "'";
+  for (const char c : word) text += c == '\'' ? "'\\''" : std::string(1, c);
+  return text + "'";
+}
+
 std::string shown(const Command& command) {
   std::string text;
   for (const std::string& word : command) {
-    const bool plain = word.find_first_of(" \t\"'\\$") == std::string::npos;
-    text.append(text.empty() ? "" : " ").append(plain ? word : "'" + word + "'");
+    text.append(text.empty() ? "" : " ").append(quoted(word));
   }
   return text;
 }
@@ -61,7 +73,7 @@ std::string startCommands(const platform::ServiceSetup& setup, bool again) {
 int installService(const std::vector<std::string>& paths) {
   const platform::ServiceSetup setup = setupFor(existingPaths(paths));
   const std::string start = startCommands(setup, isInstalled(setup));
-  std::filesystem::create_directories(folderOf(setup.file));
+  makeDirectories(folderOf(setup.file));
   replaceFile(setup.file, {setup.text});
   print("Wrote " + setup.file);
   if (runAll(setup.afterWriting)) {

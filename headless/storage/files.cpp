@@ -35,13 +35,6 @@ std::string readAll(int descriptor, std::size_t expected, const std::string& pat
   return bytes;
 }
 
-void makeDirectories(const std::string& path) {
-  if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return;
-  if (errno != ENOENT || path == "/") throw systemProblem("Cannot make " + path);
-  makeDirectories(folderOf(path));
-  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) throw systemProblem("Cannot make " + path);
-}
-
 }  // namespace
 
 void forEachBlock(const Pieces& content, const std::function<void(std::string_view block)>& use) {
@@ -101,6 +94,13 @@ void removeFile(const std::string& path) {
   std::error_code error;
   std::filesystem::remove(path, error);
   if (error) throw Problem("Cannot remove " + path + ": " + error.message());
+}
+
+void makeDirectories(const std::string& path) {
+  if (mkdir(path.c_str(), 0700) == 0 || errno == EEXIST) return;
+  if (errno != ENOENT || path == "/") throw systemProblem("Cannot make " + path);
+  makeDirectories(folderOf(path));
+  if (mkdir(path.c_str(), 0700) != 0 && errno != EEXIST) throw systemProblem("Cannot make " + path);
 }
 
 void makePrivateDirectory(const std::string& path) {

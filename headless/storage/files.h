@@ -95,7 +95,10 @@ FileStamp createFile(const std::string& path, const Pieces& content);
 /// Removes the file; a missing one is fine. Throws Problem.
 void removeFile(const std::string& path);
 
-/// Makes the directory with those above it, for this user alone; an existing one is closed to others.
+/// Makes the directory with those above it, each that is missing for this user alone. Throws Problem.
+void makeDirectories(const std::string& path);
+
+/// The same; an existing one is closed to others.
 /// Throws Problem.
 void makePrivateDirectory(const std::string& path);
 

@@ -161,6 +161,7 @@ TEST_P(CompletionIn, InsertsWhatBeginsLikeTheWord) {
       {"vell-headless my\t", "<my notes.md>"},
       {"vell-headless sto\t--t\t5", "<stop><--timeout><5>"},
       {"vell-headless log --fol\tx", "<log><--follow><x>"},
+      {"vell-headless hel\tser\tx", "<help><service><x>"},
       {"vell-headless service ins\tfol\tin\tm\t", "<service><install><folder/inner.md><my notes.md>"},
   };
   Shell shell(GetParam(), home_);

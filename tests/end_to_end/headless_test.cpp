@@ -58,15 +58,46 @@ TEST(Headless, ItsCommandsSayThatItDoesNotRun) {
   EXPECT_EQ(stop.output + stop.error, hint);
   const std::string log = platform::containerDirectory() + "/vell.log";
   EXPECT_EQ(headless({"log"}).error, "vell-headless: nothing was logged yet in " + log + "\n");
-  for (const std::vector<std::string>& wrong : {std::vector<std::string>{"stop", "--timeout", "0"},
-                                                {"status", "more"},
-                                                {home.path(), "stop"},
-                                                {"service"}})
-    EXPECT_EQ(headless(wrong).status, 64) << testing::PrintToString(wrong);
-  const Ended word = headless({"statsu"});
-  EXPECT_EQ(word.status, 1);
-  EXPECT_THAT(word.error,
-              HasSubstr("(commands are status, stop, log and service; see vell-headless --help)"));
+}
+
+TEST(Headless, SaysWhatIsWrongWithACommandLine) {
+  const TemporaryHome home;
+  home.write(".config", "");  // where services would be described, on Linux
+  home.write("Library/LaunchAgents", "");
+  const struct {
+    std::vector<std::string> arguments;
+    int status;
+    std::string says;
+  } rows[] = {
+      {{"stop", "--timeout", "0"}, 64, "vell-headless: --timeout: "},
+      {{"stop", "--timeout"}, 64, "vell-headless: --timeout: "},
+      {{"stop", "now"}, 64, "Unexpected argument 'now'.\nSee 'vell-headless stop --help'"},
+      {{"status", "--jsn"},
+       64,
+       "Unknown option '--jsn'. Did you mean '--json'?\nSee 'vell-headless status --help'"},
+      {{"--frehs=1"}, 64, "Unknown option '--frehs'. Did you mean '--fresh'?\nSee 'vell-headless --help'"},
+      {{home.path(), "stop"}, 64, "A command takes the place of files and folders"},
+      {{"service"}, 64, "Write a command behind 'service': install, remove or status."},
+      {{"service", "instal"},
+       64,
+       "Unknown command 'instal'. Did you mean 'install'?\nSee 'vell-headless service --help'"},
+      {{"help", "service", "remov"}, 64, "Unknown command 'remov'. Did you mean 'remove'?"},
+      {{"statsu"},
+       1,
+       "No such file or folder: " + fs::current_path().string() + "/statsu. Did you mean 'status'?"},
+      {{"nothing"}, 1, "(commands are status, stop, log and service; see vell-headless --help)"},
+      {{"service", "install", "nothing"}, 1, fs::current_path().string() + "/nothing\n"},
+      {{"service", "install"}, 1, "vell-headless: Cannot "},
+      {{""}, 1, "A path is empty: name a file or a folder"},
+      {{"help", "service", "install"}, 0, "vell-headless service install [OPTIONS] [PATH...]"},
+      {{"help"}, 0, "vell-headless service install ~/notes"},
+      {{"log", "-h"}, 0, "vell-headless log -f"},
+  };
+  for (const auto& [arguments, status, says] : rows) {
+    const Ended ended = headless(arguments);
+    EXPECT_EQ(ended.status, status) << testing::PrintToString(arguments);
+    EXPECT_THAT(ended.output + ended.error, HasSubstr(says)) << testing::PrintToString(arguments);
+  }
 }
 
 TEST(Headless, OpensAgainWhatWasOpenHoweverItEnded) {
