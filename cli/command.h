@@ -31,6 +31,8 @@ struct Option {
   std::string_view missing{};
   /// The only values taken; empty when any is.
   std::span<const std::string_view> choices{};
+  /// Values that shells offer; others are taken, too.
+  std::span<const std::string_view> suggestions{};
   /// Whether the value is a file's path, so that shells complete it.
   bool file = false;
 

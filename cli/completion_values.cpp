@@ -187,20 +187,13 @@ Candidates attributeSettings(const TypedValue& value) {
   return candidates;
 }
 
-Candidates rowTypes(const TypedValue&) {
-  return {{"body"}, {"heading"}, {"task"}, {"note"}, {"quote"}, {"code"}, {"hr"}, {"ordered"}, {"unordered"}};
-}
-
-Candidates positions(const TypedValue&) { return {{"start"}, {"end"}}; }
-
 constexpr struct {
   std::string_view value;
   Candidates (*offered)(const TypedValue&);
 } sources[] = {
     {"row-ref", rowReferences},       {"row-refs", rowReferences}, {"path", outlinePaths},
     {"outline-id", outlines},         {"editor-id", editors},      {"ids", editorCommands},
-    {"key=value", attributeSettings}, {"key", attributeKeys},      {"type", rowTypes},
-    {"position", positions},
+    {"key=value", attributeSettings}, {"key", attributeKeys},
 };
 
 }  // namespace
@@ -209,7 +202,8 @@ std::optional<Candidates> valuesFor(const TypedValue& value) {
   const Option& option = value.option;
   if (option.file) return std::nullopt;
   Candidates candidates;
-  for (const std::string_view choice : option.choices) candidates.push_back({std::string(choice)});
+  for (const auto& words : {option.choices, option.suggestions})
+    for (const std::string_view word : words) candidates.push_back({std::string(word)});
   if (!candidates.empty()) return candidates;
   const auto source = std::find_if(std::begin(sources), std::end(sources),
                                    [&](const auto& entry) { return entry.value == option.value; });

@@ -62,8 +62,10 @@ const Command outline{
 
 constexpr Option parent{
     .name = "--parent", .value = "row-ref", .help = "Parent row ref (default: outline root)."};
-constexpr Option position{
-    .name = "--position", .value = "position", .help = "Position: start | end | <integer index>."};
+constexpr Option position{.name = "--position",
+                          .value = "position",
+                          .help = "Position: start | end | <integer index>.",
+                          .suggestions = positionNames};
 constexpr Option before{.name = "--before", .value = "row-ref", .help = "Insert before this sibling."};
 constexpr Option after{.name = "--after", .value = "row-ref", .help = "Insert after this sibling."};
 

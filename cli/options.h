@@ -22,6 +22,9 @@ inline constexpr Option prettyOption{
 inline constexpr Option outlineOption{
     .name = "--outline", .value = "outline-id", .help = "Outline persistant id (default: frontmost)."};
 
+/// Positions that are words.
+inline constexpr std::string_view positionNames[] = {"start", "end"};
+
 /// Rows to change.
 inline constexpr Option rowsArgument{.name = "rows",
                                      .value = "row-refs",

@@ -75,13 +75,17 @@ constexpr Option append{.name = "--append",
 constexpr Option prepend{.name = "--prepend",
                          .value = "markdown-or-json",
                          .help = "Prepend to the row's text. Same input forms as --text."};
+constexpr std::string_view rowTypes[] = {"body", "heading", "task",    "note",     "quote",
+                                         "code", "hr",      "ordered", "unordered"};
+
 constexpr Option type{
     .name = "--type",
     .value = "type",
     .help =
         "Row type (body, heading, task, note, quote, code, hr, ordered, unordered). Switching to "
         "a type that carries no text (e.g. `hr`) clears the row's text; undo in Vell restores "
-        "it."};
+        "it.",
+    .suggestions = rowTypes};
 constexpr Option attr{.name = "--attr",
                       .value = "key=value",
                       .help = "Set attribute key=value (repeatable).",
