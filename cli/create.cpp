@@ -32,12 +32,23 @@ ipc::Answer created(const std::string& absolutePath, const std::string& kind, Co
   return outlines::createOutlineFile(application, absolutePath, kind, {.onPoll = line.whilePolling()});
 }
 
+/// Files are read as what their name says, but for those that begin as .vell files do, and those whose name
+/// says nothing.
+void warnOfOtherName(const std::string& absolutePath, const std::string& kind, Console& console) {
+  if (kind == "vell") return;
+  const std::string readAs = outlines::formatOfName(absolutePath).value_or(kind == "markdown" ? "txt" : kind);
+  if (readAs == kind) return;
+  console.say("warning: " + absolutePath + " was written as " + kind + " but is read as " + readAs +
+              " because of its name. For " + kind + ", let the name end in ." + kind + "\n");
+}
+
 void createOutlineAt(const std::string& where, const Arguments& arguments, Console& console) {
   if (where.empty()) throw UsageError("The path is empty.");
   const std::string absolutePath = outlines::absolutize(where);
   const std::string kind = arguments.value(format).value_or(outlines::formatForPath(absolutePath));
   const ipc::Answer outline = created(absolutePath, kind, console);
   GlobalOptions(arguments, console).print(outline.result());
+  warnOfOtherName(absolutePath, kind, console);
 }
 
 void createOutline(const Arguments& arguments, Console& console) {

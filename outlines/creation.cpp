@@ -63,13 +63,16 @@ class NewFile {
 
 }  // namespace
 
-std::string formatForPath(const std::string& path) {
+std::optional<std::string> formatOfName(const std::string& path) {
   const std::string extension = lowerCase(std::filesystem::path(path).extension().string());
-  for (const char* format : {"vell", "opml", "json", "markdown"}) {
+  for (const char* format : {"vell", "opml", "json", "markdown", "txt"}) {
     if (extension == std::string(".") + format) return format;
   }
-  return extension == ".md" ? "markdown" : "txt";
+  if (extension == ".md") return "markdown";
+  return std::nullopt;
 }
+
+std::string formatForPath(const std::string& path) { return formatOfName(path).value_or("txt"); }
 
 ipc::Answer createOutlineFile(ipc::Application& application, const std::string& absolutePath,
                               const std::string& format, const OpenOptions& options) {

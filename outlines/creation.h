@@ -1,5 +1,6 @@
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "outlines/opening.h"
@@ -7,7 +8,10 @@
 namespace vell::outlines {
 
 /// The file format that a path's extension stands for, letter case ignored: vell, opml, json, txt, markdown
-/// (also for "md"); txt where it stands for none.
+/// (also for "md").
+std::optional<std::string> formatOfName(const std::string& path);
+
+/// The same; txt where it stands for none.
 std::string formatForPath(const std::string& path);
 
 /// Writes a new empty outline of that format to an absolute path at which nothing is, and opens it. The

@@ -168,13 +168,26 @@ TEST(Requests, OfOpening) {
 }
 
 TEST(Requests, OfCreatingAnOutlineAtAPath) {
-  const std::pair<std::string, std::string> cases[] = {
-      {"a.md", "markdown"},       {"a.markdown", "markdown"}, {"a.VELL", "vell"},
-      {".vell", "txt"},           {"a.json", "json"},         {"a.OPML", "opml"},
-      {"a.opml -f json", "json"}, {"a.doc", "txt"},           {"a", "txt"},
+  const struct {
+    std::string arguments, format;
+    std::string readAs{};  // where the name says something else
+  } cases[] = {
+      {"a.md", "markdown"},
+      {"a.markdown", "markdown"},
+      {"a.VELL", "vell"},
+      {".vell", "txt"},
+      {"a.json", "json"},
+      {"a.OPML", "opml"},
+      {"a.doc", "txt"},
+      {"a", "txt"},
+      {"a.opml -f json", "json", "opml"},
+      {"b.MD -f opml", "opml", "markdown"},
+      {"b -f markdown", "markdown", "txt"},
+      {"b.doc -f opml", "opml"},
+      {"b.txt -f vell", "vell"},
   };
   tests::TemporaryHome home;
-  for (const auto& [arguments, format] : cases) {
+  for (const auto& [arguments, format, readAs] : cases) {
     const std::string file = home / arguments.substr(0, arguments.find(' '));
     const std::string line = "create outline " + (home / arguments);
     const Outcome away = run(line);
@@ -183,7 +196,12 @@ TEST(Requests, OfCreatingAnOutlineAtAPath) {
     EXPECT_NE(access(file.c_str(), F_OK), 0) << line;
 
     FakeApplication application(answerOpening);
-    EXPECT_EQ(run(line).out, summary) << line;
+    const Outcome created = run(line);
+    EXPECT_EQ(created.out, summary) << line;
+    EXPECT_EQ(created.err, readAs.empty() ? ""
+                                          : "warning: " + file + " was written as " + format +
+                                                " but is read as " + readAs + " because of its name. For " +
+                                                format + ", let the name end in ." + format + "\n");
     EXPECT_EQ(brief(application.requests().at(0)),
               "outline.newContent\",\"params\":{\"format\":\"" + format + "\"}");
     EXPECT_EQ(run("create rows -f " + file).status, 0) << line;
