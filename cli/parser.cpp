@@ -86,7 +86,14 @@ class Parser {
       if (!option->positional() || (!option->repeats() && line_.arguments.has(*option))) continue;
       return line_.arguments.add(*option, token.values);
     }
-    refuse("Unexpected argument '" + token.values.front() + "'.");
+    refuse("Unexpected argument '" + token.values.front() + "'." +
+           (takesArguments() ? " Text with blanks goes in quotes." : ""));
+  }
+
+  bool takesArguments() const {
+    const auto& options = line_.command->options;
+    return std::any_of(options.begin(), options.end(),
+                       [](const Option* option) { return option->positional(); });
   }
 
   void check(const Option& option) {
@@ -121,10 +128,7 @@ class Parser {
     std::vector<std::string_view> names;
     for (const Option* option : namedOptions(*line_.command)) names.push_back(option->name);
     std::string hint = didYouMean(name, names);
-    const auto& options = line_.command->options;
-    const bool takesArguments = std::any_of(options.begin(), options.end(),
-                                            [](const Option* option) { return option->positional(); });
-    if (hint.empty() && takesArguments) hint = " Arguments that begin with '-' go behind '--'.";
+    if (hint.empty() && takesArguments()) hint = " Arguments that begin with '-' go behind '--'.";
     refuse("Unknown option '" + name + "'." + hint);
   }
 
