@@ -170,6 +170,53 @@ TEST_P(Documentation, NamesCommandsThatExist) {
   }
 }
 
+/// The command lines of a manual page: behind "$ ", in a display or a line of their own, continued where the
+/// next line is indented.
+std::vector<Example> manualExamples(const std::string& page) {
+  std::vector<Example> found;
+  std::istringstream lines(page);
+  const std::regex command("(?:\\.Dl )?\\$ (.*)");
+  std::size_t number = 0;
+  for (std::string line; std::getline(lines, line);) {
+    ++number;
+    line = std::regex_replace(line, std::regex("\\\\e"), "\\");
+    std::smatch parts;
+    if (std::regex_match(line, parts, command)) {
+      found.push_back({number, parts[1], ""});
+    } else if (line.starts_with("    ") && !found.empty() && found.back().line + 1 == number) {
+      found.back().command += "\n" + line;
+    }
+  }
+  return found;
+}
+
+/// A command that goes on until it is interrupted, or sets up the user's services, only explains itself.
+std::string endingAtOnce(std::string command) {
+  const std::regex lasting("^(vell observe [^|]*|vell-headless (?:~|service)[^|]*).*");
+  return std::regex_replace(command, lasting, "$1 --help ");
+}
+
+// One after the other, in the order of the page, over the sample outlines.
+TEST(ManualPages, ShowCommandsThatWork) {
+  const TemporaryHome home;
+  fs::create_directory(home / "notes");
+  copySamples(home);
+  home.write("packing.md", "- [ ] Tent\n- [ ] Stove\n");
+  const Application application({home / "groceries.vell"});
+  const std::string path = fs::path(VELL).parent_path().string() + ":" +
+                           fs::path(VELL_HEADLESS).parent_path().string() + ":" + std::getenv("PATH");
+  for (const char* name : {"vell.1", "vell-headless.1"}) {
+    const auto examples = manualExamples(contentOf(std::string(VELL_SOURCE) + "/docs/man/" + name));
+    EXPECT_FALSE(examples.empty()) << name;
+    for (const Example& example : examples) {
+      const std::string script = "cd; set -o pipefail; " + endingAtOnce(example.command);
+      const Ended ended = Process("/usr/bin/env", {"PATH=" + path, "bash", "-c", script}).wait();
+      EXPECT_EQ(ended.status, 0) << name << ":" << example.line << ": " << example.command << "\n"
+                                 << ended.error;
+    }
+  }
+}
+
 INSTANTIATE_TEST_SUITE_P(, Documentation,
                          testing::Values("README.md", "docs/agents.md", "docs/formats.md", "docs/headless.md",
                                          "docs/mcp.md", "docs/outline_path.md", "docs/protocol.md",
