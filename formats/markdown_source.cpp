@@ -175,8 +175,9 @@ bool MarkdownSource::isInListWith(const MarkdownPlace& row, const MarkdownPlace&
 }
 
 std::size_t MarkdownSource::listGap(const MarkdownPlace& row) const {
-  if (indexOf(row) > 0 && isInListWith(row, *(&row - 1))) return lineEndsBefore(row);
-  if (!isLast(row) && isInListWith(row, *(&row + 1))) return lineEndsBehind(row);
+  if (indexOf(row) > 0 && isInListWith(row, *(&row - 1)))
+    return std::max<std::size_t>(lineEndsBefore(row), 1);
+  if (!isLast(row) && isInListWith(row, *(&row + 1))) return std::max<std::size_t>(lineEndsBehind(row), 1);
   return 1;
 }
 

@@ -79,7 +79,8 @@ class MarkdownSource {
 
   std::size_t lineEndsBefore(const MarkdownPlace& row) const;
   std::size_t lineEndsBehind(const MarkdownPlace& row) const;
-  /// Line ends between the row and an item of its list beside it, or a list in it; 1 where there is none.
+  /// Line ends between the row and an item of its list beside it, or a list in it; 1 where there is none or
+  /// both stand on one line.
   std::size_t listGap(const MarkdownPlace& row) const;
   /// Both are items, with nothing between them but other items of the same list.
   bool areInOneList(const MarkdownPlace& row, const MarkdownPlace& later) const;

@@ -87,9 +87,10 @@ void MarkdownWriter::separate(const std::string& prefix) {
     const bool isNext = before && read && read == before + 1;
     const std::string_view gap = isNext ? source_.between(*before, *read) : std::string_view();
     const std::size_t found = countLineEnds(gap);
-    // Its trailer has the line below, which ends no HTML by itself.
-    const bool endsInTrailer =
-        previous_.form == MarkdownForm::verbatim && !previous_.isCopied && out_.ends_with('}');
+    // A trailer below HTML that has ended is a paragraph, which goes on until something ends it.
+    const bool endsInTrailer = previous_.form == MarkdownForm::verbatim && !previous_.isCopied &&
+                               previous_.row->text().string().starts_with('<') && out_.ends_with('}') &&
+                               now_.form != MarkdownForm::item;
     const bool bothStand =
         isNext && caution_ < 2 && !endsInTrailer && previous_.form == before->form && now_.form == read->form;
     const bool isWhole = found > 0 || previous_.isCopied;

@@ -24,9 +24,11 @@ const UpdateCase cases[] = {
     {"the mark, where rows stand below it", "- a\n  - b\n\n# c\n\nd\n\n> e\n> - f\n",
      [](ChangedFile& rows) { rows.edit().setType(rows.row("a"), RowType::ordered); rows.edit().setType(rows.row("c"), RowType::body); rows.edit().setType(rows.row("e"), RowType::code); },
      "- a {type=ordered}\n  - b\n\n# c {type=body}\n\nd\n\n> e {type=code}\n> - f\n"},
-    {"trailers of HTML that blank lines do not end", "<!-- a -->\nb\n\n- <pre>\n  c\n\n  d\n  </pre>\n\n<!-- e -->\n\nf {g=h}\n",
+    {"trailers of HTML that blank lines do not end", "<!-- a -->\nb\n\n- <pre>\n  c\n\n  d\n  </pre>\n- i\n\n<!-- e -->\n\nf {g=h}\n",
      [](ChangedFile& rows) { for (const char* row : {"<!-- a -->", "<pre>\nc\n\nd\n</pre>", "<!-- e -->"}) rows.attributes(row, {{"x", "y"}}); },
-     "<!-- a -->\n{x=y}\n\nb\n\n- <pre>\n  c\n\n  d\n  </pre>\n  {x=y}\n\n<!-- e -->\n{x=y}\n\nf {g=h}\n"},
+     "<!-- a -->\n{x=y}\n\nb\n\n- <pre>\n  c\n\n  d\n  </pre>\n  {x=y}\n- i\n\n<!-- e -->\n{x=y}\n\nf {g=h}\n"},
+    {"an item that begins with another one", "a\n\n- - b\n  - c\n", [](ChangedFile& rows) { rows.edit().setText(*rows.row("b").parent(), Text("n")); },
+     "a\n\n- n\n  - b\n  - c\n"},
     // New rows.
     {"behind a section", "# a\n\nb\n\n# c\n\nd", [](ChangedFile& rows) { rows.create("", "e"); rows.create("", "f"); },
      "# a\n\nb\n\n# c\n\nd\n\ne {depth=0}\n\nf"},
