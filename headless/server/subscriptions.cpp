@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <ctime>
+#include <system_error>
 #include <vector>
 
 #include "headless/editing/problem.h"
@@ -157,7 +158,7 @@ void Subscriptions::start(const Subject& subject) {
           use->reset();
         },
         [this, subject, snapshot] { finish(subject, *snapshot); });
-  } catch (const Problem&) {  // no thread is left
+  } catch (const std::system_error&) {  // no thread is left
     --underway_;
     state.underway = false;
     state.stale = true;

@@ -35,7 +35,7 @@ class NotificationSink {
   /// Keeps the client connected although it has ended its input.
   virtual void keepOpen(std::uint64_t client, bool keep) = 0;
   /// Does the work, which may throw Abandoned, on a thread beside the loop and then calls `done` on the loop;
-  /// or both at once.
+  /// or both at once. Throws std::system_error where the system has no thread left.
   virtual void runBeside(std::function<void()> work, std::function<void()> done) = 0;
 };
 
