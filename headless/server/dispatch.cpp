@@ -141,11 +141,14 @@ Incoming::Turn Incoming::turn(Application& application, bool threadIsFree) {
     const NamedMethod& method = methodNamed(request_->method());
     const Params params = request_->params();
     OpenOutline* opened = method.use ? subject(application, params) : nullptr;
-    const bool isLong =
-        method.isLong ||
-        (opened != nullptr && (opened->outline().heldRows() > quicklyRead || params.mentionPath()));
-    if (isLong && !threadIsFree) return Turn::later;
+    const bool isCostly = method.isLong || (opened != nullptr && params.mentionPath());
+    if (isCostly && !threadIsFree) return Turn::later;
     if (opened != nullptr && !enter(application, *opened, *method.use)) return Turn::later;
+    const bool isLong = isCostly || (opened != nullptr && opened->outline().heldRows() > quicklyRead);
+    if (isLong && !threadIsFree) {
+      use_.reset();
+      return Turn::later;
+    }
     return isLong ? Turn::beside : Turn::now;
   } catch (const std::exception&) {
     return Turn::now;  // its answer will be an error

@@ -191,7 +191,7 @@ std::vector<Example> manualExamples(const std::string& page) {
 }
 
 /// A command that goes on until it is interrupted, or sets up the user's services, only explains itself.
-std::string endingAtOnce(std::string command) {
+std::string endingAtOnce(const std::string& command) {
   const std::regex lasting("^(vell observe [^|]*|vell-headless (?:~|service)[^|]*).*");
   return std::regex_replace(command, lasting, "$1 --help ");
 }
