@@ -5,7 +5,6 @@
 #include <system_error>
 #include <vector>
 
-#include "headless/editing/problem.h"
 #include "headless/editing/uuid.h"
 #include "headless/server/answers.h"
 #include "headless/server/outline_use.h"

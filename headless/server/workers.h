@@ -32,7 +32,6 @@ class Workers {
   /// Gives up every job and returns once they have ended; no `done` runs. The caller must not be running in
   /// the loop, whose callbacks hold the application.
   void endAll();
-  std::size_t count() const { return jobs_.size(); }
 
  private:
   struct Job {

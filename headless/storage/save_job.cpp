@@ -1,21 +1,6 @@
 #include "headless/storage/save_job.h"
 
-#include "headless/editing/problem.h"
-
 namespace vell::headless {
-namespace {
-
-/// Tells where the text is that could not be saved; nothing where it cannot be kept either.
-std::string keep(const SaveJob& job, const Pieces& content) {
-  try {
-    replaceFile(job.spare, content, 0600);
-    return unsavedIn(job.spare);
-  } catch (const std::exception&) {
-    return {};
-  }
-}
-
-}  // namespace
 
 SaveResult carryOut(SaveJob& job) {
   std::optional<formats::FileText> text;
@@ -33,10 +18,17 @@ SaveResult carryOut(SaveJob& job) {
     const bool anew = replaced->anew && job.expected != FileStamp();
     return {SaveResult::Kind::saved, replaced->stamp, {}, anew, hashOf(content)};
   } catch (const std::exception& failure) {
-    return {SaveResult::Kind::failed, {}, failure.what() + keep(job, content)};
+    return {SaveResult::Kind::failed, {}, failure.what() + keepUnsaved(job.spare, content)};
   }
 }
 
-std::string unsavedIn(const std::string& spare) { return ". What is not saved is in " + spare; }
+std::string keepUnsaved(const std::string& spare, const Pieces& content) {
+  try {
+    replaceFile(spare, content, 0600);
+    return ". What is not saved is in " + spare;
+  } catch (const std::exception&) {
+    return {};
+  }
+}
 
 }  // namespace vell::headless

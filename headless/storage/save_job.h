@@ -29,8 +29,9 @@ struct SaveResult {
   std::size_t contentHash = 0;  ///< `saved`: of the text
 };
 
-/// The sentence that tells people where the text is that could not be saved.
-std::string unsavedIn(const std::string& spare);
+/// Keeps what could not be saved, and returns the sentence that tells people where it is; nothing where it
+/// cannot be kept either.
+std::string keepUnsaved(const std::string& spare, const Pieces& content);
 
 /// Encodes and writes; never throws.
 SaveResult carryOut(SaveJob& job);

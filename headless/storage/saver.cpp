@@ -27,8 +27,7 @@ std::string keep(const OpenOutline& opened, const std::string& spare) {
   try {
     std::string text;
     opened.format().write(opened.outline(), formats::placeAll(opened.outline()), false, text);
-    replaceFile(spare, {text}, 0600);
-    return unsavedIn(spare);
+    return keepUnsaved(spare, {text});
   } catch (const std::exception&) {
     return {};
   }
